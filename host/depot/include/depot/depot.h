@@ -1,0 +1,113 @@
+#pragma once
+
+// The embedded depot: a revision-control server model kept in one SQLite file and used in-process
+// by every host that opens it. Several processes may open the same file at once.
+//
+// Every operation is one round trip: it runs in one transaction, whatever the length of its file
+// list, and either completes or leaves the depot as it was (also when the process dies midway or
+// the caller cancels). Operations never throw; they answer a Result (0 success, negative failure
+// with its text). Operations on files need a session ticket from login(); an unknown or expired
+// ticket, like an unreachable depot file, fails them with code::SessionUnusable (-34).
+//
+// Files are named by local paths, absolute or relative to the session's workspace root; every
+// workspace sees the whole depot below its root. Files open exclusively: a file open in one
+// workspace cannot be opened in another. A Depot object is used from one thread at a time.
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <depot/faultinjector.h>
+#include <depot/types.h>
+
+namespace hbrc::depot {
+
+struct DepotOptions
+{
+    // How long an operation waits for another process's write to finish before failing.
+    std::chrono::milliseconds busyTimeout{10000};
+    // Seconds since the epoch; the system clock when empty. Tests move time with it.
+    std::function<std::int64_t()> clock;
+};
+
+class Depot
+{
+public:
+    using Files = std::vector<std::string>;
+
+    // Creates a new, empty depot file; sessions last `sessionLifetime` after each log-in.
+    static Result create(const std::string& path, std::chrono::seconds sessionLifetime = std::chrono::hours(12));
+
+    // Connects lazily: when the file cannot be opened, every call fails with -34 until it can.
+    explicit Depot(std::string path, DepotOptions options = {});
+    ~Depot();
+    Depot(const Depot&) = delete;
+    Depot& operator=(const Depot&) = delete;
+
+    const std::string& path() const;
+
+    // Administration: whoever can open the depot file administers it, no session needed.
+    // An empty password lets the user log in with none.
+    Result addUser(const std::string& name, const std::string& password);
+    Result addWorkspace(const std::string& name, const std::string& owner, const std::string& root);
+    Result setSessionLifetime(std::chrono::seconds lifetime);
+
+    // Opens a session of `user` in their `workspace`. A wrong password fails with a text
+    // containing "Invalid password".
+    Result login(const std::string& user, const std::string& password, const std::string& workspace,
+                 std::string& ticket);
+    Result logout(const std::string& ticket);
+    // Fault injection: the ticket stops working now, in every process.
+    Result expireSession(const std::string& ticket);
+
+    // The head revisions of the files (all depot files for an empty list) into the workspace,
+    // read-only; files this workspace has open are left alone.
+    Result sync(const std::string& ticket, const Files& files, const CancelCheck& cancel = {});
+    // One status per file, in the order asked.
+    Result status(const std::string& ticket, const Files& files, std::vector<FileStatus>& statuses,
+                  const CancelCheck& cancel = {});
+    // Users of other workspaces holding the files (open or locked), sorted, per file.
+    Result holders(const std::string& ticket, const Files& files, std::vector<std::vector<std::string>>& users,
+                   const CancelCheck& cancel = {});
+
+    // Open files in a pending changelist of this workspace ("" = the default changelist). All
+    // files are opened, or none when one of them cannot be (the error names each refusal).
+    Result edit(const std::string& ticket, const Files& files, const ChangelistId& changelist,
+                const CancelCheck& cancel = {});
+    Result add(const std::string& ticket, const Files& files, const ChangelistId& changelist,
+               const CancelCheck& cancel = {});
+    Result remove(const std::string& ticket, const Files& files, const ChangelistId& changelist,
+                  const CancelCheck& cancel = {});
+    // Un-opens the files: edits and deletes get the workspace's revision back, read-only; adds
+    // only stop being open. Files not open are skipped.
+    Result revert(const std::string& ticket, const Files& files, const CancelCheck& cancel = {});
+    // Locks files this workspace has open, so that others see them as locked.
+    Result lock(const std::string& ticket, const Files& files, const CancelCheck& cancel = {});
+
+    // Submits every file of the pending changelist at once, giving each a new head revision.
+    // The default changelist needs a description; a numbered one keeps its own unless one is given.
+    Result submit(const std::string& ticket, const ChangelistId& changelist, const std::string& description,
+                  ChangelistId& submitted, const CancelCheck& cancel = {});
+
+    Result opened(const std::string& ticket, bool allWorkspaces, std::vector<OpenedFile>& files);
+    // Pending: this workspace's numbered changelists; submitted: every submitted change. Newest last.
+    Result changelists(const std::string& ticket, ChangelistState state, std::vector<Changelist>& changelists);
+    Result describe(const std::string& ticket, const ChangelistId& changelist, Changelist& description);
+    Result createChangelist(const std::string& ticket, const std::string& description, ChangelistId& created);
+    // True for "" and for this workspace's pending changelists; false for submitted or unknown ones.
+    Result changelistExists(const std::string& ticket, const ChangelistId& changelist, bool& exists);
+
+    // Round trips made through this object (every call above except create).
+    std::uint64_t roundTrips() const;
+    FaultInjector& faults();
+
+    struct Impl;
+
+private:
+    std::unique_ptr<Impl> d;
+};
+
+}  // namespace hbrc::depot

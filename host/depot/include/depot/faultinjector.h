@@ -1,0 +1,36 @@
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <optional>
+#include <string>
+
+#include <depot/types.h>
+
+namespace hbrc::depot {
+
+// Faults that tests and benchmarks inject into a depot connection: a delay in every round trip
+// (a slow server) and failures forced onto the next calls or onto one operation.
+class FaultInjector
+{
+public:
+    void setLatency(std::chrono::milliseconds perRoundTrip) { m_latency = perRoundTrip; }
+    std::chrono::milliseconds latency() const { return m_latency; }
+
+    // The next `count` round trips fail with `code` (e.g. code::SessionUnusable or code::IoError).
+    void failNextCalls(int count, int code, std::string message = {});
+    // Every call of `operation` fails with `code` until clear().
+    void failOperation(Operation operation, int code, std::string message = {});
+    void clear();
+
+    // Consumed once per round trip by the depot: the failure forced onto this call, if any.
+    std::optional<Result> takeForcedFailure(Operation operation);
+
+private:
+    std::chrono::milliseconds m_latency{0};
+    int m_failuresLeft = 0;
+    Result m_nextCallsFailure;
+    std::map<Operation, Result> m_operationFailures;
+};
+
+}  // namespace hbrc::depot

@@ -1,0 +1,97 @@
+#pragma once
+
+// Value types of the embedded depot's API: result codes, status bits, and what the list
+// questions answer.
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace hbrc::depot {
+
+// Result codes: 0 is success, every negative value a failure.
+namespace code {
+constexpr int Ok = 0;
+constexpr int Failed = -1;           // the request was refused: files in the wrong state, bad input
+constexpr int Cancelled = -2;        // the caller's cancel check asked to stop; nothing changed
+constexpr int IoError = -3;          // a workspace file could not be read or written
+constexpr int SessionUnusable = -34; // unknown or expired ticket, or the depot cannot be reached
+}  // namespace code
+
+struct Result
+{
+    int code = code::Ok;
+    std::string error;  // on failure why; on success possibly a remark (files skipped)
+
+    bool ok() const { return code >= 0; }
+};
+
+// Bits of a file's status word, seen from one workspace ("me") against every other one ("others").
+namespace status {
+constexpr std::uint32_t OpenedForEdit = 0x1;
+constexpr std::uint32_t OpenedByOthers = 0x2;
+constexpr std::uint32_t OpenedForAdd = 0x4;
+constexpr std::uint32_t AddedByOthers = 0x8;
+constexpr std::uint32_t OpenedForDelete = 0x10;
+constexpr std::uint32_t DeletedByOthers = 0x20;
+constexpr std::uint32_t NotAtHead = 0x40;
+constexpr std::uint32_t NotInDepot = 0x80;
+constexpr std::uint32_t IoError = 0x8000;
+constexpr std::uint32_t LockedByOthers = 0x20000;
+}  // namespace status
+
+enum class FileAction { Edit, Add, Delete };
+
+// Pending changelists are named by their number as text; the empty string is the default one.
+using ChangelistId = std::string;
+
+struct FileStatus
+{
+    std::uint32_t word = 0;
+    ChangelistId changelist;           // where this workspace has the file open ("" = default)
+    std::vector<std::string> holders;  // users of other workspaces that have it open or locked, sorted
+};
+
+struct OpenedFile
+{
+    std::string depotPath;  // "//depot/..."
+    std::string localPath;  // in the workspace that has it open
+    FileAction action = FileAction::Edit;
+    ChangelistId changelist;
+    std::string user;
+    std::string workspace;
+    bool locked = false;
+};
+
+struct ChangelistFile
+{
+    std::string depotPath;
+    FileAction action = FileAction::Edit;
+    int revision = 0;  // the revision a submitted change created; 0 while pending
+};
+
+enum class ChangelistState { Pending, Submitted };
+
+struct Changelist
+{
+    ChangelistId id;
+    std::string description;
+    std::string user;
+    std::string workspace;
+    ChangelistState state = ChangelistState::Pending;
+    std::vector<ChangelistFile> files;  // filled by describe only
+};
+
+// The operations of the depot, as fault injection names them.
+enum class Operation {
+    Administer, Login, Logout, Sync, Status, Edit, Add, Delete, Revert, Lock, Submit,
+    Opened, Changelists, Describe, CreateChangelist, ChangelistExists
+};
+
+// Polled between the steps of an operation; returning true cancels it and rolls it back.
+using CancelCheck = std::function<bool()>;
+
+const char* actionName(FileAction action);
+
+}  // namespace hbrc::depot

@@ -1,0 +1,243 @@
+// The depot's operations on workspace files: sync, status, opening, revert and lock.
+#include <depot/depot.h>
+
+#include <filesystem>
+
+#include "depoterror.h"
+#include "depotimpl.h"
+#include "filestate.h"
+#include "openrules.h"
+#include "pendingchange.h"
+#include "workspacefiles.h"
+
+namespace hbrc::depot {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// A workspace file to rewrite with a stored revision once every depot change of the call is known;
+// an empty content with `remove` set deletes it instead.
+struct PendingWrite
+{
+    fs::path local;
+    std::vector<char> content;
+    bool remove = false;
+};
+
+void applyWrites(const std::vector<PendingWrite>& writes)
+{
+    for (const PendingWrite& write : writes) {
+        if (write.remove)
+            workspacefiles::remove(write.local);
+        else
+            workspacefiles::writeReadOnly(write.local, write.content);
+    }
+}
+
+class RevisionContent
+{
+public:
+    explicit RevisionContent(Database& db) : m_select(db, "SELECT content FROM revisions WHERE path = ?1 AND rev = ?2")
+    {
+    }
+
+    std::vector<char> of(const std::string& key, std::int64_t revision)
+    {
+        m_select.bind(1, key).bind(2, revision);
+        if (!m_select.step())
+            throw DepotError(code::Failed, "The depot has lost revision #" + std::to_string(revision) + " of " +
+                                               depotPathOf(key));
+        std::vector<char> content = m_select.blob(0);
+        m_select.reset();
+        return content;
+    }
+
+private:
+    Statement m_select;
+};
+
+std::string joinLines(const std::vector<std::string>& lines)
+{
+    std::string text;
+    for (const std::string& line : lines)
+        text += (text.empty() ? "" : "\n") + line;
+    return text;
+}
+
+template <typename Visit>
+void forEachState(Call& call, const Depot::Files& files, Visit visit)
+{
+    FileStateReader reader(call.db(), call.workspace());
+    for (const std::string& file : files) {
+        call.checkpoint();
+        visit(file, reader.read(file));
+    }
+}
+
+}  // namespace
+
+Result Depot::sync(const std::string& ticket, const Files& files, const CancelCheck& cancel)
+{
+    return d->runInSession(Operation::Sync, Transaction::Kind::Write, ticket, cancel, [&](Call& call) {
+        const WorkspaceView& workspace = call.workspace();
+        Files wanted = files;
+        if (wanted.empty()) {
+            Statement all(call.db(), "SELECT path FROM files ORDER BY path");
+            while (all.step())
+                wanted.push_back(workspace.localPathOf(all.text(0)).string());
+        }
+        RevisionContent contents(call.db());
+        Statement setHave(call.db(), "INSERT INTO have(workspace, path, rev) VALUES (?1, ?2, ?3) "
+                                     "ON CONFLICT(workspace, path) DO UPDATE SET rev = excluded.rev");
+        Statement dropHave(call.db(), "DELETE FROM have WHERE workspace = ?1 AND path = ?2");
+        std::vector<PendingWrite> writes;
+        forEachState(call, wanted, [&](const std::string&, const FileState& state) {
+            if (!state.key || state.mine)
+                return;
+            const fs::path local = workspace.localPathOf(*state.key);
+            if (state.live()) {
+                if (state.haveIsHead() && fs::exists(local))
+                    return;
+                writes.push_back({local, contents.of(*state.key, *state.headRevision)});
+                setHave.bind(1, workspace.name()).bind(2, *state.key).bind(3, *state.headRevision).run();
+            } else if (state.haveRevision) {
+                writes.push_back({local, {}, true});
+                dropHave.bind(1, workspace.name()).bind(2, *state.key).run();
+            }
+        });
+        call.checkpoint();
+        applyWrites(writes);
+    });
+}
+
+Result Depot::status(const std::string& ticket, const Files& files, std::vector<FileStatus>& statuses,
+                     const CancelCheck& cancel)
+{
+    std::vector<FileStatus> answer;
+    answer.reserve(files.size());
+    const Result result = d->runInSession(Operation::Status, Transaction::Kind::Read, ticket, cancel, [&](Call& call) {
+        forEachState(call, files, [&](const std::string&, const FileState& state) {
+            FileStatus fileStatus{statusWord(state), {}, holdersOf(state)};
+            if (state.key && workspacefiles::hasIoError(call.workspace().localPathOf(*state.key)))
+                fileStatus.word |= status::IoError;
+            if (state.mine)
+                fileStatus.changelist = changelistIdOf(state.mine->change);
+            answer.push_back(std::move(fileStatus));
+        });
+    });
+    if (result.ok())
+        statuses = std::move(answer);
+    return result;
+}
+
+Result Depot::holders(const std::string& ticket, const Files& files, std::vector<std::vector<std::string>>& users,
+                      const CancelCheck& cancel)
+{
+    std::vector<std::vector<std::string>> answer;
+    const Result result = d->runInSession(Operation::Status, Transaction::Kind::Read, ticket, cancel, [&](Call& call) {
+        forEachState(call, files,
+                     [&](const std::string&, const FileState& state) { answer.push_back(holdersOf(state)); });
+    });
+    if (result.ok())
+        users = std::move(answer);
+    return result;
+}
+
+Result Depot::Impl::openFiles(Operation operation, FileAction action, const std::string& ticket, const Files& files,
+                              const ChangelistId& changelist, const CancelCheck& cancel)
+{
+    return runInSession(operation, Transaction::Kind::Write, ticket, cancel, [&](Call& call) {
+        const WorkspaceView& workspace = call.workspace();
+        const std::optional<std::int64_t> change = resolvePendingChange(call, changelist);
+        Statement open(call.db(), "INSERT INTO opened(workspace, path, user, action, change) VALUES (?1, ?2, ?3, ?4, ?5)");
+        std::vector<std::string> refusals;
+        int refusalCode = code::Failed;
+        std::vector<fs::path> opened;
+        // One reader, so that a file named twice is seen as already open the second time.
+        forEachState(call, files, [&](const std::string& file, const FileState& state) {
+            const std::string name = state.key ? depotPathOf(*state.key) : file;
+            const OpenDecision decision = decideOpen(action, state);
+            if (decision.kind == OpenDecision::Kind::AlreadyOpen)
+                return;
+            if (decision.kind == OpenDecision::Kind::Refuse) {
+                refusals.push_back(name + " " + decision.reason);
+                return;
+            }
+            const fs::path local = workspace.localPathOf(*state.key);
+            if (action == FileAction::Add && !workspacefiles::isReadableFile(local)) {
+                refusals.push_back(name + " cannot be read from " + local.string());
+                refusalCode = code::IoError;
+                return;
+            }
+            open.bind(1, workspace.name()).bind(2, *state.key).bind(3, call.user());
+            open.bind(4, std::string(actionName(action))).bind(5, change).run();
+            opened.push_back(local);
+        });
+        if (!refusals.empty())
+            throw DepotError(refusalCode, "Cannot open for " + std::string(actionName(action)) + ":\n" +
+                                              joinLines(refusals));
+        call.checkpoint();
+        for (const fs::path& local : opened) {
+            if (action == FileAction::Edit)
+                workspacefiles::setWritable(local, true);
+            else if (action == FileAction::Delete)
+                workspacefiles::remove(local);
+        }
+    });
+}
+
+Result Depot::edit(const std::string& ticket, const Files& files, const ChangelistId& changelist,
+                   const CancelCheck& cancel)
+{
+    return d->openFiles(Operation::Edit, FileAction::Edit, ticket, files, changelist, cancel);
+}
+
+Result Depot::add(const std::string& ticket, const Files& files, const ChangelistId& changelist,
+                  const CancelCheck& cancel)
+{
+    return d->openFiles(Operation::Add, FileAction::Add, ticket, files, changelist, cancel);
+}
+
+Result Depot::remove(const std::string& ticket, const Files& files, const ChangelistId& changelist,
+                     const CancelCheck& cancel)
+{
+    return d->openFiles(Operation::Delete, FileAction::Delete, ticket, files, changelist, cancel);
+}
+
+Result Depot::revert(const std::string& ticket, const Files& files, const CancelCheck& cancel)
+{
+    return d->runInSession(Operation::Revert, Transaction::Kind::Write, ticket, cancel, [&](Call& call) {
+        const WorkspaceView& workspace = call.workspace();
+        RevisionContent contents(call.db());
+        Statement unopen(call.db(), "DELETE FROM opened WHERE workspace = ?1 AND path = ?2");
+        std::vector<PendingWrite> writes;
+        forEachState(call, files, [&](const std::string&, const FileState& state) {
+            if (!state.mine)
+                return;
+            unopen.bind(1, workspace.name()).bind(2, *state.key).run();
+            if (state.mine->action != FileAction::Add && state.haveRevision)
+                writes.push_back({workspace.localPathOf(*state.key), contents.of(*state.key, *state.haveRevision)});
+        });
+        call.checkpoint();
+        applyWrites(writes);
+    });
+}
+
+Result Depot::lock(const std::string& ticket, const Files& files, const CancelCheck& cancel)
+{
+    return d->runInSession(Operation::Lock, Transaction::Kind::Write, ticket, cancel, [&](Call& call) {
+        Statement lockIt(call.db(), "UPDATE opened SET locked = 1 WHERE workspace = ?1 AND path = ?2");
+        std::vector<std::string> refusals;
+        forEachState(call, files, [&](const std::string& file, const FileState& state) {
+            if (!state.mine)
+                refusals.push_back(file + " is not opened in workspace " + call.workspace().name());
+            else
+                lockIt.bind(1, call.workspace().name()).bind(2, *state.key).run();
+        });
+        if (!refusals.empty())
+            throw DepotError(code::Failed, "Cannot lock:\n" + joinLines(refusals));
+    });
+}
+
+}  // namespace hbrc::depot

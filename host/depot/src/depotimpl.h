@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <depot/depot.h>
+
+#include "call.h"
+#include "sqlite.h"
+
+namespace hbrc::depot {
+
+struct Depot::Impl
+{
+    using Body = std::function<void(Call&)>;
+
+    Impl(std::string depotPath, DepotOptions depotOptions);
+
+    std::int64_t now() const;
+    // Runs one round trip: injected faults and latency, the connection, the transaction, the
+    // session check (when a ticket is given), the body, the commit. Never throws.
+    Result run(Operation operation, Transaction::Kind kind, const std::optional<std::string>& ticket,
+               const CancelCheck& cancel, const Body& body);
+    Result runInSession(Operation operation, Transaction::Kind kind, const std::string& ticket,
+                        const CancelCheck& cancel, const Body& body)
+    {
+        return run(operation, kind, ticket, cancel, body);
+    }
+
+    Result openFiles(Operation operation, FileAction action, const std::string& ticket, const Files& files,
+                     const ChangelistId& changelist, const CancelCheck& cancel);
+
+    std::string path;
+    DepotOptions options;
+    FaultInjector faults;
+    std::uint64_t roundTrips = 0;
+    std::unique_ptr<Database> db;
+
+private:
+    Database& connection();
+    void waitLatency(const Call& call) const;
+    void authenticate(Call& call, const std::string& ticket) const;
+};
+
+}  // namespace hbrc::depot

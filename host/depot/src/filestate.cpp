@@ -1,0 +1,104 @@
+#include "filestate.h"
+
+#include <algorithm>
+
+#include "workspaceview.h"
+
+namespace hbrc::depot {
+
+FileStateReader::FileStateReader(Database& db, const WorkspaceView& workspace)
+    : m_workspace(workspace),
+      m_revisions(db, "SELECT f.head_rev, f.head_deleted, h.rev FROM (SELECT ?1 AS path) q "
+                      "LEFT JOIN files f ON f.path = q.path "
+                      "LEFT JOIN have h ON h.path = q.path AND h.workspace = ?2"),
+      m_opened(db, "SELECT workspace, user, action, change, locked FROM opened WHERE path = ?1")
+{
+}
+
+FileState FileStateReader::read(const std::string& localPath)
+{
+    FileState state;
+    state.key = m_workspace.keyOf(localPath);
+    if (!state.key)
+        return state;
+    m_revisions.bind(1, *state.key).bind(2, m_workspace.name());
+    if (m_revisions.step()) {
+        state.headRevision = m_revisions.optionalInteger(0);
+        state.headDeleted = m_revisions.integer(1) != 0;
+        state.haveRevision = m_revisions.optionalInteger(2);
+        m_revisions.reset();
+    }
+    m_opened.bind(1, *state.key);
+    while (m_opened.step()) {
+        OpenRecord record{m_opened.text(0), m_opened.text(1), actionFromName(m_opened.text(2)),
+                          m_opened.optionalInteger(3), m_opened.integer(4) != 0};
+        if (record.workspace == m_workspace.name())
+            state.mine = std::move(record);
+        else
+            state.others.push_back(std::move(record));
+    }
+    return state;
+}
+
+std::uint32_t statusWord(const FileState& state)
+{
+    if (!state.key)
+        return status::NotInDepot;
+    std::uint32_t word = 0;
+    const bool addingIt = state.mine && state.mine->action == FileAction::Add;
+    if (state.mine) {
+        constexpr std::uint32_t mineBits[] = {status::OpenedForEdit, status::OpenedForAdd, status::OpenedForDelete};
+        word |= mineBits[static_cast<int>(state.mine->action)];
+    }
+    for (const OpenRecord& other : state.others) {
+        constexpr std::uint32_t otherBits[] = {status::OpenedByOthers, status::AddedByOthers, status::DeletedByOthers};
+        word |= otherBits[static_cast<int>(other.action)];
+        if (other.locked)
+            word |= status::LockedByOthers;
+    }
+    if (!state.live() && !addingIt)
+        word |= status::NotInDepot;
+    // A file this workspace never synced, or whose copy is older than the head (also a deleted head).
+    if ((state.live() || state.haveRevision) && !state.haveIsHead() && !addingIt)
+        word |= status::NotAtHead;
+    return word;
+}
+
+std::vector<std::string> holdersOf(const FileState& state)
+{
+    std::vector<std::string> users;
+    for (const OpenRecord& other : state.others)
+        users.push_back(other.user);
+    std::sort(users.begin(), users.end());
+    users.erase(std::unique(users.begin(), users.end()), users.end());
+    return users;
+}
+
+ChangelistId changelistIdOf(const std::optional<std::int64_t>& change)
+{
+    return change ? std::to_string(*change) : ChangelistId();
+}
+
+FileAction actionFromName(const std::string& name)
+{
+    if (name == "add")
+        return FileAction::Add;
+    if (name == "delete")
+        return FileAction::Delete;
+    return FileAction::Edit;
+}
+
+const char* actionName(FileAction action)
+{
+    switch (action) {
+    case FileAction::Add:
+        return "add";
+    case FileAction::Delete:
+        return "delete";
+    case FileAction::Edit:
+        break;
+    }
+    return "edit";
+}
+
+}  // namespace hbrc::depot

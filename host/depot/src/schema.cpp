@@ -1,0 +1,60 @@
+#include "schema.h"
+
+#include "depoterror.h"
+#include "sqlite.h"
+
+namespace hbrc::depot {
+
+namespace {
+
+constexpr std::int64_t kSchemaVersion = 1;
+
+// Depot paths are relative to every workspace root ("art/ship.kel"); a missing change number on
+// an opened file is the workspace's default changelist.
+constexpr const char* kTables = R"sql(
+CREATE TABLE settings (key TEXT PRIMARY KEY, value INTEGER NOT NULL);
+CREATE TABLE users (name TEXT PRIMARY KEY, password_hash TEXT);
+CREATE TABLE workspaces (name TEXT PRIMARY KEY, owner TEXT NOT NULL REFERENCES users(name), root TEXT NOT NULL);
+CREATE TABLE sessions (ticket_digest TEXT PRIMARY KEY, user TEXT NOT NULL REFERENCES users(name),
+                       workspace TEXT NOT NULL REFERENCES workspaces(name), expires_at INTEGER NOT NULL);
+CREATE TABLE changes (number INTEGER PRIMARY KEY AUTOINCREMENT, workspace TEXT NOT NULL REFERENCES workspaces(name),
+                      user TEXT NOT NULL, description TEXT NOT NULL, submitted INTEGER NOT NULL DEFAULT 0);
+CREATE TABLE files (path TEXT PRIMARY KEY, head_rev INTEGER NOT NULL, head_deleted INTEGER NOT NULL);
+CREATE TABLE revisions (path TEXT NOT NULL REFERENCES files(path), rev INTEGER NOT NULL,
+                        change INTEGER NOT NULL REFERENCES changes(number), action TEXT NOT NULL, content BLOB,
+                        PRIMARY KEY (path, rev));
+CREATE TABLE have (workspace TEXT NOT NULL REFERENCES workspaces(name), path TEXT NOT NULL, rev INTEGER NOT NULL,
+                   PRIMARY KEY (workspace, path));
+CREATE TABLE opened (workspace TEXT NOT NULL REFERENCES workspaces(name), path TEXT NOT NULL, user TEXT NOT NULL,
+                     action TEXT NOT NULL, change INTEGER REFERENCES changes(number), locked INTEGER NOT NULL DEFAULT 0,
+                     PRIMARY KEY (workspace, path));
+CREATE INDEX opened_by_path ON opened(path);
+CREATE INDEX revisions_by_change ON revisions(change);
+)sql";
+
+}  // namespace
+
+void createSchema(Database& db, std::int64_t sessionLifetimeSeconds)
+{
+    Transaction transaction(db, Transaction::Kind::Write);
+    db.execute(kTables);
+    Statement setting(db, "INSERT INTO settings(key, value) VALUES (?1, ?2)");
+    setting.bind(1, std::string("schema_version")).bind(2, kSchemaVersion).run();
+    setting.bind(1, std::string("session_lifetime")).bind(2, sessionLifetimeSeconds).run();
+    transaction.commit();
+}
+
+void checkSchema(Database& db)
+{
+    bool known = false;
+    try {
+        Statement version(db, "SELECT value FROM settings WHERE key = 'schema_version'");
+        known = version.step() && version.integer(0) == kSchemaVersion;
+    } catch (const DepotError&) {
+        known = false;
+    }
+    if (!known)
+        throw DepotError(code::SessionUnusable, "Cannot reach the depot: the file is not a depot of this version");
+}
+
+}  // namespace hbrc::depot

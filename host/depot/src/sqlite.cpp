@@ -1,0 +1,202 @@
+#include "sqlite.h"
+
+#include <sqlite3.h>
+
+#include "depoterror.h"
+
+namespace hbrc::depot {
+
+namespace {
+
+[[noreturn]] void fail(sqlite3* db, int rc, const std::string& what)
+{
+    const std::string detail = db ? sqlite3_errmsg(db) : sqlite3_errstr(rc);
+    const int primary = rc & 0xff;
+    if (primary == SQLITE_BUSY || primary == SQLITE_LOCKED)
+        throw DepotError(code::Failed, "The depot is busy, try again later (" + detail + ")");
+    if (primary == SQLITE_CANTOPEN || primary == SQLITE_NOTADB || primary == SQLITE_IOERR || primary == SQLITE_CORRUPT)
+        throw DepotError(code::SessionUnusable, "Cannot reach the depot: " + what + ": " + detail);
+    throw DepotError(code::Failed, what + ": " + detail);
+}
+
+}  // namespace
+
+Database::Database(const std::string& path, bool createIfMissing, int busyTimeoutMs)
+{
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | (createIfMissing ? SQLITE_OPEN_CREATE : 0);
+    const int rc = sqlite3_open_v2(path.c_str(), &m_db, flags, nullptr);
+    if (rc != SQLITE_OK) {
+        const std::string detail = m_db ? sqlite3_errmsg(m_db) : sqlite3_errstr(rc);
+        sqlite3_close(m_db);
+        m_db = nullptr;
+        throw DepotError(code::SessionUnusable, "Cannot reach the depot at '" + path + "': " + detail);
+    }
+    sqlite3_busy_timeout(m_db, busyTimeoutMs);
+    sqlite3_extended_result_codes(m_db, 1);
+    try {
+        execute("PRAGMA journal_mode=WAL");
+        execute("PRAGMA synchronous=NORMAL");
+        execute("PRAGMA foreign_keys=ON");
+    } catch (...) {
+        sqlite3_close(m_db);
+        m_db = nullptr;
+        throw;
+    }
+}
+
+Database::~Database()
+{
+    sqlite3_close(m_db);
+}
+
+void Database::execute(const char* sql)
+{
+    char* message = nullptr;
+    const int rc = sqlite3_exec(m_db, sql, nullptr, nullptr, &message);
+    if (rc != SQLITE_OK) {
+        const std::string text = message ? message : sqlite3_errstr(rc);
+        sqlite3_free(message);
+        fail(nullptr, rc, text);
+    }
+}
+
+std::int64_t Database::lastInsertId() const
+{
+    return sqlite3_last_insert_rowid(m_db);
+}
+
+int Database::changes() const
+{
+    return sqlite3_changes(m_db);
+}
+
+Statement::Statement(Database& db, const char* sql) : m_db(db)
+{
+    const int rc = sqlite3_prepare_v2(db.handle(), sql, -1, &m_stmt, nullptr);
+    if (rc != SQLITE_OK)
+        fail(db.handle(), rc, "preparing a depot query");
+}
+
+Statement::~Statement()
+{
+    sqlite3_finalize(m_stmt);
+}
+
+void Statement::prepareForBinding()
+{
+    // Binding starts a new execution, also when the previous one stopped before its last row.
+    if (sqlite3_stmt_busy(m_stmt))
+        sqlite3_reset(m_stmt);
+}
+
+Statement& Statement::bind(int index, const std::string& text)
+{
+    prepareForBinding();
+    sqlite3_bind_text(m_stmt, index, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+    return *this;
+}
+
+Statement& Statement::bind(int index, std::int64_t value)
+{
+    prepareForBinding();
+    sqlite3_bind_int64(m_stmt, index, value);
+    return *this;
+}
+
+Statement& Statement::bind(int index, std::optional<std::int64_t> value)
+{
+    if (value)
+        return bind(index, *value);
+    prepareForBinding();
+    sqlite3_bind_null(m_stmt, index);
+    return *this;
+}
+
+Statement& Statement::bind(int index, const std::optional<std::string>& text)
+{
+    if (text)
+        return bind(index, *text);
+    prepareForBinding();
+    sqlite3_bind_null(m_stmt, index);
+    return *this;
+}
+
+Statement& Statement::bindBlob(int index, const std::vector<char>& bytes)
+{
+    prepareForBinding();
+    sqlite3_bind_blob64(m_stmt, index, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
+    return *this;
+}
+
+bool Statement::step()
+{
+    const int rc = sqlite3_step(m_stmt);
+    if (rc == SQLITE_ROW)
+        return true;
+    sqlite3_reset(m_stmt);
+    if (rc != SQLITE_DONE)
+        fail(m_db.handle(), rc, "running a depot query");
+    return false;
+}
+
+void Statement::run()
+{
+    while (step()) {
+    }
+    sqlite3_clear_bindings(m_stmt);
+}
+
+void Statement::reset()
+{
+    sqlite3_reset(m_stmt);
+    sqlite3_clear_bindings(m_stmt);
+}
+
+bool Statement::isNull(int column) const
+{
+    return sqlite3_column_type(m_stmt, column) == SQLITE_NULL;
+}
+
+std::int64_t Statement::integer(int column) const
+{
+    return sqlite3_column_int64(m_stmt, column);
+}
+
+std::string Statement::text(int column) const
+{
+    const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(m_stmt, column));
+    return data ? std::string(data, static_cast<std::size_t>(sqlite3_column_bytes(m_stmt, column))) : std::string();
+}
+
+std::vector<char> Statement::blob(int column) const
+{
+    const auto* data = static_cast<const char*>(sqlite3_column_blob(m_stmt, column));
+    const int size = sqlite3_column_bytes(m_stmt, column);
+    return data ? std::vector<char>(data, data + size) : std::vector<char>();
+}
+
+std::optional<std::int64_t> Statement::optionalInteger(int column) const
+{
+    if (isNull(column))
+        return std::nullopt;
+    return integer(column);
+}
+
+Transaction::Transaction(Database& db, Kind kind) : m_db(db)
+{
+    m_db.execute(kind == Kind::Write ? "BEGIN IMMEDIATE" : "BEGIN");
+}
+
+Transaction::~Transaction()
+{
+    if (m_open)
+        sqlite3_exec(m_db.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void Transaction::commit()
+{
+    m_db.execute("COMMIT");
+    m_open = false;
+}
+
+}  // namespace hbrc::depot

@@ -1,0 +1,87 @@
+#pragma once
+
+// A thin RAII layer over the SQLite C API: one connection, prepared statements and transactions.
+// Every failure throws DepotError so that an operation unwinds into its transaction's rollback.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace hbrc::depot {
+
+class Database
+{
+public:
+    // Opens an existing database file read-write (createIfMissing makes a new one), in WAL mode,
+    // waiting up to busyTimeoutMs for other processes' write locks.
+    Database(const std::string& path, bool createIfMissing, int busyTimeoutMs);
+    ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    void execute(const char* sql);
+    sqlite3* handle() const { return m_db; }
+    std::int64_t lastInsertId() const;
+    int changes() const;
+
+private:
+    sqlite3* m_db = nullptr;
+};
+
+class Statement
+{
+public:
+    Statement(Database& db, const char* sql);
+    ~Statement();
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+
+    // Binding is 1-based, as in SQL; std::nullopt binds NULL.
+    Statement& bind(int index, const std::string& text);
+    Statement& bind(int index, std::int64_t value);
+    Statement& bind(int index, std::optional<std::int64_t> value);
+    Statement& bind(int index, const std::optional<std::string>& text);
+    Statement& bindBlob(int index, const std::vector<char>& bytes);
+
+    // True while a row is available; resets the statement when the rows are done.
+    bool step();
+    // Runs a statement that returns no rows, then makes it ready for the next bindings.
+    void run();
+    void reset();
+
+    bool isNull(int column) const;
+    std::int64_t integer(int column) const;
+    std::string text(int column) const;
+    std::vector<char> blob(int column) const;
+    std::optional<std::int64_t> optionalInteger(int column) const;
+
+private:
+    void prepareForBinding();
+
+    Database& m_db;
+    sqlite3_stmt* m_stmt = nullptr;
+};
+
+// Rolls back unless commit() was called. Writers take the write lock at once (BEGIN IMMEDIATE)
+// so that two processes never deadlock upgrading read locks.
+class Transaction
+{
+public:
+    enum class Kind { Read, Write };
+    Transaction(Database& db, Kind kind);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    void commit();
+
+private:
+    Database& m_db;
+    bool m_open = true;
+};
+
+}  // namespace hbrc::depot
