@@ -1,0 +1,6 @@
+#pragma once
+
+// Helpers shared by the plug-in's source files live in hbrc::internal, which the library does not
+// export.
+#define HBRC_INTERNAL_NAMESPACE_BEGIN namespace hbrc { namespace __attribute__((visibility("hidden"))) internal {
+#define HBRC_INTERNAL_NAMESPACE_END } }

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "hbtrackedslot.h"
+
+#include <borax/datamodel/iitemlibrarynotification.h>
+#include <kel4/idatacontrol.h>
+#include <kel4/irevisioncontroluihelper.h>
+#include <kel4/itimeoutdelegate.h>
+#include <nrk/fwk/ikeldbproxy.h>
+#include <nrk/ibase.h>
+
+#include <string>
+
+class QMessageBox;
+
+// The revision-control helper: the plug-in's component "RevisionControlUIHelper". It answers the
+// host's editability questions, checks assets out or makes them writable, hooks into the item
+// library's commits, and shows the progress box while the file version control service works.
+// Its implementation is split by concern over several source files of this folder.
+class CRevisionControlUIHelper : public kel4::IRevisionControlUIHelper,
+                                 public borax::datamodel::IItemLibraryNotification,
+                                 public nrk::ISingleton,
+                                 public nrk::IBase,
+                                 public nrk::IDestroy,
+                                 public nrk::fwk::IKELDBProxy_Slot,
+                                 public kel4::ITimeOutDelegate
+{
+public:
+    using ObjectList = kel4::List<KELHandle<IDbObject>>;
+    using ItemLibraryAccessor = borax::datamodel::ItemLibraryAccessor;
+    using ItemID = borax::datamodel::ItemID;
+
+    static constexpr const char* kFactoryName = "RevisionControlUIHelper";
+    static nrk::IBase* Factory();
+
+    CRevisionControlUIHelper();
+    ~CRevisionControlUIHelper() override;
+
+    // kel4::IRevisionControlUIHelper
+    bool IsRevisionControlEnabled() override;
+    KELPtr<kel4::IDataControl> GetDataControl(const KELPtr<kel4::IDataModelMgr>& manager) override;
+    bool CanCheckOutObject(const KELHandle<IDbObject>& object, bool includeExternalFiles) override;
+    bool CanMakeObjectWritable(const KELHandle<IDbObject>& object, bool includeExternalFiles) override;
+    bool ObjectHasExternalFile(const KELHandle<IDbObject>& object) override;
+    bool CheckOutObject(const KELHandle<IDbObject>& object, bool& cancelled, bool includeExternalFiles) override;
+    bool CheckOutObjects(const ObjectList& objects, bool& cancelled, bool includeExternalFiles) override;
+    bool MakeObjectWritable(const KELHandle<IDbObject>& object, bool includeExternalFiles) override;
+    bool CanEditObjects(const ObjectList& objects, bool includeExternalFiles, bool allowMakeWritable,
+                        const std::string& info) override;
+    kelResult GetObjectStatus(const ObjectList& objects, bool includeExternalFiles, bool flag,
+                              kel4::List<unsigned int>& statuses) override;
+    KELHandle<IDbObject> ResolveObject(DbObjectId id, KELPtr<kel4::IDataModelMgr>& manager) override;
+    using kel4::IRevisionControlUIHelper::ResolveObject;
+    void GetObjectFiles(const KELHandle<IDbObject>& object, QStringList& files) override;
+    void ShowObjectFiles(const KELHandle<IDbObject>& object, bool inFileBrowser) override;
+
+    // borax::datamodel::IItemLibraryNotification: only the commit hooks act.
+    void OnBeginChanges(ItemLibraryAccessor&) override {}
+    void OnEndChanges(ItemLibraryAccessor&) override {}
+    void LibraryInvalidated(ItemLibraryAccessor&) override {}
+    void ItemNameChanged(ItemLibraryAccessor&, const ItemID&) override {}
+    void ItemTagsChanged(ItemLibraryAccessor&, const ItemID&, const char*) override {}
+    void ItemAccessStateChanged(ItemLibraryAccessor&, const ItemID&, long) override {}
+    void OnPreCommit(ItemLibraryAccessor& library, bool* cancel) override;
+    void OnPostCommit(ItemLibraryAccessor& library) override;
+
+    // nrk::ISingleton, nrk::IBase
+    void Init() override;
+    void Term() override;
+    const char* GetClsName() const override { return "Korvex.NRK.RevisionControlUIHelper"; }
+
+    // nrk::fwk::IKELDBProxy_Slot
+    void OnInitialConnectionToDB() override;
+    void OnConnectedToDB() override;
+    void OnDisconnectedFromDB() override;
+
+    // kel4::ITimeOutDelegate: the progress box protocol.
+    void Close() override;
+    bool GetUserInput() override;
+
+private:
+    // Registers (true) or unregisters the helper with the proxy's current item library.
+    void SetItemLibraryRegistration(bool registered);
+
+    kel4::List<KELHandle<IDbObject>> m_lastPromptedObjects;
+    HBTrackedSlotList m_initialConnectionSlots;
+    HBTrackedSlotList m_connectedSlots;
+    HBTrackedSlotList m_disconnectedSlots;
+    bool m_closedByProgram = false;
+    QMessageBox* m_progressBox = nullptr;
+};
