@@ -1,0 +1,67 @@
+// Renders the gallery page once per dark style and writes <folder>/stylegallery-<style>.png.
+#include "gallerypage.h"
+#include "hostimages.h"
+
+#include <qtextention/qtlomdarkstylesimple.h>
+#include <qtextention/qtlomdarkstyletarn.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QPixmap>
+
+#include <cstdio>
+#include <functional>
+
+namespace {
+
+struct GalleryStyle {
+    const char* fileName;
+    const char* title;
+    std::function<QStyle*()> create;
+};
+
+bool render(const GalleryStyle& entry, const QDir& folder)
+{
+    QStyle* style = entry.create();
+    QApplication::setStyle(style);  // the application owns it from here
+    QApplication::setPalette(style->standardPalette());
+    GalleryPage page(QString::fromLatin1(entry.title));
+    page.resize(page.sizeHint().expandedTo(QSize(980, 760)));
+    page.show();
+    QApplication::processEvents();
+    const QString path = folder.filePath(QString::fromLatin1(entry.fileName));
+    if (!page.grab().save(path)) {
+        std::fprintf(stderr, "stylegallery: cannot write %s\n", qPrintable(QDir::toNativeSeparators(path)));
+        return false;
+    }
+    std::printf("%s\n", qPrintable(QDir::toNativeSeparators(path)));
+    return true;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() > 2) {
+        std::fprintf(stderr, "usage: stylegallery [output folder]\n");
+        return 2;
+    }
+    const QDir folder(arguments.size() == 2 ? arguments.at(1) : QDir::currentPath());
+    if (!folder.exists() && !QDir().mkpath(folder.path())) {
+        std::fprintf(stderr, "stylegallery: cannot create %s\n", qPrintable(QDir::toNativeSeparators(folder.path())));
+        return 1;
+    }
+    supplyHostImages();
+    const GalleryStyle styles[] = {
+        {"stylegallery-simple.png", "QtlomDarkStyleSimple (over Windows)", [] { return new QtlomDarkStyleSimple; }},
+        {"stylegallery-tarn.png", "QtlomDarkStyleTarn (over Fusion)", [] { return new QtlomDarkStyleTarn; }},
+    };
+    bool written = true;
+    for (const GalleryStyle& entry : styles)
+        written = render(entry, folder) && written;
+    return written ? 0 : 1;
+}
