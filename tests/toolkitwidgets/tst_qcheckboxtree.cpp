@@ -1,0 +1,230 @@
+// QCheckBoxTree: one checkedStateChanged per user action carrying every item set, ancestors kept in
+// step with their descendants, clicks propagating like setChecked, colours following the state.
+#include <qtextention/qcheckboxtree.h>
+
+#include <QStyle>
+#include <QStyleOptionViewItem>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sstream>
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+struct Emission {
+    bool checked = false;
+    Names items;
+};
+
+// A
+// └ B
+//   ├ C
+//   │ ├ C1
+//   │ └ C2
+//   └ D
+// E
+struct TreeFixture {
+    TreeFixture()
+    {
+        items["A"] = tree.addItem("A", false);
+        items["B"] = tree.addItem("B", false, items["A"]);
+        items["C"] = tree.addItem("C", false, items["B"]);
+        items["C1"] = tree.addItem("C1", false, items["C"]);
+        items["C2"] = tree.addItem("C2", false, items["C"]);
+        items["D"] = tree.addItem("D", false, items["B"]);
+        items["E"] = tree.addItem("E", false);
+        QObject::connect(&tree, &QCheckBoxTree::checkedStateChanged, [this](bool checked, const auto& changed) {
+            Emission e{checked, {}};
+            for (const QTreeWidgetItem* item : changed)
+                e.items.push_back(item->text(0).toStdString());
+            emissions.push_back(e);
+        });
+    }
+    // Sets states as a starting point; blocked, since any data change in column 0 acts like a click.
+    void preset(const Names& checked)
+    {
+        const QSignalBlocker blocker(tree);
+        for (const std::string& name : checked)
+            tree.setCheckedState(items.at(name), Qt::Checked);
+    }
+    Names checkedNames()
+    {
+        Names names;
+        for (const auto& [name, item] : items) {
+            if (tree.isChecked(item))
+                names.push_back(name);
+        }
+        return names;
+    }
+    QColor textColour(const std::string& name) { return items.at(name)->foreground(0).color(); }
+
+    QCheckBoxTree tree;
+    std::map<std::string, QTreeWidgetItem*> items;
+    std::vector<Emission> emissions;
+};
+
+struct SetCheckedCase {
+    const char* name;
+    Names before;
+    const char* target;
+    bool checked;
+    bool keepParents;
+    Names reported;  // the one emission's items, in order
+    Names after;     // every checked item afterwards, by name
+};
+
+void PrintTo(const SetCheckedCase& c, std::ostream* out)
+{
+    *out << c.name;
+}
+
+class SetChecked : public ::testing::TestWithParam<SetCheckedCase>
+{
+};
+
+TEST_P(SetChecked, EmitsOnceWithEveryItemItSet)
+{
+    const SetCheckedCase& c = GetParam();
+    TreeFixture f;
+    f.preset(c.before);
+    f.tree.SetKeepParentHierarchyUpdated(c.keepParents);
+
+    f.tree.setChecked(f.items.at(c.target), c.checked);
+
+    ASSERT_EQ(f.emissions.size(), 1u);
+    EXPECT_EQ(f.emissions.front().checked, c.checked);
+    EXPECT_EQ(f.emissions.front().items, c.reported);
+    EXPECT_EQ(f.checkedNames(), c.after);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    QCheckBoxTree, SetChecked,
+    ::testing::Values(
+        SetCheckedCase{"TickUnderTwoUncheckedAncestors", {}, "C", true, true,
+                       {"C", "C1", "C2", "B", "A"}, {"A", "B", "C", "C1", "C2"}},
+        SetCheckedCase{"UntickLastCheckedChildUnchecksAncestors", {"A", "B", "C", "C1", "C2"}, "C", false, true,
+                       {"C", "C1", "C2", "B", "A"}, {}},
+        SetCheckedCase{"CheckedSiblingKeepsParent", {"A", "B", "C", "C1", "C2", "D"}, "C", false, true,
+                       {"C", "C1", "C2"}, {"A", "B", "D"}},
+        SetCheckedCase{"UntickLeafKeepsParentWithCheckedSibling", {"A", "B", "C", "C1", "C2"}, "C1", false, true,
+                       {"C1"}, {"A", "B", "C", "C2"}},
+        SetCheckedCase{"AlreadyCheckedItemIsReappliedAndReported", {"A", "B", "C", "C1", "C2"}, "C2", true, true,
+                       {"C2"}, {"A", "B", "C", "C1", "C2"}},
+        SetCheckedCase{"OnlyChangedDescendantsAreReported", {"C1"}, "C", true, true,
+                       {"C", "C2", "B", "A"}, {"A", "B", "C", "C1", "C2"}},
+        SetCheckedCase{"KeepParentsOffLeavesAncestorsAlone", {}, "C", true, false,
+                       {"C", "C1", "C2"}, {"C", "C1", "C2"}},
+        SetCheckedCase{"KeepParentsOffUntickLeavesAncestorsChecked", {"A", "B", "C", "C1", "C2"}, "C", false, false,
+                       {"C", "C1", "C2"}, {"A", "B"}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(QCheckBoxTree, ParentsAreNeverPartiallyChecked)
+{
+    TreeFixture f;
+    f.tree.setChecked(f.items["C1"], true);
+    for (const char* ancestor : {"C", "B", "A"})
+        EXPECT_EQ(f.items[ancestor]->checkState(0), Qt::Checked) << ancestor;
+    EXPECT_EQ(f.items["C2"]->checkState(0), Qt::Unchecked);
+}
+
+TEST(QCheckBoxTree, PartiallyCheckedReadsAsChecked)
+{
+    TreeFixture f;
+    {
+        const QSignalBlocker blocker(f.tree);
+        f.tree.setCheckedState(f.items["C1"], Qt::PartiallyChecked);
+    }
+    ASSERT_EQ(f.items["C1"]->checkState(0), Qt::PartiallyChecked);
+    EXPECT_TRUE(f.tree.isChecked(f.items["C1"]));
+    EXPECT_TRUE(f.tree.hasChildEnabled(f.items["A"]));
+    EXPECT_FALSE(f.tree.hasChildEnabled(f.items["C1"])) << "a leaf has no children to be checked";
+    EXPECT_FALSE(f.tree.hasChildEnabled(nullptr));
+}
+
+TEST(QCheckBoxTree, AddingItemsEmitsNothingAndChecksTheSubtree)
+{
+    TreeFixture f;
+    QTreeWidgetItem* branch = new QTreeWidgetItem(QStringList{"F"});
+    branch->addChild(new QTreeWidgetItem(QStringList{"F1"}));
+    f.tree.addItem(branch, true, f.items["E"]);
+    EXPECT_TRUE(f.emissions.empty());
+    EXPECT_TRUE(f.tree.isChecked(branch));
+    EXPECT_TRUE(f.tree.isChecked(branch->child(0)));
+    EXPECT_FALSE(f.tree.isChecked(f.items["E"])) << "adding does not update ancestors";
+}
+
+TEST(QCheckBoxTree, ClickOnTheCheckBoxPropagatesLikeSetChecked)
+{
+    TreeFixture f;
+    f.tree.expandAll();
+    f.tree.resize(300, 300);
+    f.tree.show();
+    QTreeWidgetItem* leaf = f.items["C1"];
+
+    QStyleOptionViewItem option;
+    option.initFrom(f.tree.viewport());
+    option.rect = f.tree.visualItemRect(leaf);
+    option.features = QStyleOptionViewItem::HasCheckIndicator | QStyleOptionViewItem::HasDisplay;
+    option.text = leaf->text(0);
+    const QRect box = f.tree.style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, &f.tree);
+    QTest::mouseClick(f.tree.viewport(), Qt::LeftButton, {}, box.center());
+
+    ASSERT_EQ(f.emissions.size(), 1u);
+    EXPECT_TRUE(f.emissions.front().checked);
+    EXPECT_EQ(f.emissions.front().items, Names({"C1", "C", "B", "A"}));
+
+    QTest::mouseClick(f.tree.viewport(), Qt::LeftButton, {}, box.center());
+    ASSERT_EQ(f.emissions.size(), 2u);
+    EXPECT_FALSE(f.emissions.back().checked);
+    EXPECT_EQ(f.emissions.back().items, Names({"C1", "C", "B", "A"}));
+    EXPECT_TRUE(f.checkedNames().empty());
+}
+
+TEST(QCheckBoxTree, TextColourFollowsTheCheckState)
+{
+    TreeFixture f;
+    const QColor text = f.tree.palette().color(QPalette::Active, QPalette::Text);
+    EXPECT_EQ(f.textColour("E"), QColor(Qt::darkGray));
+    f.tree.setChecked(f.items["E"], true);
+    EXPECT_EQ(f.textColour("E"), text);
+
+    f.tree.setItemCustomColor(f.items["D"], Qt::red);
+    EXPECT_EQ(f.textColour("D"), QColor(Qt::red)) << "the colour shows at once, even unchecked";
+    f.tree.setChecked(f.items["D"], true);
+    EXPECT_EQ(f.textColour("D"), QColor(Qt::red));
+    f.tree.setChecked(f.items["D"], false);
+    EXPECT_EQ(f.textColour("D"), QColor(Qt::darkGray));
+    f.tree.setChecked(f.items["D"], true);
+    EXPECT_EQ(f.textColour("D"), QColor(Qt::red));
+    EXPECT_EQ(f.textColour("B"), text) << "ancestors checked on the way take the text colour";
+}
+
+TEST(QCheckBoxTree, CustomColourIsNoCheckChange)
+{
+    TreeFixture f;
+    f.tree.setItemCustomColor(f.items["C"], Qt::blue);
+    EXPECT_TRUE(f.emissions.empty());
+    EXPECT_TRUE(f.checkedNames().empty());
+}
+
+TEST(QCheckBoxTree, PrintShowsEachItemIndentedWithItsState)
+{
+    TreeFixture f;
+    f.tree.setChecked(f.items["D"], true);
+    f.tree.setItemCustomColor(f.items["E"], QColor(255, 0, 0));
+    std::ostringstream out;
+    f.tree.print(out);
+    EXPECT_EQ(out.str(), "[x] A\n"
+                         "  [x] B\n"
+                         "    [ ] C\n"
+                         "      [ ] C1\n"
+                         "      [ ] C2\n"
+                         "    [x] D\n"
+                         "[ ] E (#ff0000)\n");
+}
+
+}  // namespace
