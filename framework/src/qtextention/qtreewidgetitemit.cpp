@@ -104,9 +104,9 @@ void DrawTreeBranch(QPainter* painter, const QStyleOption* option, const QColor&
     painter->setRenderHint(QPainter::Antialiasing, false);
     if (lineColor.isValid()) {
         painter->setPen(lineColor);
-        const int gapLeft = hasIndicator ? indicator.right() + 1 : mid.x();
-        const int gapTop = hasIndicator ? indicator.top() - 1 : mid.y();
-        const int gapBottom = hasIndicator ? indicator.bottom() + 1 : mid.y();
+        const int gapLeft = hasIndicator ? indicator.right() + 2 : mid.x();
+        const int gapTop = hasIndicator ? indicator.top() - 2 : mid.y();
+        const int gapBottom = hasIndicator ? indicator.bottom() + 2 : mid.y();
         if (state & QStyle::State_Item)
             painter->drawLine(gapLeft, mid.y(), rect.right(), mid.y());
         if (state & (QStyle::State_Item | QStyle::State_Sibling))

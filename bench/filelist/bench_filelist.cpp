@@ -1,0 +1,137 @@
+// How much filling a QFileListWidget costs next to the cheapest view of the same rows: a plain
+// QTreeView over a minimal table model that already holds the paths and read-only flags. Both
+// build the view and render its first screen, for 1,000 and 10,000 real files, in one run; the
+// summary prints the ratio per size.
+#include <qtextention/qfilelistwidget.h>
+
+#include <QAbstractTableModel>
+#include <QApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTreeView>
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr QSize kViewSize(800, 600);
+
+// The real files, made once for the whole run.
+const QStringList& benchFiles()
+{
+    static QTemporaryDir dir;
+    static const QStringList files = [] {
+        QStringList made;
+        for (int i = 0; i < 10000; ++i) {
+            const QString path = dir.filePath(QStringLiteral("asset_%1.kel").arg(i, 5, 10, QLatin1Char('0')));
+            QFile file(path);
+            if (file.open(QIODevice::WriteOnly))
+                made << path;
+        }
+        return made;
+    }();
+    return files;
+}
+
+class MinimalFileModel : public QAbstractTableModel
+{
+public:
+    MinimalFileModel(const QStringList& paths, std::vector<bool> readOnly)
+        : m_paths(paths), m_readOnly(std::move(readOnly))
+    {
+    }
+    int rowCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : int(m_paths.size()); }
+    int columnCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : 3; }
+    QVariant data(const QModelIndex& index, int role) const override
+    {
+        if (index.column() == 0 && role == Qt::DisplayRole)
+            return m_paths.at(index.row());
+        if (index.column() == 1 && role == Qt::CheckStateRole)
+            return m_readOnly[size_t(index.row())] ? Qt::Checked : Qt::Unchecked;
+        return {};
+    }
+
+private:
+    QStringList m_paths;
+    std::vector<bool> m_readOnly;
+};
+
+void BM_FileListWidget(benchmark::State& state)
+{
+    const QStringList files = benchFiles().mid(0, int(state.range(0)));
+    for (auto _ : state) {
+        QFileListWidget list(files);
+        list.resize(kViewSize);
+        benchmark::DoNotOptimize(list.grab());
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void BM_PlainTreeView(benchmark::State& state)
+{
+    const QStringList files = benchFiles().mid(0, int(state.range(0)));
+    const std::vector<bool> readOnly(size_t(files.size()), false);
+    for (auto _ : state) {
+        MinimalFileModel model(files, readOnly);
+        QTreeView view;
+        view.setModel(&model);
+        view.resize(kViewSize);
+        benchmark::DoNotOptimize(view.grab());
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+BENCHMARK(BM_FileListWidget)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PlainTreeView)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+// Prints as usual and keeps each run's time per iteration for the closing ratio lines.
+class RatioReporter : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        for (const Run& run : runs) {
+            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
+                m_times[run.benchmark_name()] = run.GetAdjustedRealTime();
+        }
+        ConsoleReporter::ReportRuns(runs);
+    }
+
+    void Finalize() override
+    {
+        ConsoleReporter::Finalize();
+        for (const char* rows : {"1000", "10000"}) {
+            const double widget = m_times["BM_FileListWidget/" + std::string(rows)];
+            const double plain = m_times["BM_PlainTreeView/" + std::string(rows)];
+            if (widget > 0 && plain > 0)
+                std::printf("ratio QFileListWidget / plain QTreeView, %s files: %.2f\n", rows, widget / plain);
+        }
+    }
+
+private:
+    std::map<std::string, double> m_times;
+};
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    if (benchFiles().size() != 10000) {
+        std::fprintf(stderr, "could not create the benchmark files\n");
+        return 1;
+    }
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+    return 0;
+}

@@ -1,0 +1,238 @@
+// Path helpers, table-driven: each row names the case it stands for.
+#include <qtextention/pathutils.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+
+namespace {
+
+// Narrow text in the file-name encoding, as callers pass paths.
+QByteArray narrow(const QString& text)
+{
+    return QFile::encodeName(text);
+}
+
+struct TwoPathRow {
+    const char* name;
+    QString base;
+    QString path;
+    QString expected;
+};
+
+void PrintTo(const TwoPathRow& row, std::ostream* os)
+{
+    *os << row.name;
+}
+
+class MakePathRelativeTest : public ::testing::TestWithParam<TwoPathRow>
+{
+};
+
+TEST_P(MakePathRelativeTest, Row)
+{
+    const TwoPathRow& row = GetParam();
+    EXPECT_EQ(MakePathRelative(narrow(row.base), narrow(row.path)), row.expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, MakePathRelativeTest,
+    ::testing::Values(TwoPathRow{"below", "/home/u", "/home/u/a/b.txt", "a/b.txt"},
+                      TwoPathRow{"beside", "/home/u/x", "/home/u/a.txt", "../a.txt"},
+                      TwoPathRow{"trailing slash on base", "/home/u/", "/home/u/a", "a"},
+                      TwoPathRow{"relative kept with its dot-dot", "/home/u", "../rel/./x.txt", "../rel/./x.txt"},
+                      TwoPathRow{"non-ASCII", QStringLiteral(u"/tmp/\u00fc"), QStringLiteral(u"/tmp/\u00fc/\u00df.txt"),
+                                 QStringLiteral(u"\u00df.txt")}));
+
+class MakePathAbsoluteTest : public ::testing::TestWithParam<TwoPathRow>
+{
+};
+
+TEST_P(MakePathAbsoluteTest, Row)
+{
+    const TwoPathRow& row = GetParam();
+    EXPECT_EQ(MakePathAbsolute(narrow(row.base), narrow(row.path)), row.expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, MakePathAbsoluteTest,
+    ::testing::Values(TwoPathRow{"relative resolved and cleaned", "/base", "a/../b.txt", "/base/b.txt"},
+                      TwoPathRow{"absolute only cleaned", "/base", "/x/./y//z/", "/x/y/z"},
+                      TwoPathRow{"dot on a base with trailing slash", "/base/", "./c", "/base/c"},
+                      TwoPathRow{"climbing above the base", "/base/sub", "../../up", "/up"},
+                      TwoPathRow{"non-ASCII", QStringLiteral(u"/d\u00e9p\u00f4t"), QStringLiteral(u"\u00e9t\u00e9"),
+                                 QStringLiteral(u"/d\u00e9p\u00f4t/\u00e9t\u00e9")}));
+
+TEST(CleanPath, CollapsesSeparatorsAndDotPartsButKeepsBackslashesAndDrives)
+{
+    const std::pair<QString, QString> rows[] = {
+        {"a//b/./c/../d/", "a/b/d"},
+        {"./a/", "a"},
+        {"C:/x/../y", "C:/y"},
+        {"a\\b", "a\\b"},
+        {"../a", "../a"},
+        {QStringLiteral(u"/\u00e9/./\u00e8"), QStringLiteral(u"/\u00e9/\u00e8")},
+    };
+    for (const auto& [input, expected] : rows)
+        EXPECT_EQ(CleanPath(narrow(input)), expected) << input.toStdString();
+}
+
+TEST(MakePath, JoinsTheGivenPartsAndCleansTheResult)
+{
+    struct Row {
+        const char* a;
+        const char* b;
+        const char* c;
+        const char* d;
+        QString expected;
+    };
+    const Row rows[] = {
+        {"a", "b", nullptr, "d", "a/b/d"},
+        {"a/", "/b", nullptr, nullptr, "a/b"},
+        {"/r", "b", "c", "d", "/r/b/c/d"},
+        {"/r", "x/..", ".", "d/", "/r/d"},
+        {"a", nullptr, nullptr, nullptr, "a"},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(MakePath(row.a, row.b, row.c, row.d), row.expected) << row.expected.toStdString();
+}
+
+TEST(IsSubDirectory, ComparesCleanedComponentsWithoutCase)
+{
+    struct Row {
+        const char* name;
+        QString directory;
+        QString path;
+        bool expected;
+    };
+    const Row rows[] = {
+        {"drive and case differ", "C:/Data", "c:/data/maps", true},
+        {"equal", "/a/b", "/a/b", true},
+        {"trailing slash", "/a/b/", "/a/b", true},
+        {"dot parts cleaned", "/a/./b", "/a/x/../b/c", true},
+        {"non-ASCII case", QStringLiteral(u"/A/\u00dc"), QStringLiteral(u"/a/\u00fc/x"), true},
+        {"directory deeper than path", "/a/b/c", "/a/b", false},
+        {"prefix of a component is not a parent", "/a/b", "/a/bc/d", false},
+        {"different root", "/x", "/a/x", false},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(IsSubDirectory(row.directory, row.path), row.expected) << row.name;
+}
+
+TEST(IsDirectoryPathValid, BackslashShapeOrAnExistingDirectory)
+{
+    QTemporaryDir temp;
+    ASSERT_TRUE(temp.isValid());
+    QFile file(temp.filePath("plain.txt"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    struct Row {
+        const char* name;
+        QString path;
+        bool expected;
+    };
+    const Row rows[] = {
+        {"drive with trailing backslash", "C:\\temp\\", true},
+        {"share-like path", "\\server\\share", true},
+        {"forbidden character", "C:\\te|mp", false},
+        {"forward slashes that do not exist", "C:/temp", false},
+        {"relative without leading backslash", "relative\\dir", false},
+        {"empty", "", false},
+        {"existing directory in any form", temp.path() + "/.", true},
+        {"existing file", file.fileName(), false},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(IsDirectoryPathValid(row.path), row.expected) << row.name;
+}
+
+TEST(IsFilePathValid, EndsInANameAndIsNoExistingDirectory)
+{
+    QTemporaryDir temp;
+    ASSERT_TRUE(temp.isValid());
+    ASSERT_TRUE(QDir(temp.path()).mkdir("folder.txt"));
+    struct Row {
+        const char* name;
+        QString path;
+        bool expected;
+    };
+    const Row rows[] = {
+        {"drive and backslashes", "C:\\a\\b.txt", true},
+        {"drive and slashes", "C:/a/b.txt", true},
+        {"absolute unix path", "/home/u/f.txt", true},
+        {"non-ASCII", QStringLiteral(u"/tmp/\u00e9t\u00e9.txt"), true},
+        {"forbidden character before the name", "a<b/c.txt", false},
+        {"ends with a separator", "C:\\dir\\", false},
+        {"colon after the drive", "C:\\a:b\\c.txt", false},
+        {"existing directory named like a file", temp.path() + "/folder.txt", false},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(IsFilePathValid(row.path), row.expected) << row.name;
+}
+
+// root/top.txt, root/sub/notes.txt, root/sub/deeper/<non-ASCII>.dat and root/sub/loop -> root.
+class PathsOnDisk : public ::testing::Test
+{
+protected:
+    QTemporaryDir temp;
+    QString root;
+
+    void SetUp() override
+    {
+        ASSERT_TRUE(temp.isValid());
+        root = temp.path();
+        QDir dir(root);
+        ASSERT_TRUE(dir.mkpath(QStringLiteral("sub/deeper")));
+        touch(QStringLiteral("top.txt"));
+        touch(QStringLiteral("sub/notes.txt"));
+        touch(QStringLiteral(u"sub/deeper/\u00fcn\u00ef.dat"));
+        ASSERT_TRUE(QFile::link(root, root + QStringLiteral("/sub/loop")));
+    }
+
+    void touch(const QString& relative)
+    {
+        QFile file(root + '/' + relative);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+};
+
+TEST_F(PathsOnDisk, FindFileRecursiveSearchesAsDeepAsTheDepthAllows)
+{
+    struct Row {
+        QString name;
+        int depth;
+        bool expected;
+    };
+    const Row rows[] = {
+        {"top", 1, true},
+        {"notes", 1, false},
+        {"notes", 2, true},
+        {"txt", 0, false},  // depth 0 searches nothing, not even the folder itself
+        {"txt", 1, true},   // a part of the path is enough
+        {QStringLiteral(u"\u00fcn\u00ef"), 2, false},
+        {QStringLiteral(u"\u00fcn\u00ef"), 3, true},
+        {QStringLiteral(u"\u00fcn\u00ef"), -1, true},
+        {"absent", -1, false},  // the link back to the root does not make it run forever
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(FindFileRecursive(narrow(root), narrow(row.name), row.depth), row.expected)
+            << row.name.toStdString() << " depth " << row.depth;
+    }
+}
+
+TEST_F(PathsOnDisk, ExistenceAndEqualityFollowTheDisk)
+{
+    const QString notes = root + QStringLiteral("/sub/notes.txt");
+    const QString odd = root + QStringLiteral(u"/sub/deeper/\u00fcn\u00ef.dat");
+    EXPECT_TRUE(PathExists(narrow(notes)));
+    EXPECT_TRUE(PathExists(narrow(odd)));
+    EXPECT_TRUE(PathExists(narrow(root + "/sub")));
+    EXPECT_FALSE(PathExists(narrow(root + "/sub/none.txt")));
+
+    EXPECT_TRUE(ArePathEqual(narrow(notes), narrow(root + "/sub/deeper/../notes.txt")));
+    EXPECT_TRUE(ArePathEqual(narrow(notes), narrow(root + "/sub/loop/sub/notes.txt")));
+    EXPECT_FALSE(ArePathEqual(narrow(notes), narrow(root + "/top.txt")));
+}
+
+}  // namespace
