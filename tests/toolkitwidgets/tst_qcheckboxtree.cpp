@@ -1,9 +1,9 @@
 // QCheckBoxTree: one checkedStateChanged per user action carrying every item set, ancestors kept in
 // step with their descendants, clicks propagating like setChecked, colours following the state.
+#include "checkindicator.h"
+
 #include <qtextention/qcheckboxtree.h>
 
-#include <QStyle>
-#include <QStyleOptionViewItem>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -165,12 +165,7 @@ TEST(QCheckBoxTree, ClickOnTheCheckBoxPropagatesLikeSetChecked)
     f.tree.show();
     QTreeWidgetItem* leaf = f.items["C1"];
 
-    QStyleOptionViewItem option;
-    option.initFrom(f.tree.viewport());
-    option.rect = f.tree.visualItemRect(leaf);
-    option.features = QStyleOptionViewItem::HasCheckIndicator | QStyleOptionViewItem::HasDisplay;
-    option.text = leaf->text(0);
-    const QRect box = f.tree.style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, &f.tree);
+    const QRect box = checkIndicatorRect(&f.tree, leaf);
     QTest::mouseClick(f.tree.viewport(), Qt::LeftButton, {}, box.center());
 
     ASSERT_EQ(f.emissions.size(), 1u);

@@ -1,0 +1,223 @@
+// QCheckBoxTreeCombo and QCheckBoxList: the tree combo's single row is its tree and relays its
+// changes, the list's rows are check boxes reporting clicks, and neither pop-up closes on ticking.
+#include "checkindicator.h"
+#include "qtprinters.h"
+
+#include <qtextention/qcheckboxlist.h>
+#include <qtextention/qcheckboxtree.h>
+#include <qtextention/qcheckboxtreecombo.h>
+
+#include <QAbstractItemView>
+#include <QCheckBox>
+#include <QHeaderView>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace {
+
+// Clicks into the first row of the open pop-up's viewport and reports whether the pop-up is still open.
+bool popupSurvivesViewportClick(QComboBox& combo)
+{
+    combo.show();
+    combo.showPopup();
+    QAbstractItemView* view = combo.view();
+    if (!view->isVisible())
+        return false;
+    const QRect row = view->visualRect(combo.model()->index(0, combo.modelColumn()));
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, QPoint(row.right() - 1, row.center().y()));
+    const bool open = view->isVisible();
+    combo.hidePopup();
+    return open;
+}
+
+QImage paintedWithDisplayText(QCheckBoxTreeCombo& combo, const QString& text)
+{
+    combo.setDisplayText(text);
+    return combo.grab().toImage();
+}
+
+// Opens the pop-up for the lifetime of the object, as the user sees the rows when ticking them.
+struct OpenPopup {
+    explicit OpenPopup(QComboBox& combo) : combo(combo)
+    {
+        combo.show();
+        combo.showPopup();
+    }
+    ~OpenPopup() { combo.hidePopup(); }
+    QComboBox& combo;
+};
+
+struct TreeComboFixture {
+    TreeComboFixture()
+    {
+        assets = combo.addItem("Assets", true);
+        models = combo.addItem("Models", false, assets);
+        textures = combo.addItem("Textures", true, assets);
+        QObject::connect(&combo, &QCheckBoxTreeCombo::checkedStateChanged,
+                         [this](bool checked, const QCheckBoxTree::ItemList& items) {
+                             relayed.push_back({checked, items});
+                         });
+    }
+
+    QCheckBoxTreeCombo combo;
+    QTreeWidgetItem* assets = nullptr;
+    QTreeWidgetItem* models = nullptr;
+    QTreeWidgetItem* textures = nullptr;
+    std::vector<std::pair<bool, QCheckBoxTree::ItemList>> relayed;
+};
+
+}  // namespace
+
+TEST(QCheckBoxTreeCombo, FirstTopLevelItemNamesTheOnlyRowWhoseEditorIsTheTree)
+{
+    TreeComboFixture f;
+    f.combo.addItem("Scenes", false);
+    EXPECT_EQ(f.combo.count(), 1);
+    EXPECT_EQ(f.combo.itemText(0), QStringLiteral("Assets"));
+
+    QCheckBoxTree* tree = f.combo.getRoot("ignored");
+    ASSERT_NE(tree, nullptr);
+    EXPECT_EQ(f.combo.view()->indexWidget(f.combo.model()->index(0, 0)), tree);
+    EXPECT_TRUE(tree->header()->isHidden());
+    EXPECT_EQ(tree->topLevelItemCount(), 2);
+    EXPECT_EQ(f.assets->childCount(), 2);
+}
+
+TEST(QCheckBoxTreeCombo, RelaysEachChangeOfItsTreeOnce)
+{
+    TreeComboFixture f;
+    f.combo.setChecked(f.textures, false);
+    f.combo.setChecked(f.models, true);
+    ASSERT_EQ(f.relayed.size(), 2u);
+    EXPECT_FALSE(f.relayed[0].first);
+    EXPECT_EQ(f.relayed[0].second, QCheckBoxTree::ItemList({f.textures, f.assets}));
+    EXPECT_TRUE(f.relayed[1].first);
+    EXPECT_EQ(f.relayed[1].second, QCheckBoxTree::ItemList({f.models, f.assets}));
+    EXPECT_TRUE(f.combo.isChecked(f.models));
+    EXPECT_FALSE(f.combo.isChecked(f.textures));
+}
+
+TEST(QCheckBoxTreeCombo, EmptyComboKnowsNoCheckedItem)
+{
+    QCheckBoxTreeCombo combo;
+    QTreeWidgetItem stray(QStringList{"stray"});
+    stray.setCheckState(0, Qt::Checked);
+    EXPECT_FALSE(combo.isChecked(&stray));
+    EXPECT_EQ(combo.count(), 0);
+}
+
+TEST(QCheckBoxTreeCombo, TickingInThePopupKeepsItOpen)
+{
+    TreeComboFixture f;
+    const OpenPopup popup(f.combo);
+    QCheckBoxTree* tree = f.combo.getRoot("root");
+    ASSERT_TRUE(f.combo.view()->isVisible());
+    EXPECT_EQ(f.combo.view()->height(), tree->height());
+    EXPECT_GT(tree->height(), 3 * tree->visualItemRect(f.assets).height())
+        << "the row is tall enough for the tree, not one line of it";
+
+    tree->expandAll();
+    const QRect box = checkIndicatorRect(tree, f.models);
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, box.center());
+
+    EXPECT_TRUE(f.combo.isChecked(f.models));
+    ASSERT_EQ(f.relayed.size(), 1u);
+    EXPECT_TRUE(f.combo.view()->isVisible());
+}
+
+TEST(QCheckBoxTreeCombo, ClosedComboShowsTheDisplayText)
+{
+    TreeComboFixture f;
+    f.combo.resize(160, 30);
+    const QImage filter = paintedWithDisplayText(f.combo, "Filter");
+    const QImage everything = paintedWithDisplayText(f.combo, "Everything");
+    EXPECT_NE(filter, everything);
+    EXPECT_EQ(paintedWithDisplayText(f.combo, "Filter"), filter);
+    f.combo.setItemText(0, "Renamed");
+    EXPECT_EQ(paintedWithDisplayText(f.combo, "Filter"), filter) << "the row's own text is not shown";
+    EXPECT_EQ(f.combo.getDisplayText(), QStringLiteral("Filter"));
+}
+
+TEST(QCheckBoxTreeCombo, PrintDumpsTheTree)
+{
+    TreeComboFixture f;
+    std::ostringstream out;
+    f.combo.print(out);
+    EXPECT_EQ(out.str(), "[x] Assets\n  [ ] Models\n  [x] Textures\n");
+}
+
+namespace {
+
+struct ListFixture {
+    ListFixture()
+    {
+        list.addItems({"Models", "Textures", "Scenes"});
+        QObject::connect(&list, &QCheckBoxList::checked,
+                         [this](int row, bool checked) { reported.push_back({row, checked}); });
+    }
+    QCheckBox* box(int row) const
+    {
+        return qobject_cast<QCheckBox*>(list.view()->indexWidget(list.model()->index(row, 0)));
+    }
+
+    QCheckBoxList list;
+    std::vector<std::pair<int, bool>> reported;
+};
+
+}  // namespace
+
+TEST(QCheckBoxList, EveryRowIsACheckBoxWithTheRowText)
+{
+    ListFixture f;
+    f.list.addItem("Added later");
+    for (int row = 0; row < f.list.count(); ++row) {
+        QCheckBox* box = f.box(row);
+        ASSERT_NE(box, nullptr) << row;
+        EXPECT_EQ(box->text(), f.list.itemText(row));
+        EXPECT_TRUE(box->isTristate());
+        EXPECT_EQ(box->checkState(), Qt::Unchecked);
+    }
+}
+
+struct ClickCase {
+    const char* name;
+    Qt::CheckState before;
+    Qt::CheckState stored;  // after one click
+    bool reported;
+};
+
+class ClickingARow : public ::testing::TestWithParam<ClickCase>
+{
+};
+
+TEST_P(ClickingARow, StoresCheckedOrUncheckedAndReportsTheRow)
+{
+    ListFixture f;
+    f.list.setChecked(1, GetParam().before);
+    ASSERT_EQ(f.box(1)->checkState(), GetParam().before) << "the box shows the stored state";
+    ASSERT_TRUE(f.reported.empty()) << "setting a state is not reported";
+
+    const OpenPopup popup(f.list);
+    QTest::mouseClick(f.box(1), Qt::LeftButton);
+
+    EXPECT_EQ(f.list.checkState(1), GetParam().stored);
+    EXPECT_EQ(f.box(1)->checkState(), GetParam().stored);
+    EXPECT_EQ(f.reported, (std::vector<std::pair<int, bool>>{{1, GetParam().reported}}));
+    EXPECT_EQ(f.list.checkState(0), Qt::Unchecked);
+}
+
+INSTANTIATE_TEST_SUITE_P(QCheckBoxList, ClickingARow,
+                         ::testing::Values(ClickCase{"UncheckedBecomesChecked", Qt::Unchecked, Qt::Checked, true},
+                                           ClickCase{"CheckedBecomesUnchecked", Qt::Checked, Qt::Unchecked, false},
+                                           ClickCase{"PartialIsStoredAsChecked", Qt::PartiallyChecked,
+                                                     Qt::Checked, true}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(QCheckBoxList, PopupStaysOpenOnClick)
+{
+    ListFixture f;
+    EXPECT_TRUE(popupSurvivesViewportClick(f.list));
+}
