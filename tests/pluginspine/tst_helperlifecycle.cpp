@@ -1,0 +1,170 @@
+// The helper's frame: start and end, the proxy's connection events, the progress box protocol and
+// the host-facing queries that the flows lean on.
+#include "hbrevisioncontrolpropertiesmgr.h"
+#include "interactivemode.h"
+#include "revisioncontroluihelper.h"
+
+#include <dialogdriver.h>
+#include <hostfakes.h>
+
+#include <hbrchost/debugoutputcapture.h>
+
+#include <QAbstractButton>
+#include <QMessageBox>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using hbrc::test::DialogDriver;
+using hbrc::test::FakeHost;
+using ::testing::_;
+
+namespace {
+
+class HelperTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        helper = std::make_unique<CRevisionControlUIHelper>();
+        helper->Init();
+    }
+    void TearDown() override
+    {
+        if (helper)
+            helper->Term();
+    }
+
+    FakeHost host;
+    std::unique_ptr<CRevisionControlUIHelper> helper;
+};
+
+TEST_F(HelperTest, FollowsTheProxysThreeSignalsAndDisconnectsWhenDestroyedWithoutTerm)
+{
+    EXPECT_EQ(host.proxy.initialConnection.num_slots(), 1u);
+    EXPECT_EQ(host.proxy.connected.num_slots(), 1u);
+    EXPECT_EQ(host.proxy.disconnected.num_slots(), 1u);
+    helper->Term();
+    helper.reset();
+    EXPECT_EQ(host.proxy.initialConnection.num_slots(), 0u);
+    EXPECT_EQ(host.proxy.connected.num_slots(), 0u);
+    EXPECT_EQ(host.proxy.disconnected.num_slots(), 0u);
+}
+
+TEST_F(HelperTest, TheInitialConnectionInstallsTheHelperAsTimeOutDelegate)
+{
+    EXPECT_CALL(*host.fileVersionControl, SetTimeOutDelegate(static_cast<kel4::ITimeOutDelegate*>(helper.get())));
+    host.proxy.initialConnection();
+}
+
+TEST_F(HelperTest, TheInitialConnectionWithoutAFileServiceRaises)
+{
+    host.instance->SetService(kel4::UID_FileVersionControl(), {});
+    kel4::DisableErrorReportingGuard quiet;
+    EXPECT_THROW(host.proxy.initialConnection(), kel4::ExBase::NullPtr);
+    host.proxy.SetManager(nullptr);
+    EXPECT_THROW(host.proxy.initialConnection(), kel4::ExBase::NullPtr);
+}
+
+TEST_F(HelperTest, ConnectAndDisconnectRegisterAndUnregisterWithTheItemLibrary)
+{
+    host.proxy.connected();
+    host.proxy.disconnected();
+    host.proxy.connected();
+    const auto& registrations = host.libraryContext.registrations();
+    const auto& unregistrations = host.libraryContext.unregistrations();
+    ASSERT_EQ(registrations.size(), 2u);
+    ASSERT_EQ(unregistrations.size(), 1u);
+    auto* receiver = static_cast<borax::datamodel::IItemLibraryNotification*>(helper.get());
+    for (const auto& r : {registrations[0], registrations[1], unregistrations[0]}) {
+        EXPECT_EQ(r.receiver, receiver);
+        EXPECT_EQ(r.code, 40);
+        EXPECT_EQ(r.contextIndex, 7);
+    }
+}
+
+TEST_F(HelperTest, AnAccessorNotBoundToALibraryRegistersNothing)
+{
+    host.libraryContext.SetBound(false);
+    host.proxy.connected();
+    host.proxy.disconnected();
+    EXPECT_TRUE(host.libraryContext.registrations().empty());
+    EXPECT_TRUE(host.libraryContext.unregistrations().empty());
+}
+
+TEST_F(HelperTest, ProgressBoxCancelAbortsCloseDoesNotAndEachRunStartsAfresh)
+{
+    DialogDriver driver;
+    QString text;
+    driver.expect("progress box, pressed Cancel", [&](QWidget* w) {
+        auto* box = qobject_cast<QMessageBox*>(w);
+        ASSERT_NE(box, nullptr);
+        text = box->text();
+        box->button(QMessageBox::Cancel)->click();
+    });
+    EXPECT_TRUE(helper->GetUserInput());
+    EXPECT_EQ(text, QStringLiteral("Perforce Operation in Progress, press Cancel to abort"));
+
+    driver.expect("progress box, closed by the operation", [&](QWidget*) { helper->Close(); });
+    EXPECT_FALSE(helper->GetUserInput());
+
+    driver.expect("progress box, pressed Cancel again", [](QWidget* w) {
+        qobject_cast<QMessageBox*>(w)->button(QMessageBox::Cancel)->click();
+    });
+    EXPECT_TRUE(helper->GetUserInput());
+    EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString();
+}
+
+TEST_F(HelperTest, TheHiddenProgressBoxDoesNotMakeTheSessionInteractive)
+{
+    EXPECT_FALSE(hbrc::internal::InteractiveMode());
+    QWidget window;
+    EXPECT_TRUE(hbrc::internal::InteractiveMode());
+}
+
+TEST_F(HelperTest, RevisionControlIsEnabledOnlyThroughTheSettings)
+{
+    EXPECT_FALSE(helper->IsRevisionControlEnabled()) << "no settings singleton";
+    host.system.RegisterFactory("RevisionControlPropertiesMgr", &CHBRevisionControlPropertiesMgr::Factory);
+    EXPECT_FALSE(helper->IsRevisionControlEnabled());
+    host.prefs->SetBoolPref("RevControl.UseSourceDataControl", true, 1);
+    EXPECT_TRUE(helper->IsRevisionControlEnabled());
+}
+
+TEST_F(HelperTest, GetDataControlFollowsTheProxyOnlyWhileConnected)
+{
+    EXPECT_EQ(helper->GetDataControl({}).Get(), host.dataControl.Get());
+    KELPtr<kel4::IDataModelMgr> given(host.manager.Get());
+    EXPECT_EQ(helper->GetDataControl(given).Get(), host.dataControl.Get());
+
+    const int before = host.manager->instanceRequests();
+    host.proxy.SetConnected(false);
+    EXPECT_TRUE(helper->GetDataControl({}).IsNull());
+    EXPECT_EQ(host.manager->instanceRequests(), before) << "the database is not touched";
+
+    host.proxy.SetConnected(true);
+    host.instance->SetService(kel4::UID_DataControl(), {});
+    EXPECT_TRUE(helper->GetDataControl({}).IsNull());
+}
+
+TEST_F(HelperTest, ResolveObjectUsesAndFillsTheCallersManager)
+{
+    host.manager->AddObject("id-a", "a");
+    const KELHandle<IDbObject> b = host.manager->AddObject("id-b", "b");
+    KELPtr<kel4::IDataModelMgr> manager;
+    EXPECT_EQ(helper->ResolveObject(DbObjectId("id-b"), manager), b);
+    EXPECT_EQ(manager.Get(), host.manager.Get());
+    EXPECT_TRUE(helper->ResolveObject(DbObjectId("id-unknown")).IsNull());
+
+    host.proxy.SetManager(nullptr);
+    EXPECT_TRUE(helper->ResolveObject(DbObjectId("id-b")).IsNull()) << "a proxy without manager resolves nothing";
+
+    host.system.UnregisterSingleton("KELDBProxy");
+    hbrc::host::DebugOutputCapture debug;
+    EXPECT_THROW(helper->ResolveObject(DbObjectId("id-b")), kel4::ExBase::NullPtr);
+    EXPECT_EQ(debug.Lines().size(), 1u);
+}
+
+}  // namespace

@@ -1,0 +1,147 @@
+#include "hostfakes.h"
+
+#include <basesystem/hbconnection.h>
+
+#include <cstring>
+
+namespace hbrc::test {
+
+KELPtr<kel4::IService> FakeKELInstance::GetService(const kel4::ServiceId& id) const
+{
+    ++m_lookups;
+    auto found = m_services.find(id.name);
+    return found == m_services.end() ? KELPtr<kel4::IService>() : found->second;
+}
+
+void FakeKELInstance::SetService(const kel4::ServiceId& id, KELPtr<kel4::IService> service)
+{
+    m_services[id.name] = std::move(service);
+}
+
+KELHandle<IDbObject> FakeDataModelMgr::AddObject(const std::string& id, const std::string& name, bool isAsset)
+{
+    m_objects.push_back({id, name, isAsset, "v1"});
+    return KELHandle<IDbObject>(this, static_cast<std::uint32_t>(m_objects.size()), 1);
+}
+
+KELPtr<kel4::IKELInstance> FakeDataModelMgr::GetInstance() const
+{
+    ++m_instanceRequests;
+    return m_instance;
+}
+
+KELHandle<IDbObject> FakeDataModelMgr::ResolveObject(const DbObjectId& id) const
+{
+    for (std::size_t i = 0; i < m_objects.size(); ++i) {
+        if (m_objects[i].id == id.GetStr())
+            return KELHandle<IDbObject>(const_cast<FakeDataModelMgr*>(this), static_cast<std::uint32_t>(i + 1), 1);
+    }
+    return {};
+}
+
+kelResult FakeDataModelMgr::Query(const std::string&, kel4::Vector<CQueryResult>&, int, std::string& errorText) const
+{
+    errorText = "queries are not supported by the fake manager";
+    return kelResult(kel4::kResultFailed);
+}
+
+const FakeDataModelMgr::Object* FakeDataModelMgr::find(const KELHandleBase& object) const
+{
+    const std::uint32_t index = object.GetCacheIndex();
+    return index >= 1 && index <= m_objects.size() ? &m_objects[index - 1] : nullptr;
+}
+
+bool FakeDataModelMgr::IsHandleValid(const KELHandleBase& object) const
+{
+    return find(object) != nullptr;
+}
+
+DbObjectId FakeDataModelMgr::GetObjectId(const KELHandleBase& object) const
+{
+    const Object* o = find(object);
+    return o ? DbObjectId(o->id) : DbObjectId();
+}
+
+std::string FakeDataModelMgr::GetObjectName(const KELHandleBase& object) const
+{
+    const Object* o = find(object);
+    return o ? o->name : std::string();
+}
+
+VersionId FakeDataModelMgr::GetAncestorId(const KELHandleBase& object) const
+{
+    const Object* o = find(object);
+    return o ? VersionId(o->ancestor) : VersionId();
+}
+
+bool FakeDataModelMgr::IsObjectOfType(const KELHandleBase& object, const char* typeId) const
+{
+    const Object* o = find(object);
+    if (!o)
+        return false;
+    return std::strcmp(typeId, IDbObject::GetTypeId()) == 0 || (o->isAsset && std::strcmp(typeId, IAsset::GetTypeId()) == 0);
+}
+
+borax::datamodel::IItemLibrary* FakeItemLibraryContext::GetLibrary() const
+{
+    return m_bound ? const_cast<FakeItemLibraryContext*>(this) : nullptr;
+}
+
+void FakeItemLibraryContext::RegisterNotification(borax::datamodel::IItemLibraryNotification* r, int code, int index)
+{
+    m_registrations.push_back({r, code, index});
+}
+
+void FakeItemLibraryContext::UnregisterNotification(borax::datamodel::IItemLibraryNotification* r, int code, int index)
+{
+    m_unregistrations.push_back({r, code, index});
+}
+
+namespace {
+
+void connectSlot(FakeDBProxy::Signal& signal, void (nrk::fwk::IKELDBProxy_Slot::*handler)(),
+                 nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** connection)
+{
+    *connection = new BaseSystem::hbconnection(signal.connect([slot, handler] { (slot->*handler)(); }));
+}
+
+}  // namespace
+
+void FakeDBProxy::Connect_OnInitialConnectionToDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c)
+{
+    connectSlot(initialConnection, &nrk::fwk::IKELDBProxy_Slot::OnInitialConnectionToDB, slot, c);
+}
+
+void FakeDBProxy::Connect_OnConnectedToDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c)
+{
+    connectSlot(connected, &nrk::fwk::IKELDBProxy_Slot::OnConnectedToDB, slot, c);
+}
+
+void FakeDBProxy::Connect_OnDisconnectedFromDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c)
+{
+    connectSlot(disconnected, &nrk::fwk::IKELDBProxy_Slot::OnDisconnectedFromDB, slot, c);
+}
+
+KELPtr<kel4::IKELInstance> FakeDBProxy::GetKELInstance() const
+{
+    return m_manager ? m_manager->GetInstance() : KELPtr<kel4::IKELInstance>();
+}
+
+FakeHost::FakeHost()
+    : prefs(std::make_unique<hbrc::host::PrefManager>(folder.filePath(QStringLiteral("preferences.ini"))))
+{
+    system.RegisterSingleton(IHBPrefManager::GetSingletonName(), prefs.get());
+    system.RegisterSingleton(nrk::fwk::IKELDBProxy::GetSingletonName(), &proxy);
+    manager->SetInstance(instance);
+    instance->SetService(kel4::UID_DataControl(), KELPtr<kel4::IService>(dataControl.Get()));
+    instance->SetService(kel4::UID_FileVersionControl(), KELPtr<kel4::IService>(fileVersionControl.Get()));
+    proxy.SetManager(manager.Get());
+    proxy.SetAccessor(borax::datamodel::ItemLibraryAccessor(&libraryContext, 7));
+}
+
+FakeHost::~FakeHost()
+{
+    system.DestroyOwnedSingletons();
+}
+
+}  // namespace hbrc::test
