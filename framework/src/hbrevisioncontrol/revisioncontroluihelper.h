@@ -78,6 +78,11 @@ public:
     void Close() override;
     bool GetUserInput() override;
 
+    // Opens a new session for dataControl after asking for the password when needed; true when a
+    // session was installed. The reason shown is reasonPrefix followed by reasonText.
+    bool AttemptReconnect(const KELPtr<kel4::IDataControl>& dataControl, const char* reasonPrefix,
+                          const char* reasonText) const;
+
 private:
     // Registers (true) or unregisters the helper with the proxy's current item library.
     void SetItemLibraryRegistration(bool registered);
