@@ -125,7 +125,8 @@ void drawDockWidgetTitlePanel(const QStyleOptionDockWidget* dock, QPainter* pain
 {
     const QPalette& palette = dock->palette;
     const bool vertical = dock->verticalTitleBar;
-    drawCachedPixmap(painter, uniqueName(QStringLiteral("dockwidgettitle"), dock, dock->rect.size()), dock->rect,
+    const QString name = vertical ? QStringLiteral("dockwidgettitle-vertical") : QStringLiteral("dockwidgettitle");
+    drawCachedPixmap(painter, uniqueName(name, dock, dock->rect.size()), dock->rect,
                      [&](QPainter& p, const QRect& r) {
                          tlomdark::tlomDarkStyleDrawGradient(
                              &p, r, mergedColors(palette.color(QPalette::Button), palette.color(QPalette::Window), 50),

@@ -1,0 +1,142 @@
+// The check-box indicator of QtlomDarkStyleTarn: its frame, hover lines, check marks, and one
+// cached pixmap per distinct state, palette and size.
+#include "stylesupport.h"
+
+#include <qtextention/qtlomdarkstyletarn.h>
+
+#include <QPainter>
+#include <QPixmapCache>
+#include <QStyleOption>
+
+#include <gtest/gtest.h>
+
+#include <optional>
+
+namespace {
+
+const QColor kSentinel(255, 0, 255);
+const QSize kIndicator(13, 13);
+
+class TarnCheckBox : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        QPixmapCache::clear();
+        m_palette = m_style.standardPalette();
+        m_palette.setColor(QPalette::Highlight, QColor(0, 0, 200));
+    }
+    void TearDown() override { QPixmapCache::clear(); }
+
+    QStyleOptionButton option(QStyle::State state) const
+    {
+        QStyleOptionButton button;
+        button.rect = QRect(QPoint(0, 0), kIndicator);
+        button.palette = m_palette;
+        button.state = state;
+        return button;
+    }
+
+    QImage draw(const QStyleOptionButton& button) const
+    {
+        return paintedImage(kIndicator, kSentinel, [&](QPainter& p) {
+            m_style.drawPrimitive(QStyle::PE_IndicatorCheckBox, &button, &p);
+        });
+    }
+
+    QString cacheKey(const QStyleOptionButton& button) const
+    {
+        return QStringLiteral("checkbox-%1-0-%2-%3x%4")
+            .arg(int(button.state))
+            .arg(button.palette.cacheKey())
+            .arg(button.rect.width())
+            .arg(button.rect.height());
+    }
+
+    QtlomDarkStyleTarn m_style;
+    QPalette m_palette;
+};
+
+// The mark's top-right pixel (image column 8, row 0) lands at (10, 2); (2, 2) is transparent in it.
+TEST_F(TarnCheckBox, CheckMarkIsDrawnAtTwoTwoInTheColourOfTheState)
+{
+    const QColor text = grey(200);
+    const QColor sunkenMark = grey(147);  // halves of base 42 darkened by 105 and text lightened by 250
+    const struct {
+        const char* name;
+        QStyle::State state;
+        std::optional<QColor> mark;
+    } rows[] = {
+        {"checked", QStyle::State_Enabled | QStyle::State_On, text},
+        {"partial", QStyle::State_Enabled | QStyle::State_NoChange, sunkenMark},
+        {"pressed", QStyle::State_Enabled | QStyle::State_Sunken, sunkenMark},
+        {"pressedChecked", QStyle::State_Enabled | QStyle::State_Sunken | QStyle::State_On, sunkenMark},
+        {"disabledChecked", QStyle::State_On, text},
+        {"unchecked", QStyle::State_Enabled | QStyle::State_Off, std::nullopt},
+    };
+    for (const auto& row : rows) {
+        const QImage image = draw(option(row.state));
+        const QColor inside = pixelColor(image, 2, 2);
+        EXPECT_NE(inside, text) << row.name;
+        EXPECT_NE(inside, sunkenMark) << row.name;
+        EXPECT_EQ(pixelColor(image, 10, 2), row.mark.value_or(inside)) << row.name;
+        EXPECT_EQ(pixelColor(image, 2, 6), row.mark.value_or(inside)) << row.name;  // row 4, column 0
+    }
+}
+
+TEST_F(TarnCheckBox, FrameHasDarkSidesAndSoftCorners)
+{
+    const QImage image = draw(option(QStyle::State_Enabled));
+    EXPECT_EQ(pixelColor(image, 6, 0), grey(38));   // window 68 darkened by 178
+    EXPECT_EQ(pixelColor(image, 0, 6), grey(38));
+    EXPECT_EQ(pixelColor(image, 12, 6), grey(38));
+    EXPECT_EQ(pixelColor(image, 6, 12), grey(38));
+    EXPECT_EQ(pixelColor(image, 0, 0), grey(53));   // halves of window and border
+    EXPECT_EQ(pixelColor(image, 12, 12), grey(53));
+}
+
+TEST_F(TarnCheckBox, HoverAddsTwoHighlightFramesOnlyWhenEnabled)
+{
+    // Button 100 merged with highlight (0, 0, 200): 35 % for the outer frame, 58 % for the inner.
+    const QColor outer(35, 35, 165);
+    const QColor inner(58, 58, 142);
+    const QImage hover = draw(option(QStyle::State_Enabled | QStyle::State_MouseOver));
+    EXPECT_EQ(pixelColor(hover, 1, 6), outer);
+    EXPECT_EQ(pixelColor(hover, 2, 6), inner);
+    EXPECT_EQ(pixelColor(hover, 11, 6), QColor(32, 32, 150));  // right and bottom sides darkened by 110
+    EXPECT_EQ(pixelColor(hover, 10, 6), QColor(53, 53, 129));
+    EXPECT_EQ(pixelColor(hover, 6, 11), QColor(32, 32, 150));
+
+    const QImage disabledHover = draw(option(QStyle::State_MouseOver));
+    EXPECT_NE(pixelColor(disabledHover, 1, 6), outer);
+    EXPECT_EQ(disabledHover, draw(option(QStyle::State_None)));
+}
+
+TEST_F(TarnCheckBox, IsPaintedOncePerKeyAndBlittedFromTheCacheAfterwards)
+{
+    const QStyleOptionButton checked = option(QStyle::State_Enabled | QStyle::State_On);
+    const QImage first = draw(checked);
+    QPixmap cached;
+    ASSERT_TRUE(QPixmapCache::find(cacheKey(checked), &cached));
+    EXPECT_EQ(cached.size(), kIndicator);
+
+    // A second paint of the same key must come from the cache: replace the entry and see it.
+    QPixmap marker(kIndicator);
+    marker.fill(Qt::green);
+    QPixmapCache::insert(cacheKey(checked), marker);
+    EXPECT_EQ(pixelColor(draw(checked), 6, 6), QColor(Qt::green));
+
+    // Any other state, palette or size is a key of its own, painted afresh.
+    QStyleOptionButton hovered = option(checked.state | QStyle::State_MouseOver);
+    QStyleOptionButton otherPalette = checked;
+    otherPalette.palette.setColor(QPalette::Base, grey(30));
+    QStyleOptionButton larger = checked;
+    larger.rect = QRect(0, 0, 15, 15);
+    for (const QStyleOptionButton* other : {&hovered, &otherPalette, &larger}) {
+        EXPECT_NE(pixelColor(draw(*other), 6, 6), QColor(Qt::green));
+        EXPECT_TRUE(QPixmapCache::find(cacheKey(*other), &cached));
+    }
+    EXPECT_NE(first, draw(hovered));
+}
+
+}  // namespace
