@@ -1,0 +1,169 @@
+#include <hbrcdatamodel/objectquery.h>
+#include <hbrcdatamodel/objectstore.h>
+
+namespace hbrc::host {
+
+std::uint32_t ObjectStore::Allocate(const std::string& id, std::uint32_t owner)
+{
+    std::uint32_t slot;
+    if (!m_freeSlots.empty()) {
+        slot = m_freeSlots.back();
+        m_freeSlots.pop_back();
+    } else {
+        slot = std::uint32_t(m_slots.size());
+        m_slots.emplace_back();
+    }
+    Slot& entry = m_slots[slot];
+    entry.used = true;
+    entry.owner = owner == kNoSlot ? slot : owner;
+    m_byId.emplace(id, slot);
+    ++m_live;
+    return slot;
+}
+
+void ObjectStore::Free(std::uint32_t slot)
+{
+    Slot& entry = m_slots[slot];
+    m_byId.erase(IdOf(slot));
+    entry.used = false;
+    entry.asset.reset();
+    entry.owner = kNoSlot;
+    ++entry.instance;
+    m_freeSlots.push_back(slot);
+    --m_live;
+}
+
+std::uint32_t ObjectStore::AddAsset(AssetRecord record, std::string kelPath)
+{
+    std::set<std::string> ids{record.id};
+    for (const PartRecord& part : record.parts)
+        ids.insert(part.id);
+    if (ids.size() != record.parts.size() + 1)
+        return kNoSlot;
+    for (const std::string& id : ids) {
+        if (m_byId.count(id))
+            return kNoSlot;
+    }
+    if (m_kelPaths.count(kelPath))
+        return kNoSlot;
+    m_kelPaths.insert(kelPath);
+    auto asset = std::make_unique<StoredAsset>();
+    asset->kelPath = std::move(kelPath);
+    if (record.version > 0)
+        asset->ancestor = VersionId(std::to_string(record.version));
+    asset->record = std::move(record);
+    const std::uint32_t slot = Allocate(asset->record.id, kNoSlot);
+    m_slots[slot].asset = std::move(asset);
+    StoredAsset& stored = *m_slots[slot].asset;
+    for (std::size_t i = 0; i < stored.record.parts.size(); ++i) {
+        const std::uint32_t partSlot = Allocate(stored.record.parts[i].id, slot);
+        m_slots[partSlot].partIndex = i;
+        stored.partSlots.push_back(partSlot);
+    }
+    return slot;
+}
+
+std::uint32_t ObjectStore::AddPart(std::uint32_t assetSlot, PartRecord part)
+{
+    if (!IsAsset(assetSlot) || part.id.empty() || m_byId.count(part.id))
+        return kNoSlot;
+    StoredAsset& asset = AssetAt(assetSlot);
+    asset.record.parts.push_back(std::move(part));
+    const std::uint32_t slot = Allocate(asset.record.parts.back().id, assetSlot);
+    m_slots[slot].partIndex = asset.record.parts.size() - 1;
+    asset.partSlots.push_back(slot);
+    return slot;
+}
+
+void ObjectStore::RemoveAsset(std::uint32_t assetSlot)
+{
+    if (!IsAsset(assetSlot))
+        return;
+    StoredAsset& asset = AssetAt(assetSlot);
+    if (asset.IsOnDisk()) {
+        PendingDeletion deletion{{asset.kelPath}};
+        for (const std::string& name : asset.record.externalFiles)
+            deletion.files.push_back(asset.ExternalPath(name));
+        for (const std::string& name : asset.pendingRemoval)
+            deletion.files.push_back(asset.ExternalPath(name));
+        m_deletions.push_back(std::move(deletion));
+    }
+    for (std::uint32_t part : asset.partSlots)
+        Free(part);
+    m_kelPaths.erase(asset.kelPath);
+    m_dirty.erase(assetSlot);
+    Free(assetSlot);
+}
+
+bool ObjectStore::IsLive(std::uint32_t slot, std::uint32_t instance) const
+{
+    return IsLive(slot) && m_slots[slot].instance == instance;
+}
+
+std::uint32_t ObjectStore::SlotOf(const std::string& id) const
+{
+    const auto found = m_byId.find(id);
+    return found == m_byId.end() ? kNoSlot : found->second;
+}
+
+const PartRecord& ObjectStore::PartAt(std::uint32_t slot) const
+{
+    const Slot& entry = m_slots[slot];
+    return m_slots[entry.owner].asset->record.parts[entry.partIndex];
+}
+
+const std::string& ObjectStore::IdOf(std::uint32_t slot) const
+{
+    return IsAsset(slot) ? AssetAt(slot).record.id : PartAt(slot).id;
+}
+
+const std::string& ObjectStore::NameOf(std::uint32_t slot) const
+{
+    return IsAsset(slot) ? AssetAt(slot).record.name : PartAt(slot).name;
+}
+
+const std::string& ObjectStore::TypeOf(std::uint32_t slot) const
+{
+    return IsAsset(slot) ? AssetAt(slot).record.type : PartAt(slot).type;
+}
+
+unsigned ObjectStore::FlagsOf(std::uint32_t slot) const
+{
+    const StoredAsset& owner = AssetAt(OwnerOf(slot));
+    unsigned flags = 0;
+    if (owner.record.persistable)
+        flags |= kFlagPersistable;
+    if (owner.dirty)
+        flags |= kFlagDirty;
+    if (IsAsset(slot)) {
+        if (owner.record.kind == AssetKind::Metadata)
+            flags |= kFlagMetadata;
+        else if (owner.record.kind == AssetKind::Value)
+            flags |= kFlagValueAsset;
+    }
+    return flags;
+}
+
+void ObjectStore::SetDirty(std::uint32_t assetSlot, bool dirty)
+{
+    if (!IsAsset(assetSlot))
+        return;
+    StoredAsset& asset = AssetAt(assetSlot);
+    if (dirty && !asset.dirty && asset.IsOnDisk())
+        asset.ancestor = VersionId(std::to_string(asset.record.version));
+    asset.dirty = dirty;
+    if (dirty)
+        m_dirty.insert(assetSlot);
+    else
+        m_dirty.erase(assetSlot);
+}
+
+void ObjectStore::ForEachLive(const std::function<void(std::uint32_t)>& visit) const
+{
+    for (std::uint32_t slot = 0; slot < m_slots.size(); ++slot) {
+        if (m_slots[slot].used)
+            visit(slot);
+    }
+}
+
+}  // namespace hbrc::host

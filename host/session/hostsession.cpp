@@ -1,0 +1,66 @@
+#include <hbrcsession/hostsession.h>
+
+namespace hbrc::host {
+
+HostSession::HostSession(const QString& preferencesFile)
+    : m_plugins(std::make_unique<PluginLoader>()),
+      m_system(std::make_unique<ComponentSystem>()),
+      m_preferences(std::make_unique<PrefManager>(preferencesFile)),
+      m_proxy(std::make_unique<KelDbProxy>()),
+      m_commands(std::make_unique<CommandManager>())
+{
+    m_system->RegisterSingleton(IHBPrefManager::GetSingletonName(), m_preferences.get());
+    m_system->RegisterSingleton(nrk::fwk::IKELDBProxy::GetSingletonName(), m_proxy.get());
+    m_system->RegisterSingleton(nrk::fwk::ICommandManager::GetSingletonName(), m_commands.get());
+}
+
+HostSession::~HostSession()
+{
+    CloseWorkspace();
+    m_system->DestroyOwnedSingletons();
+    m_system->UnregisterSingleton(nrk::fwk::ICommandManager::GetSingletonName());
+    m_system->UnregisterSingleton(nrk::fwk::IKELDBProxy::GetSingletonName());
+    m_system->UnregisterSingleton(IHBPrefManager::GetSingletonName());
+    m_system.reset();
+    m_commands.reset();
+    m_proxy.reset();
+    m_preferences.reset();
+}
+
+bool HostSession::LoadPlugin(const std::string& libraryPath, std::string& errorText)
+{
+    return m_plugins->Load(libraryPath, errorText);
+}
+
+nrk::IBase* HostSession::StartComponent(const char* name)
+{
+    return m_system->GetSingleton(name);
+}
+
+void HostSession::AddWorkspaceSetup(WorkspaceSetup setup)
+{
+    m_setups.push_back(std::move(setup));
+}
+
+Workspace* HostSession::OpenWorkspace(const QString& folder, std::string& errorText)
+{
+    CloseWorkspace();
+    m_workspace = Workspace::Open(folder, errorText);
+    if (!m_workspace)
+        return nullptr;
+    for (const WorkspaceSetup& setup : m_setups)
+        setup(*m_workspace);
+    m_proxy->Attach(*m_workspace);
+    return m_workspace.get();
+}
+
+void HostSession::CloseWorkspace()
+{
+    if (!m_workspace)
+        return;
+    m_proxy->Detach();
+    m_commands->Clear();
+    m_workspace.reset();
+}
+
+}  // namespace hbrc::host
