@@ -27,13 +27,16 @@ std::string toHex(const unsigned char* bytes, std::size_t size)
 
 }  // namespace
 
-std::string hashPassword(const std::string& password)
+std::string hashPassword(const std::string& password, PasswordHashCost cost)
 {
     initialiseSodium();
     std::array<char, crypto_pwhash_STRBYTES> hash{};
     // Interactive limits: a log-in stays well under a second while each guess stays expensive.
-    if (crypto_pwhash_str(hash.data(), password.data(), password.size(), crypto_pwhash_OPSLIMIT_INTERACTIVE,
-                          crypto_pwhash_MEMLIMIT_INTERACTIVE) != 0)
+    // The hash records its limits, so verifying costs what hashing did.
+    const bool minimal = cost == PasswordHashCost::Minimal;
+    if (crypto_pwhash_str(hash.data(), password.data(), password.size(),
+                          minimal ? crypto_pwhash_OPSLIMIT_MIN : crypto_pwhash_OPSLIMIT_INTERACTIVE,
+                          minimal ? crypto_pwhash_MEMLIMIT_MIN : crypto_pwhash_MEMLIMIT_INTERACTIVE) != 0)
         throw DepotError(code::Failed, "Out of memory while hashing the password");
     return std::string(hash.data());
 }

@@ -5,9 +5,11 @@
 
 #include <string>
 
+#include <depot/types.h>
+
 namespace hbrc::depot {
 
-std::string hashPassword(const std::string& password);
+std::string hashPassword(const std::string& password, PasswordHashCost cost);
 bool verifyPassword(const std::string& storedHash, const std::string& password);
 std::string newTicket();
 std::string ticketDigest(const std::string& ticket);

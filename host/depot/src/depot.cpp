@@ -90,8 +90,9 @@ Result Depot::Impl::run(Operation operation, Transaction::Kind kind, const std::
         Transaction transaction(database, kind);
         if (ticket)
             authenticate(call, *ticket);
+        // Bodies poll the cancel check themselves up to the point where they start changing
+        // workspace files; from there on the call completes.
         body(call);
-        call.checkpoint();
         transaction.commit();
         return {};
     } catch (const DepotError& error) {
@@ -141,7 +142,7 @@ Result Depot::addUser(const std::string& name, const std::string& password)
     return d->run(Operation::Administer, Transaction::Kind::Write, std::nullopt, {}, [&](Call& call) {
         requireValidName("user", name);
         Statement insert(call.db(), "INSERT OR IGNORE INTO users(name, password_hash) VALUES (?1, ?2)");
-        insert.bind(1, name).bind(2, password.empty() ? std::optional<std::string>() : hashPassword(password));
+        insert.bind(1, name).bind(2, password.empty() ? std::optional<std::string>() : hashPassword(password, d->options.passwordHashCost));
         insert.run();
         if (call.db().changes() == 0)
             throw DepotError(code::Failed, "User " + name + " already exists.");

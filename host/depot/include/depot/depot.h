@@ -31,6 +31,9 @@ struct DepotOptions
     std::chrono::milliseconds busyTimeout{10000};
     // Seconds since the epoch; the system clock when empty. Tests move time with it.
     std::function<std::int64_t()> clock;
+    // How expensive the hashes of passwords set through this connection are. Minimal is for
+    // throw-away depots (tests, benchmarks): log-ins get fast and guesses cheap.
+    PasswordHashCost passwordHashCost = PasswordHashCost::Interactive;
 };
 
 class Depot

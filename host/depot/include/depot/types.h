@@ -89,6 +89,8 @@ enum class Operation {
     Opened, Changelists, Describe, CreateChangelist, ChangelistExists
 };
 
+enum class PasswordHashCost { Interactive, Minimal };
+
 // Polled between the steps of an operation; returning true cancels it and rolls it back.
 using CancelCheck = std::function<bool()>;
 

@@ -1,0 +1,160 @@
+// Log-in, session expiry, an unreachable depot, injected faults and cancelled operations.
+#include "depotfixture.h"
+
+#include <filesystem>
+#include <fstream>
+
+using namespace hbrc::depot;
+namespace fs = std::filesystem;
+
+namespace {
+
+using DepotSessions = DepotFixture;
+
+// Every file operation, so that a session check cannot be forgotten in one of them.
+const std::vector<std::pair<const char*, std::function<Result(Depot&, const std::string&, const std::string&)>>>
+    kOperations = {
+        {"sync", [](Depot& d, const std::string& t, const std::string&) { return d.sync(t, {}); }},
+        {"status",
+         [](Depot& d, const std::string& t, const std::string& f) {
+             std::vector<FileStatus> s;
+             return d.status(t, {f}, s);
+         }},
+        {"edit", [](Depot& d, const std::string& t, const std::string& f) { return d.edit(t, {f}, ""); }},
+        {"delete", [](Depot& d, const std::string& t, const std::string& f) { return d.remove(t, {f}, ""); }},
+        {"revert", [](Depot& d, const std::string& t, const std::string& f) { return d.revert(t, {f}); }},
+        {"changelists",
+         [](Depot& d, const std::string& t, const std::string&) {
+             std::vector<Changelist> c;
+             return d.changelists(t, ChangelistState::Pending, c);
+         }},
+        {"create",
+         [](Depot& d, const std::string& t, const std::string&) {
+             ChangelistId c;
+             return d.createChangelist(t, "x", c);
+         }},
+};
+
+TEST_F(DepotSessions, LogInFailuresSayWhy)
+{
+    std::string ticket;
+    const Result wrong = m_alice->login("alice", "guess", "alice-ws", ticket);
+    EXPECT_LT(wrong.code, 0);
+    EXPECT_NE(wrong.error.find("Invalid password"), std::string::npos) << wrong.error;
+    EXPECT_TRUE(ticket.empty());
+    const Result unknownUser = m_alice->login("mallory", "", "alice-ws", ticket);
+    EXPECT_LT(unknownUser.code, 0);
+    EXPECT_EQ(unknownUser.error.find("Invalid password"), std::string::npos)
+        << "only a wrong password may ask for another password";
+    EXPECT_LT(m_alice->login("alice", "alice-pw", "bob-ws", ticket).code, 0) << "bob's workspace is not alice's";
+    ASSERT_TRUE(m_alice->addUser("carol", "").ok());
+    ASSERT_TRUE(m_alice->addWorkspace("carol-ws", "carol", m_dir.filePath("carol").toStdString()).ok());
+    EXPECT_TRUE(m_alice->login("carol", "", "carol-ws", ticket).ok()) << "a user without password logs in with none";
+}
+
+TEST_F(DepotSessions, AnExpiredOrUnknownTicketMakesEveryOperationFailWith34)
+{
+    m_now += 3601;
+    for (const auto& [name, operation] : kOperations) {
+        const Result expired = operation(*m_alice, m_aliceTicket, aliceFile("shared.kel"));
+        EXPECT_EQ(expired.code, code::SessionUnusable) << name;
+        EXPECT_NE(expired.error.find("expired"), std::string::npos) << name << ": " << expired.error;
+        EXPECT_EQ(operation(*m_alice, "no-such-ticket", aliceFile("shared.kel")).code, code::SessionUnusable) << name;
+    }
+    std::string renewed;
+    ASSERT_TRUE(m_alice->login("alice", "alice-pw", "alice-ws", renewed).ok());
+    EXPECT_TRUE(m_alice->edit(renewed, {aliceFile("shared.kel")}, "").ok());
+}
+
+TEST_F(DepotSessions, ExpiringASessionNowReachesOtherConnections)
+{
+    ASSERT_TRUE(m_alice->expireSession(m_bobTicket).ok());
+    EXPECT_EQ(m_bob->edit(m_bobTicket, {bobFile("shared.kel")}, "").code, code::SessionUnusable);
+    EXPECT_TRUE(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, "").ok());
+}
+
+TEST_F(DepotSessions, AnUnreachableDepotFailsWith34UntilItAppears)
+{
+    const std::string missing = m_dir.filePath("elsewhere/depot.db").toStdString();
+    const std::string garbage = m_dir.filePath("garbage.db").toStdString();
+    std::ofstream(garbage) << "not a database at all, just text that is long enough to be read as a header";
+    for (const std::string& path : {missing, garbage}) {
+        Depot unreachable(path);
+        std::string ticket;
+        const Result login = unreachable.login("alice", "alice-pw", "alice-ws", ticket);
+        EXPECT_EQ(login.code, code::SessionUnusable) << path;
+        EXPECT_NE(login.error.find("Cannot reach the depot"), std::string::npos) << login.error;
+        for (const auto& [name, operation] : kOperations)
+            EXPECT_EQ(operation(unreachable, m_aliceTicket, aliceFile("shared.kel")).code, code::SessionUnusable) << name;
+    }
+    Depot later(missing);
+    fs::create_directories(fs::path(missing).parent_path());
+    ASSERT_TRUE(Depot::create(missing).ok());
+    EXPECT_TRUE(later.addUser("dave", "pw").ok()) << "the connection is made once the file is there";
+}
+
+TEST_F(DepotSessions, InjectedFailuresHitTheNextCallsOrOneOperation)
+{
+    m_alice->faults().failNextCalls(2, code::SessionUnusable);
+    std::vector<FileStatus> statuses;
+    EXPECT_TRUE(m_bob->status(m_bobTicket, {bobFile("shared.kel")}, statuses).ok()) << "faults belong to one connection";
+    EXPECT_EQ(m_alice->status(m_aliceTicket, {aliceFile("shared.kel")}, statuses).code, code::SessionUnusable);
+    EXPECT_EQ(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, "").code, code::SessionUnusable);
+    EXPECT_TRUE(m_alice->status(m_aliceTicket, {aliceFile("shared.kel")}, statuses).ok());
+
+    m_alice->faults().failOperation(Operation::Edit, code::IoError, "disk on fire");
+    const Result edit = m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, "");
+    EXPECT_EQ(edit.code, code::IoError);
+    EXPECT_EQ(edit.error, "disk on fire");
+    EXPECT_TRUE(m_alice->status(m_aliceTicket, {aliceFile("shared.kel")}, statuses).ok());
+    EXPECT_EQ(statuses[0].word, 0u) << "the failed edit opened nothing";
+    m_alice->faults().clear();
+    EXPECT_TRUE(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, "").ok());
+}
+
+// Cancels at the n-th poll; counts the polls when it never cancels.
+struct CancelAt
+{
+    int at;
+    int polls = 0;
+    bool operator()() { return ++polls == at; }
+};
+
+TEST_F(DepotSessions, ACancelledSubmitChangesNothingWhereverItStops)
+{
+    for (const char* name : {"a.kel", "b.kel", "c.kel"}) {
+        write(aliceFile(name), name);
+        ASSERT_TRUE(m_alice->add(m_aliceTicket, {aliceFile(name)}, "").ok());
+    }
+    ChangelistId submitted;
+    int at = 1;
+    for (;; ++at) {
+        CancelAt cancel{at};
+        const Result result = m_alice->submit(m_aliceTicket, "", "three assets", submitted, std::ref(cancel));
+        if (result.ok())
+            break;
+        ASSERT_EQ(result.code, code::Cancelled) << result.error;
+        std::vector<OpenedFile> opened;
+        ASSERT_TRUE(m_alice->opened(m_aliceTicket, false, opened).ok());
+        EXPECT_EQ(opened.size(), 3u) << "cancelled at poll " << at;
+        EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("a.kel")).word, status::AddedByOthers | status::NotInDepot);
+        EXPECT_TRUE(isWritable(aliceFile("c.kel")));
+    }
+    EXPECT_GT(at, 4) << "the submit polls between its files";
+    EXPECT_FALSE(isWritable(aliceFile("c.kel")));
+}
+
+TEST_F(DepotSessions, ASlowRoundTripCanBeCancelledWhileItWaits)
+{
+    ASSERT_TRUE(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, "").ok());
+    write(aliceFile("shared.kel"), "unsaved work");
+    m_alice->faults().setLatency(std::chrono::seconds(30));
+    CancelAt cancel{3};
+    EXPECT_EQ(m_alice->revert(m_aliceTicket, {aliceFile("shared.kel")}, std::ref(cancel)).code, code::Cancelled);
+    EXPECT_EQ(cancel.polls, 3);
+    EXPECT_EQ(read(aliceFile("shared.kel")), "unsaved work");
+    m_alice->faults().clear();
+    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, aliceFile("shared.kel")).word, status::OpenedForEdit);
+}
+
+}  // namespace
