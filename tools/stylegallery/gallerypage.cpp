@@ -2,6 +2,8 @@
 
 #include "stateswatches.h"
 
+#include <qtextention/qfilelistdialog.h>
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDockWidget>
@@ -168,9 +170,20 @@ QWidget* dockedWindow()
     return window;
 }
 
+// The dialog as it appears when the host lists an asset's files, embedded in the page.
+QWidget* fileListDialog(const QStringList& files)
+{
+    auto* dialog = new QFileListDialog(files);
+    dialog->setWindowFlags(Qt::Widget);
+    dialog->setMinimumHeight(170);
+    auto* column = new QVBoxLayout;
+    column->addWidget(dialog);
+    return group(QStringLiteral("File list dialog"), column);
+}
+
 }  // namespace
 
-GalleryPage::GalleryPage(const QString& styleName, QWidget* parent)
+GalleryPage::GalleryPage(const QString& styleName, const QStringList& files, QWidget* parent)
     : QWidget(parent)
 {
     auto* title = new QLabel(styleName);
@@ -198,5 +211,6 @@ GalleryPage::GalleryPage(const QString& styleName, QWidget* parent)
     auto* page = new QVBoxLayout(this);
     page->addWidget(title);
     page->addLayout(columns);
+    page->addWidget(fileListDialog(files));
     setAutoFillBackground(true);
 }

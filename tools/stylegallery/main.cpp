@@ -7,7 +7,9 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QPixmap>
+#include <QTemporaryDir>
 
 #include <cstdio>
 #include <functional>
@@ -20,13 +22,28 @@ struct GalleryStyle {
     std::function<QStyle*()> create;
 };
 
-bool render(const GalleryStyle& entry, const QDir& folder)
+// Files for the file list: one writable, one read-only, one missing.
+QStringList sampleFiles(const QTemporaryDir& workspace)
+{
+    const QString writable = workspace.filePath(QStringLiteral("assets/ship.kel"));
+    const QString readOnly = workspace.filePath(QStringLiteral("assets/ship_diffuse.png"));
+    QDir().mkpath(workspace.filePath(QStringLiteral("assets")));
+    for (const QString& path : {writable, readOnly}) {
+        QFile file(path);
+        if (file.open(QIODevice::WriteOnly))
+            file.write("sample");
+    }
+    QFile::setPermissions(readOnly, QFileDevice::ReadOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther);
+    return {writable, readOnly, workspace.filePath(QStringLiteral("assets/ship_normal.png"))};
+}
+
+bool render(const GalleryStyle& entry, const QStringList& files, const QDir& folder)
 {
     QStyle* style = entry.create();
     QApplication::setStyle(style);  // the application owns it from here
     QApplication::setPalette(style->standardPalette());
-    GalleryPage page(QString::fromLatin1(entry.title));
-    page.resize(page.sizeHint().expandedTo(QSize(980, 760)));
+    GalleryPage page(QString::fromLatin1(entry.title), files);
+    page.resize(page.sizeHint().expandedTo(QSize(980, 960)));
     page.show();
     QApplication::processEvents();
     const QString path = folder.filePath(QString::fromLatin1(entry.fileName));
@@ -56,12 +73,14 @@ int main(int argc, char** argv)
         return 1;
     }
     supplyHostImages();
+    const QTemporaryDir workspace;
+    const QStringList files = sampleFiles(workspace);
     const GalleryStyle styles[] = {
         {"stylegallery-simple.png", "QtlomDarkStyleSimple (over Windows)", [] { return new QtlomDarkStyleSimple; }},
         {"stylegallery-tarn.png", "QtlomDarkStyleTarn (over Fusion)", [] { return new QtlomDarkStyleTarn; }},
     };
     bool written = true;
     for (const GalleryStyle& entry : styles)
-        written = render(entry, folder) && written;
+        written = render(entry, files, folder) && written;
     return written ? 0 : 1;
 }
