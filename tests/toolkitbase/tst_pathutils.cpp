@@ -16,8 +16,12 @@ QByteArray narrow(const QString& text)
     return QFile::encodeName(text);
 }
 
+// MakePathRelative and MakePathAbsolute: (base, path) -> expected.
+using TwoPathFunction = QString (*)(const char*, const char*);
+
 struct TwoPathRow {
     const char* name;
+    TwoPathFunction function;
     QString base;
     QString path;
     QString expected;
@@ -28,43 +32,31 @@ void PrintTo(const TwoPathRow& row, std::ostream* os)
     *os << row.name;
 }
 
-class MakePathRelativeTest : public ::testing::TestWithParam<TwoPathRow>
+class TwoPathTest : public ::testing::TestWithParam<TwoPathRow>
 {
 };
 
-TEST_P(MakePathRelativeTest, Row)
+TEST_P(TwoPathTest, Row)
 {
     const TwoPathRow& row = GetParam();
-    EXPECT_EQ(MakePathRelative(narrow(row.base), narrow(row.path)), row.expected);
+    EXPECT_EQ(row.function(narrow(row.base), narrow(row.path)), row.expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Rows, MakePathRelativeTest,
-    ::testing::Values(TwoPathRow{"below", "/home/u", "/home/u/a/b.txt", "a/b.txt"},
-                      TwoPathRow{"beside", "/home/u/x", "/home/u/a.txt", "../a.txt"},
-                      TwoPathRow{"trailing slash on base", "/home/u/", "/home/u/a", "a"},
-                      TwoPathRow{"relative kept with its dot-dot", "/home/u", "../rel/./x.txt", "../rel/./x.txt"},
-                      TwoPathRow{"non-ASCII", QStringLiteral(u"/tmp/\u00fc"), QStringLiteral(u"/tmp/\u00fc/\u00df.txt"),
-                                 QStringLiteral(u"\u00df.txt")}));
-
-class MakePathAbsoluteTest : public ::testing::TestWithParam<TwoPathRow>
-{
-};
-
-TEST_P(MakePathAbsoluteTest, Row)
-{
-    const TwoPathRow& row = GetParam();
-    EXPECT_EQ(MakePathAbsolute(narrow(row.base), narrow(row.path)), row.expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, MakePathAbsoluteTest,
-    ::testing::Values(TwoPathRow{"relative resolved and cleaned", "/base", "a/../b.txt", "/base/b.txt"},
-                      TwoPathRow{"absolute only cleaned", "/base", "/x/./y//z/", "/x/y/z"},
-                      TwoPathRow{"dot on a base with trailing slash", "/base/", "./c", "/base/c"},
-                      TwoPathRow{"climbing above the base", "/base/sub", "../../up", "/up"},
-                      TwoPathRow{"non-ASCII", QStringLiteral(u"/d\u00e9p\u00f4t"), QStringLiteral(u"\u00e9t\u00e9"),
-                                 QStringLiteral(u"/d\u00e9p\u00f4t/\u00e9t\u00e9")}));
+    Rows, TwoPathTest,
+    ::testing::Values(
+        TwoPathRow{"below", MakePathRelative, "/home/u", "/home/u/a/b.txt", "a/b.txt"},
+        TwoPathRow{"beside", MakePathRelative, "/home/u/x", "/home/u/a.txt", "../a.txt"},
+        TwoPathRow{"trailing slash on base", MakePathRelative, "/home/u/", "/home/u/a", "a"},
+        TwoPathRow{"relative kept with its dot-dot", MakePathRelative, "/home/u", "../rel/./x.txt", "../rel/./x.txt"},
+        TwoPathRow{"relative of non-ASCII", MakePathRelative, QStringLiteral(u"/tmp/\u00fc"), QStringLiteral(u"/tmp/\u00fc/\u00df.txt"),
+                   QStringLiteral(u"\u00df.txt")},
+        TwoPathRow{"relative resolved and cleaned", MakePathAbsolute, "/base", "a/../b.txt", "/base/b.txt"},
+        TwoPathRow{"absolute only cleaned", MakePathAbsolute, "/base", "/x/./y//z/", "/x/y/z"},
+        TwoPathRow{"dot on a base with trailing slash", MakePathAbsolute, "/base/", "./c", "/base/c"},
+        TwoPathRow{"climbing above the base", MakePathAbsolute, "/base/sub", "../../up", "/up"},
+        TwoPathRow{"absolute of non-ASCII", MakePathAbsolute, QStringLiteral(u"/d\u00e9p\u00f4t"), QStringLiteral(u"\u00e9t\u00e9"),
+                   QStringLiteral(u"/d\u00e9p\u00f4t/\u00e9t\u00e9")}));
 
 TEST(CleanPath, CollapsesSeparatorsAndDotPartsButKeepsBackslashesAndDrives)
 {
