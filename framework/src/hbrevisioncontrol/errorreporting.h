@@ -1,0 +1,54 @@
+#pragma once
+
+// Turning a failed revision operation into a message a user can act on, and showing or logging it.
+#include "internalvisibility.h"
+
+#include <kel4/containers.h>
+#include <kel4/idatacontrol.h>
+#include <kel4/ifileversioncontrol.h>
+#include <kel4/iuserparameters.h>
+#include <kel4/kelhandle.h>
+#include <kel4/kelptr.h>
+
+#include <set>
+#include <string>
+
+HBRC_INTERNAL_NAMESPACE_BEGIN
+
+// The status flags each operation explains when it fails; ascending order is the order of the lines.
+inline const std::set<unsigned> kCheckOutErrorFlags{0x2, 0x4, 0x8, 0x10, 0x20, 0x40, 0x80, 0x8000, 0x20000};
+// 0x1 (checked out by this user) has no line of its own and contributes nothing.
+inline const std::set<unsigned> kMarkForAddErrorFlags{0x1, 0x2, 0x8, 0x20, 0x8000, 0x20000};
+inline const std::set<unsigned> kMarkForDeleteErrorFlags{0x2, 0x8, 0x20, 0x40, 0x80, 0x8000, 0x20000};
+
+// Explains why an operation on objects failed: asks the data control for the objects' status and
+// appends one line per flag of flags that some object carries (then the users holding the files)
+// to message, which the caller has already started. details becomes "Files:\n" and the objects'
+// files. Returns 1 when the status itself could not be read (message says why), 0 otherwise.
+int GetErrorStrings(KELPtr<kel4::IDataControl> dataControl, const kel4::List<KELHandle<IDbObject>>& objects,
+                    bool includeExternalFiles, const std::set<unsigned>& flags, const std::string& errorString,
+                    std::string& message, std::string& details);
+
+// The same explanation for plain files whose combined status word the caller already has; the
+// users holding them come from the file version control service.
+void AddErrorString(KELPtr<kel4::IFileVersionControl> fileVersionControl, const kel4::IUserParameters* userParameters,
+                    const kel4::List<std::string>& files, unsigned combinedStatus, const std::set<unsigned>& flags,
+                    const std::string& errorString, std::string& message);
+
+// Replaces out with every path of [first, last), each followed by "\n". The paths may be strings
+// or std::filesystem::path values.
+template <class Iterator>
+void CookUpFileListString(Iterator first, Iterator last, std::string& out)
+{
+    out.clear();
+    for (; first != last; ++first) {
+        out += std::string(*first);
+        out += '\n';
+    }
+}
+
+// Reports a failure titled title. Interactive: a critical box with Ok and Retry; true when the
+// user chose Retry. Batch: the host log at message type 2, and false.
+bool HandleError(const std::string& title, const std::string& text);
+
+HBRC_INTERNAL_NAMESPACE_END
