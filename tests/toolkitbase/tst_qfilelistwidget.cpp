@@ -12,7 +12,6 @@
 #include <QClipboard>
 #include <QDir>
 #include <QFile>
-#include <QHeaderView>
 #include <QMenu>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -171,10 +170,6 @@ TEST_F(FileListTest, HeaderTextsAndStyleSheet)
     EXPECT_EQ(list.headerItem()->text(2), QString());
     EXPECT_EQ(list.styleSheet(), QStringLiteral("QTreeView {selection-background-color: qlineargradient(x1: 0.5, "
                                                 "y1: 0.25 x2: 0.5, y2: 0.75, stop: 0 #444444, stop: 0.7 #555555 );}"));
-    EXPECT_EQ(list.selectionBehavior(), QAbstractItemView::SelectRows);
-    EXPECT_EQ(list.selectionMode(), QAbstractItemView::ExtendedSelection);
-    EXPECT_EQ(list.header()->sectionResizeMode(0), QHeaderView::Stretch);
-    EXPECT_FALSE(list.header()->stretchLastSection());
 }
 
 TEST_F(FileListTest, TheReadOnlyBoxCannotBeToggled)
@@ -215,20 +210,7 @@ TEST_F(FileListTest, OnlyControlCCopiesTheSelectedPaths)
     }
 }
 
-TEST_F(FileListTest, RightClickOnAnEmptyAreaOffersTheMenuAndCopiesNothing)
-{
-    QFileListWidget list({writable});
-    list.resize(400, 300);
-    list.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&list));
-
-    MenuChooser chooser(QStringLiteral("Copy to clipboard"));
-    QTest::mouseClick(list.viewport(), Qt::RightButton, {}, QPoint(50, 250));
-    EXPECT_EQ(chooser.entries, QStringList({QStringLiteral("Show in Explorer"), QStringLiteral("Copy to clipboard")}));
-    EXPECT_EQ(QApplication::clipboard()->text(), QString());
-}
-
-TEST_F(FileListTest, ShowInExplorerFromTheMenuRevealsTheRowUnderThePointer)
+TEST_F(FileListTest, RightClickMenuCopiesOrRevealsTheSelection)
 {
     RecordingLauncher launcher;
     QFileListWidget list({writable});
@@ -236,10 +218,15 @@ TEST_F(FileListTest, ShowInExplorerFromTheMenuRevealsTheRowUnderThePointer)
     list.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&list));
 
-    MenuChooser chooser(QStringLiteral("Show in Explorer"));
-    const QRect row = list.visualItemRect(list.topLevelItem(0));
-    QTest::mouseClick(list.viewport(), Qt::RightButton, {}, row.center());
-    ASSERT_EQ(launcher.starts.size(), 1u);
+    MenuChooser onEmptyArea(QStringLiteral("Copy to clipboard"));
+    QTest::mouseClick(list.viewport(), Qt::RightButton, {}, QPoint(50, 250));
+    EXPECT_EQ(onEmptyArea.entries,
+              QStringList({QStringLiteral("Show in Explorer"), QStringLiteral("Copy to clipboard")}));
+    EXPECT_EQ(QApplication::clipboard()->text(), QString());  // nothing was selected
+
+    MenuChooser onRow(QStringLiteral("Show in Explorer"));
+    QTest::mouseClick(list.viewport(), Qt::RightButton, {}, list.visualItemRect(list.topLevelItem(0)).center());
+    ASSERT_EQ(launcher.starts.size(), 1u);  // the row under the pointer was selected by the click
     const ProgramStart expected = RevealFileCommand(writable, CurrentFileBrowserPlatform());
     EXPECT_EQ(launcher.starts.front().program, expected.program);
     EXPECT_EQ(launcher.starts.front().arguments, expected.arguments);
@@ -314,13 +301,6 @@ TEST_F(FileListTest, DialogShowsTheFilesUnderItsTitleUntilOk)
         EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString();
         EXPECT_EQ(rowsShown, files.size());
     }
-}
-
-TEST_F(FileListTest, DialogAddFilesAppendsRows)
-{
-    QFileListDialog dialog({writable});
-    dialog.AddFiles({missing, temp.filePath("third.txt")});
-    EXPECT_EQ(dialog.FileListWidget()->topLevelItemCount(), 3);
 }
 
 TEST(GetMainAppWindow, FindsOnlyAVisibleWindowNamedTarnWindow)
