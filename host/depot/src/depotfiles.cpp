@@ -135,7 +135,7 @@ Result Depot::holders(const std::string& ticket, const Files& files, std::vector
                       const CancelCheck& cancel)
 {
     std::vector<std::vector<std::string>> answer;
-    const Result result = d->runInSession(Operation::Status, Transaction::Kind::Read, ticket, cancel, [&](Call& call) {
+    const Result result = d->runInSession(Operation::Holders, Transaction::Kind::Read, ticket, cancel, [&](Call& call) {
         forEachState(call, files,
                      [&](const std::string&, const FileState& state) { answer.push_back(holdersOf(state)); });
     });

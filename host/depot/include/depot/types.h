@@ -85,7 +85,7 @@ struct Changelist
 
 // The operations of the depot, as fault injection names them.
 enum class Operation {
-    Administer, Login, Logout, Sync, Status, Edit, Add, Delete, Revert, Lock, Submit,
+    Administer, Login, Logout, Sync, Status, Holders, Edit, Add, Delete, Revert, Lock, Submit,
     Opened, Changelists, Describe, CreateChangelist, ChangelistExists
 };
 
