@@ -78,7 +78,7 @@ public:
                 return false;
         }
         if (!m_sawHeader)
-            return Fail("the file is empty or has no \"kel 1\" header");
+            return Fail("the file is empty or has no \"kel 1\" header", false);
         for (const char* required : {"id", "kind", "type", "name", "version"}) {
             if (!m_seen.count(required))
                 return Fail(std::string("the entry \"") + required + "\" is missing", false);

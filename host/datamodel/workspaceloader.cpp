@@ -25,9 +25,13 @@ WorkspaceLoader::Outcome WorkspaceLoader::Load(const QString& root, ObjectStore&
 {
     Outcome outcome;
     const QDir rootDir(root);
+    // Sorted, so that which of two files claiming one id is loaded does not depend on the disk.
+    QStringList paths;
     QDirIterator files(root, {QStringLiteral("*.kel")}, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        const QString path = files.next();
+    while (files.hasNext())
+        paths.append(files.next());
+    paths.sort();
+    for (const QString& path : std::as_const(paths)) {
         QFile file(path);
         if (!file.open(QIODevice::ReadOnly)) {
             reportSkipped(path, "cannot be read (" + file.errorString().toStdString() + ")");

@@ -8,7 +8,7 @@ namespace hbrc::host {
 class ObjectStore;
 
 // Reads every .kel file below a workspace folder into an object store, in one pass over the
-// folder. A file that cannot be read or parsed, or whose ids are already taken, is skipped with
+// folder, in path order. A file that cannot be read or parsed, or whose ids are already taken, is skipped with
 // one error line in the host log naming the file; it is never written to.
 class WorkspaceLoader
 {

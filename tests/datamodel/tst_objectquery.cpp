@@ -1,0 +1,139 @@
+#include <hostworkspacefixture.h>
+
+#include <hbrcdatamodel/objectquery.h>
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+using namespace hbrc::host;
+
+namespace {
+
+// The query the save hook runs before every save, character for character.
+const char* const kSaveHookQuery = "select object where OR(AND(IS_PERSISTABLE,AND(IS_METADATA, IS_DIRTY)),"
+                                   "AND(IS_PERSISTABLE,AND(IS_VALUE_ASSET, IS_DIRTY)))";
+
+class ObjectQueryTest : public HostWorkspaceFixture
+{
+protected:
+    // Saved: every kind once, clean; then some of them edited; one asset never saved.
+    void SetUp() override
+    {
+        HostWorkspaceFixture::SetUp();
+        Open();
+        for (const char* name : {"material", "curve", "mesh", "clean material", "clean curve"}) {
+            const AssetKind kind = std::string(name).find("material") != std::string::npos ? AssetKind::Metadata
+                                   : std::string(name).find("curve") != std::string::npos ? AssetKind::Value
+                                                                                           : AssetKind::Data;
+            Create(kind, name);
+        }
+        NewAsset preview;
+        preview.kind = AssetKind::Metadata;
+        preview.name = "preview";
+        preview.persistable = false;
+        std::string error;
+        ASSERT_FALSE(workspace->CreateAsset(preview, error).IsNull());
+        ASSERT_FALSE(workspace->AddPart(workspace->FindAsset("material"), "Layer", "coat", error).IsNull());
+        ASSERT_TRUE(workspace->Save().Succeeded());
+        for (const char* name : {"material", "curve", "mesh", "preview"})
+            ASSERT_TRUE(workspace->SetField(workspace->FindAsset(name), "edited", "yes"));
+        Create(AssetKind::Value, "new curve");
+    }
+
+    std::set<std::string> Run(const std::string& text, int options)
+    {
+        kel4::Vector<kel4::CQueryResult> results;
+        std::string error;
+        EXPECT_TRUE(workspace->Model().Query(text, results, options, error).IsSuccess()) << error;
+        std::set<std::string> names;
+        for (const auto& result : results)
+            names.insert(result.GetObject().GetName());
+        return names;
+    }
+};
+
+TEST_F(ObjectQueryTest, SaveHookQuerySelectsDirtyPersistableMetadataAndValueAssets)
+{
+    EXPECT_EQ(Run(kSaveHookQuery, 3), (std::set<std::string>{"material", "curve", "new curve"}));
+    // Without option bit 0, objects never saved are left out.
+    EXPECT_EQ(Run(kSaveHookQuery, 2), (std::set<std::string>{"material", "curve"}));
+}
+
+TEST_F(ObjectQueryTest, FlagsCombineAsWritten)
+{
+    EXPECT_EQ(Run("select object where AND(IS_DIRTY, NOT(IS_PERSISTABLE))", 1), (std::set<std::string>{"preview"}));
+    // A part is persistable and dirty with its asset but is neither metadata nor a value asset.
+    EXPECT_EQ(Run("select object where AND(IS_DIRTY,NOT(OR(IS_METADATA,IS_VALUE_ASSET)))", 1),
+              (std::set<std::string>{"mesh", "coat"}));
+    EXPECT_EQ(Run("  select  object\nwhere\tNOT( IS_DIRTY )  ", 1),
+              (std::set<std::string>{"clean material", "clean curve"}));
+}
+
+TEST_F(ObjectQueryTest, SavingClearsTheDirtyFlag)
+{
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    EXPECT_TRUE(Run(kSaveHookQuery, 3).empty());
+}
+
+struct BadQuery
+{
+    const char* name;
+    const char* text;
+    const char* at;  // the text starting at the reported position
+    const char* reason;
+};
+
+class ObjectQueryErrors : public ::testing::TestWithParam<BadQuery>
+{
+};
+
+TEST_P(ObjectQueryErrors, PointAtTheFault)
+{
+    const BadQuery& bad = GetParam();
+    const std::string text = bad.text;
+    const std::size_t position = std::string(bad.at).empty() ? text.size() : text.find(bad.at);
+    ASSERT_NE(position, std::string::npos);
+    std::string error;
+    EXPECT_EQ(ObjectQuery::Parse(text, error), nullptr);
+    EXPECT_EQ(error, "position " + std::to_string(position + 1) + ": " + bad.reason);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Text, ObjectQueryErrors,
+    ::testing::Values(
+        BadQuery{"UnknownFlag", "select object where AND(IS_DIRTY, IS_TEXTURE)", "IS_TEXTURE",
+                 "unknown flag \"IS_TEXTURE\""},
+        BadQuery{"LowerCaseFlag", "select object where is_dirty", "is_dirty", "unknown flag \"is_dirty\""},
+        BadQuery{"MissingComma", "select object where OR(IS_DIRTY IS_METADATA)", "IS_METADATA", "expected ','"},
+        BadQuery{"ThreeOperands", "select object where AND(IS_DIRTY,IS_METADATA,IS_PERSISTABLE)", ",IS_PERSISTABLE",
+                 "expected ')'"},
+        BadQuery{"Unclosed", "select object where NOT(IS_DIRTY", "", "expected ')'"},
+        BadQuery{"NoExpression", "select object where ", "", "expected a flag or AND, OR, NOT"},
+        BadQuery{"NoParenthesis", "select object where AND IS_DIRTY", "IS_DIRTY", "expected '('"},
+        BadQuery{"WrongNoun", "select objects where IS_DIRTY", "objects", "expected \"object\""},
+        BadQuery{"NoSelect", "IS_DIRTY", "IS_DIRTY", "expected \"select\""},
+        BadQuery{"Trailing", "select object where IS_DIRTY)", ")", "unexpected text after the expression"},
+        BadQuery{"Symbol", "select object where AND(IS_DIRTY,&IS_METADATA)", "&", "expected a flag or AND, OR, NOT"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(ObjectQueryDepth, DeepNestingIsRefusedNotOverflowed)
+{
+    std::string text = "select object where ";
+    for (int i = 0; i < 100000; ++i)
+        text += "NOT(";
+    std::string error;
+    EXPECT_EQ(ObjectQuery::Parse(text + "IS_DIRTY", error), nullptr);
+    EXPECT_NE(error.find("nested too deeply"), std::string::npos) << error;
+}
+
+TEST_F(ObjectQueryTest, ManagerReportsTheErrorAsAFailedResult)
+{
+    kel4::Vector<kel4::CQueryResult> results;
+    std::string error;
+    EXPECT_EQ(workspace->Model().Query("select object where IS_DELETED", results, 3, error), kel4::kResultFailed);
+    EXPECT_EQ(error, "position 21: unknown flag \"IS_DELETED\"");
+    EXPECT_TRUE(results.empty());
+}
+
+}  // namespace

@@ -1,0 +1,267 @@
+#include "recordingreceiver.h"
+
+#include <hostworkspacefixture.h>
+
+#include <hbrcdatamodel/itemlibrarycontext.h>
+#include <hbrchost/logcapture.h>
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+using namespace hbrc::host;
+
+namespace {
+
+constexpr int kChangesAndCommits = kNotifyItemChanges | kNotifyCommits;
+
+class WorkspaceSave : public HostWorkspaceFixture
+{
+protected:
+    void SetUp() override
+    {
+        HostWorkspaceFixture::SetUp();
+        Open();
+        workspace->Library().Context().RegisterNotification(&receiver, kChangesAndCommits, 0);
+    }
+    void TearDown() override
+    {
+        if (workspace)
+            workspace->Library().Context().UnregisterNotification(&receiver, kChangesAndCommits, 0);
+        HostWorkspaceFixture::TearDown();
+    }
+
+    // What the workspace's multi-file data source tracked, read through the SDK as the
+    // post-commit hook reads it, then reset.
+    struct Tracked
+    {
+        std::set<std::string> deleted;
+        std::set<std::string> addedNames;
+        std::set<std::string> nullAncestorNames;
+    };
+    Tracked TakeTracked()
+    {
+        Tracked tracked;
+        for (const KELPtr<kel4::IDataSource>& source : host->Proxy().GetDataModelMgr()->GetDataSources()) {
+            const KELPtr<kel4::IMultiFileDataSource> files(source);
+            if (!files)
+                continue;
+            kel4::List<std::string> deleted;
+            kel4::List<DbObjectId> ids;
+            kel4::List<KELHandle<kel4::IDbObject>> objects;
+            files->GetDeletedFiles(deleted);
+            files->GetAddedObjects(ids, objects);
+            files->ResetTracking();
+            tracked.deleted.insert(deleted.begin(), deleted.end());
+            for (const auto& object : objects) {
+                tracked.addedNames.insert(object.GetName());
+                if (object.GetAncestorId().IsNull())
+                    tracked.nullAncestorNames.insert(object.GetName());
+            }
+        }
+        return tracked;
+    }
+
+    static std::set<std::string> Paths(const std::vector<std::string>& files) { return {files.begin(), files.end()}; }
+
+    RecordingReceiver receiver;
+};
+
+TEST_F(WorkspaceSave, WritesExactlyTheDirtyAssets)
+{
+    const auto steel = Create(AssetKind::Metadata, "steel", {{"roughness", "0.4"}});
+    Create(AssetKind::Value, "fade");
+    Create(AssetKind::Data, "rock");
+    const SaveReport first = workspace->Save();
+    EXPECT_EQ(Paths(first.writtenFiles), (std::set<std::string>{PathOf("steel.kel"), PathOf("fade.kel"), PathOf("rock.kel")}));
+
+    // A clean asset's file changed behind the host's back must survive the next save untouched.
+    const QByteArray foreign = ReadFile("rock.kel") + "# edited elsewhere\n";
+    WriteFile("rock.kel", foreign);
+    ASSERT_TRUE(workspace->SetField(steel, "roughness", "0.9"));
+    const SaveReport second = workspace->Save();
+    EXPECT_TRUE(second.Succeeded()) << second.DescribeFailures();
+    EXPECT_EQ(second.writtenFiles, std::vector<std::string>{PathOf("steel.kel")});
+    EXPECT_EQ(ReadFile("rock.kel"), foreign);
+    EXPECT_FALSE(workspace->HasUnsavedChanges());
+
+    Workspace& reopened = Open();
+    const auto loaded = reopened.FindAsset("steel");
+    ASSERT_FALSE(loaded.IsNull());
+    EXPECT_EQ(reopened.Model().Store().AssetAt(loaded.GetCacheIndex()).record.fields.at("roughness"), "0.9");
+    EXPECT_EQ(loaded.GetAncestorId().GetStr(), "2");
+}
+
+TEST_F(WorkspaceSave, ReadOnlyFileIsReportedAndItsEditKept)
+{
+    const auto steel = Create(AssetKind::Metadata, "steel");
+    const auto fade = Create(AssetKind::Value, "fade");
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    ASSERT_EQ(::chmod(PathOf("steel.kel").c_str(), 0444), 0);
+    const QByteArray onDisk = ReadFile("steel.kel");
+    ASSERT_TRUE(workspace->SetField(steel, "colour", "grey"));
+    ASSERT_TRUE(workspace->SetField(fade, "length", "3"));
+
+    LogCapture log;
+    const SaveReport report = workspace->Save();
+    ASSERT_EQ(report.failures.size(), 1u);
+    EXPECT_EQ(report.failures[0].path, PathOf("steel.kel"));
+    EXPECT_EQ(report.failures[0].reason, "the file is read-only");
+    EXPECT_EQ(report.DescribeFailures(), "Could not save 1 file:\n" + PathOf("steel.kel") + ": the file is read-only");
+    EXPECT_EQ(log.TextsOfType(Log::eError),
+              std::vector<std::string>{"Could not save " + PathOf("steel.kel") + ": the file is read-only"});
+    EXPECT_EQ(report.writtenFiles, std::vector<std::string>{PathOf("fade.kel")});
+    EXPECT_EQ(ReadFile("steel.kel"), onDisk);
+    EXPECT_TRUE(workspace->Model().IsDirty(steel));
+    EXPECT_FALSE(workspace->Model().IsDirty(fade));
+    EXPECT_EQ(receiver.events, (std::vector<std::string>{"pre", "post", "pre", "post"}));
+
+    // Once writable (checked out), the kept edit is saved.
+    ASSERT_EQ(::chmod(PathOf("steel.kel").c_str(), 0644), 0);
+    EXPECT_EQ(workspace->Save().writtenFiles, std::vector<std::string>{PathOf("steel.kel")});
+    EXPECT_TRUE(ReadFile("steel.kel").contains("field colour = grey\n"));
+}
+
+TEST_F(WorkspaceSave, AssetWithAnUnwritableExternalFileKeepsItsOldAssetFile)
+{
+    const auto mesh = Create(AssetKind::Data, "mesh");
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    // A folder where the external file should go: the write fails as on a full or broken disk.
+    ASSERT_TRUE(QDir().mkpath(QFile::decodeName(QByteArray::fromStdString(PathOf("mesh.bin")))));
+    ASSERT_TRUE(workspace->AddExternalFile(mesh, "mesh.bin", "vertices"));
+    ASSERT_TRUE(workspace->AddExternalFile(mesh, "mesh.idx", "indices"));
+
+    const SaveReport report = workspace->Save();
+    ASSERT_EQ(report.failures.size(), 1u);
+    EXPECT_EQ(report.failures[0].path, PathOf("mesh.bin"));
+    EXPECT_EQ(report.writtenFiles, std::vector<std::string>{PathOf("mesh.idx")});
+    EXPECT_FALSE(ReadFile("mesh.kel").contains("external"));
+    EXPECT_TRUE(workspace->Model().IsDirty(mesh));
+}
+
+TEST_F(WorkspaceSave, CancelledPreCommitWritesNothing)
+{
+    const auto steel = Create(AssetKind::Metadata, "steel");
+    const auto old = Create(AssetKind::Metadata, "old");
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    TakeTracked();
+    receiver.events.clear();
+    ASSERT_TRUE(workspace->SetField(steel, "colour", "grey"));
+    ASSERT_TRUE(workspace->AddExternalFile(steel, "steel.bin", "data"));
+    ASSERT_TRUE(workspace->DeleteAsset(old));
+    Create(AssetKind::Value, "fresh");
+    const QByteArray before = ReadFile("steel.kel");
+
+    receiver.cancelSave = true;
+    const SaveReport report = workspace->Save();
+    EXPECT_TRUE(report.cancelled);
+    EXPECT_FALSE(report.Succeeded());
+    EXPECT_TRUE(report.writtenFiles.empty());
+    EXPECT_EQ(receiver.events, std::vector<std::string>{"pre"});
+    EXPECT_EQ(receiver.lastLibrary, workspace->Accessor());
+    EXPECT_EQ(ReadFile("steel.kel"), before);
+    EXPECT_TRUE(Exists("old.kel"));
+    EXPECT_FALSE(Exists("fresh.kel"));
+    EXPECT_FALSE(Exists("steel.bin"));
+    EXPECT_TRUE(workspace->Model().IsDirty(steel));
+    const Tracked tracked = TakeTracked();
+    EXPECT_TRUE(tracked.deleted.empty());
+    EXPECT_TRUE(tracked.addedNames.empty());
+}
+
+TEST_F(WorkspaceSave, TracksTheFilesTheSaveCreatedAndDeleted)
+{
+    const auto terrain = Create(AssetKind::Data, "terrain");
+    ASSERT_TRUE(workspace->AddExternalFile(terrain, "terrain.height", "h"));
+    ASSERT_TRUE(workspace->AddExternalFile(terrain, "terrain.splat", "s"));
+    const auto rock = Create(AssetKind::Metadata, "rock");
+    ASSERT_TRUE(workspace->AddExternalFile(rock, "rock.bin", "r"));
+
+    // The post-commit receiver sees the tracking of the save that just ran.
+    Tracked seenInPostCommit;
+    receiver.onPostCommit = [&](RecordingReceiver::Accessor&) { seenInPostCommit = TakeTracked(); };
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    EXPECT_TRUE(seenInPostCommit.deleted.empty());
+    EXPECT_EQ(seenInPostCommit.addedNames, (std::set<std::string>{"terrain", "rock"}));
+    EXPECT_EQ(seenInPostCommit.nullAncestorNames, (std::set<std::string>{"terrain", "rock"}));
+
+    // Rewritten into fewer external files, and deleted with its external file.
+    ASSERT_TRUE(workspace->RemoveExternalFile(terrain, "terrain.splat"));
+    ASSERT_TRUE(workspace->DeleteAsset(rock));
+    const SaveReport report = workspace->Save();
+    EXPECT_TRUE(report.Succeeded()) << report.DescribeFailures();
+    const std::set<std::string> removed{PathOf("terrain.splat"), PathOf("rock.kel"), PathOf("rock.bin")};
+    EXPECT_EQ(Paths(report.deletedFiles), removed);
+    EXPECT_EQ(seenInPostCommit.deleted, removed);
+    EXPECT_TRUE(seenInPostCommit.addedNames.empty());
+    EXPECT_FALSE(Exists("terrain.splat"));
+    EXPECT_TRUE(Exists("terrain.height"));
+    EXPECT_FALSE(Exists("rock.kel"));
+    EXPECT_EQ(workspace->Model().FilesOf(terrain, true, kel4::closureId::Persistence),
+              (kel4::Set<std::string>{PathOf("terrain.height"), PathOf("terrain.kel")}));
+    EXPECT_EQ(terrain.GetAncestorId().GetStr(), "1");
+}
+
+TEST_F(WorkspaceSave, AncestorIsNullUntilTheAssetWasOnDiskBeforeASave)
+{
+    const auto fresh = Create(AssetKind::Value, "fresh");
+    EXPECT_TRUE(fresh.GetAncestorId().IsNull());
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    EXPECT_TRUE(fresh.GetAncestorId().IsNull());  // created since the save before the last one
+    ASSERT_TRUE(workspace->SetField(fresh, "a", "1"));
+    EXPECT_EQ(fresh.GetAncestorId().GetStr(), "1");
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    EXPECT_EQ(fresh.GetAncestorId().GetStr(), "1");
+}
+
+TEST_F(WorkspaceSave, HandleOfADeletedAssetStopsResolvingEvenWhenItsSlotIsReused)
+{
+    const auto doomed = Create(AssetKind::Data, "doomed");
+    const DbObjectId id = doomed.GetDbObjectId();
+    ASSERT_TRUE(workspace->DeleteAsset(doomed));
+    const auto successor = Create(AssetKind::Data, "successor");
+    EXPECT_EQ(successor.GetCacheIndex(), doomed.GetCacheIndex());
+    EXPECT_NE(successor, doomed);
+    EXPECT_FALSE(workspace->Model().IsHandleValid(doomed));
+    EXPECT_TRUE(doomed.GetName().empty());
+    EXPECT_TRUE(workspace->Model().ResolveObject(id).IsNull());
+    EXPECT_FALSE(workspace->DeleteAsset(doomed));
+    EXPECT_FALSE(workspace->SetField(doomed, "a", "b"));
+}
+
+TEST_F(WorkspaceSave, InvalidEditsChangeNothing)
+{
+    const auto steel = Create(AssetKind::Metadata, "steel");
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    EXPECT_EQ(workspace->SetField(steel, "two words", "x").error, "The field name \"two words\" must be one word without '='");
+    EXPECT_EQ(workspace->AddExternalFile(steel, "../escape.bin", "x").error,
+              "\"../escape.bin\" is not a file name inside the asset's folder");
+    EXPECT_EQ(workspace->RemoveExternalFile(steel, "none.bin").error, "The asset has no external file \"none.bin\"");
+    EXPECT_EQ(workspace->Rename(steel, "").error, "A name cannot be empty");
+    EXPECT_FALSE(workspace->HasUnsavedChanges());
+    std::string error;
+    NewAsset unnamed;
+    EXPECT_TRUE(workspace->CreateAsset(unnamed, error).IsNull());
+    EXPECT_EQ(error, "An asset needs a name");
+}
+
+TEST_F(WorkspaceSave, NewAssetsGetDistinctFilesInTheirFolder)
+{
+    NewAsset asset;
+    asset.name = "Big rock?";
+    asset.folder = "props/stone";
+    std::string error;
+    const auto first = workspace->CreateAsset(asset, error);
+    const auto second = workspace->CreateAsset(asset, error);
+    ASSERT_TRUE(workspace->AddExternalFile(second, "lod/high.bin", "x"));
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    EXPECT_TRUE(Exists("props/stone/Big_rock_.kel"));
+    EXPECT_TRUE(Exists("props/stone/Big_rock__2.kel"));
+    EXPECT_TRUE(Exists("props/stone/lod/high.bin"));
+    const auto owners = workspace->Model().AssetsOwningFiles(
+        {PathOf("props/stone/lod/high.bin"), "props/stone/Big_rock_.kel", PathOf("elsewhere.kel")});
+    EXPECT_EQ(std::vector<KELHandle<kel4::IAsset>>(owners.begin(), owners.end()),
+              (std::vector<KELHandle<kel4::IAsset>>{second, first, {}}));
+}
+
+}  // namespace
