@@ -1,0 +1,144 @@
+// How the data model grows with the workspace: opening a folder of 1,000 and of 10,000 assets
+// (every .kel file read and parsed, every object bound to an item) and running the save hook's
+// object query with a tenth of the assets dirty. Both sizes run side by side; the summary prints
+// the 10,000 / 1,000 ratio of each, which is 10 for linear growth.
+#include <hbrcdatamodel/kelformat.h>
+#include <hbrcdatamodel/workspace.h>
+
+#include <log/log.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace {
+
+using hbrc::host::AssetKind;
+using hbrc::host::AssetRecord;
+using hbrc::host::Workspace;
+
+const char* const kSaveHookQuery = "select object where OR(AND(IS_PERSISTABLE,AND(IS_METADATA, IS_DIRTY)),"
+                                   "AND(IS_PERSISTABLE,AND(IS_VALUE_ASSET, IS_DIRTY)))";
+
+// A workspace folder of count assets in folders of 100: metadata, value and data assets in turn,
+// each with two fields, an external file name and two parts.
+QString makeWorkspace(QTemporaryDir& dir, int count)
+{
+    const QString root = dir.filePath(QStringLiteral("ws%1").arg(count));
+    for (int i = 0; i < count; ++i) {
+        AssetRecord record;
+        record.id = "asset-" + std::to_string(i);
+        record.kind = static_cast<AssetKind>(i % 3);
+        record.type = "Bench";
+        record.name = "asset " + std::to_string(i);
+        record.version = 1;
+        record.fields = {{"colour", "grey"}, {"weight", std::to_string(i)}};
+        record.externalFiles = {"asset" + std::to_string(i) + ".bin"};
+        record.parts = {{record.id + "-a", "Layer", "a"}, {record.id + "-b", "Layer", "b"}};
+        const QString folder = root + QStringLiteral("/f%1").arg(i / 100);
+        QDir().mkpath(folder);
+        QFile file(folder + QStringLiteral("/asset%1.kel").arg(i));
+        if (!file.open(QIODevice::WriteOnly) || file.write(QByteArray::fromStdString(hbrc::host::KelFormat::Serialize(record))) < 0)
+            return {};
+    }
+    return root;
+}
+
+const QString& workspaceOf(int count)
+{
+    static QTemporaryDir dir;
+    static std::map<int, QString> roots;
+    auto found = roots.find(count);
+    if (found == roots.end())
+        found = roots.emplace(count, makeWorkspace(dir, count)).first;
+    return found->second;
+}
+
+std::unique_ptr<Workspace> open(int count)
+{
+    std::string error;
+    auto workspace = Workspace::Open(workspaceOf(count), error);
+    if (!workspace || workspace->LoadOutcome().loaded != std::size_t(count))
+        std::fprintf(stderr, "could not open the benchmark workspace: %s\n", error.c_str());
+    return workspace;
+}
+
+void BM_OpenWorkspace(benchmark::State& state)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(open(int(state.range(0))));
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void BM_SaveHookQuery(benchmark::State& state)
+{
+    const auto workspace = open(int(state.range(0)));
+    for (int i = 0; i < state.range(0); i += 10)
+        workspace->SetField(workspace->Model().ResolveObject(DbObjectId("asset-" + std::to_string(i))), "weight", "0");
+    std::size_t selected = 0;
+    for (auto _ : state) {
+        kel4::Vector<kel4::CQueryResult> results;
+        std::string error;
+        workspace->Model().Query(kSaveHookQuery, results, 3, error);
+        selected = results.size();
+        benchmark::DoNotOptimize(results.data());
+    }
+    state.counters["selected"] = double(selected);
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+BENCHMARK(BM_OpenWorkspace)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SaveHookQuery)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+// Prints as usual and closes with the 10,000 / 1,000 ratio of each benchmark.
+class RatioReporter : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        for (const Run& run : runs) {
+            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
+                m_times[run.benchmark_name()] = run.GetAdjustedRealTime();
+        }
+        ConsoleReporter::ReportRuns(runs);
+    }
+
+    void Finalize() override
+    {
+        ConsoleReporter::Finalize();
+        for (const char* name : {"BM_OpenWorkspace", "BM_SaveHookQuery"}) {
+            const double small = m_times[std::string(name) + "/1000"];
+            const double large = m_times[std::string(name) + "/10000"];
+            if (small > 0 && large > 0)
+                std::printf("ratio %s 10000 / 1000 assets: %.2f (linear: 10)\n", name, large / small);
+        }
+    }
+
+private:
+    std::map<std::string, double> m_times;
+};
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    Log::Singleton::Instance().SetStderrEnabled(false);
+    benchmark::Initialize(&argc, argv);
+    if (workspaceOf(1000).isEmpty() || workspaceOf(10000).isEmpty()) {
+        std::fprintf(stderr, "could not create the benchmark workspaces\n");
+        return 1;
+    }
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+    return 0;
+}
