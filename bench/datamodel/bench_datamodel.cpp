@@ -14,6 +14,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "../support/ratioreporter.h"
+
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -98,34 +100,6 @@ void BM_SaveHookQuery(benchmark::State& state)
 BENCHMARK(BM_OpenWorkspace)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SaveHookQuery)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 
-// Prints as usual and closes with the 10,000 / 1,000 ratio of each benchmark.
-class RatioReporter : public benchmark::ConsoleReporter
-{
-public:
-    void ReportRuns(const std::vector<Run>& runs) override
-    {
-        for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
-                m_times[run.benchmark_name()] = run.GetAdjustedRealTime();
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-
-    void Finalize() override
-    {
-        ConsoleReporter::Finalize();
-        for (const char* name : {"BM_OpenWorkspace", "BM_SaveHookQuery"}) {
-            const double small = m_times[std::string(name) + "/1000"];
-            const double large = m_times[std::string(name) + "/10000"];
-            if (small > 0 && large > 0)
-                std::printf("ratio %s 10000 / 1000 assets: %.2f (linear: 10)\n", name, large / small);
-        }
-    }
-
-private:
-    std::map<std::string, double> m_times;
-};
-
 }  // namespace
 
 int main(int argc, char** argv)
@@ -137,7 +111,10 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "could not create the benchmark workspaces\n");
         return 1;
     }
-    RatioReporter reporter;
+    RatioReporter reporter({{"BM_OpenWorkspace 10000 / 1000 assets (linear: 10)", "BM_OpenWorkspace/10000",
+                             "BM_OpenWorkspace/1000"},
+                            {"BM_SaveHookQuery 10000 / 1000 assets (linear: 10)", "BM_SaveHookQuery/10000",
+                             "BM_SaveHookQuery/1000"}});
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
     return 0;
