@@ -1,0 +1,224 @@
+// The failure explanations built from status words: which lines, in which order, which users.
+#include "errorreporting.h"
+
+#include "scriptedhost.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <optional>
+
+using hbrc::internal::AddErrorString;
+using hbrc::internal::GetErrorStrings;
+using hbrc::test::ScriptedHost;
+using ::testing::_;
+using ::testing::DoAll;
+using ::testing::Return;
+using ::testing::SetArgReferee;
+
+namespace {
+
+const std::string kCheckedOutByOthers = "because the following users have checked out some of the files\n";
+const std::string kMarkedForAdd = "because some of the files are marked for add\n";
+const std::string kMarkedForAddByOthers = "because the following users have marked for add some of the files\n";
+const std::string kMarkedForDelete = "because some of the files are marked for delete\n";
+const std::string kNotHead = "because some of the files are not at the head revision\n";
+const std::string kNotInDatabase = "because some of the files are not in the database\n";
+const std::string kIOError = "because some of the files are causing a IO error\n";
+const std::string kLockedByOthers = "because the following users have locked some of the files\n";
+const std::string kPrefix = "Cannot checkout the assets\n";
+const std::string kUnknown = "Unknown error found\nError reported by IO module: depot says no\n";
+
+using Users = std::optional<std::vector<std::string>>;  // nullopt: the users query fails
+
+struct ObjectsCase {
+    const char* name;
+    std::set<unsigned> flags;
+    std::vector<unsigned> words;  // one per object, named asset0, asset1, ...
+    std::map<int, Users> users;   // by object index
+    std::string expected;         // after kPrefix
+};
+
+class ObjectErrorText : public ::testing::TestWithParam<ObjectsCase>
+{
+protected:
+    ScriptedHost host;
+};
+
+TEST_P(ObjectErrorText, ExplainsTheFlagsTheObjectsCarry)
+{
+    const ObjectsCase& c = GetParam();
+    kel4::List<KELHandle<IDbObject>> objects;
+    kel4::List<unsigned> words(c.words.begin(), c.words.end());
+    for (std::size_t i = 0; i < c.words.size(); ++i)
+        objects.push_back(host.manager->AddObject("id" + std::to_string(i), "asset" + std::to_string(i)));
+    EXPECT_CALL(*host.dataControl, GetStatus(objects, true, kel4::closureId::Persistence, _, _, _))
+        .WillOnce(DoAll(SetArgReferee<4>(words), Return(kelResult(0))));
+    for (const auto& [index, users] : c.users) {
+        const KELHandle<IDbObject> object = *std::next(objects.begin(), index);
+        if (users)
+            EXPECT_CALL(*host.dataControl, GetUsersOfObject(object, kel4::closureId::Persistence, _))
+                .WillOnce(DoAll(SetArgReferee<2>(kel4::List<std::string>(users->begin(), users->end())),
+                                Return(kelResult(0))));
+        else
+            EXPECT_CALL(*host.dataControl, GetUsersOfObject(object, _, _)).WillOnce(Return(kelResult(-2)));
+    }
+
+    std::string message = kPrefix;
+    std::string details = "stale";
+    EXPECT_EQ(GetErrorStrings(host.dataControl, objects, true, c.flags, "depot says no", message, details), 0);
+    EXPECT_EQ(message, kPrefix + c.expected);
+    EXPECT_EQ(details, "Files:\n");
+}
+
+const std::set<unsigned>& checkOut = hbrc::internal::kCheckOutErrorFlags;
+const std::set<unsigned>& markForAdd = hbrc::internal::kMarkForAddErrorFlags;
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, ObjectErrorText,
+    ::testing::Values(
+        ObjectsCase{"SeveralFlagsInAscendingOrderWithTheUsersLast",
+                    checkOut,
+                    {0x80 | 0x2, 0x40 | 0x10},
+                    {{0, Users({"bob"})}},
+                    kCheckedOutByOthers + kMarkedForDelete + kNotHead + kNotInDatabase + "\nbob\n"},
+        ObjectsCase{"EachLineOnceHoweverManyObjectsCarryIt", checkOut, {0x4, 0x4, 0x4}, {}, kMarkedForAdd},
+        ObjectsCase{"UsersOnceAndSortedAcrossFlags",
+                    checkOut,
+                    {0x2, 0x20000},
+                    {{0, Users({"zoe", "bob"})}, {1, Users({"bob", "amy"})}},
+                    kCheckedOutByOthers + kLockedByOthers + "\namy\nbob\nzoe\n"},
+        ObjectsCase{"TheUsersOfAFlagComeFromItsFirstObject",
+                    checkOut,
+                    {0x8, 0x8},
+                    {{0, Users({"carl"})}},
+                    kMarkedForAddByOthers + "\ncarl\n"},
+        ObjectsCase{"AFailedUsersQueryBecomesAnEntryNamingTheObject",
+                    checkOut,
+                    {0, 0x20000},
+                    {{1, std::nullopt}},
+                    kLockedByOthers +
+                        "\nError found while trying to get the list of users for object asset1\n\n"},
+        ObjectsCase{"NoUsersCountsAsAFailedQuery",
+                    checkOut,
+                    {0x2},
+                    {{0, Users(std::vector<std::string>{})}},
+                    kCheckedOutByOthers +
+                        "\nError found while trying to get the list of users for object asset0\n\n"},
+        ObjectsCase{"CheckedOutByTheUserAddsNothing", markForAdd, {0x1 | 0x8000}, {}, kIOError},
+        ObjectsCase{"OnlyCheckedOutByTheUserIsUnexplained", markForAdd, {0x1}, {}, kUnknown},
+        ObjectsCase{"FlagsOutsideTheSetAreIgnored", markForAdd, {0x4 | 0x10 | 0x40 | 0x80}, {}, kUnknown},
+        ObjectsCase{"NoObjectsIsUnexplained", checkOut, {}, {}, kUnknown}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+struct FailedStatusCase {
+    const char* name;
+    int code;
+    std::string expected;
+};
+
+class FailedStatusQuery : public ::testing::TestWithParam<FailedStatusCase>
+{
+protected:
+    ScriptedHost host;
+};
+
+TEST_P(FailedStatusQuery, SaysWhyAndLeavesTheDetailsAlone)
+{
+    const FailedStatusCase& c = GetParam();
+    const kel4::List<KELHandle<IDbObject>> objects{host.manager->AddObject("id0", "asset0")};
+    EXPECT_CALL(*host.dataControl, GetStatus(_, false, _, _, _, _))
+        .WillOnce(DoAll(SetArgReferee<5>(std::string("no route to host")), Return(kelResult(c.code))));
+    EXPECT_CALL(*host.dataControl, GetUsersOfObject(_, _, _)).Times(0);
+    std::string message = kPrefix;
+    std::string details = "untouched";
+    EXPECT_EQ(GetErrorStrings(host.dataControl, objects, false, checkOut, "ignored", message, details), 1);
+    EXPECT_EQ(message, kPrefix + c.expected + "Error reported by IO module: no route to host\n");
+    EXPECT_EQ(details, "untouched");
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, FailedStatusQuery,
+                         ::testing::Values(FailedStatusCase{"SessionUnusable", -34,
+                                                            "Cannot connect to source control.\n"},
+                                           FailedStatusCase{"OtherFailure", -2, "Unknown error encountered.\n"},
+                                           FailedStatusCase{"EmptyAnswerRemark", 1, "Unknown error encountered.\n"}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(ObjectErrorDetails, ListTheObjectsFilesSortedOnce)
+{
+    ScriptedHost host;
+    const kel4::List<KELHandle<IDbObject>> objects{host.manager->AddObject("id0", "asset0"),
+                                                   host.manager->AddObject("id1", "asset1")};
+    ON_CALL(*host.dataControl, GetStatus(_, _, _, _, _, _))
+        .WillByDefault(DoAll(SetArgReferee<4>(kel4::List<unsigned>{0x40, 0}), Return(kelResult(0))));
+    EXPECT_CALL(*host.dataControl, GetFiles(objects, true, kel4::closureId::Persistence, std::string(), _, _))
+        .WillOnce(DoAll(SetArgReferee<4>(kel4::Set<std::string>{"/ws/b.kel", "/ws/a.kel", "/ws/b.kel"}),
+                        Return(kelResult(0))));
+    std::string message;
+    std::string details;
+    GetErrorStrings(host.dataControl, objects, true, checkOut, "", message, details);
+    EXPECT_EQ(details, "Files:\n/ws/a.kel\n/ws/b.kel\n");
+}
+
+struct FilesCase {
+    const char* name;
+    unsigned combinedStatus;
+    Users users;  // nullopt: the users query fails
+    std::string expected;
+};
+
+class FileErrorText : public ::testing::TestWithParam<FilesCase>
+{
+protected:
+    ScriptedHost host;
+};
+
+TEST_P(FileErrorText, ExplainsTheCombinedStatus)
+{
+    const FilesCase& c = GetParam();
+    const kel4::List<std::string> files{"/ws/a.kel", "/ws/b.kel"};
+    auto& usersQuery = EXPECT_CALL(*host.fileVersionControl, GetUsersOfFiles(nullptr, files, _, _));
+    if (c.expected.find("following users") == std::string::npos)
+        usersQuery.Times(0);
+    else if (c.users)
+        usersQuery.WillOnce(DoAll(SetArgReferee<2>(kel4::List<std::string>(c.users->begin(), c.users->end())),
+                                  Return(kelResult(0))));
+    else
+        usersQuery.WillOnce(Return(kelResult(-34)));
+
+    std::string message = "Cannot mark-for-delete the files\n";
+    AddErrorString(host.fileVersionControl, nullptr, files, c.combinedStatus,
+                   hbrc::internal::kMarkForDeleteErrorFlags, "depot says no", message);
+    EXPECT_EQ(message, "Cannot mark-for-delete the files\n" + c.expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, FileErrorText,
+    ::testing::Values(
+        FilesCase{"LinesInAscendingOrderThenTheUsers", 0x20000 | 0x80 | 0x2, Users({"bob", "amy"}),
+                  kCheckedOutByOthers + kNotInDatabase + kLockedByOthers + "\namy\nbob\n"},
+        FilesCase{"NoUserNamingFlagAsksNoUsers", 0x40 | 0x8000, std::nullopt, kNotHead + kIOError},
+        FilesCase{"AFailedUsersQueryHasItsOwnLine", 0x8, std::nullopt,
+                  kMarkedForAddByOthers + "Sorry cannot get the list of users\n"},
+        FilesCase{"AFlagOutsideTheSetIsUnexplained", 0x10 | 0x1, std::nullopt, kUnknown}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(FileListString, WritesEveryPathOnItsOwnLineForEachContainerKind)
+{
+    std::string out = "previous";
+    const std::set<std::string> set{"/b", "/a"};
+    hbrc::internal::CookUpFileListString(set.begin(), set.end(), out);
+    EXPECT_EQ(out, "/a\n/b\n");
+    const std::list<std::string> list{"/z", "/a", "/z"};
+    hbrc::internal::CookUpFileListString(list.begin(), list.end(), out);
+    EXPECT_EQ(out, "/z\n/a\n/z\n");
+    const std::list<std::filesystem::path> paths{"/ws/Ärger.kel", "/ws/x"};
+    hbrc::internal::CookUpFileListString(paths.begin(), paths.end(), out);
+    EXPECT_EQ(out, "/ws/Ärger.kel\n/ws/x\n");
+    hbrc::internal::CookUpFileListString(paths.end(), paths.end(), out);
+    EXPECT_EQ(out, "");
+}
+
+}  // namespace
