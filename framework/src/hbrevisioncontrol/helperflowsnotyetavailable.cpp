@@ -14,22 +14,6 @@ void reportNotAvailable(const char* operation)
 
 }  // namespace
 
-bool CRevisionControlUIHelper::ObjectHasExternalFile(const KELHandle<IDbObject>&)
-{
-    reportNotAvailable("ObjectHasExternalFile");
-    return false;
-}
-
-void CRevisionControlUIHelper::GetObjectFiles(const KELHandle<IDbObject>&, QStringList&)
-{
-    reportNotAvailable("GetObjectFiles");
-}
-
-void CRevisionControlUIHelper::ShowObjectFiles(const KELHandle<IDbObject>&, bool)
-{
-    reportNotAvailable("ShowObjectFiles");
-}
-
 bool CRevisionControlUIHelper::CheckOutObject(const KELHandle<IDbObject>& object, bool& cancelled,
                                               bool includeExternalFiles)
 {

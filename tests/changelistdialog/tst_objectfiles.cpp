@@ -1,0 +1,243 @@
+// The files behind an object: listing, external files, showing them, and the asset-list text
+// that the prompts show.
+#include "objectlisthelpers.h"
+#include "revisioncontroluihelper.h"
+
+#include <dialogdriver.h>
+#include <hostfakes.h>
+
+#include <hbrchost/logcapture.h>
+#include <qtextention/fileexplorer.h>
+#include <qtextention/qfilelistwidget.h>
+
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+using hbrc::internal::DbObjectListsAreEqual;
+using hbrc::internal::GetAssetListPrettyNames;
+using hbrc::test::DialogDriver;
+using hbrc::test::FakeHost;
+using ::testing::_;
+using ::testing::DoAll;
+using ::testing::Return;
+using ::testing::SetArgReferee;
+
+namespace {
+
+using Files = kel4::Set<std::string>;
+using ObjectList = kel4::IDataControl::ObjectList;
+
+class ObjectFilesTest : public ::testing::Test
+{
+protected:
+    // Answers scripted for a handle hold the manager, which holds the service: break that circle.
+    void TearDown() override { ::testing::Mock::VerifyAndClear(host.dataControl.Get()); }
+
+    void answerFiles(const std::vector<std::string>& files, kelResult result = 0)
+    {
+        ON_CALL(*host.dataControl, GetFiles(rock, true, kel4::closureId::Persistence, std::string(), _))
+            .WillByDefault(DoAll(SetArgReferee<4>(Files(files.begin(), files.end())), Return(result)));
+    }
+
+    FakeHost host;
+    KELHandle<IDbObject> rock = host.manager->AddObject("id-rock", "Rock");
+    CRevisionControlUIHelper helper;
+};
+
+TEST_F(ObjectFilesTest, GetObjectFilesAppendsTheSortedDistinctFiles)
+{
+    answerFiles({"/w/b.kel", "/w/a.kel", "/w/a.kel", "/w/\xC3\xA9t\xC3\xA9.bin"});
+    QStringList files{QStringLiteral("kept")};
+    helper.GetObjectFiles(rock, files);
+    EXPECT_EQ(files, (QStringList{"kept", "/w/a.kel", "/w/b.kel", QStringLiteral("/w/\u00e9t\u00e9.bin")}));
+}
+
+TEST_F(ObjectFilesTest, AFailedFilesQueryLeavesTheListAsItWas)
+{
+    answerFiles({"/w/a.kel"}, kel4::kResultFailed);
+    QStringList files{QStringLiteral("kept")};
+    helper.GetObjectFiles(rock, files);
+    EXPECT_EQ(files, QStringList{QStringLiteral("kept")});
+}
+
+TEST_F(ObjectFilesTest, WithoutADataControlExternalFilesAreNoneButListingFilesRaises)
+{
+    EXPECT_CALL(*host.dataControl, HasExternalFile(rock, kel4::closureId::Persistence)).WillOnce(Return(true));
+    EXPECT_TRUE(helper.ObjectHasExternalFile(rock));
+
+    host.instance->SetService(kel4::UID_DataControl(), {});
+    EXPECT_FALSE(helper.ObjectHasExternalFile(rock));
+    QStringList files;
+    kel4::DisableErrorReportingGuard quiet;
+    EXPECT_THROW(helper.GetObjectFiles(rock, files), kel4::ExBase::NullPtr);
+    EXPECT_THROW(helper.ObjectHasExternalFile(KELHandle<IDbObject>()), kel4::ExBase::NullPtr);
+}
+
+struct LogCase {
+    const char* name;
+    std::vector<std::string> files;
+    const char* expected;
+};
+
+class ShowObjectFilesLog : public ObjectFilesTest, public ::testing::WithParamInterface<LogCase>
+{
+};
+
+TEST_P(ShowObjectFilesLog, LogsTheFilesOnePerLineSeparatedByCommas)
+{
+    answerFiles(GetParam().files);
+    std::vector<ProgramStart> started;
+    ProgramLauncher previous = SetProgramLauncher([&](const ProgramStart& s) { started.push_back(s); });
+    hbrc::host::LogCapture log;
+    helper.ShowObjectFiles(rock, true);
+    SetProgramLauncher(previous);
+    EXPECT_EQ(log.TextsOfType(Log::eMessage), std::vector<std::string>{GetParam().expected});
+    // The browser is started for the first file only, and not at all without files.
+    EXPECT_EQ(started.size(), GetParam().files.empty() ? 0u : 1u);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, ShowObjectFilesLog,
+    ::testing::Values(LogCase{"NoFile", {}, "Files for asset: Rock\n"},
+                      LogCase{"OneFile", {"/w/rock.kel"}, "Files for asset: Rock\n/w/rock.kel\n"},
+                      LogCase{"ThreeFiles",
+                              {"/w/c.bin", "/w/a.kel", "/w/b.bin"},
+                              "Files for asset: Rock\n/w/a.kel,\n/w/b.bin,\n/w/c.bin\n"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(ObjectFilesTest, AFailedFilesQueryShowsAnEmptyFileDialog)
+{
+    answerFiles({"/w/rock.kel"}, kel4::kResultFailed);
+    QWidget mainWindow;  // a session with a window of its own is interactive
+    DialogDriver driver;
+    int rows = -1;
+    QString title;
+    driver.expect(QStringLiteral("file list dialog"), [&](QWidget* dialog) {
+        title = dialog->windowTitle();
+        rows = dialog->findChild<QFileListWidget*>()->topLevelItemCount();
+        dialog->close();
+    });
+    hbrc::host::LogCapture log;
+    helper.ShowObjectFiles(rock, false);
+    EXPECT_TRUE(driver.finished()) << driver.failures().join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(title, QStringLiteral("Files for asset Rock"));
+    EXPECT_EQ(rows, 0);
+    EXPECT_EQ(log.TextsOfType(Log::eMessage), std::vector<std::string>{"Files for asset: Rock\n"});
+}
+
+TEST_F(ObjectFilesTest, ABatchRunOnlyLogsTheFiles)
+{
+    answerFiles({"/w/rock.kel"});
+    DialogDriver driver;  // any dialog would be recorded as unexpected
+    hbrc::host::LogCapture log;
+    helper.ShowObjectFiles(rock, false);
+    EXPECT_TRUE(driver.finished()) << driver.failures().join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(driver.answered(), 0);
+    EXPECT_EQ(log.TextsOfType(Log::eMessage).size(), 1u);
+}
+
+// A host that lists files its own way: ShowObjectFiles goes through the interface.
+class HelperWithOwnFiles : public CRevisionControlUIHelper
+{
+public:
+    void GetObjectFiles(const KELHandle<IDbObject>&, QStringList& files) override
+    {
+        files << QStringLiteral("/own/listing.kel");
+    }
+};
+
+TEST_F(ObjectFilesTest, ShowObjectFilesUsesAnOverriddenFileListing)
+{
+    HelperWithOwnFiles own;
+    hbrc::host::LogCapture log;
+    ProgramLauncher previous = SetProgramLauncher([](const ProgramStart&) {});
+    own.ShowObjectFiles(rock, true);
+    SetProgramLauncher(previous);
+    EXPECT_EQ(log.TextsOfType(Log::eMessage), std::vector<std::string>{"Files for asset: Rock\n/own/listing.kel\n"});
+}
+
+struct PrettyCase {
+    const char* name;
+    bool withExternalFiles;
+    std::vector<std::string> externalFiles;
+    const char* expected;
+};
+
+class PrettyNames : public ObjectFilesTest, public ::testing::WithParamInterface<PrettyCase>
+{
+};
+
+TEST_P(PrettyNames, DescribeEachAssetOnOneLine)
+{
+    const KELHandle<IDbObject> part = host.manager->AddObject("id-part", "Part of rock", false);
+    ON_CALL(*host.dataControl, GetAssetDisplayName(rock)).WillByDefault(Return(std::string("Rock [rocks]")));
+    const std::vector<std::string>& external = GetParam().externalFiles;
+    ON_CALL(*host.dataControl, GetExternalFiles(rock, kel4::closureId::Persistence, _))
+        .WillByDefault(DoAll(SetArgReferee<2>(Files(external.begin(), external.end())), Return(0)));
+    EXPECT_CALL(*host.dataControl, GetAssetDisplayName(_)).Times(1);  // the asset's only
+
+    QString text = QStringLiteral("Assets:\n");
+    GetAssetListPrettyNames(KELPtr<kel4::IDataControl>(host.dataControl.Get()), {part, rock},
+                            GetParam().withExternalFiles, text);
+    EXPECT_EQ(text.toStdString(), std::string("Assets:\n") + GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, PrettyNames,
+    ::testing::Values(
+        PrettyCase{"WithoutExternalFiles", false, {"/d/data.bin"}, "Rock [rocks]\n"},
+        PrettyCase{"QualifyingFile", true, {"/d/x.KEL", "/d/data.bin"}, "Rock [rocks] (with External: data.bin)\n"},
+        PrettyCase{"EachFileClosesItsOwnParenthesis",
+                   true,
+                   {"/d/a.bin", "/d/b.tex"},
+                   "Rock [rocks] (with External: a.bin)b.tex)\n"},
+        PrettyCase{"NoQualifyingFileLeavesTheParenthesisOpen", true, {"/d/x.kel"}, "Rock [rocks] (with External: \n"},
+        PrettyCase{"NoExternalFiles", true, {}, "Rock [rocks] (with External: \n"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(ObjectFilesTest, PrettyNamesNeedADataControlOnlyForAssets)
+{
+    const KELHandle<IDbObject> part = host.manager->AddObject("id-part", "Part of rock", false);
+    QString text;
+    kel4::DisableErrorReportingGuard quiet;
+    EXPECT_NO_THROW(GetAssetListPrettyNames(KELPtr<kel4::IDataControl>(), {part}, true, text));
+    EXPECT_TRUE(text.isEmpty());
+    EXPECT_THROW(GetAssetListPrettyNames(KELPtr<kel4::IDataControl>(), {part, rock}, true, text),
+                 kel4::ExBase::NullPtr);
+}
+
+struct EqualCase {
+    const char* name;
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> a, b;  // (cache index, instance number)
+    bool equal;
+};
+
+class ObjectListEquality : public ::testing::TestWithParam<EqualCase>
+{
+};
+
+ObjectList handles(const std::vector<std::pair<std::uint32_t, std::uint32_t>>& ids)
+{
+    ObjectList list;
+    for (const auto& [index, instance] : ids)
+        list.emplace_back(nullptr, index, instance);
+    return list;
+}
+
+TEST_P(ObjectListEquality, ComparesHandlesInOrder)
+{
+    EXPECT_EQ(DbObjectListsAreEqual(handles(GetParam().a), handles(GetParam().b)), GetParam().equal);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, ObjectListEquality,
+    ::testing::Values(EqualCase{"BothEmpty", {}, {}, true}, EqualCase{"Same", {{1, 1}, {2, 1}}, {{1, 1}, {2, 1}}, true},
+                      EqualCase{"OtherOrder", {{1, 1}, {2, 1}}, {{2, 1}, {1, 1}}, false},
+                      EqualCase{"OneMore", {{1, 1}}, {{1, 1}, {2, 1}}, false},
+                      EqualCase{"OtherInstance", {{1, 1}, {2, 1}}, {{1, 1}, {2, 2}}, false}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
