@@ -1,0 +1,394 @@
+#include <hbrcservices/datacontrol.h>
+
+#include <hbrcservices/depotqueries.h>
+#include <hbrcservices/filepermissions.h>
+#include <hbrcservices/statusrules.h>
+
+#include <unordered_map>
+#include <unordered_set>
+
+namespace hbrc::host {
+
+namespace {
+
+bool EndsWith(const std::string& text, const std::string& suffix)
+{
+    return text.size() >= suffix.size() && text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
+
+kel4::Set<std::string> Filtered(const kel4::Set<std::string>& files, const std::string& filter)
+{
+    if (filter.empty())
+        return files;
+    kel4::Set<std::string> kept;
+    for (const std::string& file : files)
+        if (EndsWith(file, filter))
+            kept.insert(file);
+    return kept;
+}
+
+// Appends the files not seen yet, keeping the order in which they first appear.
+void AppendUnique(const kel4::Set<std::string>& files, std::vector<std::string>& into,
+                  std::unordered_set<std::string>& seen)
+{
+    for (const std::string& file : files)
+        if (seen.insert(file).second)
+            into.push_back(file);
+}
+
+// The answer about a list of files, asked about any of them.
+class StatusByFile
+{
+public:
+    StatusByFile(const std::vector<std::string>& asked, const std::vector<depot::FileStatus>& answered)
+    {
+        for (std::size_t i = 0; i < asked.size() && i < answered.size(); ++i)
+            m_byFile.emplace(asked[i], &answered[i]);
+    }
+
+    std::vector<depot::FileStatus> Of(const std::vector<std::string>& files) const
+    {
+        std::vector<depot::FileStatus> statuses;
+        statuses.reserve(files.size());
+        for (const std::string& file : files) {
+            const auto found = m_byFile.find(file);
+            statuses.push_back(found != m_byFile.end() ? *found->second : depot::FileStatus{});
+        }
+        return statuses;
+    }
+
+private:
+    std::unordered_map<std::string, const depot::FileStatus*> m_byFile;
+};
+
+}  // namespace
+
+DataControl::DataControl(KELPtr<DataModelMgr> model, std::shared_ptr<DepotConnection> connection)
+    : m_model(std::move(model)), m_connection(std::move(connection))
+{
+}
+
+void* DataControl::QueryInterface(const kel4::InterfaceId& iid)
+{
+    if (iid == kel4::IDataControl::GetIID())
+        return static_cast<kel4::IDataControl*>(this);
+    return nullptr;
+}
+
+// --- files and objects ----------------------------------------------------------------------------
+
+DataControl::Files DataControl::FilesOf(const KELHandleBase& object, bool includeExternalFiles,
+                                        kel4::closureId closure) const
+{
+    const kel4::Set<std::string> files = m_model->FilesOf(object, includeExternalFiles, closure);
+    return {files.begin(), files.end()};
+}
+
+DataControl::Files DataControl::FilesOf(const ObjectList& objects, bool includeExternalFiles,
+                                        kel4::closureId closure) const
+{
+    Files all;
+    std::unordered_set<std::string> seen;
+    for (const auto& object : objects)
+        AppendUnique(m_model->FilesOf(object, includeExternalFiles, closure), all, seen);
+    return all;
+}
+
+DataControl::Files DataControl::WorkspaceFiles() const
+{
+    Files all;
+    std::unordered_set<std::string> seen;
+    const ObjectStore& store = m_model->Store();
+    store.ForEachLive([&](std::uint32_t slot) {
+        if (store.IsAsset(slot))
+            AppendUnique(m_model->FilesOf(m_model->HandleOf(slot), true, kel4::closureId::Persistence), all, seen);
+    });
+    return all;
+}
+
+kelResult DataControl::GetFiles(const ObjectList& objects, bool includeExternalFiles, kel4::closureId closure,
+                                const std::string& filter, kel4::Set<std::string>& allFiles,
+                                kel4::List<kel4::Set<std::string>>& filesPerObject)
+{
+    for (const auto& object : objects) {
+        kel4::Set<std::string> files = Filtered(m_model->FilesOf(object, includeExternalFiles, closure), filter);
+        allFiles.insert(files.begin(), files.end());
+        filesPerObject.push_back(std::move(files));
+    }
+    return kel4::kResultSuccess;
+}
+
+kelResult DataControl::GetFiles(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles,
+                                kel4::closureId closure, const std::string& filter, kel4::Set<std::string>& files)
+{
+    const kel4::Set<std::string> found = Filtered(m_model->FilesOf(object, includeExternalFiles, closure), filter);
+    files.insert(found.begin(), found.end());
+    return kel4::kResultSuccess;
+}
+
+kelResult DataControl::GetExternalFiles(const KELHandle<kel4::IDbObject>& object, kel4::closureId closure,
+                                        kel4::Set<std::string>& files)
+{
+    const kel4::Set<std::string> found = m_model->ExternalFilesOf(object, closure);
+    files.insert(found.begin(), found.end());
+    return kel4::kResultSuccess;
+}
+
+bool DataControl::HasExternalFile(const KELHandle<kel4::IDbObject>& object, kel4::closureId closure)
+{
+    return !m_model->ExternalFilesOf(object, closure).empty();
+}
+
+kelResult DataControl::GetRelatedObjects(const ObjectList& objects, ObjectSet& related)
+{
+    const ObjectSet found = m_model->RelatedObjects(objects);
+    related.insert(found.begin(), found.end());
+    return kel4::kResultSuccess;
+}
+
+kelResult DataControl::GetOwningAssets(kel4::closureId /*closure*/, const ObjectList& objects, ObjectSet& assets,
+                                       int /*options*/)
+{
+    const ObjectSet found = m_model->OwningAssets(objects);
+    assets.insert(found.begin(), found.end());
+    return kel4::kResultSuccess;
+}
+
+kelResult DataControl::GetDbObjectIds(const ObjectList& objects, kel4::List<DbObjectId>& ids)
+{
+    ids.splice(ids.end(), m_model->DbObjectIdsOf(objects));
+    return kel4::kResultSuccess;
+}
+
+std::string DataControl::GetAssetDisplayName(const KELHandle<kel4::IDbObject>& object)
+{
+    return m_model->DisplayName(object);
+}
+
+// --- status and editability -----------------------------------------------------------------------
+
+kelResult DataControl::KnownStatuses(const Files& files, std::vector<depot::FileStatus>& statuses,
+                                     std::string& errorText)
+{
+    if (auto cached = m_connection->Cache().Lookup(files)) {
+        statuses = std::move(*cached);
+        return kel4::kResultSuccess;
+    }
+    Files asked = WorkspaceFiles();
+    std::unordered_set<std::string> seen(asked.begin(), asked.end());
+    for (const std::string& file : files)
+        if (seen.insert(file).second)
+            asked.push_back(file);
+    std::vector<depot::FileStatus> answered;
+    const kelResult result = DepotQueries::Status(*m_connection, m_session.Get(), asked, answered, errorText);
+    if (result.IsSuccess())
+        statuses = StatusByFile(asked, answered).Of(files);
+    return result;
+}
+
+kelResult DataControl::GetStatus(const ObjectList& objects, bool includeExternalFiles, kel4::closureId closure,
+                                 bool refresh, kel4::List<unsigned>& statuses, std::string& errorText)
+{
+    if (objects.empty())
+        return kel4::kResultEmptyQuery;
+    const Files files = FilesOf(objects, includeExternalFiles, closure);
+    std::vector<depot::FileStatus> answered;
+    if (auto cached = refresh ? std::nullopt : m_connection->Cache().Lookup(files)) {
+        answered = std::move(*cached);
+    } else if (!files.empty()) {
+        const kelResult result = DepotQueries::Status(*m_connection, m_session.Get(), files, answered, errorText);
+        if (result.IsFailure())
+            return result;
+    }
+    const StatusByFile byFile(files, answered);
+    statuses.clear();
+    for (const auto& object : objects)
+        statuses.push_back(StatusRules::ObjectWord(byFile.Of(FilesOf(object, includeExternalFiles, closure))));
+    return kel4::kResultSuccess;
+}
+
+bool DataControl::NeedsAction(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles,
+                              kel4::closureId closure)
+{
+    const Files files = FilesOf(object, includeExternalFiles, closure);
+    if (files.empty())
+        return false;
+    std::vector<depot::FileStatus> statuses;
+    std::string ignored;
+    // Without an answer from the depot, every file counts as under revision control: a read-only
+    // file then still asks for an action, whose own failure (e.g. an expired session) is reported.
+    if (KnownStatuses(files, statuses, ignored).IsFailure())
+        statuses.assign(files.size(), depot::FileStatus{});
+    return StatusRules::NeedsAction(files, statuses, FilePermissions::IsReadOnly);
+}
+
+kelResult DataControl::CanCheckOut(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles,
+                                   kel4::closureId closure, bool& canCheckOut)
+{
+    canCheckOut = false;
+    std::vector<depot::FileStatus> statuses;
+    std::string ignored;
+    const kelResult result = KnownStatuses(FilesOf(object, includeExternalFiles, closure), statuses, ignored);
+    if (result.IsSuccess())
+        canCheckOut = StatusRules::CanCheckOut(statuses);
+    return result;
+}
+
+bool DataControl::CanMakeWritable(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles,
+                                  kel4::closureId closure)
+{
+    return IsReadOnly(object, includeExternalFiles, closure);
+}
+
+bool DataControl::IsReadOnly(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles,
+                             kel4::closureId closure)
+{
+    for (const std::string& file : FilesOf(object, includeExternalFiles, closure))
+        if (FilePermissions::IsReadOnly(file))
+            return true;
+    return false;
+}
+
+kelResult DataControl::GetUsersOfObject(const KELHandle<kel4::IDbObject>& object, kel4::closureId closure,
+                                        kel4::List<std::string>& users)
+{
+    std::string ignored;
+    return DepotQueries::Holders(*m_connection, m_session.Get(), FilesOf(object, true, closure), users, ignored);
+}
+
+// --- revision operations --------------------------------------------------------------------------
+
+kelResult DataControl::ChangeFiles(const Files& files, const DepotConnection::Operation& change,
+                                   std::string& errorText)
+{
+    if (files.empty()) {
+        errorText.clear();
+        return kel4::kResultSuccess;
+    }
+    return DepotQueries::Change(*m_connection, m_session.Get(), change, errorText);
+}
+
+kelResult DataControl::CheckOut(const ObjectList& objects, bool includeExternalFiles, kel4::closureId closure,
+                                const std::string& changelist, std::string& errorText)
+{
+    const Files files = FilesOf(objects, includeExternalFiles, closure);
+    return ChangeFiles(
+        files,
+        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
+            return depot.edit(ticket, files, changelist, cancel);
+        },
+        errorText);
+}
+
+kelResult DataControl::MarkForAdd(const ObjectList& objects, bool includeExternalFiles, kel4::closureId closure,
+                                  const std::string& changelist, std::string& errorText)
+{
+    const Files files = FilesOf(objects, includeExternalFiles, closure);
+    // Only the files the depot does not know are added: an asset whose .kel file is in the depot
+    // may have gained a new external file.
+    return ChangeFiles(
+        files,
+        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
+            std::vector<depot::FileStatus> statuses;
+            depot::Result result = depot.status(ticket, files, statuses, cancel);
+            if (!result.ok())
+                return result;
+            Files unknown;
+            for (std::size_t i = 0; i < files.size() && i < statuses.size(); ++i)
+                if (statuses[i].word & depot::status::NotInDepot)
+                    unknown.push_back(files[i]);
+            return unknown.empty() ? result : depot.add(ticket, unknown, changelist, cancel);
+        },
+        errorText);
+}
+
+kelResult DataControl::MakeWritable(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles,
+                                    kel4::closureId closure, std::string& errorText)
+{
+    errorText.clear();
+    bool allWritable = true;
+    for (const std::string& file : FilesOf(object, includeExternalFiles, closure)) {
+        std::string error;
+        if (!FilePermissions::MakeWritable(file, error)) {
+            allWritable = false;
+            errorText += error + "\n";
+        }
+    }
+    return allWritable ? kel4::kResultSuccess : kel4::kResultFailed;
+}
+
+// --- changelists ----------------------------------------------------------------------------------
+
+bool DataControl::ChangeListExists(const std::string& changelist)
+{
+    bool exists = false;
+    std::string ignored;
+    const kelResult result = m_connection->Run(
+        m_session.Get(),
+        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck&) {
+            return depot.changelistExists(ticket, changelist, exists);
+        },
+        ignored);
+    return result.IsSuccess() && exists;
+}
+
+kelResult DataControl::GetPendingChangeLists(kel4::List<std::string>& changelists, std::string& errorText)
+{
+    std::vector<depot::Changelist> pending;
+    const kelResult result = m_connection->Run(
+        m_session.Get(),
+        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck&) {
+            return depot.changelists(ticket, depot::ChangelistState::Pending, pending);
+        },
+        errorText);
+    if (result.IsSuccess())
+        for (const depot::Changelist& changelist : pending)
+            changelists.push_back(changelist.id);
+    return result;
+}
+
+kelResult DataControl::GetChangeListDescription(const std::string& changelist, std::string& description,
+                                                std::string& errorText)
+{
+    depot::Changelist described;
+    const kelResult result = m_connection->Run(
+        m_session.Get(),
+        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck&) {
+            return depot.describe(ticket, changelist, described);
+        },
+        errorText);
+    if (result.IsSuccess())
+        description = described.description;
+    return result;
+}
+
+kelResult DataControl::CreateChangeList(const std::string& description, std::string& changelist,
+                                        std::string& errorText)
+{
+    return m_connection->Run(
+        m_session.Get(),
+        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck&) {
+            return depot.createChangelist(ticket, description, changelist);
+        },
+        errorText);
+}
+
+// --- account and session --------------------------------------------------------------------------
+
+void DataControl::SetUserParameters(const KELPtr<kel4::IUserParameters>& user)
+{
+    m_session = user;
+    m_connection->Cache().Invalidate();
+}
+
+KELPtr<kel4::IUserParameters> DataControl::GetUserParameters() const
+{
+    return m_session;
+}
+
+void DataControl::SetSession(const KELPtr<kel4::IUserParameters>& session)
+{
+    SetUserParameters(session);
+}
+
+}  // namespace hbrc::host

@@ -1,0 +1,103 @@
+#include <hbrcservices/depotconnection.h>
+
+namespace hbrc::host {
+
+namespace {
+
+// Marks the connection busy for one operation.
+class RunningGuard
+{
+public:
+    explicit RunningGuard(bool& running) : m_running(running) { m_running = true; }
+    ~RunningGuard() { m_running = false; }
+    RunningGuard(const RunningGuard&) = delete;
+    RunningGuard& operator=(const RunningGuard&) = delete;
+
+private:
+    bool& m_running;
+};
+
+const char* const kBusyText = "Another revision-control operation is still running; try again when it has ended.";
+
+}  // namespace
+
+DepotConnection::DepotConnection(std::string server, ConnectionOptions options)
+    : m_options(std::move(options)),
+      m_depot(std::make_unique<depot::Depot>(std::move(server), m_options.depot)),
+      m_cache(m_options.statusLifetime)
+{
+    m_runner.SetThreshold(m_options.timeOutThreshold);
+}
+
+DepotConnection::~DepotConnection() = default;
+
+kelResult DepotConnection::Finish(const depot::Result& result, std::string& errorText)
+{
+    errorText = result.error;
+    if (result.ok())
+        return kel4::kResultSuccess;
+    return result.code == depot::code::SessionUnusable ? kel4::kResultSessionUnusable : kel4::kResultFailed;
+}
+
+KELPtr<UserParameters> DepotConnection::Login(const std::string& userName, const std::string& password,
+                                               const std::string& workspace, const std::string& server,
+                                               std::string& errorText)
+{
+    if (m_running) {
+        errorText = kBusyText;
+        return {};
+    }
+    RunningGuard running(m_running);
+    const bool otherServer = !server.empty() && server != m_depot->path();
+    std::unique_ptr<depot::Depot> other;
+    if (otherServer)
+        other = std::make_unique<depot::Depot>(server, m_options.depot);
+    depot::Depot& target = otherServer ? *other : *m_depot;
+
+    std::string ticket;
+    const depot::Result result = m_runner.Run([&](const depot::CancelCheck&) {
+        return target.login(userName, password, workspace, ticket);
+    });
+    if (otherServer) {
+        if (!result.ok()) {
+            m_roundTripsBefore += other->roundTrips();
+            errorText = result.error;
+            return {};
+        }
+        m_roundTripsBefore += m_depot->roundTrips();
+        m_depot = std::move(other);
+    }
+    if (Finish(result, errorText).IsFailure())
+        return {};
+    m_cache.Invalidate();
+    return KELPtr<UserParameters>(new UserParameters(userName, workspace, m_depot->path(), ticket));
+}
+
+kelResult DepotConnection::Run(const kel4::IUserParameters* session, const Operation& operation,
+                               std::string& errorText)
+{
+    const std::string ticket = UserParameters::TicketOf(session);
+    if (ticket.empty()) {
+        errorText = "Not logged in to the depot; please log in.";
+        return kel4::kResultSessionUnusable;
+    }
+    if (m_running) {
+        errorText = kBusyText;
+        return kel4::kResultFailed;
+    }
+    RunningGuard running(m_running);
+    depot::Depot& depot = *m_depot;
+    return Finish(m_runner.Run([&](const depot::CancelCheck& cancel) { return operation(depot, ticket, cancel); }),
+                  errorText);
+}
+
+kelResult DepotConnection::ExpireSession(const kel4::IUserParameters* session, std::string& errorText)
+{
+    return Run(session,
+               [](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck&) {
+                   return depot.expireSession(ticket);
+               },
+               errorText);
+}
+
+}  // namespace hbrc::host

@@ -1,0 +1,54 @@
+#include <hbrcservices/depotqueries.h>
+
+#include <set>
+
+namespace hbrc::host::DepotQueries {
+
+kelResult Status(DepotConnection& connection, const kel4::IUserParameters* session,
+                 const std::vector<std::string>& files, std::vector<depot::FileStatus>& statuses,
+                 std::string& errorText)
+{
+    std::vector<depot::FileStatus> answered;
+    const kelResult result = connection.Run(
+        session,
+        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
+            return depot.status(ticket, files, answered, cancel);
+        },
+        errorText);
+    if (result.IsSuccess()) {
+        connection.Cache().Store(files, answered);
+        statuses = std::move(answered);
+    }
+    return result;
+}
+
+kelResult Holders(DepotConnection& connection, const kel4::IUserParameters* session,
+                  const std::vector<std::string>& files, kel4::List<std::string>& users, std::string& errorText)
+{
+    std::vector<std::vector<std::string>> perFile;
+    const kelResult result = connection.Run(
+        session,
+        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
+            return depot.holders(ticket, files, perFile, cancel);
+        },
+        errorText);
+    if (result.IsFailure())
+        return result;
+    std::set<std::string> unique;
+    for (const auto& holders : perFile)
+        unique.insert(holders.begin(), holders.end());
+    users.assign(unique.begin(), unique.end());
+    return result;
+}
+
+kelResult Change(DepotConnection& connection, const kel4::IUserParameters* session,
+                 const DepotConnection::Operation& change, std::string& errorText)
+{
+    const kelResult result = connection.Run(session, change, errorText);
+    // Also after a failure: a cancelled or refused change leaves the depot as it was, but a
+    // failure of an unknown kind may not have.
+    connection.Cache().Invalidate();
+    return result;
+}
+
+}  // namespace hbrc::host::DepotQueries

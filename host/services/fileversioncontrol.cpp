@@ -1,0 +1,112 @@
+#include <hbrcservices/fileversioncontrol.h>
+
+#include <hbrcservices/depotqueries.h>
+
+#include <filesystem>
+
+namespace hbrc::host {
+
+namespace {
+
+std::vector<std::string> ToVector(const kel4::List<std::string>& files)
+{
+    return {files.begin(), files.end()};
+}
+
+}  // namespace
+
+FileVersionControl::FileVersionControl(std::shared_ptr<DepotConnection> connection)
+    : m_connection(std::move(connection))
+{
+}
+
+void* FileVersionControl::QueryInterface(const kel4::InterfaceId& iid)
+{
+    if (iid == kel4::IFileVersionControl::GetIID())
+        return static_cast<kel4::IFileVersionControl*>(this);
+    return nullptr;
+}
+
+void FileVersionControl::SetTimeOutDelegate(kel4::ITimeOutDelegate* delegate)
+{
+    m_connection->Runner().SetDelegate(delegate);
+}
+
+KELPtr<kel4::IUserParameters> FileVersionControl::Login(const std::string& userName, const std::string& password,
+                                                        const std::string& workspace, const std::string& server,
+                                                        std::string& errorText)
+{
+    return KELPtr<kel4::IUserParameters>(m_connection->Login(userName, password, workspace, server, errorText));
+}
+
+KELPtr<kel4::IUserParameters> FileVersionControl::CreateUserParameters(const std::string& userName,
+                                                                       const std::string& /*password*/,
+                                                                       const std::string& server,
+                                                                       const std::string& workspace,
+                                                                       std::string& errorText)
+{
+    // Whether the user and the workspace exist only a log-in can tell; what can be checked without
+    // one is that the account is complete and the depot file is there.
+    const std::string depotPath = server.empty() ? m_connection->Server() : server;
+    std::error_code ignored;
+    if (userName.empty() || workspace.empty()) {
+        errorText = "An account needs a user name and a workspace.";
+        return {};
+    }
+    if (!std::filesystem::is_regular_file(depotPath, ignored)) {
+        errorText = "Cannot reach the depot at '" + depotPath + "': no such file";
+        return {};
+    }
+    errorText.clear();
+    return KELPtr<kel4::IUserParameters>(new UserParameters(userName, workspace, depotPath));
+}
+
+kelResult FileVersionControl::GetStatus(const kel4::IUserParameters* user, const kel4::List<std::string>& files,
+                                        kel4::List<unsigned>& statuses, kel4::List<std::string>& changelists,
+                                        std::string& errorText, int /*options*/)
+{
+    std::vector<depot::FileStatus> answered;
+    const kelResult result = DepotQueries::Status(*m_connection, user, ToVector(files), answered, errorText);
+    if (result.IsFailure())
+        return result;
+    statuses.clear();
+    changelists.clear();
+    for (const depot::FileStatus& status : answered) {
+        statuses.push_back(status.word);
+        changelists.push_back(status.changelist);
+    }
+    return result;
+}
+
+kelResult FileVersionControl::Revert(const kel4::IUserParameters* user, const kel4::List<std::string>& files,
+                                     std::string& errorText, int /*options*/, int /*reserved*/)
+{
+    const std::vector<std::string> list = ToVector(files);
+    return DepotQueries::Change(
+        *m_connection, user,
+        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
+            return depot.revert(ticket, list, cancel);
+        },
+        errorText);
+}
+
+kelResult FileVersionControl::MarkForDeleteInChangelist(const kel4::IUserParameters* user,
+                                                        const kel4::List<std::string>& files,
+                                                        const std::string& changelist, std::string& errorText)
+{
+    const std::vector<std::string> list = ToVector(files);
+    return DepotQueries::Change(
+        *m_connection, user,
+        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
+            return depot.remove(ticket, list, changelist, cancel);
+        },
+        errorText);
+}
+
+kelResult FileVersionControl::GetUsersOfFiles(const kel4::IUserParameters* user, const kel4::List<std::string>& files,
+                                              kel4::List<std::string>& users, std::string& errorText)
+{
+    return DepotQueries::Holders(*m_connection, user, ToVector(files), users, errorText);
+}
+
+}  // namespace hbrc::host

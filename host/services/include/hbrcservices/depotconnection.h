@@ -1,0 +1,79 @@
+#pragma once
+
+#include <hbrcservices/statuscache.h>
+#include <hbrcservices/timeoutrunner.h>
+#include <hbrcservices/userparameters.h>
+
+#include <depot/depot.h>
+
+#include <kel4/kelresult.h>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace hbrc::host {
+
+struct ConnectionOptions
+{
+    depot::DepotOptions depot;
+    // How long an operation runs before the time-out delegate is asked.
+    std::chrono::milliseconds timeOutThreshold{500};
+    // How long a file's depot status is trusted without asking the depot again.
+    std::chrono::milliseconds statusLifetime{std::chrono::seconds(10)};
+};
+
+// The link of one host's revision-control services to a depot, shared by its data control and
+// file version control: the depot connection, the time-out runner every operation goes through,
+// the status cache, and the knobs tests and benchmarks turn (round trips, fault injection).
+// Used from the host's UI thread; the depot itself may be driven from the runner's worker.
+class DepotConnection
+{
+public:
+    // What an operation does with the depot, in one or more round trips, for a session's ticket.
+    using Operation = std::function<depot::Result(depot::Depot& depot, const std::string& ticket,
+                                                  const depot::CancelCheck& cancel)>;
+
+    explicit DepotConnection(std::string server, ConnectionOptions options = {});
+    ~DepotConnection();
+    DepotConnection(const DepotConnection&) = delete;
+    DepotConnection& operator=(const DepotConnection&) = delete;
+
+    // The depot file's path.
+    const std::string& Server() const { return m_depot->path(); }
+
+    // Opens a session. A server other than the current one becomes the current one when the log-in
+    // succeeds (fault injection settings do not carry over). Null with errorText on failure.
+    KELPtr<UserParameters> Login(const std::string& userName, const std::string& password,
+                                 const std::string& workspace, const std::string& server, std::string& errorText);
+
+    // Runs operation for the session: kResultSessionUnusable without one, kResultFailed while
+    // another operation of this connection is still running (a re-entrant call from a progress
+    // box's event loop), otherwise the operation's outcome as a result code with its text.
+    kelResult Run(const kel4::IUserParameters* session, const Operation& operation, std::string& errorText);
+
+    TimeOutRunner& Runner() { return m_runner; }
+    StatusCache& Cache() { return m_cache; }
+
+    // --- for tests and benchmarks -------------------------------------------------------------
+    // Round trips made to the depot through this connection, log-ins included.
+    std::uint64_t RoundTrips() const { return m_roundTripsBefore + m_depot->roundTrips(); }
+    // Latency per round trip and forced failures (code -34, depot::code::IoError, ...).
+    depot::FaultInjector& Faults() { return m_depot->faults(); }
+    // The session stops working now, in every process (one round trip).
+    kelResult ExpireSession(const kel4::IUserParameters* session, std::string& errorText);
+
+private:
+    kelResult Finish(const depot::Result& result, std::string& errorText);
+
+    ConnectionOptions m_options;
+    std::unique_ptr<depot::Depot> m_depot;
+    std::uint64_t m_roundTripsBefore = 0;  // made through depots this connection has left
+    TimeOutRunner m_runner;
+    StatusCache m_cache;
+    bool m_running = false;
+};
+
+}  // namespace hbrc::host

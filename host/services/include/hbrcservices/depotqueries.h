@@ -1,0 +1,27 @@
+#pragma once
+
+#include <hbrcservices/depotconnection.h>
+
+#include <kel4/containers.h>
+
+#include <string>
+#include <vector>
+
+namespace hbrc::host {
+
+// The depot questions that both services ask, each one round trip through the connection.
+namespace DepotQueries {
+
+// The status of every file, in their order; stored in the connection's status cache.
+kelResult Status(DepotConnection& connection, const kel4::IUserParameters* session,
+                 const std::vector<std::string>& files, std::vector<depot::FileStatus>& statuses,
+                 std::string& errorText);
+// The users of other workspaces holding any of the files: sorted, each once.
+kelResult Holders(DepotConnection& connection, const kel4::IUserParameters* session,
+                  const std::vector<std::string>& files, kel4::List<std::string>& users, std::string& errorText);
+// Runs a change of files (edit, add, delete, revert, ...) and empties the status cache.
+kelResult Change(DepotConnection& connection, const kel4::IUserParameters* session,
+                 const DepotConnection::Operation& change, std::string& errorText);
+
+}  // namespace DepotQueries
+}  // namespace hbrc::host

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <depot/types.h>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace hbrc::host {
+
+// The last known depot status of files, so that per-object questions (needs action, can check
+// out) need no round trip of their own. Filled by every status question; emptied by every change
+// made through the services and by a change of session; entries older than the lifetime count as
+// unknown, so that changes by other users are seen again.
+class StatusCache
+{
+public:
+    using Clock = std::function<std::chrono::steady_clock::time_point()>;
+
+    explicit StatusCache(std::chrono::milliseconds lifetime = std::chrono::seconds(10), Clock clock = {});
+
+    void Store(const std::vector<std::string>& files, const std::vector<depot::FileStatus>& statuses);
+    // The statuses of all files, in their order; nothing when one of them is unknown or stale.
+    std::optional<std::vector<depot::FileStatus>> Lookup(const std::vector<std::string>& files) const;
+    void Invalidate() { m_entries.clear(); }
+    std::size_t Size() const { return m_entries.size(); }
+
+private:
+    struct Entry
+    {
+        depot::FileStatus status;
+        std::chrono::steady_clock::time_point storedAt;
+    };
+
+    std::chrono::steady_clock::time_point Now() const;
+
+    std::chrono::milliseconds m_lifetime;
+    Clock m_clock;
+    std::unordered_map<std::string, Entry> m_entries;
+};
+
+}  // namespace hbrc::host
