@@ -20,8 +20,12 @@ enum ComboIndex { NewIndex = 0, DefaultIndex = 1, FirstChangeListIndex = 2 };
 // Longest combo label, in bytes; the whole description stays in the item's data.
 constexpr std::size_t kMaxLabelBytes = 80;
 
-// Wide enough for a workspace path in the file list and a description line without resizing.
+// Wide enough for a workspace path in the file list and a description line without resizing;
+// no taller than a laptop screen holds comfortably. The editors give way to the file list.
 constexpr int kInitialWidth = 720;
+constexpr int kInitialMaxHeight = 600;
+constexpr int kEditorStretch = 1;
+constexpr int kFileListStretch = 2;
 
 QStringList toPathList(const std::set<std::string>& files)
 {
@@ -81,7 +85,7 @@ hbChangeListSelectionDialog::hbChangeListSelectionDialog(KELPtr<kel4::IDataContr
         assets->setReadOnly(true);
         assets->setLineWrapMode(QTextEdit::NoWrap);
         assets->setPlainText(assetsText);
-        layout->addWidget(assets);
+        layout->addWidget(assets, kEditorStretch);
     }
 
     if (selectChangeList)
@@ -93,7 +97,7 @@ hbChangeListSelectionDialog::hbChangeListSelectionDialog(KELPtr<kel4::IDataContr
     filesRow->addStretch();
     connect(m_showFilesButton, &QPushButton::clicked, this, &hbChangeListSelectionDialog::showFiles);
     layout->addLayout(filesRow);
-    layout->addWidget(m_fileList);
+    layout->addWidget(m_fileList, kFileListStretch);
     m_fileList->setVisible(filesVisible);
 
     buildButtonRow(layout, selectChangeList);
@@ -113,7 +117,8 @@ hbChangeListSelectionDialog::hbChangeListSelectionDialog(KELPtr<kel4::IDataContr
     } else {
         setWindowTitle(tr("Read-Only Assets"));
     }
-    resize(sizeHint().expandedTo(QSize(kInitialWidth, 0)));
+    const QSize hint = sizeHint();
+    resize(qMax(hint.width(), kInitialWidth), qMin(hint.height(), kInitialMaxHeight));
 }
 
 hbChangeListSelectionDialog::~hbChangeListSelectionDialog() = default;
@@ -130,7 +135,7 @@ void hbChangeListSelectionDialog::buildChangeListControls(QBoxLayout* layout)
     layout->addWidget(new QLabel(tr("Add files to pending changelist:"), this));
     layout->addWidget(m_changeListCombo);
     layout->addWidget(new QLabel(tr("Changelist description"), this));
-    layout->addWidget(m_descriptionEdit);
+    layout->addWidget(m_descriptionEdit, kEditorStretch);
 }
 
 void hbChangeListSelectionDialog::buildButtonRow(QBoxLayout* layout, bool selectChangeList)
