@@ -1,5 +1,6 @@
 // The revision commands run by the reference host's command manager ("UndoManager") over a real
 // workspace and item library; the data control is scripted.
+#include "accessstatereceiver.h"
 #include "hbcheckoutcommand.h"
 #include "hbmakewritablecommand.h"
 #include "unspecifiedaccessorlist.h"
@@ -7,7 +8,6 @@
 #include <hostmocks.h>
 #include <hostworkspacefixture.h>
 
-#include <borax/datamodel/iitemlibrarynotification.h>
 #include <nrk/isystem.h>
 
 #include <gmock/gmock.h>
@@ -24,23 +24,6 @@ using ::testing::SetArgReferee;
 namespace {
 
 using ObjectList = BaseScsCommand::ObjectList;
-
-// Records the items whose access state the library says changed.
-class AccessStateReceiver final : public borax::datamodel::IItemLibraryNotification
-{
-public:
-    using Accessor = borax::datamodel::ItemLibraryAccessor;
-    void OnBeginChanges(Accessor&) override {}
-    void OnEndChanges(Accessor&) override {}
-    void LibraryInvalidated(Accessor&) override {}
-    void ItemNameChanged(Accessor&, const ItemID&) override {}
-    void ItemTagsChanged(Accessor&, const ItemID&, const char*) override {}
-    void ItemAccessStateChanged(Accessor&, const ItemID& item, long) override { items.push_back(item); }
-    void OnPreCommit(Accessor&, bool*) override {}
-    void OnPostCommit(Accessor&) override {}
-
-    std::vector<ItemID> items;
-};
 
 class CommandsInHost : public HostWorkspaceFixture
 {
