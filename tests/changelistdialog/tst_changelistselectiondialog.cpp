@@ -1,4 +1,5 @@
 // The changelist selection dialog, driven as a user drives it, over a scripted data control.
+// Creating changelists through "New" is exercised over the real depot (tst_changelistdialoginhost).
 #include "hbchangelistselectiondialog.h"
 
 #include <dialogdriver.h>
@@ -210,38 +211,6 @@ INSTANTIATE_TEST_SUITE_P(
                       ChoiceCase{"EmptyIdentifier", {{"", "nameless"}}, 2, ""}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(ChangeListDialogTest, NewCreatesAChangeListWithTheTypedDescription)
-{
-    EXPECT_CALL(*dataControl, CreateChangeList("Fix the rock\nsecond line", _, _))
-        .WillOnce(DoAll(SetArgReferee<1>(std::string("58")), Return(0)));
-    auto dialog = changeListDialog();
-    const int result = runDialog(*dialog, [](Dialog& d) {
-        combo(d)->setCurrentIndex(0);
-        descriptionEdit(d)->setPlainText(QStringLiteral("Fix the rock\nsecond line"));
-        QTest::mouseClick(button(&d, QStringLiteral("Check Out")), Qt::LeftButton);
-    });
-    EXPECT_EQ(result, Dialog::UseChangeList);
-    EXPECT_EQ(dialog->getChangeList(), "58");
-}
-
-TEST_F(ChangeListDialogTest, AFailedCreateKeepsTheDialogOpenWithoutAMessage)
-{
-    EXPECT_CALL(*dataControl, CreateChangeList(_, _, _))
-        .WillOnce(DoAll(SetArgReferee<1>(std::string("99")), SetArgReferee<2>(std::string("no session")),
-                        Return(kelResult(kel4::kResultSessionUnusable))));
-    auto dialog = changeListDialog();
-    bool stayedOpen = false;
-    const int result = runDialog(*dialog, [&](Dialog& d) {
-        combo(d)->setCurrentIndex(0);
-        QTest::mouseClick(button(&d, QStringLiteral("Check Out")), Qt::LeftButton);
-        stayedOpen = d.isVisible() && QApplication::activeModalWidget() == &d;
-        QTest::mouseClick(button(&d, QStringLiteral("Cancel")), Qt::LeftButton);
-    });
-    EXPECT_TRUE(stayedOpen);
-    EXPECT_EQ(result, Dialog::Cancelled);
-    EXPECT_EQ(dialog->getChangeList(), "");
-}
-
 struct ButtonCase {
     const char* name;
     std::function<void(Dialog&)> press;
@@ -377,7 +346,7 @@ TEST_F(ChangeListDialogTest, SetInfoShowsTheLabelOnlyWithText)
     EXPECT_TRUE(info->isHidden());
 }
 
-TEST_F(ChangeListDialogTest, TheFilesButtonTogglesTheSortedFileList)
+TEST_F(ChangeListDialogTest, TheFilesButtonTogglesTheFileList)
 {
     auto dialog = changeListDialog({"/w/tree.kel", "/w/rock.kel", "/w/r\xC3\xB6" "ck.bin"}, true);
     auto* files = dialog->findChild<QFileListWidget*>(QStringLiteral("fileList"));
