@@ -1,0 +1,179 @@
+// What alice's data control reports about objects while bob works on the same depot.
+#include <depothostfixture.h>
+
+#include <kel4/revisionstatus.h>
+
+#include <algorithm>
+#include <functional>
+
+using namespace kel4;
+
+namespace {
+
+class OtherUserStatus;
+
+struct OtherUserCase
+{
+    const char* name;
+    std::function<void(OtherUserStatus&, const std::vector<std::string>& bobFiles)> bobDoes;
+    unsigned expectedWord;
+    List<std::string> expectedUsers;
+    bool canCheckOut;
+};
+
+class OtherUserStatus : public DepotHostFixture, public ::testing::WithParamInterface<OtherUserCase>
+{
+public:
+    void Edit(const std::vector<std::string>& files) { BobExpects(Bob().edit(BobTicket(), files, "")); }
+    void Lock(const std::vector<std::string>& files) { BobExpects(Bob().lock(BobTicket(), files)); }
+    void Delete(const std::vector<std::string>& files) { BobExpects(Bob().remove(BobTicket(), files, "")); }
+    void SubmitDefault()
+    {
+        hbrc::depot::ChangelistId submitted;
+        BobExpects(Bob().submit(BobTicket(), "", "bob's change", submitted));
+    }
+};
+
+TEST_P(OtherUserStatus, AliceSeesBobsWorkWithHisName)
+{
+    const OtherUserCase& row = GetParam();
+    row.bobDoes(*this, BobFilesOf("Rock"));
+
+    EXPECT_EQ(StatusOf("Rock"), row.expectedWord);
+    EXPECT_EQ(StatusOf("Sky"), 0u) << "an asset bob did not touch";
+
+    List<std::string> users;
+    ASSERT_EQ(DataControl()->GetUsersOfObject(Asset("Rock"), kPersistence, users).GetCode(), 0);
+    EXPECT_EQ(users, row.expectedUsers);
+
+    bool canCheckOut = !row.canCheckOut;
+    ASSERT_EQ(DataControl()->CanCheckOut(Asset("Rock"), true, kPersistence, canCheckOut).GetCode(), 0);
+    EXPECT_EQ(canCheckOut, row.canCheckOut);
+    EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence)) << "alice's copy is still read-only";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , OtherUserStatus,
+    ::testing::Values(
+        OtherUserCase{"Untouched", [](OtherUserStatus&, const auto&) {}, 0u, {}, true},
+        OtherUserCase{"BobEdits", [](OtherUserStatus& bob, const auto& files) { bob.Edit(files); },
+                      eStatusCheckedOutByOthers, {"bob"}, false},
+        OtherUserCase{"BobLocks", [](OtherUserStatus& bob, const auto& files) {
+                          bob.Edit(files);
+                          bob.Lock(files);
+                      },
+                      eStatusCheckedOutByOthers | eStatusLockedByOthers, {"bob"}, false},
+        OtherUserCase{"BobDeletes", [](OtherUserStatus& bob, const auto& files) { bob.Delete(files); },
+                      eStatusMarkedForDeleteByOthers, {"bob"}, false},
+        OtherUserCase{"BobSubmitsAnEdit", [](OtherUserStatus& bob, const auto& files) {
+                          bob.Edit(files);
+                          bob.SubmitDefault();
+                      },
+                      eStatusNotHeadRevision, {}, false}),
+    [](const ::testing::TestParamInfo<OtherUserCase>& info) { return std::string(info.param.name); });
+
+using ObjectStatus = DepotHostFixture;
+
+TEST_F(ObjectStatus, ObjectWordIsTheUnionOfItsFilesWords)
+{
+    // Bob holds only the external file; alice checks out only the .kel file.
+    const std::vector<std::string> bobFiles = BobFilesOf("Rock");
+    const auto external = std::find_if(bobFiles.begin(), bobFiles.end(),
+                                       [](const std::string& f) { return f.find(".bin") != std::string::npos; });
+    ASSERT_NE(external, bobFiles.end());
+    BobExpects(Bob().edit(BobTicket(), {*external}, ""));
+    std::string error;
+    ASSERT_EQ(DataControl()->CheckOut({Asset("Rock")}, false, kPersistence, "", error).GetCode(), 0) << error;
+
+    List<unsigned> statuses;
+    ASSERT_EQ(DataControl()->GetStatus({Asset("Rock"), Asset("Sky")}, true, kPersistence, true, statuses, error)
+                  .GetCode(),
+              0);
+    EXPECT_EQ(statuses, (List<unsigned>{eStatusCheckedOut | eStatusCheckedOutByOthers, 0u}));
+    ASSERT_EQ(DataControl()->GetStatus({Asset("Rock")}, false, kPersistence, true, statuses, error).GetCode(), 0);
+    EXPECT_EQ(statuses, List<unsigned>{eStatusCheckedOut}) << "without external files only the .kel file counts";
+}
+
+TEST_F(ObjectStatus, NewAssetIsNotInTheDepotUntilMarkedForAdd)
+{
+    const auto lamp = CreateSavedAsset("Lamp", "lamp.bin");
+    EXPECT_EQ(StatusOf("Lamp"), eStatusNotInDatabase);
+    EXPECT_FALSE(DataControl()->NeedsAction(lamp, true, kPersistence)) << "a new asset is editable as it is";
+    bool canCheckOut = true;
+    ASSERT_EQ(DataControl()->CanCheckOut(lamp, true, kPersistence, canCheckOut).GetCode(), 0);
+    EXPECT_FALSE(canCheckOut);
+
+    std::string error;
+    ASSERT_EQ(DataControl()->MarkForAdd({lamp}, true, kPersistence, "", error).GetCode(), 0) << error;
+    EXPECT_EQ(StatusOf("Lamp"), eStatusMarkedForAdd);
+}
+
+TEST_F(ObjectStatus, MarkForAddAddsOnlyTheFilesTheDepotLacks)
+{
+    // Rock is in the depot; after a check-out it gains a new external file.
+    std::string error;
+    ASSERT_EQ(DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error).GetCode(), 0) << error;
+    ASSERT_TRUE(workspace->AddExternalFile(Asset("Rock"), "moss.bin", "moss"));
+    workspace->Save();
+    EXPECT_EQ(StatusOf("Rock"), eStatusCheckedOut | eStatusNotInDatabase);
+
+    ASSERT_EQ(DataControl()->MarkForAdd({Asset("Rock")}, true, kPersistence, "", error).GetCode(), 0) << error;
+    EXPECT_EQ(StatusOf("Rock"), eStatusCheckedOut | eStatusMarkedForAdd);
+}
+
+TEST_F(ObjectStatus, EmptyQuestionIsAnsweredWithoutTheDepot)
+{
+    const auto before = services.connection->RoundTrips();
+    List<unsigned> statuses{7u};
+    std::string error;
+    EXPECT_EQ(DataControl()->GetStatus({}, true, kPersistence, true, statuses, error).GetCode(), kResultEmptyQuery);
+    EXPECT_EQ(statuses, List<unsigned>{7u}) << "left untouched";
+    EXPECT_EQ(services.connection->RoundTrips(), before);
+}
+
+TEST_F(ObjectStatus, ThousandObjectStatusQuestionIsOneRoundTrip)
+{
+    ObjectList objects;
+    for (int i = 0; i < 1000; ++i) {
+        hbrc::host::NewAsset asset;
+        asset.name = "Pebble" + std::to_string(i);
+        std::string error;
+        objects.emplace_back(workspace->CreateAsset(asset, error));
+    }
+
+    const auto before = services.connection->RoundTrips();
+    List<unsigned> statuses;
+    std::string error;
+    ASSERT_EQ(DataControl()->GetStatus(objects, true, kPersistence, true, statuses, error).GetCode(), 0) << error;
+    EXPECT_EQ(services.connection->RoundTrips() - before, 1u);
+    ASSERT_EQ(statuses.size(), 1000u);
+    EXPECT_EQ(std::count(statuses.begin(), statuses.end(), eStatusNotInDatabase), 1000);
+
+    // The per-object questions that follow answer from what that question brought.
+    for (const auto& object : objects)
+        EXPECT_FALSE(DataControl()->NeedsAction(object, true, kPersistence));
+    EXPECT_EQ(services.connection->RoundTrips() - before, 1u);
+}
+
+TEST_F(ObjectStatus, PerObjectQuestionsShareOneRoundTripUntilAChange)
+{
+    const ObjectList assets{Asset("Rock"), Asset("Tree"), Asset("Sky")};
+    std::string error;
+    ASSERT_EQ(DataControl()->CheckOut({Asset("Sky")}, true, kPersistence, "", error).GetCode(), 0) << error;
+
+    auto before = services.connection->RoundTrips();
+    std::vector<bool> needsAction;
+    for (const auto& asset : assets)
+        needsAction.push_back(DataControl()->NeedsAction(asset, true, kPersistence));
+    EXPECT_EQ(needsAction, (std::vector<bool>{true, true, false}));
+    EXPECT_EQ(services.connection->RoundTrips() - before, 1u) << "one status query for the whole workspace";
+
+    // A change through the services makes the next question ask the depot again.
+    ASSERT_EQ(DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error).GetCode(), 0) << error;
+    before = services.connection->RoundTrips();
+    EXPECT_FALSE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
+    EXPECT_TRUE(DataControl()->NeedsAction(Asset("Tree"), true, kPersistence));
+    EXPECT_EQ(services.connection->RoundTrips() - before, 1u);
+}
+
+}  // namespace

@@ -1,0 +1,209 @@
+// Log-in, sessions, an unreachable depot and injected faults: the codes and texts the plug-in
+// acts on (-34 starts its re-connection; "Invalid password" its password dialog).
+#include <depothostfixture.h>
+
+#include <hbrcdatamodel/workspace.h>
+
+#include <kel4/revisionstatus.h>
+
+#include <QDir>
+
+#include <functional>
+
+using namespace kel4;
+
+namespace {
+
+using SessionsAndFaults = DepotHostFixture;
+
+struct LoginCase
+{
+    const char* name;
+    const char* user;
+    const char* password;
+    const char* workspace;
+    bool useMissingServer;
+    const char* errorPart;
+};
+
+class LoginFailures : public DepotHostFixture, public ::testing::WithParamInterface<LoginCase>
+{
+};
+
+TEST_P(LoginFailures, GiveNoSessionAndSayWhy)
+{
+    const LoginCase& row = GetParam();
+    const std::string server = row.useMissingServer ? DepotPath() + ".missing" : DepotPath();
+    std::string error;
+    const KELPtr<IUserParameters> session =
+        FileVersionControl()->Login(row.user, row.password, row.workspace, server, error);
+    EXPECT_TRUE(session.IsNull());
+    EXPECT_NE(error.find(row.errorPart), std::string::npos) << error;
+    EXPECT_EQ(StatusOf("Rock"), 0u) << "alice's installed session still works, on the same depot";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , LoginFailures,
+    ::testing::Values(LoginCase{"WrongPassword", "alice", "guess", "alice-ws", false, "Invalid password"},
+                      LoginCase{"MissingPassword", "alice", "", "alice-ws", false, "Invalid password"},
+                      LoginCase{"UnknownUser", "carol", "x", "alice-ws", false, "carol does not exist"},
+                      LoginCase{"SomeoneElsesWorkspace", "alice", "alice-pw", "bob-ws", false, "belongs to user bob"},
+                      LoginCase{"UnreachableDepot", "alice", "alice-pw", "alice-ws", true, "Cannot reach the depot"}),
+    [](const ::testing::TestParamInfo<LoginCase>& info) { return std::string(info.param.name); });
+
+// Every operation that needs the depot, as the plug-in calls them; each answers a result code.
+struct DepotOperation
+{
+    const char* name;
+    std::function<kelResult(SessionsAndFaults&)> run;
+};
+
+const DepotOperation kOperations[] = {
+    {"status", [](SessionsAndFaults& f) {
+         List<unsigned> statuses;
+         std::string error;
+         return f.DataControl()->GetStatus({f.Asset("Rock")}, true, kel4::closureId::Persistence, true, statuses, error);
+     }},
+    {"check-out", [](SessionsAndFaults& f) {
+         std::string error;
+         return f.DataControl()->CheckOut({f.Asset("Rock")}, true, kel4::closureId::Persistence, "", error);
+     }},
+    {"users", [](SessionsAndFaults& f) {
+         List<std::string> users;
+         return f.DataControl()->GetUsersOfObject(f.Asset("Rock"), kel4::closureId::Persistence, users);
+     }},
+    {"changelists", [](SessionsAndFaults& f) {
+         List<std::string> changelists;
+         std::string error;
+         return f.DataControl()->GetPendingChangeLists(changelists, error);
+     }},
+    {"revert", [](SessionsAndFaults& f) {
+         std::string error;
+         return f.FileVersionControl()->Revert(f.AliceSession(), {f.AlicePath("rock.bin")}, error, 0, 0);
+     }},
+    {"mark-for-delete", [](SessionsAndFaults& f) {
+         std::string error;
+         return f.FileVersionControl()->MarkForDeleteInChangelist(f.AliceSession(), {f.AlicePath("rock.bin")}, "",
+                                                                  error);
+     }},
+};
+
+TEST_F(SessionsAndFaults, ExpiredSessionMakesEveryOperationUnusableUntilALogIn)
+{
+    ASSERT_EQ(services.ExpireSessionNow().GetCode(), 0);
+    for (const DepotOperation& operation : kOperations)
+        EXPECT_EQ(operation.run(*this).GetCode(), kResultSessionUnusable) << operation.name;
+    EXPECT_FALSE(DataControl()->ChangeListExists(""));
+    std::vector<hbrc::depot::FileStatus> bobSees;
+    BobExpects(Bob().status(BobTicket(), BobFilesOf("Rock"), bobSees));
+    for (const auto& status : bobSees)
+        EXPECT_EQ(status.word, 0u) << "the refused check-out opened nothing";
+
+    // What the plug-in's re-connection does: log in again and install the session.
+    std::string error;
+    const KELPtr<IUserParameters> session = FileVersionControl()->Login("alice", "alice-pw", "alice-ws", DepotPath(), error);
+    ASSERT_FALSE(session.IsNull()) << error;
+    EXPECT_TRUE(session->HasSession());
+    DataControl()->SetSession(session);
+    for (const DepotOperation& operation : kOperations)
+        EXPECT_GE(operation.run(*this).GetCode(), 0) << operation.name;
+}
+
+TEST_F(SessionsAndFaults, WithoutASessionOperationsAreUnusableWithoutAsking)
+{
+    DataControl()->SetUserParameters({});
+    const auto before = services.connection->RoundTrips();
+    for (const DepotOperation& operation : kOperations)
+        EXPECT_EQ(operation.run(*this).GetCode(), kResultSessionUnusable) << operation.name;
+    EXPECT_EQ(services.connection->RoundTrips(), before);
+
+    // An account without a session, as the host describes it before logging in.
+    std::string error;
+    const KELPtr<IUserParameters> account =
+        FileVersionControl()->CreateUserParameters("alice", "", DepotPath(), "alice-ws", error);
+    ASSERT_FALSE(account.IsNull()) << error;
+    EXPECT_FALSE(account->HasSession());
+    EXPECT_EQ(account->GetServer(), DepotPath());
+    DataControl()->SetUserParameters(account);
+    EXPECT_EQ(DataControl()->GetUserParameters(), account);
+    EXPECT_EQ(kOperations[0].run(*this).GetCode(), kResultSessionUnusable);
+    EXPECT_TRUE(FileVersionControl()->CreateUserParameters("alice", "", DepotPath() + ".missing", "alice-ws", error)
+                    .IsNull());
+    EXPECT_NE(error.find("Cannot reach the depot"), std::string::npos) << error;
+}
+
+TEST_F(SessionsAndFaults, ServicesOnAnUnreachableDepotAnswerUnusable)
+{
+    std::string error;
+    auto unreachable = hbrc::host::InstallRevisionControlServices(
+        *workspace, DepotPath() + ".missing", {"alice", "alice-pw", "alice-ws"}, error, ConnectionOptionsForAlice());
+    EXPECT_NE(error.find("Cannot reach the depot"), std::string::npos) << error;
+    for (const DepotOperation& operation : kOperations)
+        EXPECT_EQ(operation.run(*this).GetCode(), kResultSessionUnusable) << operation.name;
+
+    // Logging in to the right depot moves the services there.
+    const KELPtr<IUserParameters> session = FileVersionControl()->Login("alice", "alice-pw", "alice-ws", DepotPath(), error);
+    ASSERT_FALSE(session.IsNull()) << error;
+    DataControl()->SetSession(session);
+    EXPECT_EQ(unreachable.connection->Server(), DepotPath());
+    EXPECT_EQ(StatusOf("Rock"), 0u);
+}
+
+struct ForcedFailureCase
+{
+    const char* name;
+    std::function<void(hbrc::depot::FaultInjector&)> inject;
+    int firstCode;
+    int secondCode;  // the same call once more
+};
+
+class ForcedFailures : public DepotHostFixture, public ::testing::WithParamInterface<ForcedFailureCase>
+{
+};
+
+TEST_P(ForcedFailures, ReachTheCallerAsTheirCodes)
+{
+    const ForcedFailureCase& row = GetParam();
+    row.inject(services.connection->Faults());
+    List<unsigned> statuses;
+    std::string error;
+    const ObjectList rock{Asset("Rock")};
+    EXPECT_EQ(DataControl()->GetStatus(rock, true, kPersistence, true, statuses, error).GetCode(), row.firstCode);
+    EXPECT_EQ(DataControl()->GetStatus(rock, true, kPersistence, true, statuses, error).GetCode(), row.secondCode);
+    services.connection->Faults().clear();
+    EXPECT_EQ(DataControl()->GetStatus(rock, true, kPersistence, true, statuses, error).GetCode(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , ForcedFailures,
+    ::testing::Values(
+        ForcedFailureCase{"NextCallSessionUnusable",
+                          [](auto& faults) { faults.failNextCalls(1, hbrc::depot::code::SessionUnusable); },
+                          kResultSessionUnusable, 0},
+        ForcedFailureCase{"NextTwoCallsIoError",
+                          [](auto& faults) { faults.failNextCalls(2, hbrc::depot::code::IoError); }, kResultFailed,
+                          kResultFailed},
+        ForcedFailureCase{"StatusOperationUnusable",
+                          [](auto& faults) {
+                              faults.failOperation(hbrc::depot::Operation::Status, hbrc::depot::code::SessionUnusable);
+                          },
+                          kResultSessionUnusable, kResultSessionUnusable},
+        ForcedFailureCase{"OtherOperationLeavesStatusAlone",
+                          [](auto& faults) {
+                              faults.failOperation(hbrc::depot::Operation::Edit, hbrc::depot::code::IoError);
+                          },
+                          0, 0}),
+    [](const ::testing::TestParamInfo<ForcedFailureCase>& info) { return std::string(info.param.name); });
+
+TEST_F(SessionsAndFaults, FailedCheckOutLeavesNothingOpen)
+{
+    services.connection->Faults().failOperation(hbrc::depot::Operation::Edit, hbrc::depot::code::IoError, "disk on fire");
+    std::string error;
+    EXPECT_EQ(DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error).GetCode(), kResultFailed);
+    EXPECT_EQ(error, "disk on fire");
+    services.connection->Faults().clear();
+    EXPECT_EQ(StatusOf("Rock"), 0u);
+    EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
+}
+
+}  // namespace

@@ -1,0 +1,211 @@
+#pragma once
+
+// A full reference host on an embedded depot, for scenario tests that link hbrc_services and
+// hbrc_hostsession. Header-only so that the shared test support does not depend on the host.
+//
+// SetUp stands up, in a temporary directory:
+// - a depot (depot.db) with the users alice ("alice-pw", workspace "alice-ws") and bob ("bob-pw",
+//   "bob-ws"), each workspace rooted in a folder of its own ("alice", "bob");
+// - alice's host: a HostSession (preferences.ini, with alice's account in the "RevControl."
+//   preferences) over the alice folder, with both revision-control services installed in the
+//   workspace's database instance and alice logged in;
+// - the assets "Rock" (external file rock.bin), "Tree" (tree.bin) and "Sky" (no external file),
+//   saved, added and submitted by alice (change 1), so read-only in her folder, and synced by bob;
+// - bob as a second user acting through a depot connection of his own (Bob(), BobTicket()).
+//
+// Derived fixtures may override ConnectionOptionsForAlice (e.g. a time-out threshold) and load
+// the plug-in into `host` in their own SetUp after calling this one.
+
+#include <hbrcservices/revisioncontrolservices.h>
+#include <hbrcsession/hostsession.h>
+
+#include <depot/depot.h>
+
+#include <kel4/idatacontrol.h>
+#include <kel4/ifileversioncontrol.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+class DepotHostFixture : public ::testing::Test
+{
+public:  // table-driven tests' rows act on the fixture from outside
+    using ObjectList = kel4::IDataControl::ObjectList;
+
+    static constexpr const char* kAliceWorkspace = "alice-ws";
+    static constexpr const char* kBobWorkspace = "bob-ws";
+    static constexpr kel4::closureId kPersistence = kel4::closureId::Persistence;
+
+    virtual hbrc::host::ConnectionOptions ConnectionOptionsForAlice() const
+    {
+        hbrc::host::ConnectionOptions options;
+        options.depot.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+        // Long enough that no test sees the cache go stale by itself.
+        options.statusLifetime = std::chrono::minutes(10);
+        return options;
+    }
+
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        m_depotPath = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
+        ASSERT_TRUE(QDir(m_dir.path()).mkpath(QStringLiteral("alice")) && QDir(m_dir.path()).mkpath(QStringLiteral("bob")));
+        CreateDepot();
+        OpenAliceHost();
+        SeedAssets();
+        ASSERT_TRUE(Bob().login("bob", "bob-pw", kBobWorkspace, m_bobTicket).ok());
+        ASSERT_TRUE(Bob().sync(m_bobTicket, {}).ok());
+    }
+
+    void TearDown() override
+    {
+        services = {};
+        host.reset();
+        m_bob.reset();
+    }
+
+    // --- places ---------------------------------------------------------------------------------
+    const std::string& DepotPath() const { return m_depotPath; }
+    QString AliceFolder() const { return CanonicalFolder(QStringLiteral("alice")); }
+    QString BobFolder() const { return CanonicalFolder(QStringLiteral("bob")); }
+    // Absolute paths as the data model names files (file-name encoding).
+    std::string AlicePath(const std::string& relative) const { return PathIn(AliceFolder(), relative); }
+    std::string BobPath(const std::string& relative) const { return PathIn(BobFolder(), relative); }
+
+    // --- alice's host -----------------------------------------------------------------------------
+    // The data control as the plug-in finds it: through the database instance's service registry.
+    KELPtr<kel4::IDataControl> DataControl() const
+    {
+        return KELPtr<kel4::IDataControl>(workspace->Model().Instance().GetService(kel4::UID_DataControl()));
+    }
+    KELPtr<kel4::IFileVersionControl> FileVersionControl() const
+    {
+        return KELPtr<kel4::IFileVersionControl>(
+            workspace->Model().Instance().GetService(kel4::UID_FileVersionControl()));
+    }
+    const kel4::IUserParameters* AliceSession() const { return DataControl()->GetUserParameters().Get(); }
+    KELHandle<kel4::IDbObject> Asset(const std::string& name) const
+    {
+        const KELHandle<kel4::IDbObject> asset(workspace->FindAsset(name));
+        if (asset.IsNull())
+            throw std::runtime_error("no asset " + name);
+        return asset;
+    }
+    // The object's status word, asked of the depot now.
+    unsigned StatusOf(const std::string& assetName) const
+    {
+        kel4::List<unsigned> statuses;
+        std::string error;
+        const kelResult result =
+            DataControl()->GetStatus({Asset(assetName)}, true, kPersistence, true, statuses, error);
+        EXPECT_EQ(result.GetCode(), 0) << error;
+        return statuses.empty() ? 0xffffffffu : statuses.front();
+    }
+    // Creates and saves an asset in alice's workspace, optionally with an external file.
+    KELHandle<kel4::IDbObject> CreateSavedAsset(const std::string& name, const std::string& externalFile = {})
+    {
+        hbrc::host::NewAsset asset;
+        asset.name = name;
+        std::string error;
+        const KELHandle<kel4::IDbObject> created(workspace->CreateAsset(asset, error));
+        if (created.IsNull())
+            throw std::runtime_error(error);
+        if (!externalFile.empty() && !workspace->AddExternalFile(created, externalFile, "binary " + QByteArray::fromStdString(name)))
+            throw std::runtime_error("cannot add " + externalFile);
+        workspace->Save();
+        return created;
+    }
+    // Submits alice's default changelist through her session.
+    void AliceSubmits(const std::string& description)
+    {
+        std::string error;
+        const kelResult result = services.connection->Run(
+            AliceSession(),
+            [&](hbrc::depot::Depot& depot, const std::string& ticket, const hbrc::depot::CancelCheck&) {
+                hbrc::depot::ChangelistId submitted;
+                return depot.submit(ticket, "", description, submitted);
+            },
+            error);
+        ASSERT_EQ(result.GetCode(), 0) << error;
+    }
+
+    // --- bob --------------------------------------------------------------------------------------
+    // The files of one of alice's assets (external files included), as they lie in bob's folder.
+    std::vector<std::string> BobFilesOf(const std::string& assetName) const
+    {
+        kel4::Set<std::string> files;
+        DataControl()->GetFiles(Asset(assetName), true, kPersistence, "", files);
+        const std::string alicePrefix = AlicePath("");
+        std::vector<std::string> bobFiles;
+        for (const std::string& file : files)
+            bobFiles.push_back(BobPath(file.substr(alicePrefix.size())));
+        return bobFiles;
+    }
+    hbrc::depot::Depot& Bob() { return *m_bob; }
+    const std::string& BobTicket() const { return m_bobTicket; }
+    void BobExpects(const hbrc::depot::Result& result) const { ASSERT_TRUE(result.ok()) << result.error; }
+
+    std::unique_ptr<hbrc::host::HostSession> host;
+    hbrc::host::Workspace* workspace = nullptr;
+    hbrc::host::RevisionControlServices services;
+
+private:
+    QString CanonicalFolder(const QString& name) const { return QDir(m_dir.filePath(name)).canonicalPath(); }
+    static std::string PathIn(const QString& folder, const std::string& relative)
+    {
+        return QFile::encodeName(folder).toStdString() + '/' + relative;
+    }
+
+    void CreateDepot()
+    {
+        using hbrc::depot::Depot;
+        ASSERT_TRUE(Depot::create(m_depotPath).ok());
+        hbrc::depot::DepotOptions options;
+        options.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+        m_bob = std::make_unique<Depot>(m_depotPath, options);
+        BobExpects(m_bob->addUser("alice", "alice-pw"));
+        BobExpects(m_bob->addUser("bob", "bob-pw"));
+        BobExpects(m_bob->addWorkspace(kAliceWorkspace, "alice", QFile::encodeName(AliceFolder()).toStdString()));
+        BobExpects(m_bob->addWorkspace(kBobWorkspace, "bob", QFile::encodeName(BobFolder()).toStdString()));
+    }
+
+    void OpenAliceHost()
+    {
+        host = std::make_unique<hbrc::host::HostSession>(m_dir.filePath(QStringLiteral("preferences.ini")));
+        host->Preferences().SetStringPref("RevControl.UserName", "alice", 1);
+        host->Preferences().SetStringPref("RevControl.Workspace", kAliceWorkspace, 1);
+        host->Preferences().SetStringPref("RevControl.Server", m_depotPath, 1);
+        host->AddWorkspaceSetup([this](hbrc::host::Workspace& opened) {
+            std::string error;
+            services = hbrc::host::InstallRevisionControlServices(
+                opened, m_depotPath, {"alice", "alice-pw", kAliceWorkspace}, error, ConnectionOptionsForAlice());
+            if (!error.empty())
+                throw std::runtime_error(error);
+        });
+        std::string error;
+        workspace = host->OpenWorkspace(AliceFolder(), error);
+        ASSERT_NE(workspace, nullptr) << error;
+    }
+
+    void SeedAssets()
+    {
+        const ObjectList assets{CreateSavedAsset("Rock", "rock.bin"), CreateSavedAsset("Tree", "tree.bin"),
+                                CreateSavedAsset("Sky")};
+        std::string error;
+        ASSERT_EQ(DataControl()->MarkForAdd(assets, true, kPersistence, "", error).GetCode(), 0) << error;
+        AliceSubmits("seed assets");
+    }
+
+    QTemporaryDir m_dir;
+    std::string m_depotPath;
+    std::unique_ptr<hbrc::depot::Depot> m_bob;
+    std::string m_bobTicket;
+};
