@@ -1,0 +1,192 @@
+// Cost of the services' list questions against the embedded depot: the status of 10,000 files in
+// one call, and a 1,000-object status question asked as one list or object by object. Reports
+// round trips per question and, in a summary line, the ratios measured side by side in this run.
+#include <hbrcservices/revisioncontrolservices.h>
+
+#include <hbrcdatamodel/workspace.h>
+
+#include <benchmark/benchmark.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
+
+using namespace hbrc::host;
+
+namespace {
+
+constexpr kel4::closureId kPersistence = kel4::closureId::Persistence;
+
+// A depot with one user and a workspace of 1,000 unsaved assets, with the services logged in.
+class Scene
+{
+public:
+    static Scene& Get()
+    {
+        static Scene scene;
+        return scene;
+    }
+
+    DataControl& Data() { return *m_services.dataControl; }
+    FileVersionControl& Files() { return *m_services.fileVersionControl; }
+    DepotConnection& Connection() { return *m_services.connection; }
+    const kel4::IDataControl::ObjectList& Objects() const { return m_objects; }
+    kel4::List<std::string> FileNames(int count) const
+    {
+        kel4::List<std::string> files;
+        for (int i = 0; i < count; ++i)
+            files.push_back(m_root + "/files/f" + std::to_string(i) + ".kel");
+        return files;
+    }
+
+private:
+    Scene()
+    {
+        QDir(m_dir.path()).mkpath(QStringLiteral("ws"));
+        m_root = QFile::encodeName(QDir(m_dir.filePath(QStringLiteral("ws"))).canonicalPath()).toStdString();
+        const std::string depotPath = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
+        hbrc::depot::DepotOptions options;
+        options.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+        hbrc::depot::Depot admin(depotPath, options);
+        if (!hbrc::depot::Depot::create(depotPath).ok() || !admin.addUser("bench", "pw").ok() ||
+            !admin.addWorkspace("bench-ws", "bench", m_root).ok())
+            throw std::runtime_error("cannot set up the depot");
+        std::string error;
+        m_workspace = Workspace::Open(QString::fromStdString(m_root), error);
+        if (!m_workspace)
+            throw std::runtime_error(error);
+        ConnectionOptions connection;
+        connection.depot = options;
+        m_services = InstallRevisionControlServices(*m_workspace, depotPath, {"bench", "pw", "bench-ws"}, error,
+                                                    connection);
+        if (!error.empty())
+            throw std::runtime_error(error);
+        for (int i = 0; i < 1000; ++i) {
+            NewAsset asset;
+            asset.name = "Asset" + std::to_string(i);
+            m_objects.emplace_back(m_workspace->CreateAsset(asset, error));
+        }
+    }
+
+    QTemporaryDir m_dir;
+    std::string m_root;
+    std::unique_ptr<Workspace> m_workspace;
+    RevisionControlServices m_services;
+    kel4::IDataControl::ObjectList m_objects;
+};
+
+void ReportRoundTrips(benchmark::State& state, std::uint64_t before)
+{
+    state.counters["round_trips_per_question"] = benchmark::Counter(
+        double(Scene::Get().Connection().RoundTrips() - before) / double(state.iterations()));
+}
+
+void BM_FileStatus(benchmark::State& state)
+{
+    Scene& scene = Scene::Get();
+    const kel4::List<std::string> files = scene.FileNames(int(state.range(0)));
+    const auto before = scene.Connection().RoundTrips();
+    for (auto _ : state) {
+        kel4::List<unsigned> statuses;
+        kel4::List<std::string> changelists;
+        std::string error;
+        if (scene.Files().GetStatus(scene.Data().GetUserParameters().Get(), files, statuses, changelists, error, 0)
+                .IsFailure())
+            state.SkipWithError(error.c_str());
+        benchmark::DoNotOptimize(statuses);
+    }
+    ReportRoundTrips(state, before);
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_FileStatus)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+// The 1,000-object status question as the plug-in asks it: one list.
+void BM_ObjectStatusAsOneList(benchmark::State& state)
+{
+    Scene& scene = Scene::Get();
+    const auto before = scene.Connection().RoundTrips();
+    for (auto _ : state) {
+        kel4::List<unsigned> statuses;
+        std::string error;
+        scene.Data().GetStatus(scene.Objects(), true, kPersistence, true, statuses, error);
+        benchmark::DoNotOptimize(statuses);
+    }
+    ReportRoundTrips(state, before);
+}
+BENCHMARK(BM_ObjectStatusAsOneList)->Unit(benchmark::kMillisecond);
+
+// The same question object by object, as a caller without list questions would ask it.
+void BM_ObjectStatusOneByOne(benchmark::State& state)
+{
+    Scene& scene = Scene::Get();
+    const auto before = scene.Connection().RoundTrips();
+    for (auto _ : state) {
+        for (const auto& object : scene.Objects()) {
+            kel4::List<unsigned> statuses;
+            std::string error;
+            scene.Data().GetStatus({object}, true, kPersistence, true, statuses, error);
+            benchmark::DoNotOptimize(statuses);
+        }
+    }
+    ReportRoundTrips(state, before);
+}
+BENCHMARK(BM_ObjectStatusOneByOne)->Unit(benchmark::kMillisecond);
+
+// Per-object needs-action questions over the 1,000 objects after a change emptied the cache.
+void BM_NeedsActionSeries(benchmark::State& state)
+{
+    Scene& scene = Scene::Get();
+    const auto before = scene.Connection().RoundTrips();
+    for (auto _ : state) {
+        scene.Connection().Cache().Invalidate();
+        for (const auto& object : scene.Objects())
+            benchmark::DoNotOptimize(scene.Data().NeedsAction(object, true, kPersistence));
+    }
+    ReportRoundTrips(state, before);
+}
+BENCHMARK(BM_NeedsActionSeries)->Unit(benchmark::kMillisecond);
+
+template <class F>
+double Seconds(F&& run)
+{
+    const auto start = std::chrono::steady_clock::now();
+    run();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Measured side by side in this run: a list question against the same question object by object.
+void PrintSummary()
+{
+    Scene& scene = Scene::Get();
+    const auto before = scene.Connection().RoundTrips();
+    kel4::List<unsigned> statuses;
+    std::string error;
+    const double asList =
+        Seconds([&] { scene.Data().GetStatus(scene.Objects(), true, kPersistence, true, statuses, error); });
+    const auto listTrips = scene.Connection().RoundTrips() - before;
+    const double oneByOne = Seconds([&] {
+        for (const auto& object : scene.Objects())
+            scene.Data().GetStatus({object}, true, kPersistence, true, statuses, error);
+    });
+    std::printf("summary: 1,000-object status question: %llu round trip(s) as one list, %llu object by object; "
+                "object by object takes %.1fx the time of one list\n",
+                static_cast<unsigned long long>(listTrips),
+                static_cast<unsigned long long>(scene.Connection().RoundTrips() - before - listTrips),
+                oneByOne / asList);
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    PrintSummary();
+    benchmark::Shutdown();
+    return 0;
+}
