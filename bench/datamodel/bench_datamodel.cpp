@@ -14,7 +14,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "../support/ratioreporter.h"
+#include <ratioreporter.h>
 
 #include <cstdio>
 #include <map>

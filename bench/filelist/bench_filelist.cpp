@@ -11,6 +11,8 @@
 #include <QTemporaryDir>
 #include <QTreeView>
 
+#include <ratioreporter.h>
+
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -64,6 +66,10 @@ private:
 
 void BM_FileListWidget(benchmark::State& state)
 {
+    if (benchFiles().size() != 10000) {
+        state.SkipWithError("could not create the benchmark files");
+        return;
+    }
     const QStringList files = benchFiles().mid(0, int(state.range(0)));
     for (auto _ : state) {
         QFileListWidget list(files);
@@ -77,6 +83,10 @@ void BM_FileListWidget(benchmark::State& state)
 // the file list must (the second shows how much of the difference is file-system queries).
 void plainTreeView(benchmark::State& state, bool queryFiles)
 {
+    if (benchFiles().size() != 10000) {
+        state.SkipWithError("could not create the benchmark files");
+        return;
+    }
     const QStringList files = benchFiles().mid(0, int(state.range(0)));
     for (auto _ : state) {
         std::vector<bool> readOnly(size_t(files.size()), false);
@@ -107,50 +117,17 @@ BENCHMARK(BM_FileListWidget)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecon
 BENCHMARK(BM_PlainTreeView)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PlainTreeViewQueryingFiles)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 
-// Prints as usual and keeps each run's time per iteration for the closing ratio lines.
-class RatioReporter : public benchmark::ConsoleReporter
-{
-public:
-    void ReportRuns(const std::vector<Run>& runs) override
-    {
-        for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
-                m_times[run.benchmark_name()] = run.GetAdjustedRealTime();
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-
-    void Finalize() override
-    {
-        ConsoleReporter::Finalize();
-        for (const char* baseline : {"BM_PlainTreeView", "BM_PlainTreeViewQueryingFiles"}) {
-            for (const char* rows : {"1000", "10000"}) {
-                const double widget = m_times["BM_FileListWidget/" + std::string(rows)];
-                const double plain = m_times[baseline + ("/" + std::string(rows))];
-                if (widget > 0 && plain > 0)
-                    std::printf("ratio QFileListWidget / %s, %s files: %.2f\n", baseline, rows, widget / plain);
-            }
-        }
-    }
-
-private:
-    std::map<std::string, double> m_times;
-};
-
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchFiles().size() != 10000) {
-        std::fprintf(stderr, "could not create the benchmark files\n");
-        return 1;
+    std::vector<RatioReporter::Ratio> ratios;
+    for (const char* baseline : {"BM_PlainTreeView", "BM_PlainTreeViewQueryingFiles"}) {
+        for (const char* rows : {"1000", "10000"}) {
+            ratios.push_back({std::string("QFileListWidget / ") + baseline + ", " + rows + " files",
+                              std::string("BM_FileListWidget/") + rows, std::string(baseline) + "/" + rows});
+        }
     }
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-    return 0;
+    RatioReporter reporter(ratios);
+    return RunWidgetBenchmarks(argc, argv, reporter);
 }

@@ -16,6 +16,8 @@
 #include <QStyleOption>
 #include <QTreeView>
 
+#include <ratioreporter.h>
+
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -125,45 +127,15 @@ BENCHMARK(BM_CheckBoxClearedCache)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_TreePagesTarn)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_TreePagesFusion)->Unit(benchmark::kMillisecond);
 
-// Keeps each benchmark's CPU time per iteration for the summary: the painting is single-threaded,
-// and CPU time stays comparable while other processes share the machine.
-class RecordingReporter final : public benchmark::ConsoleReporter
-{
-public:
-    void ReportRuns(const std::vector<Run>& runs) override
-    {
-        for (const Run& run : runs)
-            m_seconds[run.benchmark_name()] = run.cpu_accumulated_time / double(run.iterations);
-        ConsoleReporter::ReportRuns(runs);
-    }
-
-    double ratio(const std::string& numerator, const std::string& denominator) const
-    {
-        const auto top = m_seconds.find(numerator);
-        const auto bottom = m_seconds.find(denominator);
-        if (top == m_seconds.end() || bottom == m_seconds.end() || bottom->second <= 0)
-            return 0;
-        return top->second / bottom->second;
-    }
-
-private:
-    std::map<std::string, double> m_seconds;
-};
-
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    RecordingReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-    std::printf("check box, cache cleared before each paint / warm cache: %.1fx\n",
-                reporter.ratio("BM_CheckBoxClearedCache", "BM_CheckBoxWarmCache"));
-    std::printf("10,000-row tree page by page, QtlomDarkStyleTarn / Fusion: %.2fx\n",
-                reporter.ratio("BM_TreePagesTarn", "BM_TreePagesFusion"));
-    return 0;
+    // CPU time: the painting is single-threaded and stays comparable on a shared machine.
+    RatioReporter reporter({{"check box, cache cleared before each paint / warm cache", "BM_CheckBoxClearedCache",
+                             "BM_CheckBoxWarmCache"},
+                            {"10,000-row tree page by page, QtlomDarkStyleTarn / Fusion", "BM_TreePagesTarn",
+                             "BM_TreePagesFusion"}},
+                           RatioReporter::Clock::Cpu);
+    return RunWidgetBenchmarks(argc, argv, reporter);
 }
