@@ -172,6 +172,16 @@ TEST_F(FileListTest, HeaderTextsAndStyleSheet)
                                                 "y1: 0.25 x2: 0.5, y2: 0.75, stop: 0 #444444, stop: 0.7 #555555 );}"));
 }
 
+TEST_F(FileListTest, FilesAreListedFlatInAscendingOrder)
+{
+    QFileListWidget list({QStringLiteral("/w/c.kel"), QStringLiteral("/w/a.kel"), QStringLiteral("/w/b.kel")});
+    EXPECT_FALSE(list.rootIsDecorated());
+    QStringList shown;
+    for (int row = 0; row < list.topLevelItemCount(); ++row)
+        shown << list.topLevelItem(row)->text(0);
+    EXPECT_EQ(shown, QStringList({"/w/a.kel", "/w/b.kel", "/w/c.kel"}));
+}
+
 TEST_F(FileListTest, TheReadOnlyBoxCannotBeToggled)
 {
     QFileListWidget list({writable});

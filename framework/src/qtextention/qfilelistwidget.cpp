@@ -44,6 +44,10 @@ QFileListWidget::QFileListWidget(const QStringList& files, QWidget* parent) : QT
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
+    // A flat list: no branch lines, files in ascending order until the user clicks a header
+    // (Qt's own default indicator would sort them descending).
+    setRootIsDecorated(false);
+    sortByColumn(PathColumn, Qt::AscendingOrder);
     // Every row is RowHeight high, so the view may skip measuring rows one by one.
     setUniformRowHeights(true);
 
