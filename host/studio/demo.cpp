@@ -1,21 +1,51 @@
 #include "demo.h"
 
+#include <depot/depot.h>
 #include <hbrchost/pluginloader.h>
+#include <hbrcservices/revisioncontrolservices.h>
 #include <hbrcsession/hostsession.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <kel4/irevisioncontroluihelper.h>
 
+#include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
+
+#include <stdexcept>
 
 namespace hbrc::studio {
 
 namespace {
 
+using kel4::IRevisionControlUIHelper;
+
+// A failed step of the demo: what went wrong, for the closing message.
+struct DemoError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+void expect(bool ok, const std::string& what)
+{
+    if (!ok)
+        throw DemoError(what);
+}
+
+void expectDepot(const depot::Result& result, const std::string& what)
+{
+    expect(result.ok(), what + ": " + result.error);
+}
+
+QString hex(unsigned word)
+{
+    return QStringLiteral("0x%1").arg(word, 0, 16);
+}
+
 void printList(QTextStream& out, const char* title, const std::vector<std::string>& names)
 {
-    out << title << ":\n";
+    out << title << ":";
     for (const std::string& name : names)
-        out << "  " << QString::fromStdString(name) << "\n";
+        out << " " << QString::fromStdString(name);
+    out << "\n";
 }
 
 void printSettings(QTextStream& out, IRevisionControlPropertiesMgr& settings)
@@ -42,38 +72,190 @@ void printSettings(QTextStream& out, IRevisionControlPropertiesMgr& settings)
         << "  RevControl.UseSourceDataControl = " << yesNo(useSource) << "\n";
 }
 
+// The embedded depot with alice and bob, each with a workspace folder of their own.
+class DemoDepot
+{
+public:
+    explicit DemoDepot(const QString& root)
+        : m_root(root), m_path(QFile::encodeName(root + QStringLiteral("/depot.db")).toStdString())
+    {
+        expect(QDir(root).mkpath(QStringLiteral("alice")) && QDir(root).mkpath(QStringLiteral("bob")),
+               "cannot create the workspace folders");
+        expectDepot(depot::Depot::create(m_path), "cannot create the depot");
+        depot::DepotOptions options;
+        options.passwordHashCost = depot::PasswordHashCost::Minimal;  // a throw-away depot
+        m_admin = std::make_unique<depot::Depot>(m_path, options);
+        expectDepot(m_admin->addUser("alice", "alice-pw"), "add alice");
+        expectDepot(m_admin->addUser("bob", "bob-pw"), "add bob");
+        expectDepot(m_admin->addWorkspace("alice-ws", "alice", FolderPath("alice")), "add alice-ws");
+        expectDepot(m_admin->addWorkspace("bob-ws", "bob", FolderPath("bob")), "add bob-ws");
+    }
+
+    const std::string& Path() const { return m_path; }
+    QString Folder(const char* name) const { return QDir(m_root + '/' + name).canonicalPath(); }
+    std::string FolderPath(const char* name) const { return QFile::encodeName(Folder(name)).toStdString(); }
+    // bob's own connection (another user, as from another machine).
+    depot::Depot& Bob() { return *m_admin; }
+
+private:
+    QString m_root;
+    std::string m_path;
+    std::unique_ptr<depot::Depot> m_admin;
+};
+
+class Demo
+{
+public:
+    explicit Demo(QTextStream& out) : m_out(out) {}
+
+    int Run()
+    {
+        QTemporaryDir scratch;
+        expect(scratch.isValid(), "cannot create a scratch folder");
+        step("An embedded depot with the users alice and bob in " + scratch.path());
+        DemoDepot depot(scratch.path());
+
+        host::HostSession host(scratch.filePath(QStringLiteral("preferences.ini")));
+        host::RevisionControlServices services;
+        host.AddWorkspaceSetup([&](host::Workspace& workspace) {
+            std::string error;
+            services = host::InstallRevisionControlServices(workspace, depot.Path(),
+                                                            {"alice", "alice-pw", "alice-ws"}, error);
+            expect(error.empty(), error);
+        });
+        StartPlugin(host);
+        // The account as the host's preferences keep it; the workspace setup logs alice in. (The
+        // settings' own setters would hand the data control a fresh account without a session.)
+        host.Preferences().SetStringPref("RevControl.UserName", "alice", 1);
+        host.Preferences().SetStringPref("RevControl.Workspace", "alice-ws", 1);
+        host.Preferences().SetStringPref("RevControl.Server", depot.Path(), 1);
+        host.Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
+        std::string error;
+        host::Workspace* workspace = host.OpenWorkspace(depot.Folder("alice"), error);
+        expect(workspace, error);
+        printSettings(m_out, *m_settings);
+        m_out << "Revision control enabled: " << (m_helper->IsRevisionControlEnabled() ? "yes" : "no") << "\n";
+
+        step("alice creates Rock (with rock.bin) and Sky, saves, marks them for add and submits");
+        const KELHandle<IDbObject> rock = CreateAsset(*workspace, "Rock", "rock.bin");
+        const KELHandle<IDbObject> sky = CreateAsset(*workspace, "Sky", {});
+        const host::SaveReport saved = workspace->Save();
+        expect(saved.Succeeded(), "the first save failed");
+        KELPtr<kel4::IDataControl> dataControl = services.dataControl;
+        expect(dataControl->MarkForAdd({rock, sky}, true, kel4::closureId::Persistence, "", error).IsSuccess(), error);
+        PrintStatus({rock, sky});
+        expect(services.connection
+                   ->Run(dataControl->GetUserParameters().Get(),
+                         [](depot::Depot& d, const std::string& ticket, const depot::CancelCheck&) {
+                             depot::ChangelistId submitted;
+                             return d.submit(ticket, "", "first assets", submitted);
+                         },
+                         error)
+                   .IsSuccess(),
+               error);
+        PrintStatus({rock, sky});
+        PrintFiles(rock);
+
+        step("bob syncs and opens Rock for edit in his own workspace");
+        std::string bobTicket;
+        expectDepot(depot.Bob().login("bob", "bob-pw", "bob-ws", bobTicket), "bob logs in");
+        expectDepot(depot.Bob().sync(bobTicket, {}), "bob syncs");
+        expectDepot(depot.Bob().edit(bobTicket, {depot.FolderPath("bob") + "/Rock.kel"}, ""), "bob edits");
+        PrintStatus({rock, sky});
+        kel4::List<std::string> users;
+        dataControl->GetUsersOfObject(rock, kel4::closureId::Persistence, users);
+        m_out << "  Rock is held by:";
+        for (const std::string& user : users)
+            m_out << " " << QString::fromStdString(user);
+        m_out << "\n";
+
+        step("alice checks Sky out into a new pending changelist");
+        std::string changelist;
+        expect(dataControl->CreateChangeList("sky colours", changelist, error).IsSuccess(), error);
+        expect(dataControl->CheckOut({sky}, true, kel4::closureId::Persistence, changelist, error).IsSuccess(), error);
+        m_out << "  pending changelist " << QString::fromStdString(changelist) << "\n";
+        PrintStatus({rock, sky});
+
+        step("alice's session expires");
+        services.ExpireSessionNow();
+        kel4::List<unsigned> statuses;
+        m_out << "  status question answers " << m_helper->GetObjectStatus({rock}, true, true, statuses).GetCode()
+              << " (session unusable); a batch run shows no password dialog\n";
+
+        step("done");
+        m_out << "Saved " << saved.writtenFiles.size() << " file(s) in the first save; the demo's folder is removed now.\n";
+        return 0;
+    }
+
+private:
+    void step(const QString& title) { m_out << "\n== " << title << "\n"; }
+
+    void StartPlugin(host::HostSession& host)
+    {
+        const std::string plugin = host::PluginLoader::DefaultPluginDirectory() + "/libhbrevisioncontrol.so";
+        std::string error;
+        expect(host.LoadPlugin(plugin, error), error);
+        m_out << "Loaded plug-in " << QString::fromStdString(plugin) << "\n";
+        nrk::IBase* helper = host.StartComponent("RevisionControlUIHelper");
+        m_helper = dynamic_cast<IRevisionControlUIHelper*>(helper);
+        m_settings = dynamic_cast<IRevisionControlPropertiesMgr*>(host.StartComponent("RevisionControlPropertiesMgr"));
+        expect(m_helper && m_settings, "the plug-in did not provide its helper and settings components");
+        m_out << "Started " << helper->GetClsName() << "\n";
+        printList(m_out, "Registered factories", host.System().GetFactoryNames());
+        printList(m_out, "Singletons", host.System().GetSingletonNames());
+    }
+
+    KELHandle<IDbObject> CreateAsset(host::Workspace& workspace, const std::string& name, const std::string& external)
+    {
+        host::NewAsset asset;
+        asset.name = name;
+        std::string error;
+        const KELHandle<IDbObject> created(workspace.CreateAsset(asset, error));
+        expect(!created.IsNull(), error);
+        if (!external.empty())
+            expect(bool(workspace.AddExternalFile(created, external, "bulk data of " + QByteArray::fromStdString(name))),
+                   "cannot add " + external);
+        return created;
+    }
+
+    void PrintStatus(const kel4::List<KELHandle<IDbObject>>& objects)
+    {
+        kel4::List<unsigned> statuses;
+        const kelResult result = m_helper->GetObjectStatus(objects, true, true, statuses);
+        auto status = statuses.begin();
+        for (const KELHandle<IDbObject>& object : objects) {
+            m_out << "  " << QString::fromStdString(object.GetName()) << ": status ";
+            m_out << (result.IsSuccess() && status != statuses.end() ? hex(*status++) : QStringLiteral("unknown"));
+            m_out << ", can check out: " << (m_helper->CanCheckOutObject(object, true) ? "yes" : "no")
+                  << ", can make writable: " << (m_helper->CanMakeObjectWritable(object, true) ? "yes" : "no") << "\n";
+        }
+    }
+
+    void PrintFiles(const KELHandle<IDbObject>& object)
+    {
+        QStringList files;
+        m_helper->GetObjectFiles(object, files);
+        m_out << "  files of " << QString::fromStdString(object.GetName()) << " (external file: "
+              << (m_helper->ObjectHasExternalFile(object) ? "yes" : "no") << "):\n";
+        for (const QString& file : files)
+            m_out << "    " << file << "\n";
+    }
+
+    QTextStream& m_out;
+    IRevisionControlUIHelper* m_helper = nullptr;
+    IRevisionControlPropertiesMgr* m_settings = nullptr;
+};
+
 }  // namespace
 
 int RunDemo(QTextStream& out)
 {
-    QTemporaryDir scratch;
-    if (!scratch.isValid()) {
-        out << "Cannot create a scratch folder: " << scratch.errorString() << "\n";
+    try {
+        return Demo(out).Run();
+    } catch (const std::exception& error) {
+        out << "The demo stopped: " << error.what() << "\n";
         return 1;
     }
-    host::HostSession host(scratch.filePath(QStringLiteral("preferences.ini")));
-
-    const std::string plugin = host::PluginLoader::DefaultPluginDirectory() + "/libhbrevisioncontrol.so";
-    std::string error;
-    if (!host.LoadPlugin(plugin, error)) {
-        out << QString::fromStdString(error) << "\n";
-        return 1;
-    }
-    out << "Loaded plug-in " << QString::fromStdString(plugin) << "\n";
-
-    auto* helperBase = host.StartComponent("RevisionControlUIHelper");
-    auto* helper = dynamic_cast<kel4::IRevisionControlUIHelper*>(helperBase);
-    auto* settings = dynamic_cast<IRevisionControlPropertiesMgr*>(host.StartComponent("RevisionControlPropertiesMgr"));
-    if (!helper || !settings) {
-        out << "The plug-in did not provide its helper and settings components\n";
-        return 1;
-    }
-    out << "Started " << helperBase->GetClsName() << "\n";
-    printList(out, "Registered factories", host.System().GetFactoryNames());
-    printList(out, "Singletons", host.System().GetSingletonNames());
-    printSettings(out, *settings);
-    out << "Revision control enabled: " << (helper->IsRevisionControlEnabled() ? "yes" : "no") << "\n";
-    return 0;
 }
 
 }  // namespace hbrc::studio
