@@ -1,4 +1,5 @@
-// Path helpers, table-driven: each row names the case it stands for.
+// Path helpers, table-driven: each row names its case and holds the helper's answer beside the
+// expected one.
 #include <qtextention/pathutils.h>
 
 #include <QDir>
@@ -6,7 +7,6 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-
 
 namespace {
 
@@ -16,184 +16,124 @@ QByteArray narrow(const QString& text)
     return QFile::encodeName(text);
 }
 
-// MakePathRelative and MakePathAbsolute: (base, path) -> expected.
-using TwoPathFunction = QString (*)(const char*, const char*);
-
-struct TwoPathRow {
+template <typename T>
+struct Row {
     const char* name;
-    TwoPathFunction function;
-    QString base;
-    QString path;
-    QString expected;
+    T actual;
+    T expected;
 };
 
-void PrintTo(const TwoPathRow& row, std::ostream* os)
+template <typename T, size_t N>
+void expectRows(const Row<T> (&rows)[N])
 {
-    *os << row.name;
+    for (const Row<T>& row : rows)
+        EXPECT_EQ(row.actual, row.expected) << row.name;
 }
 
-class TwoPathTest : public ::testing::TestWithParam<TwoPathRow>
+TEST(PathText, RelativeAbsoluteAndJoinedPathsAreCleanedAndKeepTheirCharacters)
 {
-};
-
-TEST_P(TwoPathTest, Row)
-{
-    const TwoPathRow& row = GetParam();
-    EXPECT_EQ(row.function(narrow(row.base), narrow(row.path)), row.expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, TwoPathTest,
-    ::testing::Values(
-        TwoPathRow{"below", MakePathRelative, "/home/u", "/home/u/a/b.txt", "a/b.txt"},
-        TwoPathRow{"beside", MakePathRelative, "/home/u/x", "/home/u/a.txt", "../a.txt"},
-        TwoPathRow{"trailing slash on base", MakePathRelative, "/home/u/", "/home/u/a", "a"},
-        TwoPathRow{"relative kept with its dot-dot", MakePathRelative, "/home/u", "../rel/./x.txt", "../rel/./x.txt"},
-        TwoPathRow{"relative of non-ASCII", MakePathRelative, QStringLiteral(u"/tmp/\u00fc"), QStringLiteral(u"/tmp/\u00fc/\u00df.txt"),
-                   QStringLiteral(u"\u00df.txt")},
-        TwoPathRow{"relative resolved and cleaned", MakePathAbsolute, "/base", "a/../b.txt", "/base/b.txt"},
-        TwoPathRow{"absolute only cleaned", MakePathAbsolute, "/base", "/x/./y//z/", "/x/y/z"},
-        TwoPathRow{"dot on a base with trailing slash", MakePathAbsolute, "/base/", "./c", "/base/c"},
-        TwoPathRow{"climbing above the base", MakePathAbsolute, "/base/sub", "../../up", "/up"},
-        TwoPathRow{"absolute of non-ASCII", MakePathAbsolute, QStringLiteral(u"/d\u00e9p\u00f4t"), QStringLiteral(u"\u00e9t\u00e9"),
-                   QStringLiteral(u"/d\u00e9p\u00f4t/\u00e9t\u00e9")}));
-
-TEST(MakePath, JoinsTheGivenPartsAndCleansTheResult)
-{
-    struct Row {
-        const char* a;
-        const char* b;
-        const char* c;
-        const char* d;
-        QString expected;
+    const Row<QString> rows[] = {
+        {"relative: below", MakePathRelative("/home/u", "/home/u/a/b.txt"), "a/b.txt"},
+        {"relative: beside", MakePathRelative("/home/u/x", "/home/u/a.txt"), "../a.txt"},
+        {"relative: trailing slash on base", MakePathRelative("/home/u/", "/home/u/a"), "a"},
+        {"relative: kept with its dot-dot", MakePathRelative("/home/u", "../rel/./x.txt"), "../rel/./x.txt"},
+        {"relative: non-ASCII",
+         MakePathRelative(narrow(QStringLiteral(u"/tmp/\u00fc")), narrow(QStringLiteral(u"/tmp/\u00fc/\u00df.txt"))),
+         QStringLiteral(u"\u00df.txt")},
+        {"absolute: relative resolved and cleaned", MakePathAbsolute("/base", "a/../b.txt"), "/base/b.txt"},
+        {"absolute: absolute only cleaned", MakePathAbsolute("/base", "/x/./y//z/"), "/x/y/z"},
+        {"absolute: dot on a base with trailing slash", MakePathAbsolute("/base/", "./c"), "/base/c"},
+        {"absolute: climbing above the base", MakePathAbsolute("/base/sub", "../../up"), "/up"},
+        {"absolute: non-ASCII",
+         MakePathAbsolute(narrow(QStringLiteral(u"/d\u00e9p\u00f4t")), narrow(QStringLiteral(u"\u00e9t\u00e9"))),
+         QStringLiteral(u"/d\u00e9p\u00f4t/\u00e9t\u00e9")},
+        {"joined: null part skipped", MakePath("a", "b", nullptr, "d"), "a/b/d"},
+        {"joined: separators merged", MakePath("a/", "/b", nullptr, nullptr), "a/b"},
+        {"joined: four parts", MakePath("/r", "b", "c", "d"), "/r/b/c/d"},
+        {"joined: cleaned", MakePath("/r", "x/..", ".", "d/"), "/r/d"},
+        {"joined: one part", MakePath("a", nullptr, nullptr, nullptr), "a"},
     };
-    const Row rows[] = {
-        {"a", "b", nullptr, "d", "a/b/d"},
-        {"a/", "/b", nullptr, nullptr, "a/b"},
-        {"/r", "b", "c", "d", "/r/b/c/d"},
-        {"/r", "x/..", ".", "d/", "/r/d"},
-        {"a", nullptr, nullptr, nullptr, "a"},
-    };
-    for (const Row& row : rows)
-        EXPECT_EQ(MakePath(row.a, row.b, row.c, row.d), row.expected) << row.expected.toStdString();
+    expectRows(rows);
 }
 
 TEST(IsSubDirectory, ComparesCleanedComponentsWithoutCase)
 {
-    struct Row {
-        const char* name;
-        QString directory;
-        QString path;
-        bool expected;
+    const Row<bool> rows[] = {
+        {"drive and case differ", IsSubDirectory("C:/Data", "c:/data/maps"), true},
+        {"equal", IsSubDirectory("/a/b", "/a/b"), true},
+        {"trailing slash", IsSubDirectory("/a/b/", "/a/b"), true},
+        {"dot parts cleaned", IsSubDirectory("/a/./b", "/a/x/../b/c"), true},
+        {"non-ASCII case", IsSubDirectory(QStringLiteral(u"/A/\u00dc"), QStringLiteral(u"/a/\u00fc/x")), true},
+        {"directory deeper than path", IsSubDirectory("/a/b/c", "/a/b"), false},
+        {"prefix of a component is not a parent", IsSubDirectory("/a/b", "/a/bc/d"), false},
+        {"different root", IsSubDirectory("/x", "/a/x"), false},
     };
-    const Row rows[] = {
-        {"drive and case differ", "C:/Data", "c:/data/maps", true},
-        {"equal", "/a/b", "/a/b", true},
-        {"trailing slash", "/a/b/", "/a/b", true},
-        {"dot parts cleaned", "/a/./b", "/a/x/../b/c", true},
-        {"non-ASCII case", QStringLiteral(u"/A/\u00dc"), QStringLiteral(u"/a/\u00fc/x"), true},
-        {"directory deeper than path", "/a/b/c", "/a/b", false},
-        {"prefix of a component is not a parent", "/a/b", "/a/bc/d", false},
-        {"different root", "/x", "/a/x", false},
-    };
-    for (const Row& row : rows)
-        EXPECT_EQ(IsSubDirectory(row.directory, row.path), row.expected) << row.name;
+    expectRows(rows);
 }
 
-TEST(PathValidation, DirectoriesAreBackslashShapedOrExistFilesEndInANameAndAreNoDirectory)
-{
-    QTemporaryDir temp;
-    ASSERT_TRUE(temp.isValid());
-    ASSERT_TRUE(QDir(temp.path()).mkdir("folder.txt"));
-    QFile file(temp.filePath("plain.txt"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    struct Row {
-        const char* name;
-        bool (*isValid)(const QString&);
-        QString path;
-        bool expected;
-    };
-    const Row rows[] = {
-        {"drive with trailing backslash", IsDirectoryPathValid, "C:\\temp\\", true},
-        {"share-like folder", IsDirectoryPathValid, "\\server\\share", true},
-        {"forbidden character in a folder", IsDirectoryPathValid, "C:\\te|mp", false},
-        {"slashes that do not exist", IsDirectoryPathValid, "C:/temp", false},
-        {"relative folder", IsDirectoryPathValid, "relative\\dir", false},
-        {"existing folder in any form", IsDirectoryPathValid, temp.path() + "/.", true},
-        {"existing file as folder", IsDirectoryPathValid, file.fileName(), false},
-        {"file with drive and backslashes", IsFilePathValid, "C:\\a\\b.txt", true},
-        {"file with drive and slashes", IsFilePathValid, "C:/a/b.txt", true},
-        {"non-ASCII file", IsFilePathValid, QStringLiteral(u"/tmp/\u00e9t\u00e9.txt"), true},
-        {"forbidden character before the name", IsFilePathValid, "a<b/c.txt", false},
-        {"file ending with a separator", IsFilePathValid, "C:\\dir\\", false},
-        {"colon after the drive", IsFilePathValid, "C:\\a:b\\c.txt", false},
-        {"existing folder named like a file", IsFilePathValid, temp.path() + "/folder.txt", false},
-    };
-    for (const Row& row : rows)
-        EXPECT_EQ(row.isValid(row.path), row.expected) << row.name;
-}
-
-// root/top.txt, root/sub/notes.txt, root/sub/deeper/<non-ASCII>.dat and root/sub/loop -> root.
+// root/top.txt, root/folder.txt/, root/sub/notes.txt, root/sub/deeper/<non-ASCII>.dat, root/sub/loop -> root.
 class PathsOnDisk : public ::testing::Test
 {
 protected:
     QTemporaryDir temp;
-    QString root;
+    QString root = temp.path();
+    const QString notes = root + QStringLiteral("/sub/notes.txt");
+    const QString odd = root + QStringLiteral(u"/sub/deeper/\u00fcn\u00ef.dat");
 
     void SetUp() override
     {
         ASSERT_TRUE(temp.isValid());
-        root = temp.path();
-        QDir dir(root);
-        ASSERT_TRUE(dir.mkpath(QStringLiteral("sub/deeper")));
-        touch(QStringLiteral("top.txt"));
-        touch(QStringLiteral("sub/notes.txt"));
-        touch(QStringLiteral(u"sub/deeper/\u00fcn\u00ef.dat"));
+        ASSERT_TRUE(QDir(root).mkpath(QStringLiteral("sub/deeper")));
+        ASSERT_TRUE(QDir(root).mkdir(QStringLiteral("folder.txt")));
+        for (const QString& file : {root + QStringLiteral("/top.txt"), notes, odd})
+            ASSERT_TRUE(QFile(file).open(QIODevice::WriteOnly)) << file.toStdString();
         ASSERT_TRUE(QFile::link(root, root + QStringLiteral("/sub/loop")));
     }
-
-    void touch(const QString& relative)
-    {
-        QFile file(root + '/' + relative);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    }
+    bool find(const QString& name, int depth) const { return FindFileRecursive(narrow(root), narrow(name), depth); }
 };
 
-TEST_F(PathsOnDisk, FindFileRecursiveSearchesAsDeepAsTheDepthAllows)
+TEST_F(PathsOnDisk, DirectoriesAreBackslashShapedOrExistFilesEndInANameAndAreNoDirectory)
 {
-    struct Row {
-        QString name;
-        int depth;
-        bool expected;
+    const Row<bool> rows[] = {
+        {"drive with trailing backslash", IsDirectoryPathValid("C:\\temp\\"), true},
+        {"share-like folder", IsDirectoryPathValid("\\server\\share"), true},
+        {"forbidden character in a folder", IsDirectoryPathValid("C:\\te|mp"), false},
+        {"slashes that do not exist", IsDirectoryPathValid("C:/temp"), false},
+        {"relative folder", IsDirectoryPathValid("relative\\dir"), false},
+        {"existing folder in any form", IsDirectoryPathValid(root + "/."), true},
+        {"existing file as folder", IsDirectoryPathValid(notes), false},
+        {"file with drive and backslashes", IsFilePathValid("C:\\a\\b.txt"), true},
+        {"file with drive and slashes", IsFilePathValid("C:/a/b.txt"), true},
+        {"non-ASCII file", IsFilePathValid(QStringLiteral(u"/tmp/\u00e9t\u00e9.txt")), true},
+        {"forbidden character before the name", IsFilePathValid("a<b/c.txt"), false},
+        {"file ending with a separator", IsFilePathValid("C:\\dir\\"), false},
+        {"colon after the drive", IsFilePathValid("C:\\a:b\\c.txt"), false},
+        {"existing folder named like a file", IsFilePathValid(root + "/folder.txt"), false},
     };
-    const Row rows[] = {
-        {"top", 1, true},
-        {"notes", 1, false},
-        {"notes", 2, true},
-        {"txt", 0, false},  // depth 0 searches nothing, not even the folder itself
-        {"txt", 1, true},   // a part of the path is enough
-        {QStringLiteral(u"\u00fcn\u00ef"), 2, false},
-        {QStringLiteral(u"\u00fcn\u00ef"), 3, true},
-        {QStringLiteral(u"\u00fcn\u00ef"), -1, true},
-        {"absent", -1, false},  // the link back to the root does not make it run forever
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(FindFileRecursive(narrow(root), narrow(row.name), row.depth), row.expected)
-            << row.name.toStdString() << " depth " << row.depth;
-    }
+    expectRows(rows);
 }
 
-TEST_F(PathsOnDisk, ExistenceAndEqualityFollowTheDisk)
+TEST_F(PathsOnDisk, SearchExistenceAndEqualityFollowTheDisk)
 {
-    const QString notes = root + QStringLiteral("/sub/notes.txt");
-    const QString odd = root + QStringLiteral(u"/sub/deeper/\u00fcn\u00ef.dat");
-    EXPECT_TRUE(PathExists(narrow(notes)));
-    EXPECT_TRUE(PathExists(narrow(odd)));
-    EXPECT_FALSE(PathExists(narrow(root + "/sub/none.txt")));
-
-    EXPECT_TRUE(ArePathEqual(narrow(notes), narrow(root + "/sub/deeper/../notes.txt")));
-    EXPECT_TRUE(ArePathEqual(narrow(notes), narrow(root + "/sub/loop/sub/notes.txt")));
-    EXPECT_FALSE(ArePathEqual(narrow(notes), narrow(root + "/top.txt")));
+    const QString unusual = QStringLiteral(u"\u00fcn\u00ef");
+    const Row<bool> rows[] = {
+        {"find top at depth 1", find("top", 1), true},
+        {"find notes at depth 1", find("notes", 1), false},
+        {"find notes at depth 2", find("notes", 2), true},
+        {"depth 0 searches nothing, not even the folder itself", find("txt", 0), false},
+        {"a part of the path is enough", find("txt", 1), true},
+        {"non-ASCII at depth 2", find(unusual, 2), false},
+        {"non-ASCII at depth 3", find(unusual, 3), true},
+        {"non-ASCII at any depth", find(unusual, -1), true},
+        {"absent at any depth: the link back to the root is not followed forever", find("absent", -1), false},
+        {"exists", PathExists(narrow(notes)), true},
+        {"non-ASCII exists", PathExists(narrow(odd)), true},
+        {"does not exist", PathExists(narrow(root + "/sub/none.txt")), false},
+        {"equal through dot-dot", ArePathEqual(narrow(notes), narrow(root + "/sub/deeper/../notes.txt")), true},
+        {"equal through a link", ArePathEqual(narrow(notes), narrow(root + "/sub/loop/sub/notes.txt")), true},
+        {"different files", ArePathEqual(narrow(notes), narrow(root + "/top.txt")), false},
+    };
+    expectRows(rows);
 }
 
 }  // namespace

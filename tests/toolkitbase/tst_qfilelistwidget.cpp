@@ -36,49 +36,46 @@ public:
     }
     ~RecordingLauncher() { SetProgramLauncher(m_previous); }
 
+    // Exactly one start so far, the one that reveals file.
+    void expectOneStartRevealing(const QString& file) const
+    {
+        ASSERT_EQ(starts.size(), 1u);
+        const ProgramStart expected = RevealFileCommand(file, CurrentFileBrowserPlatform());
+        EXPECT_EQ(starts.front().program, expected.program);
+        EXPECT_EQ(starts.front().arguments, expected.arguments);
+    }
+
     std::vector<ProgramStart> starts;
 
 private:
     ProgramLauncher m_previous;
 };
 
-// Waits for the next popup menu, notes its entries and chooses the one named choice (or closes
-// the menu when there is none), so that a menu opened by a click never blocks the test.
-class MenuChooser : public QObject
+// Runs open(), which shows a popup menu and waits in it; from the menu's own event loop notes its
+// entries and chooses the one named choice (or closes the menu when there is none).
+QStringList chooseInMenu(const QString& choice, const std::function<void()>& open)
 {
-public:
-    explicit MenuChooser(const QString& choice) : m_choice(choice)
-    {
-        m_timer.setInterval(10);
-        QObject::connect(&m_timer, &QTimer::timeout, this, &MenuChooser::poll);
-        m_timer.start();
-    }
-
     QStringList entries;
-
-private:
-    void poll()
-    {
+    const QObject context;  // drops the pending choice when no menu ran
+    QTimer::singleShot(0, &context, [&] {
         auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
         if (!menu)
             return;
-        m_timer.stop();
-        const QList<QAction*> actions = menu->actions();
-        for (QAction* action : actions)
+        QAction* chosen = nullptr;
+        for (QAction* action : menu->actions()) {
             entries << action->text();
-        for (QAction* action : actions) {
-            if (action->text() == m_choice) {
-                menu->setActiveAction(action);
-                QTest::keyClick(menu, Qt::Key_Return);
-                return;
-            }
+            chosen = action->text() == choice ? action : chosen;
         }
-        menu->close();
-    }
-
-    QString m_choice;
-    QTimer m_timer;
-};
+        if (!chosen) {
+            menu->close();
+            return;
+        }
+        menu->setActiveAction(chosen);
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+    open();
+    return entries;
+}
 
 const QString kUntouched = QStringLiteral("untouched");
 
@@ -86,16 +83,13 @@ class FileListTest : public ::testing::Test
 {
 protected:
     QTemporaryDir temp;
-    QString writable;
-    QString missing;
+    const QString writable = temp.filePath(QStringLiteral(u"\u00e9crit.txt"));
+    const QString missing = temp.filePath(QStringLiteral("missing.txt"));
 
     void SetUp() override
     {
         ASSERT_TRUE(temp.isValid());
-        writable = temp.filePath(QStringLiteral(u"\u00e9crit.txt"));
-        missing = temp.filePath(QStringLiteral("missing.txt"));
-        QFile file(writable);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_TRUE(QFile(writable).open(QIODevice::WriteOnly));
         QApplication::clipboard()->setText(kUntouched);
     }
 
@@ -116,99 +110,68 @@ protected:
         }
         return {};
     }
-
-    static QTreeWidgetItem* rowOf(const QFileListWidget& list, const QString& path)
-    {
-        const QList<QTreeWidgetItem*> found = list.findItems(path, Qt::MatchExactly, 0);
-        return found.size() == 1 ? found.first() : nullptr;
-    }
 };
 
-TEST_F(FileListTest, RowsShowTheAbsolutePathGreyForMissingFilesAndTheReadOnlyState)
+TEST_F(FileListTest, RowsShowTheAbsolutePathGreyForMissingFilesAndAReadOnlyStateNobodyCanToggle)
 {
     const QString locked = unwritableFile();
     if (locked.isEmpty())
         GTEST_SKIP() << "no file that this user cannot write";
     struct Row {
-        const char* name;
         QString given;
         QString shown;
         Qt::CheckState readOnly;
         bool grey;
     };
     const Row rows[] = {
-        {"writable, given relative", QDir::current().relativeFilePath(writable), writable, Qt::Unchecked, false},
-        {"read-only", locked, locked, Qt::Checked, false},
-        {"missing", missing, missing, Qt::Checked, true},
+        {QDir::current().relativeFilePath(writable), writable, Qt::Unchecked, false},
+        {locked, locked, Qt::Checked, false},
+        {missing, missing, Qt::Checked, true},
     };
-    QStringList files;
-    for (const Row& row : rows)
-        files << row.given;
-    QFileListWidget list(files);
+    QFileListWidget list({rows[0].given, rows[1].given, rows[2].given});
     ASSERT_EQ(list.topLevelItemCount(), 3);
-
     for (const Row& row : rows) {
-        const QTreeWidgetItem* item = rowOf(list, row.shown);
-        ASSERT_NE(item, nullptr) << row.name;
-        EXPECT_EQ(item->checkState(1), row.readOnly) << row.name;
-        EXPECT_EQ(item->sizeHint(0).height(), 18) << row.name;
-        EXPECT_FALSE(item->flags() & Qt::ItemIsUserCheckable) << row.name;
-        const QVariant foreground = item->data(0, Qt::ForegroundRole);
-        if (row.grey)
-            EXPECT_EQ(foreground.value<QBrush>(), QBrush(Qt::darkGray, Qt::SolidPattern)) << row.name;
-        else
-            EXPECT_FALSE(foreground.isValid()) << row.name;
+        const QList<QTreeWidgetItem*> found = list.findItems(row.shown, Qt::MatchExactly, 0);
+        ASSERT_EQ(found.size(), 1) << row.shown.toStdString();
+        const QTreeWidgetItem* item = found.first();
+        EXPECT_EQ(item->checkState(1), row.readOnly) << row.shown.toStdString();
+        EXPECT_EQ(item->sizeHint(0).height(), 18);
+        EXPECT_FALSE(item->flags() & Qt::ItemIsUserCheckable);
+        EXPECT_EQ(item->data(0, Qt::ForegroundRole), row.grey ? QVariant(QBrush(Qt::darkGray)) : QVariant())
+            << row.shown.toStdString();
     }
 }
 
-TEST_F(FileListTest, HeaderTextsAndStyleSheet)
+TEST_F(FileListTest, ThreeTitledColumnsListingTheFilesFlatInAscendingOrder)
 {
-    QFileListWidget list;
-    EXPECT_EQ(list.columnCount(), 3);
-    EXPECT_EQ(list.headerItem()->text(0), QStringLiteral("File"));
-    EXPECT_EQ(list.headerItem()->text(1), QStringLiteral("Read Only"));
-    EXPECT_EQ(list.headerItem()->text(2), QString());
+    QFileListWidget list({QStringLiteral("/w/c.kel"), QStringLiteral("/w/a.kel"), QStringLiteral("/w/b.kel")});
+    QStringList headers, shown;
+    for (int column = 0; column < list.columnCount(); ++column)
+        headers << list.headerItem()->text(column);
+    for (int row = 0; row < list.topLevelItemCount(); ++row)
+        shown << list.topLevelItem(row)->text(0);
+    EXPECT_EQ(headers, QStringList({"File", "Read Only", ""}));
+    EXPECT_EQ(shown, QStringList({"/w/a.kel", "/w/b.kel", "/w/c.kel"}));
+    EXPECT_FALSE(list.rootIsDecorated());
     EXPECT_EQ(list.styleSheet(), QStringLiteral("QTreeView {selection-background-color: qlineargradient(x1: 0.5, "
                                                 "y1: 0.25 x2: 0.5, y2: 0.75, stop: 0 #444444, stop: 0.7 #555555 );}"));
 }
 
-TEST_F(FileListTest, FilesAreListedFlatInAscendingOrder)
-{
-    QFileListWidget list({QStringLiteral("/w/c.kel"), QStringLiteral("/w/a.kel"), QStringLiteral("/w/b.kel")});
-    EXPECT_FALSE(list.rootIsDecorated());
-    QStringList shown;
-    for (int row = 0; row < list.topLevelItemCount(); ++row)
-        shown << list.topLevelItem(row)->text(0);
-    EXPECT_EQ(shown, QStringList({"/w/a.kel", "/w/b.kel", "/w/c.kel"}));
-}
-
-TEST_F(FileListTest, TheReadOnlyBoxCannotBeToggled)
-{
-    QFileListWidget list({writable});
-    list.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&list));
-    list.setCurrentIndex(list.model()->index(0, 1));
-    QTest::keyClick(&list, Qt::Key_Space);
-    EXPECT_EQ(list.topLevelItem(0)->checkState(1), Qt::Unchecked);
-}
-
 TEST_F(FileListTest, OnlyControlCCopiesTheSelectedPaths)
 {
-    struct Row {
+    const struct {
         const char* name;
         int selectedRows;
         Qt::KeyboardModifiers modifiers;
         bool copies;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"Ctrl+C, two rows", 2, Qt::ControlModifier, true},
         {"Ctrl+C, nothing selected", 0, Qt::ControlModifier, true},
         {"Ctrl+Shift+C", 2, Qt::ControlModifier | Qt::ShiftModifier, false},
         {"C alone", 2, Qt::NoModifier, false},
     };
-    const QString other = temp.filePath(QStringLiteral("other.txt"));
-    for (const Row& row : rows) {
-        QFileListWidget list({writable, other});
+    for (const auto& row : rows) {
+        QFileListWidget list({writable, temp.filePath(QStringLiteral("other.txt"))});
         QString expected;
         for (int i = 0; i < row.selectedRows; ++i) {
             list.topLevelItem(i)->setSelected(true);
@@ -228,66 +191,43 @@ TEST_F(FileListTest, RightClickMenuCopiesOrRevealsTheSelection)
     list.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&list));
 
-    MenuChooser onEmptyArea(QStringLiteral("Copy to clipboard"));
-    QTest::mouseClick(list.viewport(), Qt::RightButton, {}, QPoint(50, 250));
-    EXPECT_EQ(onEmptyArea.entries,
-              QStringList({QStringLiteral("Show in Explorer"), QStringLiteral("Copy to clipboard")}));
+    const QStringList entries = chooseInMenu(QStringLiteral("Copy to clipboard"), [&] {
+        QTest::mouseClick(list.viewport(), Qt::RightButton, {}, QPoint(50, 250));
+    });
+    EXPECT_EQ(entries, QStringList({QStringLiteral("Show in Explorer"), QStringLiteral("Copy to clipboard")}));
     EXPECT_EQ(QApplication::clipboard()->text(), QString());  // nothing was selected
 
-    MenuChooser onRow(QStringLiteral("Show in Explorer"));
-    QTest::mouseClick(list.viewport(), Qt::RightButton, {}, list.visualItemRect(list.topLevelItem(0)).center());
-    ASSERT_EQ(launcher.starts.size(), 1u);  // the row under the pointer was selected by the click
-    const ProgramStart expected = RevealFileCommand(writable, CurrentFileBrowserPlatform());
-    EXPECT_EQ(launcher.starts.front().program, expected.program);
-    EXPECT_EQ(launcher.starts.front().arguments, expected.arguments);
+    chooseInMenu(QStringLiteral("Show in Explorer"), [&] {
+        QTest::mouseClick(list.viewport(), Qt::RightButton, {}, list.visualItemRect(list.topLevelItem(0)).center());
+    });
+    launcher.expectOneStartRevealing(writable);  // the row under the pointer was selected by the click
 }
 
 TEST_F(FileListTest, RevealingThreeFilesStartsTheBrowserOnceOnTheFirst)
 {
     RecordingLauncher launcher;
-    const QStringList files = {temp.filePath("a/./one.txt"), temp.filePath("two.txt"), temp.filePath("three.txt")};
-    ShowFilesInExplorer(files);
+    ShowFilesInExplorer({temp.filePath("a/./one.txt"), temp.filePath("two.txt"), temp.filePath("three.txt")});
     ShowFilesInExplorer({});
-    ASSERT_EQ(launcher.starts.size(), 1u);
-#ifdef Q_OS_WIN
-    EXPECT_EQ(launcher.starts.front().program, QStringLiteral("explorer.exe"));
-#else
-    EXPECT_EQ(launcher.starts.front().program, QStringLiteral("xdg-open"));
-    EXPECT_EQ(launcher.starts.front().arguments, QStringList{temp.filePath("a")});
-#endif
+    launcher.expectOneStartRevealing(temp.filePath("a/one.txt"));
 }
 
 TEST(RevealFileCommand, SelectsTheCleanedFileOnWindowsAndOpensItsFolderElsewhere)
 {
-    struct Row {
-        QString path;
-        FileBrowserPlatform platform;
-        QString program;
-        QString argument;
-    };
-    const Row rows[] = {
-        {"C:/a/./b/../c.txt", FileBrowserPlatform::Windows, "explorer.exe", "/select,C:\\a\\c.txt"},
-        {QStringLiteral(u"D:\\\u00e9t\u00e9/x//y.kel"), FileBrowserPlatform::Windows, "explorer.exe",
+    using P = FileBrowserPlatform;
+    const std::tuple<ProgramStart, QString, QString> rows[] = {
+        {RevealFileCommand("C:/a/./b/../c.txt", P::Windows), "explorer.exe", "/select,C:\\a\\c.txt"},
+        {RevealFileCommand(QStringLiteral(u"D:\\\u00e9t\u00e9/x//y.kel"), P::Windows), "explorer.exe",
          QStringLiteral(u"/select,D:\\\u00e9t\u00e9\\x\\y.kel")},
-        {"/tmp/x/./y/../f.txt", FileBrowserPlatform::FreeDesktop, "xdg-open", "/tmp/x"},
-        {QStringLiteral(u"/tmp/\u00e9/f.txt"), FileBrowserPlatform::FreeDesktop, "xdg-open", QStringLiteral(u"/tmp/\u00e9")},
+        {RevealFileCommand("/tmp/x/./y/../f.txt", P::FreeDesktop), "xdg-open", "/tmp/x"},
+        {RevealFileCommand(QStringLiteral(u"/tmp/\u00e9/f.txt"), P::FreeDesktop), "xdg-open",
+         QStringLiteral(u"/tmp/\u00e9")},
     };
-    for (const Row& row : rows) {
-        const ProgramStart start = RevealFileCommand(row.path, row.platform);
-        EXPECT_EQ(start.program, row.program) << row.path.toStdString();
-        EXPECT_EQ(start.arguments, QStringList{row.argument}) << row.path.toStdString();
+    for (const auto& [start, program, argument] : rows) {
+        EXPECT_EQ(start.program, program) << argument.toStdString();
+        EXPECT_EQ(start.arguments, QStringList{argument}) << argument.toStdString();
     }
-}
-
-TEST(MakeWindowsPath, CleansAndUsesBackslashesKeepingEveryCharacter)
-{
-    const std::pair<QString, std::string> rows[] = {
-        {"C:/a/./b/../c.txt", "C:\\a\\c.txt"},
-        {"a//b/", "a\\b"},
-        {QStringLiteral(u"D:/\u00e9t\u00e9/f.txt"), "D:\\\xc3\xa9t\xc3\xa9\\f.txt"},
-    };
-    for (const auto& [input, expected] : rows)
-        EXPECT_EQ(MakeWindowsPath(input), expected) << input.toStdString();
+    EXPECT_EQ(MakeWindowsPath("C:/a/./b/..//c/"), "C:\\a\\c");
+    EXPECT_EQ(MakeWindowsPath(QStringLiteral(u"D:/\u00e9t\u00e9/f.txt")), "D:\\\xc3\xa9t\xc3\xa9\\f.txt");
 }
 
 TEST_F(FileListTest, DialogShowsTheFilesUnderItsTitleUntilOk)
@@ -316,15 +256,11 @@ TEST_F(FileListTest, DialogShowsTheFilesUnderItsTitleUntilOk)
 TEST(GetMainAppWindow, FindsOnlyAVisibleWindowNamedTarnWindow)
 {
     EXPECT_EQ(GetMainAppWindow(), nullptr);
-
-    QWidget hiddenTarn;
+    QWidget hiddenTarn, visibleOther, visibleTarn;
     hiddenTarn.setObjectName(QStringLiteral("TarnWindow"));
-    QWidget visibleOther;
     visibleOther.setObjectName(QStringLiteral("TarnWindow2"));
     visibleOther.show();
     EXPECT_EQ(GetMainAppWindow(), nullptr);
-
-    QWidget visibleTarn;
     visibleTarn.setObjectName(QStringLiteral("TarnWindow"));
     visibleTarn.show();
     EXPECT_EQ(GetMainAppWindow(), &visibleTarn);

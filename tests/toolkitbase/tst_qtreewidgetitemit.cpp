@@ -37,7 +37,7 @@ protected:
     }
 };
 
-TEST_F(SmallTree, VisitsTheRootFirstThenItsSubtreeInTheChosenOrder)
+TEST_F(SmallTree, VisitsTheRootFirstThenItsSubtreeInTheChosenOrderWithChildrenAddedOnTheWay)
 {
     EXPECT_EQ(walk(a, QTreeWidgetItemIt::DepthFirst), QStringLiteral("ABCDEF"));
     EXPECT_EQ(walk(a, QTreeWidgetItemIt::BreadthFirst), QStringLiteral("ABECDF"));
@@ -48,11 +48,8 @@ TEST_F(SmallTree, VisitsTheRootFirstThenItsSubtreeInTheChosenOrder)
     ++it;
     ++it;
     EXPECT_EQ(*it, nullptr);
-}
 
-TEST_F(SmallTree, ChildrenAddedToTheCurrentItemBeforeSteppingAreVisited)
-{
-    QString order;
+    QString order;  // children added to the current item before stepping are visited
     for (QTreeWidgetItemIt it(e); *it; ++it) {
         order += (*it)->text(0);
         if (*it == f)
