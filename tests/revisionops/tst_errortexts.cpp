@@ -28,10 +28,13 @@ const std::string kNotHead = "because some of the files are not at the head revi
 const std::string kNotInDatabase = "because some of the files are not in the database\n";
 const std::string kIOError = "because some of the files are causing a IO error\n";
 const std::string kLockedByOthers = "because the following users have locked some of the files\n";
-const std::string kPrefix = "Cannot checkout the assets\n";
 const std::string kUnknown = "Unknown error found\nError reported by IO module: depot says no\n";
+const std::string kPrefix = "Cannot checkout the assets\n";
+const std::string kFileDetails = "Files:\n/ws/a.kel\n/ws/b.kel\n";
 
 using Users = std::optional<std::vector<std::string>>;  // nullopt: the users query fails
+const std::set<unsigned>& checkOut = hbrc::internal::kCheckOutErrorFlags;
+const std::set<unsigned>& markForAdd = hbrc::internal::kMarkForAddErrorFlags;
 
 struct ObjectsCase {
     const char* name;
@@ -39,6 +42,7 @@ struct ObjectsCase {
     std::vector<unsigned> words;  // one per object, named asset0, asset1, ...
     std::map<int, Users> users;   // by object index
     std::string expected;         // after kPrefix
+    int statusCode = 0;           // of the status query, which answers "no route to host" when it fails
 };
 
 class ObjectErrorText : public ::testing::TestWithParam<ObjectsCase>
@@ -47,34 +51,33 @@ protected:
     ScriptedHost host;
 };
 
-TEST_P(ObjectErrorText, ExplainsTheFlagsTheObjectsCarry)
+TEST_P(ObjectErrorText, ExplainsTheFlagsTheObjectsCarryAndListsTheirFiles)
 {
     const ObjectsCase& c = GetParam();
     kel4::List<KELHandle<IDbObject>> objects;
-    kel4::List<unsigned> words(c.words.begin(), c.words.end());
     for (std::size_t i = 0; i < c.words.size(); ++i)
         objects.push_back(host.manager->AddObject("id" + std::to_string(i), "asset" + std::to_string(i)));
     EXPECT_CALL(*host.dataControl, GetStatus(objects, true, kel4::closureId::Persistence, _, _, _))
-        .WillOnce(DoAll(SetArgReferee<4>(words), Return(kelResult(0))));
+        .WillOnce(DoAll(SetArgReferee<4>(kel4::List<unsigned>(c.words.begin(), c.words.end())),
+                        SetArgReferee<5>(std::string("no route to host")), Return(kelResult(c.statusCode))));
+    EXPECT_CALL(*host.dataControl, GetUsersOfObject(_, _, _)).Times(0);  // but for the objects below
     for (const auto& [index, users] : c.users) {
         const KELHandle<IDbObject> object = *std::next(objects.begin(), index);
-        if (users)
-            EXPECT_CALL(*host.dataControl, GetUsersOfObject(object, kel4::closureId::Persistence, _))
-                .WillOnce(DoAll(SetArgReferee<2>(kel4::List<std::string>(users->begin(), users->end())),
-                                Return(kelResult(0))));
-        else
-            EXPECT_CALL(*host.dataControl, GetUsersOfObject(object, _, _)).WillOnce(Return(kelResult(-2)));
+        EXPECT_CALL(*host.dataControl, GetUsersOfObject(object, kel4::closureId::Persistence, _))
+            .WillOnce(DoAll(SetArgReferee<2>(users ? kel4::List<std::string>(users->begin(), users->end())
+                                                   : kel4::List<std::string>{"not to be shown"}),
+                            Return(kelResult(users ? 0 : -2))));
     }
+    ON_CALL(*host.dataControl, GetFiles(objects, true, kel4::closureId::Persistence, std::string(), _, _))
+        .WillByDefault(DoAll(SetArgReferee<4>(kel4::Set<std::string>{"/ws/b.kel", "/ws/a.kel"}), Return(kelResult(0))));
 
     std::string message = kPrefix;
     std::string details = "stale";
-    EXPECT_EQ(GetErrorStrings(host.dataControl, objects, true, c.flags, "depot says no", message, details), 0);
+    EXPECT_EQ(GetErrorStrings(host.dataControl, objects, true, c.flags, "depot says no", message, details),
+              c.statusCode == 0 ? 0 : 1);
     EXPECT_EQ(message, kPrefix + c.expected);
-    EXPECT_EQ(details, "Files:\n");
+    EXPECT_EQ(details, c.statusCode == 0 ? kFileDetails : "stale");
 }
-
-const std::set<unsigned>& checkOut = hbrc::internal::kCheckOutErrorFlags;
-const std::set<unsigned>& markForAdd = hbrc::internal::kMarkForAddErrorFlags;
 
 INSTANTIATE_TEST_SUITE_P(
     Rows, ObjectErrorText,
@@ -84,83 +87,37 @@ INSTANTIATE_TEST_SUITE_P(
                     {0x80 | 0x2, 0x40 | 0x10},
                     {{0, Users({"bob"})}},
                     kCheckedOutByOthers + kMarkedForDelete + kNotHead + kNotInDatabase + "\nbob\n"},
-        ObjectsCase{"EachLineOnceHoweverManyObjectsCarryIt", checkOut, {0x4, 0x4, 0x4}, {}, kMarkedForAdd},
+        ObjectsCase{"EachLineOnceWithTheUsersOfItsFirstObject",
+                    checkOut,
+                    {0x4, 0x8, 0x8 | 0x4},
+                    {{1, Users({"carl"})}},
+                    kMarkedForAdd + kMarkedForAddByOthers + "\ncarl\n"},
         ObjectsCase{"UsersOnceAndSortedAcrossFlags",
                     checkOut,
                     {0x2, 0x20000},
                     {{0, Users({"zoe", "bob"})}, {1, Users({"bob", "amy"})}},
                     kCheckedOutByOthers + kLockedByOthers + "\namy\nbob\nzoe\n"},
-        ObjectsCase{"TheUsersOfAFlagComeFromItsFirstObject",
-                    checkOut,
-                    {0x8, 0x8},
-                    {{0, Users({"carl"})}},
-                    kMarkedForAddByOthers + "\ncarl\n"},
         ObjectsCase{"AFailedUsersQueryBecomesAnEntryNamingTheObject",
                     checkOut,
                     {0, 0x20000},
                     {{1, std::nullopt}},
-                    kLockedByOthers +
-                        "\nError found while trying to get the list of users for object asset1\n\n"},
+                    kLockedByOthers + "\nError found while trying to get the list of users for object asset1\n\n"},
         ObjectsCase{"NoUsersCountsAsAFailedQuery",
                     checkOut,
                     {0x2},
                     {{0, Users(std::vector<std::string>{})}},
-                    kCheckedOutByOthers +
-                        "\nError found while trying to get the list of users for object asset0\n\n"},
+                    kCheckedOutByOthers + "\nError found while trying to get the list of users for object asset0\n\n"},
         ObjectsCase{"CheckedOutByTheUserAddsNothing", markForAdd, {0x1 | 0x8000}, {}, kIOError},
-        ObjectsCase{"OnlyCheckedOutByTheUserIsUnexplained", markForAdd, {0x1}, {}, kUnknown},
-        ObjectsCase{"FlagsOutsideTheSetAreIgnored", markForAdd, {0x4 | 0x10 | 0x40 | 0x80}, {}, kUnknown},
-        ObjectsCase{"NoObjectsIsUnexplained", checkOut, {}, {}, kUnknown}),
+        // 0x1 has no line; the others are outside the mark-for-add set.
+        ObjectsCase{"NoFlagWithALineIsUnexplained", markForAdd, {0x1 | 0x4 | 0x10 | 0x40 | 0x80}, {}, kUnknown},
+        ObjectsCase{"NoObjectsIsUnexplained", checkOut, {}, {}, kUnknown},
+        ObjectsCase{"ASessionUnusableStatusQuery", checkOut, {0x2}, {},
+                    "Cannot connect to source control.\nError reported by IO module: no route to host\n", -34},
+        ObjectsCase{"AnotherFailedStatusQuery", checkOut, {0x2}, {},
+                    "Unknown error encountered.\nError reported by IO module: no route to host\n", -2},
+        ObjectsCase{"AStatusQueryWithARemark", checkOut, {0x2}, {},
+                    "Unknown error encountered.\nError reported by IO module: no route to host\n", 1}),
     [](const auto& info) { return std::string(info.param.name); });
-
-struct FailedStatusCase {
-    const char* name;
-    int code;
-    std::string expected;
-};
-
-class FailedStatusQuery : public ::testing::TestWithParam<FailedStatusCase>
-{
-protected:
-    ScriptedHost host;
-};
-
-TEST_P(FailedStatusQuery, SaysWhyAndLeavesTheDetailsAlone)
-{
-    const FailedStatusCase& c = GetParam();
-    const kel4::List<KELHandle<IDbObject>> objects{host.manager->AddObject("id0", "asset0")};
-    EXPECT_CALL(*host.dataControl, GetStatus(_, false, _, _, _, _))
-        .WillOnce(DoAll(SetArgReferee<5>(std::string("no route to host")), Return(kelResult(c.code))));
-    EXPECT_CALL(*host.dataControl, GetUsersOfObject(_, _, _)).Times(0);
-    std::string message = kPrefix;
-    std::string details = "untouched";
-    EXPECT_EQ(GetErrorStrings(host.dataControl, objects, false, checkOut, "ignored", message, details), 1);
-    EXPECT_EQ(message, kPrefix + c.expected + "Error reported by IO module: no route to host\n");
-    EXPECT_EQ(details, "untouched");
-}
-
-INSTANTIATE_TEST_SUITE_P(Rows, FailedStatusQuery,
-                         ::testing::Values(FailedStatusCase{"SessionUnusable", -34,
-                                                            "Cannot connect to source control.\n"},
-                                           FailedStatusCase{"OtherFailure", -2, "Unknown error encountered.\n"},
-                                           FailedStatusCase{"EmptyAnswerRemark", 1, "Unknown error encountered.\n"}),
-                         [](const auto& info) { return std::string(info.param.name); });
-
-TEST(ObjectErrorDetails, ListTheObjectsFilesSortedOnce)
-{
-    ScriptedHost host;
-    const kel4::List<KELHandle<IDbObject>> objects{host.manager->AddObject("id0", "asset0"),
-                                                   host.manager->AddObject("id1", "asset1")};
-    ON_CALL(*host.dataControl, GetStatus(_, _, _, _, _, _))
-        .WillByDefault(DoAll(SetArgReferee<4>(kel4::List<unsigned>{0x40, 0}), Return(kelResult(0))));
-    EXPECT_CALL(*host.dataControl, GetFiles(objects, true, kel4::closureId::Persistence, std::string(), _, _))
-        .WillOnce(DoAll(SetArgReferee<4>(kel4::Set<std::string>{"/ws/b.kel", "/ws/a.kel", "/ws/b.kel"}),
-                        Return(kelResult(0))));
-    std::string message;
-    std::string details;
-    GetErrorStrings(host.dataControl, objects, true, checkOut, "", message, details);
-    EXPECT_EQ(details, "Files:\n/ws/a.kel\n/ws/b.kel\n");
-}
 
 struct FilesCase {
     const char* name;
@@ -182,11 +139,9 @@ TEST_P(FileErrorText, ExplainsTheCombinedStatus)
     auto& usersQuery = EXPECT_CALL(*host.fileVersionControl, GetUsersOfFiles(nullptr, files, _, _));
     if (c.expected.find("following users") == std::string::npos)
         usersQuery.Times(0);
-    else if (c.users)
-        usersQuery.WillOnce(DoAll(SetArgReferee<2>(kel4::List<std::string>(c.users->begin(), c.users->end())),
-                                  Return(kelResult(0))));
     else
-        usersQuery.WillOnce(Return(kelResult(-34)));
+        usersQuery.WillOnce(DoAll(SetArgReferee<2>(kel4::List<std::string>(c.users->begin(), c.users->end())),
+                                  Return(kelResult(c.users->empty() ? -34 : 0))));
 
     std::string message = "Cannot mark-for-delete the files\n";
     AddErrorString(host.fileVersionControl, nullptr, files, c.combinedStatus,
@@ -197,20 +152,17 @@ TEST_P(FileErrorText, ExplainsTheCombinedStatus)
 INSTANTIATE_TEST_SUITE_P(
     Rows, FileErrorText,
     ::testing::Values(
-        FilesCase{"LinesInAscendingOrderThenTheUsers", 0x20000 | 0x80 | 0x2, Users({"bob", "amy"}),
+        FilesCase{"LinesInAscendingOrderThenTheUsers", 0x20000 | 0x80 | 0x2, Users({"bob", "amy", "bob"}),
                   kCheckedOutByOthers + kNotInDatabase + kLockedByOthers + "\namy\nbob\n"},
         FilesCase{"NoUserNamingFlagAsksNoUsers", 0x40 | 0x8000, std::nullopt, kNotHead + kIOError},
-        FilesCase{"AFailedUsersQueryHasItsOwnLine", 0x8, std::nullopt,
+        FilesCase{"AFailedUsersQueryHasItsOwnLine", 0x8, Users(std::vector<std::string>{}),
                   kMarkedForAddByOthers + "Sorry cannot get the list of users\n"},
         FilesCase{"AFlagOutsideTheSetIsUnexplained", 0x10 | 0x1, std::nullopt, kUnknown}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST(FileListString, WritesEveryPathOnItsOwnLineForEachContainerKind)
+TEST(FileListString, ReplacesTheTextWithEveryPathOnItsOwnLine)
 {
     std::string out = "previous";
-    const std::set<std::string> set{"/b", "/a"};
-    hbrc::internal::CookUpFileListString(set.begin(), set.end(), out);
-    EXPECT_EQ(out, "/a\n/b\n");
     const std::list<std::string> list{"/z", "/a", "/z"};
     hbrc::internal::CookUpFileListString(list.begin(), list.end(), out);
     EXPECT_EQ(out, "/z\n/a\n/z\n");

@@ -22,13 +22,8 @@
 #include <gtest/gtest.h>
 
 using hbrc::test::DialogDriver;
-using hbrc::test::FakeHost;
 using hbrc::test::FakeUserParameters;
 using ::testing::_;
-using ::testing::DoAll;
-using ::testing::Invoke;
-using ::testing::Return;
-using ::testing::SetArgReferee;
 
 namespace {
 
@@ -44,18 +39,6 @@ bool waitCursorShown()
     return QApplication::overrideCursor() && QApplication::overrideCursor()->shape() == Qt::WaitCursor;
 }
 
-// A log-in answer: the session (null for a failure) and the service's message. It also checks
-// that the wait cursor is up during the call.
-auto logInAnswer(Session session, const std::string& message = {})
-{
-    return Invoke([session, message](const std::string&, const std::string&, const std::string&, const std::string&,
-                                     std::string& errorText) {
-        EXPECT_TRUE(waitCursorShown());
-        errorText = message;
-        return session;
-    });
-}
-
 // Checks that the password dialog starts empty with OK disabled under the reason, then types
 // password and presses OK (or, with an empty password, Cancel).
 DialogDriver::Handler answerPasswordDialog(const QString& password)
@@ -65,45 +48,42 @@ DialogDriver::Handler answerPasswordDialog(const QString& password)
         ASSERT_NE(dialog, nullptr) << w->metaObject()->className();
         EXPECT_FALSE(waitCursorShown());
         auto* label = qobject_cast<QLabel*>(dialog->layout()->itemAt(0)->widget());
-        ASSERT_NE(label, nullptr);
-        EXPECT_EQ(label->text(), kReason);
+        EXPECT_EQ(label ? label->text() : QString(), kReason);
         auto* field = dialog->findChild<QLineEdit*>();
-        QPushButton* ok = nullptr;
-        QPushButton* cancel = nullptr;
-        for (QPushButton* button : dialog->findChildren<QPushButton*>())
-            (button->text() == "Ok" ? ok : cancel) = button;
-        ASSERT_TRUE(field && ok && cancel);
+        const auto buttons = dialog->findChildren<QPushButton*>();  // Ok, Cancel
+        ASSERT_TRUE(field && buttons.size() == 2);
         EXPECT_TRUE(field->text().isEmpty());
-        EXPECT_FALSE(ok->isEnabled());
-        if (password.isEmpty()) {
-            QTest::mouseClick(cancel, Qt::LeftButton);
-            return;
-        }
+        EXPECT_FALSE(buttons[0]->isEnabled());
         QTest::keyClicks(field, password);
-        QTest::mouseClick(ok, Qt::LeftButton);
+        QTest::mouseClick(buttons[password.isEmpty() ? 1 : 0], Qt::LeftButton);
     };
 }
 
 class ReconnectTest : public ::testing::Test
 {
-protected:
+public:  // table rows arrange the fixture from outside
     void SetUp() override
     {
-        ON_CALL(*host.fileVersionControl, CreateUserParameters(_, _, _, _, _)).WillByDefault(Return(session));
         host.system.RegisterSingleton(CHBRevisionControlPropertiesMgr::GetSingletonName(), settings.get());
         settings->SetAccountProperties(kUser, kServer, kWorkspace);
     }
 
     bool reconnect() { return helper.AttemptReconnect(host.dataControl, "", kReason); }
-    void expectLogIn(const std::string& password, Session session, const std::string& message = {})
+    // The log-in with this password answers the session (null: a failure) and the message; the
+    // wait cursor is up during the call.
+    void expectLogIn(const std::string& password, Session answer, const std::string& message = {})
     {
         EXPECT_CALL(*host.fileVersionControl, Login(kUser, password, kWorkspace, kServer, _))
-            .WillOnce(logInAnswer(std::move(session), message))
+            .WillOnce([answer, message](auto&&, auto&&, auto&&, auto&&, std::string& errorText) {
+                EXPECT_TRUE(waitCursorShown());
+                errorText = message;
+                return answer;
+            })
             .RetiresOnSaturation();
     }
     void expectFinished() { EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString(); }
 
-    FakeHost host;
+    hbrc::test::FakeHost host;
     std::unique_ptr<CHBRevisionControlPropertiesMgr> settings{new CHBRevisionControlPropertiesMgr};
     CRevisionControlUIHelper helper;
     std::unique_ptr<QWidget> mainWindow = std::make_unique<QWidget>();  // makes the session interactive
@@ -120,96 +100,95 @@ TEST_F(ReconnectTest, AServerThatAcceptsTheEmptyPasswordGetsNoDialog)
     expectFinished();
 }
 
-TEST_F(ReconnectTest, AWrongPasswordBringsTheDialogBackEmpty)
+// The password loop after a first attempt that wants a password. Each attempt types a password
+// (none: Cancel) that the server answers with a message (none: a session).
+struct LoopCase {
+    const char* name;
+    std::vector<std::pair<QString, std::string>> attempts;
+    bool connects;
+};
+
+class PasswordLoop : public ReconnectTest, public ::testing::WithParamInterface<LoopCase>
+{
+};
+
+TEST_P(PasswordLoop, AsksAgainOnlyAfterAnInvalidPasswordAndNeverLogsIt)
 {
     hbrc::host::LogCapture log;
     hbrc::host::DebugOutputCapture debug;
     ::testing::InSequence order;
     expectLogIn("", nullptr, "login refused: Invalid password (try again)");
-    expectLogIn("wrong", nullptr, "Invalid password for ann");
-    expectLogIn("s3cret", session);
-    EXPECT_CALL(*host.dataControl, SetSession(session));
-    driver.expect("password dialog", answerPasswordDialog("wrong"));
-    driver.expectMessageBox("Connection Error", QMessageBox::Ok, "Invalid password for ann");
-    driver.expect("password dialog again", answerPasswordDialog("s3cret"));
+    for (const auto& [password, answer] : GetParam().attempts) {
+        driver.expect("password dialog", answerPasswordDialog(password));
+        if (password.isEmpty())
+            break;
+        expectLogIn(password.toStdString(), answer.empty() ? session : nullptr, answer);
+        if (!answer.empty())
+            driver.expectMessageBox("Connection Error", QMessageBox::Ok, QString::fromStdString(answer));
+    }
+    EXPECT_CALL(*host.dataControl, SetSession(session)).Times(GetParam().connects ? 1 : 0);
 
-    EXPECT_TRUE(reconnect());
+    EXPECT_EQ(reconnect(), GetParam().connects);
     expectFinished();
+    std::string written;
     for (const auto& entry : log.Entries())
-        EXPECT_EQ(entry.text.find("s3cret"), std::string::npos);
+        written += entry.text;
     for (const std::string& line : debug.Lines())
-        EXPECT_EQ(line.find("s3cret"), std::string::npos);
+        written += line;
+    EXPECT_EQ(written.find("s3cret"), std::string::npos) << written;
 }
 
-TEST_F(ReconnectTest, CancelGivesUpWithoutAFurtherBox)
-{
-    expectLogIn("", nullptr, "Invalid password");
-    EXPECT_CALL(*host.dataControl, SetSession(_)).Times(0);
-    driver.expect("password dialog", answerPasswordDialog(QString()));
-    EXPECT_FALSE(reconnect());
-    expectFinished();
-    EXPECT_EQ(driver.answered(), 1);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Rows, PasswordLoop,
+    ::testing::Values(LoopCase{"AWrongPasswordBringsTheDialogBackEmpty",
+                               {{"wrong", "Invalid password for ann"}, {"s3cret", ""}},
+                               true},
+                      LoopCase{"CancelGivesUpWithoutAFurtherBox", {{"", ""}}, false},
+                      LoopCase{"AnotherFailureIsShownOnceAndGivesUp", {{"s3cret", "Connect to server failed"}}, false}),
+    [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(ReconnectTest, AnotherFailureAfterAPasswordShowsItsMessageOnceAndGivesUp)
-{
-    ::testing::InSequence order;
-    expectLogIn("", nullptr, "Invalid password");
-    expectLogIn("pw", nullptr, "Connect to server failed");
-    EXPECT_CALL(*host.dataControl, SetSession(_)).Times(0);
-    driver.expect("password dialog", answerPasswordDialog("pw"));
-    driver.expectMessageBox("Connection Error", QMessageBox::Ok, "Connect to server failed");
-    EXPECT_FALSE(reconnect());
-    expectFinished();
-    EXPECT_EQ(driver.seenTitles().size(), 2);
-}
+// Every way to give up before the password dialog: one "Connection Error" box at most, no session.
+struct GiveUpCase {
+    const char* name;
+    const char* firstAnswer;  // of the empty-password log-in; none: no log-in at all
+    const char* missing;      // singleton taken from the host
+    bool batch;
+    const char* box;
+};
 
-// A first attempt that fails for any reason but a wrong password shows the service's message
-// and asks for no password. The test for "Invalid password" is case-sensitive.
-class FirstAttemptFailure : public ReconnectTest, public ::testing::WithParamInterface<const char*>
+class GiveUpAtOnce : public ReconnectTest, public ::testing::WithParamInterface<GiveUpCase>
 {
 };
 
-TEST_P(FirstAttemptFailure, ShowsTheServicesMessageAndNoDialog)
+TEST_P(GiveUpAtOnce, ShowsAtMostOneBoxAndNoDialog)
 {
-    expectLogIn("", nullptr, GetParam());
-    EXPECT_CALL(*host.dataControl, SetSession(_)).Times(0);
-    driver.expectMessageBox("Connection Error", QMessageBox::Ok, GetParam());
-    EXPECT_FALSE(reconnect());
-    expectFinished();
-    EXPECT_EQ(driver.seenTitles(), QStringList{"Connection Error"});
-}
-
-INSTANTIATE_TEST_SUITE_P(Messages, FirstAttemptFailure,
-                         ::testing::Values("Connect to server failed; check the server address.",
-                                           "invalid password"));
-
-TEST_F(ReconnectTest, MissingSettingsCannotConnect)
-{
-    host.system.UnregisterSingleton(CHBRevisionControlPropertiesMgr::GetSingletonName());
+    const GiveUpCase& c = GetParam();
+    if (c.batch)
+        mainWindow.reset();
+    if (c.missing)
+        host.system.UnregisterSingleton(c.missing);
     EXPECT_CALL(*host.fileVersionControl, Login(_, _, _, _, _)).Times(0);
-    driver.expectMessageBox("Connection Error", QMessageBox::Ok, "Cannot connect to version control");
-    EXPECT_FALSE(reconnect());
-    expectFinished();
-}
-
-TEST_F(ReconnectTest, AMissingDatabaseProxyGivesUpSilently)
-{
-    host.system.UnregisterSingleton(nrk::fwk::IKELDBProxy::GetSingletonName());
-    EXPECT_CALL(*host.fileVersionControl, Login(_, _, _, _, _)).Times(0);
-    EXPECT_FALSE(reconnect());
-    expectFinished();
-}
-
-TEST_F(ReconnectTest, BatchGivesUpAtOnceTouchingNothing)
-{
-    mainWindow.reset();
-    host.system.UnregisterSingleton(CHBRevisionControlPropertiesMgr::GetSingletonName());
-    EXPECT_CALL(*host.fileVersionControl, Login(_, _, _, _, _)).Times(0);
+    if (c.firstAnswer)
+        expectLogIn("", nullptr, c.firstAnswer);
+    if (c.box)
+        driver.expectMessageBox("Connection Error", QMessageBox::Ok, c.box);
     EXPECT_CALL(*host.dataControl, SetSession(_)).Times(0);
     EXPECT_FALSE(reconnect());
     expectFinished();
-    EXPECT_TRUE(driver.seenTitles().isEmpty());
+    EXPECT_EQ(driver.seenTitles().size(), c.box ? 1 : 0);
 }
+
+const char* const kServerDown = "Connect to server failed; check the server address.";
+const char* const kSettings = CHBRevisionControlPropertiesMgr::GetSingletonName();
+
+// The test for "Invalid password" is case-sensitive: any other first failure is shown as it is.
+INSTANTIATE_TEST_SUITE_P(
+    Rows, GiveUpAtOnce,
+    ::testing::Values(GiveUpCase{"ServerUnreachable", kServerDown, nullptr, false, kServerDown},
+                      GiveUpCase{"LowerCaseInvalidPassword", "invalid password", nullptr, false, "invalid password"},
+                      GiveUpCase{"MissingSettings", nullptr, kSettings, false, "Cannot connect to version control"},
+                      GiveUpCase{"MissingDatabaseProxy", nullptr, "KELDBProxy", false, nullptr},
+                      GiveUpCase{"BatchTouchesNothing", nullptr, kSettings, true, nullptr}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
