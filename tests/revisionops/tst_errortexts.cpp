@@ -1,7 +1,7 @@
 // The failure explanations built from status words: which lines, in which order, which users.
 #include "errorreporting.h"
 
-#include "scriptedhost.h"
+#include <hostfakes.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,13 +12,22 @@
 
 using hbrc::internal::AddErrorString;
 using hbrc::internal::GetErrorStrings;
-using hbrc::test::ScriptedHost;
 using ::testing::_;
 using ::testing::DoAll;
 using ::testing::Return;
 using ::testing::SetArgReferee;
 
 namespace {
+
+// Expectations that name objects hold handles, and handles hold the manager that holds the
+// services: the services forget them when the host goes, so that they are destroyed and verified.
+struct ScriptedHost : hbrc::test::FakeHost {
+    ~ScriptedHost()
+    {
+        ::testing::Mock::VerifyAndClear(dataControl.Get());
+        ::testing::Mock::VerifyAndClear(fileVersionControl.Get());
+    }
+};
 
 const std::string kCheckedOutByOthers = "because the following users have checked out some of the files\n";
 const std::string kMarkedForAdd = "because some of the files are marked for add\n";
@@ -79,44 +88,32 @@ TEST_P(ObjectErrorText, ExplainsTheFlagsTheObjectsCarryAndListsTheirFiles)
     EXPECT_EQ(details, c.statusCode == 0 ? kFileDetails : "stale");
 }
 
+const std::string kUsersOf = "\nError found while trying to get the list of users for object ";
+const std::string kNoRoute = "Error reported by IO module: no route to host\n";
+
 INSTANTIATE_TEST_SUITE_P(
     Rows, ObjectErrorText,
     ::testing::Values(
-        ObjectsCase{"SeveralFlagsInAscendingOrderWithTheUsersLast",
-                    checkOut,
-                    {0x80 | 0x2, 0x40 | 0x10},
+        ObjectsCase{"SeveralFlagsInAscendingOrderWithTheUsersLast", checkOut, {0x80 | 0x2, 0x40 | 0x10},
                     {{0, Users({"bob"})}},
                     kCheckedOutByOthers + kMarkedForDelete + kNotHead + kNotInDatabase + "\nbob\n"},
-        ObjectsCase{"EachLineOnceWithTheUsersOfItsFirstObject",
-                    checkOut,
-                    {0x4, 0x8, 0x8 | 0x4},
-                    {{1, Users({"carl"})}},
+        ObjectsCase{"EachLineOnceWithTheUsersOfItsFirstObject", checkOut, {0x4, 0x8, 0x8 | 0x4}, {{1, Users({"carl"})}},
                     kMarkedForAdd + kMarkedForAddByOthers + "\ncarl\n"},
-        ObjectsCase{"UsersOnceAndSortedAcrossFlags",
-                    checkOut,
-                    {0x2, 0x20000},
+        ObjectsCase{"UsersOnceAndSortedAcrossFlags", checkOut, {0x2, 0x20000},
                     {{0, Users({"zoe", "bob"})}, {1, Users({"bob", "amy"})}},
                     kCheckedOutByOthers + kLockedByOthers + "\namy\nbob\nzoe\n"},
-        ObjectsCase{"AFailedUsersQueryBecomesAnEntryNamingTheObject",
-                    checkOut,
-                    {0, 0x20000},
-                    {{1, std::nullopt}},
-                    kLockedByOthers + "\nError found while trying to get the list of users for object asset1\n\n"},
-        ObjectsCase{"NoUsersCountsAsAFailedQuery",
-                    checkOut,
-                    {0x2},
-                    {{0, Users(std::vector<std::string>{})}},
-                    kCheckedOutByOthers + "\nError found while trying to get the list of users for object asset0\n\n"},
+        ObjectsCase{"AFailedUsersQueryBecomesAnEntryNamingTheObject", checkOut, {0, 0x20000}, {{1, std::nullopt}},
+                    kLockedByOthers + kUsersOf + "asset1\n\n"},
+        ObjectsCase{"NoUsersCountsAsAFailedQuery", checkOut, {0x2}, {{0, Users(std::vector<std::string>{})}},
+                    kCheckedOutByOthers + kUsersOf + "asset0\n\n"},
         ObjectsCase{"CheckedOutByTheUserAddsNothing", markForAdd, {0x1 | 0x8000}, {}, kIOError},
         // 0x1 has no line; the others are outside the mark-for-add set.
         ObjectsCase{"NoFlagWithALineIsUnexplained", markForAdd, {0x1 | 0x4 | 0x10 | 0x40 | 0x80}, {}, kUnknown},
         ObjectsCase{"NoObjectsIsUnexplained", checkOut, {}, {}, kUnknown},
         ObjectsCase{"ASessionUnusableStatusQuery", checkOut, {0x2}, {},
-                    "Cannot connect to source control.\nError reported by IO module: no route to host\n", -34},
-        ObjectsCase{"AnotherFailedStatusQuery", checkOut, {0x2}, {},
-                    "Unknown error encountered.\nError reported by IO module: no route to host\n", -2},
-        ObjectsCase{"AStatusQueryWithARemark", checkOut, {0x2}, {},
-                    "Unknown error encountered.\nError reported by IO module: no route to host\n", 1}),
+                    "Cannot connect to source control.\n" + kNoRoute, -34},
+        ObjectsCase{"AnotherFailedStatusQuery", checkOut, {0x2}, {}, "Unknown error encountered.\n" + kNoRoute, -2},
+        ObjectsCase{"AStatusQueryWithARemark", checkOut, {0x2}, {}, "Unknown error encountered.\n" + kNoRoute, 1}),
     [](const auto& info) { return std::string(info.param.name); });
 
 struct FilesCase {

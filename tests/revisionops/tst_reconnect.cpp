@@ -1,5 +1,5 @@
-// Re-opening an expired session: the empty-password attempt, the password loop through the real
-// dialog, and every way out of it.
+// Re-opening an expired session: the password dialog on its own, then the empty-password attempt,
+// the password loop through the real dialog (which shows empty each time), and every way out of it.
 #include "hbpasswordrequireddialog.h"
 #include "hbrevisioncontrolpropertiesmgr.h"
 #include "revisioncontroluihelper.h"
@@ -39,6 +39,12 @@ bool waitCursorShown()
     return QApplication::overrideCursor() && QApplication::overrideCursor()->shape() == Qt::WaitCursor;
 }
 
+QString labelAt(const QDialog& dialog, int index)
+{
+    auto* label = qobject_cast<QLabel*>(dialog.layout()->itemAt(index)->widget());
+    return label ? label->text() : QString();
+}
+
 // Checks that the password dialog starts empty with OK disabled under the reason, then types
 // password and presses OK (or, with an empty password, Cancel).
 DialogDriver::Handler answerPasswordDialog(const QString& password)
@@ -47,8 +53,7 @@ DialogDriver::Handler answerPasswordDialog(const QString& password)
         auto* dialog = qobject_cast<PasswordRequiredDialog*>(w);
         ASSERT_NE(dialog, nullptr) << w->metaObject()->className();
         EXPECT_FALSE(waitCursorShown());
-        auto* label = qobject_cast<QLabel*>(dialog->layout()->itemAt(0)->widget());
-        EXPECT_EQ(label ? label->text() : QString(), kReason);
+        EXPECT_EQ(labelAt(*dialog, 0), kReason);
         auto* field = dialog->findChild<QLineEdit*>();
         const auto buttons = dialog->findChildren<QPushButton*>();  // Ok, Cancel
         ASSERT_TRUE(field && buttons.size() == 2);
@@ -57,6 +62,56 @@ DialogDriver::Handler answerPasswordDialog(const QString& password)
         QTest::keyClicks(field, password);
         QTest::mouseClick(buttons[password.isEmpty() ? 1 : 0], Qt::LeftButton);
     };
+}
+
+class PasswordDialogTest : public ::testing::Test
+{
+protected:
+    PasswordRequiredDialog dialog{nullptr};
+    QLineEdit* field = dialog.findChild<QLineEdit*>();
+    QList<QPushButton*> buttons = dialog.findChildren<QPushButton*>();
+};
+
+TEST_F(PasswordDialogTest, MasksThePasswordUnderItsReasonsWithOkThenCancel)
+{
+    ASSERT_NE(field, nullptr);
+    ASSERT_EQ(buttons.size(), 2);
+    QPushButton* ok = buttons[0];
+    QPushButton* cancel = buttons[1];
+    EXPECT_EQ(ok->text(), "Ok");
+    EXPECT_EQ(cancel->text(), "Cancel");
+    EXPECT_EQ(dialog.windowTitle(), "Data Source Password Required");
+    EXPECT_EQ(field->echoMode(), QLineEdit::Password);
+    EXPECT_FALSE(ok->isEnabled());
+
+    dialog.SetReason(kReason);
+    dialog.SetReason("second");
+    EXPECT_EQ(labelAt(dialog, 0), "second");
+    EXPECT_EQ(labelAt(dialog, 1), kReason);
+    EXPECT_EQ(labelAt(dialog, 2), "Please enter the password");
+    EXPECT_EQ(dialog.layout()->itemAt(3)->widget(), field);
+    auto* row = dialog.layout()->itemAt(4)->layout();
+    ASSERT_NE(row, nullptr);
+    EXPECT_EQ(row->itemAt(0)->widget(), ok);
+    EXPECT_EQ(row->itemAt(1)->widget(), cancel);
+    EXPECT_EQ(field->nextInFocusChain(), ok);
+    EXPECT_EQ(ok->nextInFocusChain(), cancel);
+}
+
+TEST_F(PasswordDialogTest, OkFollowsWhatTheUserTypesAndBecomesTheDefault)
+{
+    QPushButton* ok = buttons.value(0);
+    ASSERT_TRUE(field && ok);
+    dialog.show();
+    QTest::keyClicks(field, "pw");
+    EXPECT_TRUE(ok->isEnabled());
+    EXPECT_TRUE(ok->isDefault());
+    QTest::keyClick(field, Qt::Key_Backspace);
+    EXPECT_TRUE(ok->isEnabled());
+    QTest::keyClick(field, Qt::Key_Backspace);
+    EXPECT_FALSE(ok->isEnabled());
+    field->setText("set by program");  // not an edit by the user
+    EXPECT_FALSE(ok->isEnabled());
 }
 
 class ReconnectTest : public ::testing::Test
