@@ -1,8 +1,6 @@
 // Pixel metrics (the marked menu bar), style hints and the push-button size of the dark styles.
 #include "stylesupport.h"
 
-#include <qtextention/qtlomdarkstyletarn.h>
-
 #include <QCommonStyle>
 #include <QProxyStyle>
 #include <QStyleOption>
@@ -15,105 +13,79 @@
 
 namespace {
 
-enum class MenuBar { NoWidget, Unmarked, MarkedTrue, MarkedFalse, MarkedText };
+using Answer = std::optional<int>;  // nullopt: the wrapped style's answer
 
-struct MetricRow {
-    const char* name;
-    QStyle::PixelMetric metric;
-    MenuBar menuBar;
-    int simple;
-    int tarn;
-};
-
-// The property marks the host's menu bar by being present at all: false and text count too.
-const MetricRow kMetricTable[] = {
-    {"PanelWidthMarked", QStyle::PM_MenuBarPanelWidth, MenuBar::MarkedTrue, 0, 0},
-    {"PanelWidthUnmarked", QStyle::PM_MenuBarPanelWidth, MenuBar::Unmarked, 0, 0},
-    {"VMarginNoWidget", QStyle::PM_MenuBarVMargin, MenuBar::NoWidget, 1, 1},
-    {"VMarginUnmarked", QStyle::PM_MenuBarVMargin, MenuBar::Unmarked, 1, 1},
-    {"VMarginMarkedTrue", QStyle::PM_MenuBarVMargin, MenuBar::MarkedTrue, 4, 4},
-    {"VMarginMarkedFalse", QStyle::PM_MenuBarVMargin, MenuBar::MarkedFalse, 4, 4},
-    {"VMarginMarkedText", QStyle::PM_MenuBarVMargin, MenuBar::MarkedText, 4, 4},
-    {"HMarginNoWidget", QStyle::PM_MenuBarHMargin, MenuBar::NoWidget, 0, 0},
-    {"HMarginUnmarked", QStyle::PM_MenuBarHMargin, MenuBar::Unmarked, 0, 0},
-    {"HMarginMarkedTrue", QStyle::PM_MenuBarHMargin, MenuBar::MarkedTrue, 3, 3},
-    {"HMarginMarkedFalse", QStyle::PM_MenuBarHMargin, MenuBar::MarkedFalse, 3, 3},
-    {"FocusFrameVMargin", QStyle::PM_FocusFrameVMargin, MenuBar::NoWidget, 0, 0},
-    {"FocusFrameHMargin", QStyle::PM_FocusFrameHMargin, MenuBar::NoWidget, 0, 2},
-};
-
-class DarkStyleMetric : public ::testing::TestWithParam<MetricRow>
+// Asks both styles; each must give its expected answer.
+void expectInBothStyles(const char* name, Answer simple, Answer tarn, const std::function<int(const QStyle&)>& ask)
 {
-};
-
-TEST_P(DarkStyleMetric, MatchesTheTableInBothStyles)
-{
-    const MetricRow& row = GetParam();
-    QWidget widget;
-    if (row.menuBar == MenuBar::MarkedTrue)
-        widget.setProperty("isQtarnZelmarMenuBar", true);
-    if (row.menuBar == MenuBar::MarkedFalse)
-        widget.setProperty("isQtarnZelmarMenuBar", false);
-    if (row.menuBar == MenuBar::MarkedText)
-        widget.setProperty("isQtarnZelmarMenuBar", QStringLiteral("no"));
-    const QWidget* target = row.menuBar == MenuBar::NoWidget ? nullptr : &widget;
-    EXPECT_EQ(simpleStyleCase().create()->pixelMetric(row.metric, nullptr, target), row.simple);
-    EXPECT_EQ(tarnStyleCase().create()->pixelMetric(row.metric, nullptr, target), row.tarn);
+    const std::pair<const StyleCase*, Answer> cases[] = {{&simpleStyleCase(), simple}, {&tarnStyleCase(), tarn}};
+    for (const auto& [style, answer] : cases)
+        EXPECT_EQ(ask(*style->create()), answer ? *answer : ask(*style->createBase())) << name << " in " << *style;
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, DarkStyleMetric, ::testing::ValuesIn(kMetricTable),
-                         [](const auto& info) { return std::string(info.param.name); });
-
-TEST(DarkStyleMetric, OtherMetricsComeFromTheWrappedStyle)
+TEST(DarkStyleMetric, MenuBarMarginsFollowThePropertysPresenceAndTheRestComeFromTheWrappedStyle)
 {
-    for (const StyleCase* style : {&simpleStyleCase(), &tarnStyleCase()}) {
-        for (const auto metric : {QStyle::PM_IndicatorWidth, QStyle::PM_ScrollBarExtent, QStyle::PM_TabBarTabHSpace})
-            EXPECT_EQ(style->create()->pixelMetric(metric), style->createBase()->pixelMetric(metric)) << *style;
+    // The property marks the host's menu bar by being present at all: false and text count too.
+    QWidget unmarked, markedTrue, markedFalse, markedText;
+    markedTrue.setProperty("isQtarnZelmarMenuBar", true);
+    markedFalse.setProperty("isQtarnZelmarMenuBar", false);
+    markedText.setProperty("isQtarnZelmarMenuBar", QStringLiteral("no"));
+    const struct {
+        const char* name;
+        QStyle::PixelMetric metric;
+        const QWidget* widget;
+        Answer simple;
+        Answer tarn;
+    } rows[] = {
+        {"PanelWidthMarked", QStyle::PM_MenuBarPanelWidth, &markedTrue, 0, 0},
+        {"PanelWidthUnmarked", QStyle::PM_MenuBarPanelWidth, &unmarked, 0, 0},
+        {"VMarginNoWidget", QStyle::PM_MenuBarVMargin, nullptr, 1, 1},
+        {"VMarginUnmarked", QStyle::PM_MenuBarVMargin, &unmarked, 1, 1},
+        {"VMarginMarkedTrue", QStyle::PM_MenuBarVMargin, &markedTrue, 4, 4},
+        {"VMarginMarkedFalse", QStyle::PM_MenuBarVMargin, &markedFalse, 4, 4},
+        {"VMarginMarkedText", QStyle::PM_MenuBarVMargin, &markedText, 4, 4},
+        {"HMarginNoWidget", QStyle::PM_MenuBarHMargin, nullptr, 0, 0},
+        {"HMarginUnmarked", QStyle::PM_MenuBarHMargin, &unmarked, 0, 0},
+        {"HMarginMarkedTrue", QStyle::PM_MenuBarHMargin, &markedTrue, 3, 3},
+        {"HMarginMarkedFalse", QStyle::PM_MenuBarHMargin, &markedFalse, 3, 3},
+        {"FocusFrameVMargin", QStyle::PM_FocusFrameVMargin, nullptr, 0, 0},
+        {"FocusFrameHMargin", QStyle::PM_FocusFrameHMargin, nullptr, 0, 2},
+        {"IndicatorWidth", QStyle::PM_IndicatorWidth, nullptr, std::nullopt, std::nullopt},
+        {"ScrollBarExtent", QStyle::PM_ScrollBarExtent, nullptr, std::nullopt, std::nullopt},
+        {"TabBarTabHSpace", QStyle::PM_TabBarTabHSpace, nullptr, std::nullopt, std::nullopt},
+    };
+    for (const auto& row : rows) {
+        expectInBothStyles(row.name, row.simple, row.tarn,
+                           [&](const QStyle& style) { return style.pixelMetric(row.metric, nullptr, row.widget); });
     }
 }
 
-struct HintRow {
-    const char* name;
-    QStyle::StyleHint hint;
-    std::optional<int> simple;  // nullopt: the wrapped style's answer
-    std::optional<int> tarn;
-};
-
-const HintRow kHintTable[] = {
-    {"EtchDisabledText", QStyle::SH_EtchDisabledText, 0, 0},
-    {"ButtonFocusPolicy", QStyle::SH_Button_FocusPolicy, 0, 0},
-    {"TableGridLineColor", QStyle::SH_Table_GridLineColor, int(qRgb(68, 68, 68)), int(qRgb(68, 68, 68))},
-    {"SliderAbsoluteSetButtons", QStyle::SH_Slider_AbsoluteSetButtons, std::nullopt, int(Qt::LeftButton)},
-    {"DialogButtonLayout", QStyle::SH_DialogButtonLayout, std::nullopt, std::nullopt},
-    {"ComboBoxPopup", QStyle::SH_ComboBox_Popup, std::nullopt, std::nullopt},
-};
-
-class DarkStyleHint : public ::testing::TestWithParam<HintRow>
+TEST(DarkStyleHint, HintsFollowTheTableInBothStyles)
 {
-};
-
-TEST_P(DarkStyleHint, MatchesTheTableInBothStyles)
-{
-    const HintRow& row = GetParam();
-    const std::pair<const StyleCase*, std::optional<int>> cases[] = {{&simpleStyleCase(), row.simple},
-                                                                      {&tarnStyleCase(), row.tarn}};
-    for (const auto& [style, answer] : cases) {
-        const int expected = answer ? *answer : style->createBase()->styleHint(row.hint);
-        EXPECT_EQ(style->create()->styleHint(row.hint), expected) << *style;
+    const struct {
+        const char* name;
+        QStyle::StyleHint hint;
+        Answer simple;
+        Answer tarn;
+    } rows[] = {
+        {"EtchDisabledText", QStyle::SH_EtchDisabledText, 0, 0},
+        {"ButtonFocusPolicy", QStyle::SH_Button_FocusPolicy, 0, 0},
+        {"TableGridLineColor", QStyle::SH_Table_GridLineColor, int(qRgb(68, 68, 68)), int(qRgb(68, 68, 68))},
+        {"SliderAbsoluteSetButtons", QStyle::SH_Slider_AbsoluteSetButtons, std::nullopt, int(Qt::LeftButton)},
+        {"DialogButtonLayout", QStyle::SH_DialogButtonLayout, std::nullopt, std::nullopt},
+        {"ComboBoxPopup", QStyle::SH_ComboBox_Popup, std::nullopt, std::nullopt},
+    };
+    for (const auto& row : rows) {
+        expectInBothStyles(row.name, row.simple, row.tarn,
+                           [&](const QStyle& style) { return style.styleHint(row.hint); });
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Table, DarkStyleHint, ::testing::ValuesIn(kHintTable),
-                         [](const auto& info) { return std::string(info.param.name); });
 
 // A base style that draws a default-button indicator, which Fusion does not.
 class DefaultIndicatorStyle final : public QProxyStyle
 {
 public:
-    DefaultIndicatorStyle()
-        : QProxyStyle(QStringLiteral("Fusion"))
-    {
-    }
+    DefaultIndicatorStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
     {
         return metric == PM_ButtonDefaultIndicator ? 3 : QProxyStyle::pixelMetric(metric, option, widget);
@@ -124,8 +96,8 @@ TEST(DarkStyleTarnSize, PushButtonSizeIsTheCommonSizeAndGrowsOnceMoreForAutoDefa
 {
     QtlomDarkStyleTarn style;
     const QSize contents(40, 16);
+    const QStyleOption notAButton;
     EXPECT_EQ(style.sizeFromContents(QStyle::CT_PushButton, nullptr, contents), contents);
-    QStyleOption notAButton;
     EXPECT_EQ(style.sizeFromContents(QStyle::CT_PushButton, &notAButton, contents), contents);
 
     QStyleOptionButton button;

@@ -2,10 +2,6 @@
 // cache, marked menu-bar items, dock-widget titles, tree branches and brightened active icons.
 #include "stylesupport.h"
 
-#include <qtextention/qtlomdarkstyle.h>
-#include <qtextention/qtlomdarkstylesimple.h>
-#include <qtextention/qtlomdarkstyletarn.h>
-
 #include <QCommonStyle>
 #include <QPainter>
 #include <QPixmapCache>
@@ -17,30 +13,29 @@
 namespace {
 
 const QColor kSentinel(255, 0, 255);
+const QSize kCanvas(40, 30);
+
+// A kCanvas image of kSentinel after paint.
+QImage painted(const std::function<void(QPainter&)>& paint)
+{
+    return paintedImage(kCanvas, kSentinel, paint);
+}
 
 class DarkStylePainting : public ::testing::TestWithParam<StyleCase>
 {
 protected:
-    void SetUp() override
-    {
-        QPixmapCache::clear();
-        m_style = GetParam().create();
-    }
+    void SetUp() override { QPixmapCache::clear(); }
     void TearDown() override { QPixmapCache::clear(); }
 
-    QImage draw(QStyle::PrimitiveElement element, const QStyleOption& option, const QStyle* style = nullptr) const
-    {
-        return paintedImage(QSize(40, 30), kSentinel, [&](QPainter& p) {
-            (style ? style : m_style.get())->drawPrimitive(element, &option, &p);
-        });
-    }
-
-    std::unique_ptr<QStyle> m_style;
+    const std::unique_ptr<QStyle> m_style = GetParam().create();
 };
 
 TEST_P(DarkStylePainting, CheckedEnabledToolButtonIsTheBasePanelInTheSelectedColour)
 {
     const auto base = GetParam().createBase();
+    const auto draw = [](const QStyle& style, const QStyleOption& option) {
+        return painted([&](QPainter& p) { style.drawPrimitive(QStyle::PE_PanelButtonTool, &option, &p); });
+    };
     const struct {
         QStyle::State state;
         bool selectedColour;
@@ -52,27 +47,23 @@ TEST_P(DarkStylePainting, CheckedEnabledToolButtonIsTheBasePanelInTheSelectedCol
     };
     for (const auto& row : rows) {
         QStyleOption panel;
-        panel.rect = QRect(0, 0, 40, 30);
+        panel.rect = QRect(QPoint(0, 0), kCanvas);
         panel.palette = m_style->standardPalette();
         panel.state = row.state;
         QStyleOption expected = panel;
-        if (row.selectedColour) {
-            expected.palette.setColor(QPalette::Active, QPalette::Button, QColor(175, 175, 175));
-            expected.palette.setColor(QPalette::Inactive, QPalette::Button, QColor(175, 175, 175));
+        for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+            if (row.selectedColour)
+                expected.palette.setColor(group, QPalette::Button, grey(175));
         }
-        EXPECT_EQ(draw(QStyle::PE_PanelButtonTool, panel), draw(QStyle::PE_PanelButtonTool, expected, base.get()))
-            << "state " << int(row.state);
+        EXPECT_EQ(draw(*m_style, panel), draw(*base, expected)) << "state " << int(row.state);
     }
-    EXPECT_EQ(QtlomDarkStyle::fSelectedToolButtonColor, QColor(175, 175, 175));
 }
 
 TEST_P(DarkStylePainting, FocusFrameIsAOnePixelRectangleInTheFocusColour)
 {
     QStyleOption frame;
     frame.rect = QRect(2, 2, 20, 10);
-    const QImage image = paintedImage(QSize(40, 30), kSentinel, [&](QPainter& p) {
-        m_style->drawControl(QStyle::CE_FocusFrame, &frame, &p);
-    });
+    const QImage image = painted([&](QPainter& p) { m_style->drawControl(QStyle::CE_FocusFrame, &frame, &p); });
     EXPECT_EQ(pixelColor(image, 2, 2), grey(130));
     EXPECT_EQ(pixelColor(image, 21, 11), grey(130));
     EXPECT_EQ(pixelColor(image, 10, 6), kSentinel);
@@ -85,24 +76,22 @@ TEST_P(DarkStylePainting, MarkedMenuBarItemIsOutlinedOnlyWhenSelectedAndEnabled)
     menuBar.setProperty("isQtarnZelmarMenuBar", false);
     menuBar.setPalette(m_style->standardPalette());
     const QColor background = menuBar.palette().color(menuBar.backgroundRole());
-    const QColor outline = grey(38);  // Window 68 darkened by 178
     const struct {
         QStyle::State state;
         QColor edge;
         QColor inside;
     } rows[] = {
-        {QStyle::State_Enabled | QStyle::State_Selected, outline, grey(53)},  // fill: halves of 68 and 38
+        {QStyle::State_Enabled | QStyle::State_Selected, grey(38), grey(53)},  // Window 68 darkened by 178; halves
         {QStyle::State_Enabled, background, background},
         {QStyle::State_Selected, background, background},
     };
     for (const auto& row : rows) {
         QStyleOptionMenuItem item;
-        item.rect = QRect(0, 0, 40, 30);
+        item.rect = QRect(QPoint(0, 0), kCanvas);
         item.palette = menuBar.palette();
         item.state = row.state;
-        const QImage image = paintedImage(QSize(40, 30), kSentinel, [&](QPainter& p) {
-            m_style->drawControl(QStyle::CE_MenuBarItem, &item, &p, &menuBar);
-        });
+        const QImage image =
+            painted([&](QPainter& p) { m_style->drawControl(QStyle::CE_MenuBarItem, &item, &p, &menuBar); });
         EXPECT_EQ(pixelColor(image, 10, 0), row.edge) << "state " << int(row.state);
         EXPECT_EQ(pixelColor(image, 5, 25), row.inside) << "state " << int(row.state);
     }
@@ -115,58 +104,43 @@ TEST_P(DarkStylePainting, DockWidgetTitleHasALightAndADarkLineAlongTheBar)
     title.palette = m_style->standardPalette();
     title.state = QStyle::State_Enabled;
     title.movable = true;
-    const QImage horizontal = paintedImage(QSize(40, 30), kSentinel, [&](QPainter& p) {
-        m_style->drawControl(QStyle::CE_DockWidgetTitle, &title, &p);
-    });
+    const auto draw = [&] {
+        return painted([&](QPainter& p) { m_style->drawControl(QStyle::CE_DockWidgetTitle, &title, &p); });
+    };
+    const QImage horizontal = draw();
     EXPECT_EQ(pixelColor(horizontal, 20, 0), grey(97));
     EXPECT_EQ(pixelColor(horizontal, 20, 19), grey(37));
     EXPECT_EQ(pixelColor(horizontal, 20, 25), kSentinel);
-
     title.verticalTitleBar = true;
-    const QImage vertical = paintedImage(QSize(40, 30), kSentinel, [&](QPainter& p) {
-        m_style->drawControl(QStyle::CE_DockWidgetTitle, &title, &p);
-    });
+    const QImage vertical = draw();
     EXPECT_EQ(pixelColor(vertical, 0, 10), grey(97));
     EXPECT_EQ(pixelColor(vertical, 39, 10), grey(37));
 }
 
-struct BrightenRow {
-    QRgb pixel;
-    QRgb expected;
-};
-
-TEST_P(DarkStylePainting, ActiveIconsAreBrightenedAboveValueThirty)
+TEST_P(DarkStylePainting, ActiveIconsAreBrightenedAboveValueThirtyAndOtherModesAreTheCommonStyles)
 {
-    const BrightenRow rows[] = {
-        {qRgb(30, 30, 30), qRgb(30, 30, 30)},      // at the threshold: kept
-        {qRgb(31, 31, 31), qRgb(81, 81, 81)},      // just above: +50
-        {qRgb(220, 220, 220), qRgb(255, 255, 255)},  // capped at 205 + 50
+    const std::pair<QRgb, QRgb> rows[] = {
+        {qRgb(30, 30, 30), qRgb(30, 30, 30)},                  // at the threshold: kept
+        {qRgb(31, 31, 31), qRgb(81, 81, 81)},                  // just above: +50
+        {qRgb(220, 220, 220), qRgb(255, 255, 255)},            // capped at 205 + 50
         {qRgb(0, 0, 0), qRgb(0, 0, 0)},
-        {qRgb(100, 50, 50), qRgb(150, 75, 75)},    // hue and saturation kept
+        {qRgb(100, 50, 50), qRgb(150, 75, 75)},                // hue and saturation kept
+        {qRgba(100, 100, 100, 128), qRgba(150, 150, 150, 128)},  // alpha kept
     };
-    for (const BrightenRow& row : rows) {
+    for (const auto& [from, expected] : rows) {
         QImage image(2, 1, QImage::Format_ARGB32);
-        image.fill(row.pixel);
-        const QImage result =
-            m_style->generatedIconPixmap(QIcon::Active, QPixmap::fromImage(image), nullptr).toImage();
-        EXPECT_EQ(pixelColor(result, 1, 0), QColor::fromRgba(row.expected))
-            << "from " << QColor::fromRgba(row.pixel).name().toStdString();
+        image.fill(from);
+        const QImage result = m_style->generatedIconPixmap(QIcon::Active, QPixmap::fromImage(image), nullptr)
+                                  .toImage()
+                                  .convertToFormat(QImage::Format_ARGB32);
+        const QRgb got = result.pixel(1, 0);
+        const int slack = qAlpha(from) == 255 ? 0 : 1;  // premultiplied storage may round a translucent pixel
+        EXPECT_EQ(qAlpha(got), qAlpha(expected)) << "from " << std::hex << from;
+        EXPECT_NEAR(qRed(got), qRed(expected), slack) << "from " << std::hex << from;
+        EXPECT_NEAR(qGreen(got), qGreen(expected), slack) << "from " << std::hex << from;
+        EXPECT_NEAR(qBlue(got), qBlue(expected), slack) << "from " << std::hex << from;
     }
-}
 
-TEST_P(DarkStylePainting, ActiveIconBrighteningKeepsEachPixelsAlpha)
-{
-    QImage image(1, 1, QImage::Format_ARGB32);
-    image.setPixel(0, 0, qRgba(100, 100, 100, 128));
-    const QImage result = m_style->generatedIconPixmap(QIcon::Active, QPixmap::fromImage(image), nullptr)
-                              .toImage()
-                              .convertToFormat(QImage::Format_ARGB32);
-    EXPECT_EQ(qAlpha(result.pixel(0, 0)), 128);
-    EXPECT_NEAR(qRed(result.pixel(0, 0)), 150, 1);
-}
-
-TEST_P(DarkStylePainting, OtherIconModesAreTheCommonStylesPixmaps)
-{
     QImage image(4, 4, QImage::Format_ARGB32);
     image.fill(qRgb(90, 160, 40));
     const QPixmap icon = QPixmap::fromImage(image);
@@ -184,81 +158,59 @@ INSTANTIATE_TEST_SUITE_P(DarkStyles, DarkStylePainting, ::testing::Values(simple
 
 TEST(DarkStyleSimplePainting, NeverDrawsAFocusRectangle)
 {
-    QtlomDarkStyleSimple style;
     QStyleOptionFocusRect focus;
-    focus.rect = QRect(0, 0, 40, 30);
+    focus.rect = QRect(QPoint(0, 0), kCanvas);
     focus.state = QStyle::State_Enabled | QStyle::State_HasFocus | QStyle::State_KeyboardFocusChange;
     focus.backgroundColor = Qt::white;
-    const auto paint = [&](const QStyle& s) {
-        return paintedImage(QSize(40, 30), kSentinel, [&](QPainter& p) {
-            s.drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &p);
-        });
+    const auto draw = [&](const QStyle& style) {
+        return painted([&](QPainter& p) { style.drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &p); });
     };
-    const QImage untouched = paintedImage(QSize(40, 30), kSentinel, [](QPainter&) {});
-    EXPECT_EQ(paint(style), untouched);
-    EXPECT_NE(paint(*simpleStyleCase().createBase()), untouched);  // the wrapped style would draw one
+    const QImage untouched = painted([](QPainter&) {});
+    EXPECT_EQ(draw(QtlomDarkStyleSimple()), untouched);
+    EXPECT_NE(draw(*simpleStyleCase().createBase()), untouched);  // the wrapped style would draw one
 }
 
-class TarnHeaderArrow : public ::testing::Test
+TEST(TarnHeaderArrow, SortUpShowsTheDownwardImageAndSortDownTheUpwardOneWhenCachedAndNothingOtherwise)
 {
-protected:
-    void SetUp() override { QPixmapCache::clear(); }
-    void TearDown() override { QPixmapCache::clear(); }
-
-    QImage drawArrow(QStyleOptionHeader::SortIndicator indicator) const
-    {
+    QPixmapCache::clear();
+    const QtlomDarkStyleTarn style;
+    const auto drawArrow = [&](QStyleOptionHeader::SortIndicator indicator) {
         QStyleOptionHeader header;
         header.rect = QRect(5, 3, 20, 20);
         header.sortIndicator = indicator;
-        return paintedImage(QSize(40, 30), kSentinel, [&](QPainter& p) {
-            m_style.drawPrimitive(QStyle::PE_IndicatorHeaderArrow, &header, &p);
-        });
-    }
+        return painted([&](QPainter& p) { style.drawPrimitive(QStyle::PE_IndicatorHeaderArrow, &header, &p); });
+    };
+    const QImage untouched = painted([](QPainter&) {});
+    EXPECT_EQ(drawArrow(QStyleOptionHeader::SortUp), untouched);
+    EXPECT_EQ(drawArrow(QStyleOptionHeader::SortDown), untouched);
 
-    static void supply(const char* name, const QColor& color)
-    {
+    for (const auto& [key, colour] : {std::pair("arrowDown.png", Qt::red), std::pair("arrowUp.png", Qt::blue)}) {
         QPixmap image(6, 4);
-        image.fill(color);
-        QPixmapCache::insert(QString::fromLatin1(name), image);
+        image.fill(colour);
+        QPixmapCache::insert(QString::fromLatin1(key), image);
     }
-
-    QtlomDarkStyleTarn m_style;
-};
-
-TEST_F(TarnHeaderArrow, SortUpShowsTheDownwardImageAndSortDownTheUpwardOneAtTheTopLeft)
-{
-    supply("arrowDown.png", Qt::red);
-    supply("arrowUp.png", Qt::blue);
     const QImage up = drawArrow(QStyleOptionHeader::SortUp);
     EXPECT_EQ(pixelColor(up, 5, 3), QColor(Qt::red));
     EXPECT_EQ(pixelColor(up, 10, 6), QColor(Qt::red));
     EXPECT_EQ(pixelColor(up, 11, 3), kSentinel);  // the image is drawn whole and unscaled
     EXPECT_EQ(pixelColor(up, 4, 3), kSentinel);
     EXPECT_EQ(pixelColor(drawArrow(QStyleOptionHeader::SortDown), 5, 3), QColor(Qt::blue));
-}
-
-TEST_F(TarnHeaderArrow, NothingIsDrawnWithoutTheImagesInTheCache)
-{
-    const QImage untouched = paintedImage(QSize(40, 30), kSentinel, [](QPainter&) {});
-    EXPECT_EQ(drawArrow(QStyleOptionHeader::SortUp), untouched);
-    EXPECT_EQ(drawArrow(QStyleOptionHeader::SortDown), untouched);
+    QPixmapCache::clear();
 }
 
 TEST(TarnBranch, IsPaintedOncePerStateIntoTheCache)
 {
     QPixmapCache::clear();
-    QtlomDarkStyleTarn style;
+    const QtlomDarkStyleTarn style;
     QStyleOption branch;
     branch.rect = QRect(0, 0, 20, 18);
     branch.palette = style.standardPalette();
     branch.state = QStyle::State_Enabled | QStyle::State_Item | QStyle::State_Sibling | QStyle::State_Children;
     const auto draw = [&] {
-        return paintedImage(QSize(20, 18), kSentinel, [&](QPainter& p) {
-            style.drawPrimitive(QStyle::PE_IndicatorBranch, &branch, &p);
-        });
+        return painted([&](QPainter& p) { style.drawPrimitive(QStyle::PE_IndicatorBranch, &branch, &p); });
     };
     const QImage first = draw();
-    EXPECT_NE(first, paintedImage(QSize(20, 18), kSentinel, [](QPainter&) {}));
+    EXPECT_NE(first, painted([](QPainter&) {}));
     const QString key = QStringLiteral("branch-%1-0-%2-20x18").arg(int(branch.state)).arg(branch.palette.cacheKey());
     QPixmap cached;
     ASSERT_TRUE(QPixmapCache::find(key, &cached));

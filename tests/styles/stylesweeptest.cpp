@@ -12,12 +12,6 @@ namespace {
 
 QStringList gWarnings;
 
-void recordWarning(QtMsgType type, const QMessageLogContext&, const QString& message)
-{
-    if (type != QtDebugMsg && type != QtInfoMsg)
-        gWarnings << message;
-}
-
 // The named values of a QStyle enum, without the CustomBase marker.
 template <typename Enum>
 QList<Enum> namedValues()
@@ -33,70 +27,42 @@ QList<Enum> namedValues()
 
 class StyleSweep : public ::testing::TestWithParam<StyleCase>
 {
-protected:
-    void SetUp() override
-    {
-        gWarnings.clear();
-        m_previousHandler = qInstallMessageHandler(recordWarning);
-        m_style = GetParam().create();
-        m_option.rect = QRect(2, 2, 40, 24);
-        m_option.palette = m_style->standardPalette();
-        m_option.state = QStyle::State_Enabled;
-    }
-    void TearDown() override
-    {
-        qInstallMessageHandler(m_previousHandler);
-        EXPECT_TRUE(gWarnings.isEmpty()) << gWarnings.join(QLatin1Char('\n')).toStdString();
-    }
-
-    template <typename Paint>
-    void paint(Paint paintElement)
-    {
-        QImage image(48, 32, QImage::Format_ARGB32);
-        image.fill(Qt::black);
-        QPainter painter(&image);
-        paintElement(painter);
-    }
-
-    QtMessageHandler m_previousHandler = nullptr;
-    std::unique_ptr<QStyle> m_style;
-    QStyleOption m_option;
 };
 
-TEST_P(StyleSweep, PrimitiveElements)
+TEST_P(StyleSweep, EveryElementMetricAndHintWithADefaultOptionIsQuiet)
 {
-    const auto elements = namedValues<QStyle::PrimitiveElement>();
-    ASSERT_GT(elements.size(), 40);
-    for (const auto element : elements)
-        paint([&](QPainter& p) { m_style->drawPrimitive(element, &m_option, &p); });
-}
-
-TEST_P(StyleSweep, ControlElements)
-{
-    const auto elements = namedValues<QStyle::ControlElement>();
-    ASSERT_GT(elements.size(), 40);
-    for (const auto element : elements)
-        paint([&](QPainter& p) { m_style->drawControl(element, &m_option, &p); });
-}
-
-TEST_P(StyleSweep, PixelMetricsWithAndWithoutOption)
-{
+    const auto primitives = namedValues<QStyle::PrimitiveElement>();
+    const auto controls = namedValues<QStyle::ControlElement>();
     const auto metrics = namedValues<QStyle::PixelMetric>();
-    ASSERT_GT(metrics.size(), 80);
-    for (const auto metric : metrics) {
-        m_style->pixelMetric(metric);
-        m_style->pixelMetric(metric, &m_option);
-    }
-}
-
-TEST_P(StyleSweep, StyleHintsWithAndWithoutOption)
-{
     const auto hints = namedValues<QStyle::StyleHint>();
-    ASSERT_GT(hints.size(), 100);
-    for (const auto hint : hints) {
-        m_style->styleHint(hint);
-        m_style->styleHint(hint, &m_option);
+    ASSERT_TRUE(primitives.size() > 40 && controls.size() > 40 && metrics.size() > 80 && hints.size() > 100);
+
+    gWarnings.clear();
+    const QtMessageHandler previous =
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
+            if (type != QtDebugMsg && type != QtInfoMsg)
+                gWarnings << message;
+        });
+    const auto style = GetParam().create();
+    QStyleOption option;
+    option.rect = QRect(2, 2, 40, 24);
+    option.palette = style->standardPalette();
+    option.state = QStyle::State_Enabled;
+    const auto paint = [](const std::function<void(QPainter&)>& draw) { paintedImage(QSize(48, 32), Qt::black, draw); };
+    for (const auto element : primitives)
+        paint([&](QPainter& p) { style->drawPrimitive(element, &option, &p); });
+    for (const auto element : controls)
+        paint([&](QPainter& p) { style->drawControl(element, &option, &p); });
+    for (const auto metric : metrics) {
+        style->pixelMetric(metric);
+        style->pixelMetric(metric, &option);
     }
+    for (const auto hint : hints) {
+        style->styleHint(hint);
+        style->styleHint(hint, &option);
+    }
+    qInstallMessageHandler(previous);
+    EXPECT_TRUE(gWarnings.isEmpty()) << gWarnings.join(QLatin1Char('\n')).toStdString();
 }
 
 INSTANTIATE_TEST_SUITE_P(DarkStyles, StyleSweep, ::testing::Values(simpleStyleCase(), tarnStyleCase()),
