@@ -67,62 +67,46 @@ struct TreeFixture {
     std::vector<Emission> emissions;
 };
 
-struct SetCheckedCase {
-    const char* name;
-    Names before;
-    const char* target;
-    bool checked;
-    bool keepParents;
-    Names reported;  // the one emission's items, in order
-    Names after;     // every checked item afterwards, by name
-};
-
-void PrintTo(const SetCheckedCase& c, std::ostream* out)
+TEST(QCheckBoxTree, SetCheckedEmitsOnceWithEveryItemItSet)
 {
-    *out << c.name;
+    const struct {
+        const char* name;
+        Names before;
+        const char* target;
+        bool checked;
+        bool keepParents;
+        Names reported;  // the one emission's items, in order
+        Names after;     // every checked item afterwards, by name
+    } rows[] = {
+        {"tick under two unchecked ancestors", {}, "C", true, true, {"C", "C1", "C2", "B", "A"},
+         {"A", "B", "C", "C1", "C2"}},
+        {"untick last checked child unchecks ancestors", {"A", "B", "C", "C1", "C2"}, "C", false, true,
+         {"C", "C1", "C2", "B", "A"}, {}},
+        {"checked sibling keeps parent", {"A", "B", "C", "C1", "C2", "D"}, "C", false, true, {"C", "C1", "C2"},
+         {"A", "B", "D"}},
+        {"already checked item is re-applied and reported", {"A", "B", "C", "C1", "C2"}, "C2", true, true, {"C2"},
+         {"A", "B", "C", "C1", "C2"}},
+        {"only changed descendants are reported", {"C1"}, "C", true, true, {"C", "C2", "B", "A"},
+         {"A", "B", "C", "C1", "C2"}},
+        {"keep-parents off leaves ancestors alone", {}, "C", true, false, {"C", "C1", "C2"}, {"C", "C1", "C2"}},
+        {"keep-parents off untick leaves ancestors checked", {"A", "B", "C", "C1", "C2"}, "C", false, false,
+         {"C", "C1", "C2"}, {"A", "B"}},
+    };
+    for (const auto& c : rows) {
+        TreeFixture f;
+        f.preset(c.before);
+        f.tree.SetKeepParentHierarchyUpdated(c.keepParents);
+        f.tree.setChecked(f.items.at(c.target), c.checked);
+        ASSERT_EQ(f.emissions.size(), 1u) << c.name;
+        EXPECT_EQ(f.emissions.front().checked, c.checked) << c.name;
+        EXPECT_EQ(f.emissions.front().items, c.reported) << c.name;
+        EXPECT_EQ(f.checkedNames(), c.after) << c.name;
+        for (const std::string& name : c.after)
+            EXPECT_EQ(f.items.at(name)->checkState(0), Qt::Checked) << c.name << ": " << name << " partially checked";
+    }
 }
 
-class SetChecked : public ::testing::TestWithParam<SetCheckedCase>
-{
-};
-
-TEST_P(SetChecked, EmitsOnceWithEveryItemItSet)
-{
-    const SetCheckedCase& c = GetParam();
-    TreeFixture f;
-    f.preset(c.before);
-    f.tree.SetKeepParentHierarchyUpdated(c.keepParents);
-
-    f.tree.setChecked(f.items.at(c.target), c.checked);
-
-    ASSERT_EQ(f.emissions.size(), 1u);
-    EXPECT_EQ(f.emissions.front().checked, c.checked);
-    EXPECT_EQ(f.emissions.front().items, c.reported);
-    EXPECT_EQ(f.checkedNames(), c.after);
-    for (const std::string& name : c.after)
-        EXPECT_EQ(f.items.at(name)->checkState(0), Qt::Checked) << name << " is never partially checked";
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    QCheckBoxTree, SetChecked,
-    ::testing::Values(
-        SetCheckedCase{"TickUnderTwoUncheckedAncestors", {}, "C", true, true,
-                       {"C", "C1", "C2", "B", "A"}, {"A", "B", "C", "C1", "C2"}},
-        SetCheckedCase{"UntickLastCheckedChildUnchecksAncestors", {"A", "B", "C", "C1", "C2"}, "C", false, true,
-                       {"C", "C1", "C2", "B", "A"}, {}},
-        SetCheckedCase{"CheckedSiblingKeepsParent", {"A", "B", "C", "C1", "C2", "D"}, "C", false, true,
-                       {"C", "C1", "C2"}, {"A", "B", "D"}},
-        SetCheckedCase{"AlreadyCheckedItemIsReappliedAndReported", {"A", "B", "C", "C1", "C2"}, "C2", true, true,
-                       {"C2"}, {"A", "B", "C", "C1", "C2"}},
-        SetCheckedCase{"OnlyChangedDescendantsAreReported", {"C1"}, "C", true, true,
-                       {"C", "C2", "B", "A"}, {"A", "B", "C", "C1", "C2"}},
-        SetCheckedCase{"KeepParentsOffLeavesAncestorsAlone", {}, "C", true, false,
-                       {"C", "C1", "C2"}, {"C", "C1", "C2"}},
-        SetCheckedCase{"KeepParentsOffUntickLeavesAncestorsChecked", {"A", "B", "C", "C1", "C2"}, "C", false, false,
-                       {"C", "C1", "C2"}, {"A", "B"}}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-TEST(QCheckBoxTree, PartiallyCheckedReadsAsChecked)
+TEST(QCheckBoxTree, PartiallyCheckedReadsAsCheckedAndAddingItemsChecksTheSubtreeSilently)
 {
     TreeFixture f;
     {
@@ -134,11 +118,7 @@ TEST(QCheckBoxTree, PartiallyCheckedReadsAsChecked)
     EXPECT_TRUE(f.tree.hasChildEnabled(f.items["A"]));
     EXPECT_FALSE(f.tree.hasChildEnabled(f.items["C1"])) << "a leaf has no children to be checked";
     EXPECT_FALSE(f.tree.hasChildEnabled(nullptr));
-}
 
-TEST(QCheckBoxTree, AddingItemsEmitsNothingAndChecksTheSubtree)
-{
-    TreeFixture f;
     QTreeWidgetItem* branch = new QTreeWidgetItem(QStringList{"F"});
     branch->addChild(new QTreeWidgetItem(QStringList{"F1"}));
     f.tree.addItem(branch, true, f.items["E"]);
@@ -170,7 +150,7 @@ TEST(QCheckBoxTree, ClickOnTheCheckBoxPropagatesLikeSetChecked)
     EXPECT_TRUE(f.checkedNames().empty());
 }
 
-TEST(QCheckBoxTree, TextColourFollowsTheCheckState)
+TEST(QCheckBoxTree, TextColourFollowsTheCheckStateAndPrintShowsEachItemIndentedWithItsState)
 {
     TreeFixture f;
     const QColor text = f.tree.palette().color(QPalette::Active, QPalette::Text);
@@ -178,7 +158,7 @@ TEST(QCheckBoxTree, TextColourFollowsTheCheckState)
     f.tree.setChecked(f.items["E"], true);
     EXPECT_EQ(f.textColour("E"), text);
 
-    f.tree.setItemCustomColor(f.items["D"], Qt::red);
+    f.tree.setItemCustomColor(f.items["D"], QColor(255, 0, 0));
     EXPECT_EQ(f.textColour("D"), QColor(Qt::red)) << "the colour shows at once, even unchecked";
     EXPECT_EQ(f.emissions.size(), 1u) << "only ticking E was reported: a colour is no check change";
     f.tree.setChecked(f.items["D"], true);
@@ -188,22 +168,10 @@ TEST(QCheckBoxTree, TextColourFollowsTheCheckState)
     f.tree.setChecked(f.items["D"], true);
     EXPECT_EQ(f.textColour("D"), QColor(Qt::red));
     EXPECT_EQ(f.textColour("B"), text) << "ancestors checked on the way take the text colour";
-}
 
-TEST(QCheckBoxTree, PrintShowsEachItemIndentedWithItsState)
-{
-    TreeFixture f;
-    f.tree.setChecked(f.items["D"], true);
-    f.tree.setItemCustomColor(f.items["E"], QColor(255, 0, 0));
     std::ostringstream out;
     f.tree.print(out);
-    EXPECT_EQ(out.str(), "[x] A\n"
-                         "  [x] B\n"
-                         "    [ ] C\n"
-                         "      [ ] C1\n"
-                         "      [ ] C2\n"
-                         "    [x] D\n"
-                         "[ ] E (#ff0000)\n");
+    EXPECT_EQ(out.str(), "[x] A\n  [x] B\n    [ ] C\n      [ ] C1\n      [ ] C2\n    [x] D (#ff0000)\n[x] E\n");
 }
 
 }  // namespace

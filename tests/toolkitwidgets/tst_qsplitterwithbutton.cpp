@@ -45,7 +45,7 @@ TEST(QSplitterWithButton, ButtonsCollapseTheirPaneAndRestoreItsShareAfterAResize
     panes.clickLeft();
     EXPECT_EQ(panes.sizes(), QList<int>({0, 500}));
     EXPECT_FLOAT_EQ(panes.splitter->collapsedRatios().value(0), 0.25f);
-    EXPECT_TRUE(showsArrow(panes.handle()->leftButton(), QStyle::SP_ArrowRight)) << "the pane will come back rightwards";
+    EXPECT_TRUE(showsArrow(panes.handle()->leftButton(), QStyle::SP_ArrowRight)) << "the pane comes back rightwards";
     panes.clickLeft();
     EXPECT_EQ(panes.sizes(), QList<int>({100, 400}));
     EXPECT_TRUE(showsArrow(panes.handle()->leftButton(), QStyle::SP_ArrowLeft));
@@ -58,7 +58,7 @@ TEST(QSplitterWithButton, ButtonsCollapseTheirPaneAndRestoreItsShareAfterAResize
     EXPECT_TRUE(panes.splitter->collapsedRatios().contains(0)) << "ratios stay after expanding";
 }
 
-TEST(QSplitterWithButton, CollapsingTheLastVisiblePaneExpandsTheNeighbourOnTheClickedSide)
+TEST(QSplitterWithButton, CollapsingTheLastVisiblePaneExpandsTheNeighbourOnTheClickedSideAndANewPaneTakesTheWidth)
 {
     TwoPanes leftLast(false);
     leftLast.clickRight();
@@ -71,14 +71,11 @@ TEST(QSplitterWithButton, CollapsingTheLastVisiblePaneExpandsTheNeighbourOnTheCl
     EXPECT_EQ(rightLast.sizes(), QList<int>({500, 0}));
     rightLast.clickRight();
     EXPECT_GT(rightLast.sizes().at(1), 0);
-}
 
-TEST(QSplitterWithButton, NeverCollapsedPaneWithoutSizeHintExpandsToTheSplitterWidth)
-{
-    TwoPanes panes;
+    TwoPanes fresh;  // a pane never collapsed, without a size hint, expands to the splitter's width
     QList<int> sizes{0, 600};
-    panes.splitter->Expand(sizes, 0);
-    EXPECT_EQ(sizes, QList<int>({panes.splitter->width(), 600}));
+    fresh.splitter->Expand(sizes, 0);
+    EXPECT_EQ(sizes, QList<int>({fresh.splitter->width(), 600}));
 }
 
 TEST(QSplitterWithButton, RightButtonOnlyOnHandlesCreatedWhileAskedForAndButtonsOverhangTheHandle)
