@@ -1,8 +1,7 @@
 // The changelist selection dialog, driven as a user drives it, over a scripted data control.
 // Creating changelists through "New" is exercised over the real depot (tst_changelistdialoginhost).
-#include "hbchangelistselectiondialog.h"
+#include "changelistdialogui.h"
 
-#include <dialogdriver.h>
 #include <hostmocks.h>
 
 #include <qtextention/fileexplorer.h>
@@ -10,26 +9,19 @@
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QComboBox>
 #include <QLabel>
-#include <QPushButton>
-#include <QTest>
-#include <QTextEdit>
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <utility>
 #include <vector>
 
-using hbrc::test::DialogDriver;
-using hbrc::test::MockDataControl;
+using namespace hbrc::test;
 using ::testing::_;
 using ::testing::DoAll;
 using ::testing::NiceMock;
 using ::testing::Return;
 using ::testing::SetArgReferee;
-using ::testing::StrictMock;
 
 namespace {
 
@@ -41,11 +33,18 @@ struct ChangeList {
     bool describable = true;
 };
 
+QCheckBox* optionBox(const Dialog& d) { return d.findChild<QCheckBox*>(QStringLiteral("dontShowAgain")); }
+
+std::function<void(Dialog&)> clicking(const char* text)
+{
+    return [text](Dialog& d) { click(d, QString::fromLatin1(text)); };
+}
+
 class ChangeListDialogTest : public ::testing::Test
 {
 protected:
     // The session's pending changelists, in the order the data control lists them.
-    void offer(const std::vector<ChangeList>& changeLists)
+    void offer(const std::vector<ChangeList>& changeLists, int listingResult = 0)
     {
         kel4::List<std::string> ids;
         for (const ChangeList& c : changeLists) {
@@ -54,7 +53,8 @@ protected:
                 .WillByDefault(DoAll(SetArgReferee<1>(c.description),
                                      Return(kelResult(c.describable ? 0 : kel4::kResultFailed))));
         }
-        ON_CALL(*dataControl, GetPendingChangeLists(_, _)).WillByDefault(DoAll(SetArgReferee<0>(ids), Return(0)));
+        ON_CALL(*dataControl, GetPendingChangeLists(_, _))
+            .WillByDefault(DoAll(SetArgReferee<0>(ids), Return(kelResult(listingResult))));
     }
 
     std::unique_ptr<Dialog> changeListDialog(const std::set<std::string>& files = {}, bool filesVisible = false)
@@ -66,228 +66,143 @@ protected:
     KELPtr<NiceMock<MockDataControl>> dataControl{new NiceMock<MockDataControl>};
 };
 
-QComboBox* combo(const Dialog& d) { return d.findChild<QComboBox*>(QStringLiteral("changeListCombo")); }
-QTextEdit* descriptionEdit(const Dialog& d) { return d.findChild<QTextEdit*>(QStringLiteral("descriptionEdit")); }
-QCheckBox* optionBox(const Dialog& d) { return d.findChild<QCheckBox*>(QStringLiteral("dontShowAgain")); }
+struct ListingCase {
+    const char* name;
+    std::vector<ChangeList> offered;
+    int listingResult;
+    QStringList expected;  // after "New" and "Default"
+};
 
-QStringList comboTexts(const Dialog& d)
+class ComboListing : public ChangeListDialogTest, public ::testing::WithParamInterface<ListingCase>
 {
-    QStringList texts;
-    for (int i = 0; i < combo(d)->count(); ++i)
-        texts << combo(d)->itemText(i);
-    return texts;
-}
+};
 
-QPushButton* button(const QWidget* d, const QString& text)
+TEST_P(ComboListing, OffersNewAndDefaultThenEachDescribedChangeListWithDefaultSelected)
 {
-    for (QPushButton* b : d->findChildren<QPushButton*>())
-        if (b->text() == text)
-            return b;
-    return nullptr;
-}
-
-// Runs the dialog modally; act does what the user does inside it. Returns exec()'s result.
-int runDialog(Dialog& dialog, const std::function<void(Dialog&)>& act)
-{
-    DialogDriver driver;
-    driver.expect(QStringLiteral("changelist dialog"), [&](QWidget* modal) {
-        ASSERT_EQ(modal, &dialog);
-        act(dialog);
-    });
-    const int result = dialog.exec();
-    EXPECT_TRUE(driver.finished()) << driver.failures().join(QLatin1Char('\n')).toStdString();
-    return result;
-}
-
-TEST_F(ChangeListDialogTest, WithoutPendingChangeListsOffersNewAndDefaultWithDefaultSelected)
-{
+    offer(GetParam().offered, GetParam().listingResult);
     auto dialog = changeListDialog();
     EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Select Pending ChangeList"));
-    EXPECT_EQ(comboTexts(*dialog), (QStringList{QStringLiteral("New"), QStringLiteral("Default")}));
-    EXPECT_EQ(combo(*dialog)->currentIndex(), 1);
-    EXPECT_FALSE(combo(*dialog)->itemData(0).isValid());
-    EXPECT_FALSE(combo(*dialog)->itemData(1).isValid());
-    EXPECT_FALSE(descriptionEdit(*dialog)->isEnabled());
-    EXPECT_FALSE(descriptionEdit(*dialog)->isReadOnly());
-}
-
-TEST_F(ChangeListDialogTest, AFailedListingAddsNothing)
-{
-    kel4::List<std::string> ids{"12"};
-    ON_CALL(*dataControl, GetPendingChangeLists(_, _))
-        .WillByDefault(DoAll(SetArgReferee<0>(ids), Return(kelResult(kel4::kResultSessionUnusable))));
-    EXPECT_CALL(*dataControl, GetChangeListDescription(_, _, _)).Times(0);
-    auto dialog = changeListDialog();
-    EXPECT_EQ(comboTexts(*dialog), (QStringList{QStringLiteral("New"), QStringLiteral("Default")}));
-}
-
-TEST_F(ChangeListDialogTest, StopsAtTheFirstChangeListWhoseDescriptionFails)
-{
-    offer({{"12", "first"}, {"13", "second", false}, {"14", "third"}});
-    EXPECT_CALL(*dataControl, GetChangeListDescription(_, _, _)).Times(2);  // "12" and "13", never "14"
-    auto dialog = changeListDialog();
-    EXPECT_EQ(comboTexts(*dialog), (QStringList{"New", "Default", "12 first"}));
+    EXPECT_EQ(comboTexts(*dialog), QStringList({"New", "Default"}) + GetParam().expected);
     EXPECT_EQ(combo(*dialog)->currentIndex(), 1);
 }
 
-TEST_F(ChangeListDialogTest, ALongDescriptionIsCutInTheComboAndWholeInTheEditor)
-{
-    const std::string description(120, 'd');
-    offer({{"4711", description}});
-    auto dialog = changeListDialog();
-    const QString label = combo(*dialog)->itemText(2);
-    EXPECT_EQ(label.toStdString(), ("4711 " + description).substr(0, 80));
+const std::string kLong(120, 'd');
+const std::string kSplitCharacter = std::string(77, 'a') + "\xC3\xA9tail";  // "é" straddles byte 80
 
-    combo(*dialog)->setCurrentIndex(2);
+INSTANTIATE_TEST_SUITE_P(
+    Rows, ComboListing,
+    ::testing::Values(
+        ListingCase{"NoPendingChangeLists", {}, 0, {}},
+        ListingCase{"AFailedListingAddsNothing", {{"12", "first"}}, kel4::kResultSessionUnusable, {}},
+        ListingCase{"StopsAtTheFirstChangeListWhoseDescriptionFails",
+                    {{"12", "first"}, {"13", "second", false}, {"14", "third"}}, 0, {"12 first"}},
+        ListingCase{"ALongDescriptionIsCutTo80Bytes", {{"4711", kLong}}, 0,
+                    {QString::fromStdString(("4711 " + kLong).substr(0, 80))}},
+        ListingCase{"ACutNeverSplitsACharacter", {{"7", kSplitCharacter}}, 0,
+                    {QString::fromStdString("7 " + std::string(77, 'a'))}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(ChangeListDialogTest, RefreshListsNewChangeListsAndTheEditorFollowsTheSelection)
+{
+    auto dialog = changeListDialog();
+    EXPECT_EQ(dialog->findChild<QTextEdit*>(QStringLiteral("assetsEdit")), nullptr);  // no assets text
+    for (QLabel* label : dialog->findChildren<QLabel*>())
+        EXPECT_NE(label->text(), QStringLiteral("Assets:"));
+    offer({{"4711", kLong}});
+    QTest::mouseClick(button(*dialog, QStringLiteral("Refresh")), Qt::LeftButton);
+    EXPECT_EQ(comboTexts(*dialog).size(), 3);
+    EXPECT_EQ(combo(*dialog)->currentIndex(), 1);
+
     QTextEdit* editor = descriptionEdit(*dialog);
-    EXPECT_EQ(editor->toPlainText().toStdString(), description);
+    EXPECT_FALSE(editor->isEnabled());
+    combo(*dialog)->setCurrentIndex(2);
+    EXPECT_EQ(editor->toPlainText().toStdString(), kLong);
     EXPECT_TRUE(editor->isEnabled());
     EXPECT_TRUE(editor->isReadOnly());
-}
-
-TEST_F(ChangeListDialogTest, ACutNeverSplitsACharacter)
-{
-    // "7 " and 77 ASCII bytes reach byte 79; the two-byte "é" would straddle the cut.
-    offer({{"7", std::string(77, 'a') + "\xC3\xA9tail"}});
-    auto dialog = changeListDialog();
-    EXPECT_EQ(combo(*dialog)->itemText(2).toStdString(), "7 " + std::string(77, 'a'));
-}
-
-TEST_F(ChangeListDialogTest, SelectingNewAndDefaultPreparesTheEditor)
-{
-    offer({{"12", "first"}});
-    auto dialog = changeListDialog();
-    QTextEdit* editor = descriptionEdit(*dialog);
-    combo(*dialog)->setCurrentIndex(2);
     combo(*dialog)->setCurrentIndex(0);
     EXPECT_TRUE(editor->isEnabled());
     EXPECT_FALSE(editor->isReadOnly());
     EXPECT_TRUE(editor->toPlainText().isEmpty());
-
     QTest::keyClicks(editor, QStringLiteral("typed"));
     combo(*dialog)->setCurrentIndex(1);
     EXPECT_FALSE(editor->isEnabled());
     EXPECT_TRUE(editor->toPlainText().isEmpty());
 }
 
-TEST_F(ChangeListDialogTest, RefreshListsChangeListsCreatedMeanwhile)
-{
-    auto dialog = changeListDialog();
-    offer({{"20", "made elsewhere"}});
-    QTest::mouseClick(button(dialog.get(), QStringLiteral("Refresh")), Qt::LeftButton);
-    EXPECT_EQ(comboTexts(*dialog), (QStringList{"New", "Default", "20 made elsewhere"}));
-    EXPECT_EQ(combo(*dialog)->currentIndex(), 1);
-}
-
-struct ChoiceCase {
+struct WayOutCase {
     const char* name;
     std::vector<ChangeList> offered;
     int index;
-    std::string expected;
-};
-
-class ChangeListChoice : public ChangeListDialogTest, public ::testing::WithParamInterface<ChoiceCase>
-{
-};
-
-TEST_P(ChangeListChoice, CheckOutReturnsZeroWithTheIdentifierBeforeTheFirstBlankOrControlByte)
-{
-    offer(GetParam().offered);
-    auto dialog = changeListDialog();
-    const int result = runDialog(*dialog, [&](Dialog& d) {
-        combo(d)->setCurrentIndex(GetParam().index);
-        QTest::mouseClick(button(&d, QStringLiteral("Check Out")), Qt::LeftButton);
-    });
-    EXPECT_EQ(result, Dialog::UseChangeList);
-    EXPECT_EQ(dialog->getChangeList(), GetParam().expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, ChangeListChoice,
-    ::testing::Values(ChoiceCase{"DefaultIsTheEmptyChangeList", {{"12", "first"}}, 1, ""},
-                      ChoiceCase{"PendingChangeList", {{"12", "first"}, {"345", "second"}}, 3, "345"},
-                      ChoiceCase{"IdentifierFollowedByATab", {{"77\tshelved", "x"}}, 2, "77"},
-                      ChoiceCase{"IdentifierFollowedByAControlByte", {{"78\x01y", "x"}}, 2, "78"},
-                      ChoiceCase{"EmptyIdentifier", {{"", "nameless"}}, 2, ""}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-struct ButtonCase {
-    const char* name;
     std::function<void(Dialog&)> press;
-    int expected;
+    int expectedCode;
+    std::string expectedChangeList;
 };
 
-class ResultCode : public ChangeListDialogTest, public ::testing::WithParamInterface<ButtonCase>
+class WayOut : public ChangeListDialogTest, public ::testing::WithParamInterface<WayOutCase>
 {
 };
 
-TEST_P(ResultCode, EachWayOutReturnsItsCodeUnderAnArrowCursor)
+TEST_P(WayOut, ReturnsItsCodeAndChangeListUnderAnArrowCursor)
 {
+    const WayOutCase& c = GetParam();
+    offer(c.offered);
     auto dialog = changeListDialog();
     dialog->includeContinueButton(true);
     dialog->includeMakeWritableButton(true);
     QApplication::setOverrideCursor(Qt::WaitCursor);
     Qt::CursorShape shapeInside = Qt::WaitCursor;
-    const int result = runDialog(*dialog, [&](Dialog& d) {
+    const int result = runDialog(*dialog, [&] {
         shapeInside = QApplication::overrideCursor()->shape();
-        GetParam().press(d);
+        combo(*dialog)->setCurrentIndex(c.index);
+        c.press(*dialog);
     });
     const Qt::CursorShape shapeAfter = QApplication::overrideCursor()->shape();
     QApplication::restoreOverrideCursor();
-    EXPECT_EQ(result, GetParam().expected);
+    EXPECT_EQ(result, c.expectedCode);
+    EXPECT_EQ(dialog->getChangeList(), c.expectedChangeList);
     EXPECT_EQ(shapeInside, Qt::ArrowCursor);
     EXPECT_EQ(shapeAfter, Qt::WaitCursor);
 }
 
-void click(Dialog& d, const char* text)
-{
-    QPushButton* b = button(&d, QString::fromLatin1(text));
-    ASSERT_NE(b, nullptr) << text;
-    QTest::mouseClick(b, Qt::LeftButton);
-}
+const std::vector<ChangeList> kTwo{{"12", "first"}, {"345", "second"}};
 
+// Check Out takes the identifier up to the first blank or control byte.
 INSTANTIATE_TEST_SUITE_P(
-    Buttons, ResultCode,
-    ::testing::Values(ButtonCase{"CheckOut", [](Dialog& d) { click(d, "Check Out"); }, 0},
-                      ButtonCase{"Continue", [](Dialog& d) { click(d, "Continue"); }, 1},
-                      ButtonCase{"Cancel", [](Dialog& d) { click(d, "Cancel"); }, 2},
-                      ButtonCase{"MakeWritable", [](Dialog& d) { click(d, "Make Writable"); }, 3},
-                      ButtonCase{"ClosingTheWindow", [](Dialog& d) { d.close(); }, 2},
-                      ButtonCase{"Escape", [](Dialog& d) { QTest::keyClick(&d, Qt::Key_Escape); }, 2}),
+    Rows, WayOut,
+    ::testing::Values(WayOutCase{"DefaultIsTheEmptyChangeList", kTwo, 1, clicking("Check Out"), 0, ""},
+                      WayOutCase{"PendingChangeList", kTwo, 3, clicking("Check Out"), 0, "345"},
+                      WayOutCase{"IdentifierFollowedByATab", {{"77\tshelved", "x"}}, 2, clicking("Check Out"), 0, "77"},
+                      WayOutCase{"IdentifierFollowedByAControlByte", {{"78\x01y", "x"}}, 2, clicking("Check Out"), 0,
+                                 "78"},
+                      WayOutCase{"EmptyIdentifier", {{"", "nameless"}}, 2, clicking("Check Out"), 0, ""},
+                      WayOutCase{"Continue", kTwo, 2, clicking("Continue"), 1, ""},
+                      WayOutCase{"Cancel", kTwo, 2, clicking("Cancel"), 2, ""},
+                      WayOutCase{"MakeWritable", kTwo, 2, clicking("Make Writable"), 3, ""},
+                      WayOutCase{"ClosingTheWindow", kTwo, 2, [](Dialog& d) { d.close(); }, 2, ""},
+                      WayOutCase{"Escape", kTwo, 2, [](Dialog& d) { QTest::keyClick(&d, Qt::Key_Escape); }, 2, ""}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(ChangeListDialogTest, ReadOnlyModeAsksTheDataControlNothing)
+TEST(ReadOnlyAssetsDialog, ShowsTheAssetsAndAsksTheDataControlNothing)
 {
-    KELPtr<StrictMock<MockDataControl>> strict{new StrictMock<MockDataControl>};
+    KELPtr<::testing::StrictMock<MockDataControl>> strict{new ::testing::StrictMock<MockDataControl>};
     Dialog dialog(KELPtr<kel4::IDataControl>(strict.Get()), QStringLiteral("Rock\nTree\n"), {"/w/rock.kel"}, false,
                   false, nullptr);
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Read-Only Assets"));
     EXPECT_EQ(combo(dialog), nullptr);
     EXPECT_EQ(descriptionEdit(dialog), nullptr);
-    EXPECT_EQ(button(&dialog, QStringLiteral("Refresh")), nullptr);
-    EXPECT_FALSE(button(&dialog, QStringLiteral("Check Out"))->isEnabled());
-    EXPECT_TRUE(button(&dialog, QStringLiteral("Continue"))->isHidden());
-    EXPECT_TRUE(button(&dialog, QStringLiteral("Make Writable"))->isHidden());
+    EXPECT_EQ(button(dialog, QStringLiteral("Refresh")), nullptr);
+    EXPECT_FALSE(button(dialog, QStringLiteral("Check Out"))->isEnabled());
+    EXPECT_TRUE(button(dialog, QStringLiteral("Continue"))->isHidden());
+    EXPECT_TRUE(button(dialog, QStringLiteral("Make Writable"))->isHidden());
     auto* assets = dialog.findChild<QTextEdit*>(QStringLiteral("assetsEdit"));
     ASSERT_NE(assets, nullptr);
     EXPECT_EQ(assets->toPlainText(), QStringLiteral("Rock\nTree\n"));
     EXPECT_TRUE(assets->isReadOnly());
     EXPECT_EQ(assets->lineWrapMode(), QTextEdit::NoWrap);
-}
 
-TEST_F(ChangeListDialogTest, AnEmptyAssetsTextLeavesOutTheAssetsLabelAndEditor)
-{
-    auto dialog = changeListDialog();
-    EXPECT_EQ(dialog->findChild<QTextEdit*>(QStringLiteral("assetsEdit")), nullptr);
-    for (QLabel* label : dialog->findChildren<QLabel*>())
-        EXPECT_NE(label->text(), QStringLiteral("Assets:"));
-}
-
-TEST_F(ChangeListDialogTest, WithoutADataControlChangeListModeRaisesAndReadOnlyModeDoesNot)
-{
-    kel4::DisableErrorReportingGuard quiet;
-    EXPECT_THROW(Dialog(KELPtr<kel4::IDataControl>(), QString(), {}, false, true, nullptr), kel4::ExBase::NullPtr);
+    kel4::DisableErrorReportingGuard quiet;  // only the changelist mode needs a data control
     EXPECT_NO_THROW(Dialog(KELPtr<kel4::IDataControl>(), QString(), {}, false, false, nullptr));
+    EXPECT_THROW(Dialog(KELPtr<kel4::IDataControl>(), QString(), {}, false, true, nullptr), kel4::ExBase::NullPtr);
 }
 
 struct OptionCase {
@@ -303,12 +218,8 @@ class OptionLabel : public ChangeListDialogTest, public ::testing::WithParamInte
 TEST_P(OptionLabel, TheLastIncludeCallDecidesTheCheckBoxText)
 {
     auto dialog = changeListDialog();
-    for (const auto& [isContinue, include] : GetParam().calls) {
-        if (isContinue)
-            dialog->includeContinueButton(include);
-        else
-            dialog->includeMakeWritableButton(include);
-    }
+    for (const auto& [isContinue, include] : GetParam().calls)
+        isContinue ? dialog->includeContinueButton(include) : dialog->includeMakeWritableButton(include);
     EXPECT_EQ(optionBox(*dialog)->text().toStdString(), GetParam().expected);
 }
 
@@ -318,25 +229,20 @@ constexpr const char* kThisOption = "Don't show this dialog again (always use th
 INSTANTIATE_TEST_SUITE_P(
     Rows, OptionLabel,
     ::testing::Values(OptionCase{"Initially", {}, kThisChangeList},
-                      OptionCase{"ContinueShown", {{true, true}}, kThisOption},
                       OptionCase{"MakeWritableShown", {{false, true}}, kThisOption},
                       OptionCase{"ContinueThenMakeWritableHidden", {{true, true}, {false, false}}, kThisChangeList},
                       OptionCase{"MakeWritableHiddenThenContinueShown", {{false, false}, {true, true}}, kThisOption}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(ChangeListDialogTest, TheCheckBoxAndTheCheckOutTextAreReadBack)
+TEST_F(ChangeListDialogTest, TheCheckBoxInfoAndCheckOutTextAreSetAndReadBack)
 {
     auto dialog = changeListDialog();
     EXPECT_FALSE(dialog->getDontShowThisDialogAgainCheckBox());
     QTest::mouseClick(optionBox(*dialog), Qt::LeftButton, {}, QPoint(4, optionBox(*dialog)->height() / 2));
     EXPECT_TRUE(dialog->getDontShowThisDialogAgainCheckBox());
     dialog->setCheckOutText(QStringLiteral("Mark for Add"));
-    EXPECT_NE(button(dialog.get(), QStringLiteral("Mark for Add")), nullptr);
-}
+    EXPECT_NE(button(*dialog, QStringLiteral("Mark for Add")), nullptr);
 
-TEST_F(ChangeListDialogTest, SetInfoShowsTheLabelOnlyWithText)
-{
-    auto dialog = changeListDialog();
     auto* info = dialog->findChild<QLabel*>(QStringLiteral("infoLabel"));
     EXPECT_TRUE(info->isHidden());
     dialog->setInfo(QStringLiteral("3 assets are read-only"));
@@ -346,9 +252,9 @@ TEST_F(ChangeListDialogTest, SetInfoShowsTheLabelOnlyWithText)
     EXPECT_TRUE(info->isHidden());
 }
 
-TEST_F(ChangeListDialogTest, TheFilesButtonTogglesTheFileList)
+TEST_F(ChangeListDialogTest, TheFilesAreListedToggledAndTheFirstRevealedInTheFileBrowser)
 {
-    auto dialog = changeListDialog({"/w/tree.kel", "/w/rock.kel", "/w/r\xC3\xB6" "ck.bin"}, true);
+    auto dialog = changeListDialog({"/w/trees/oak.kel", "/w/rocks/granite.kel", "/w/r\xC3\xB6" "ck.bin"}, true);
     auto* files = dialog->findChild<QFileListWidget*>(QStringLiteral("fileList"));
     ASSERT_EQ(files->topLevelItemCount(), 3);
     QStringList paths;
@@ -356,22 +262,17 @@ TEST_F(ChangeListDialogTest, TheFilesButtonTogglesTheFileList)
         paths << files->topLevelItem(i)->text(0);
     EXPECT_TRUE(paths.contains(QStringLiteral("/w/r\u00f6ck.bin")));
     EXPECT_FALSE(files->isHidden());
-
-    QTest::mouseClick(button(dialog.get(), QStringLiteral("Hide Files")), Qt::LeftButton);
+    QTest::mouseClick(button(*dialog, QStringLiteral("Hide Files")), Qt::LeftButton);
     EXPECT_TRUE(files->isHidden());
-    QTest::mouseClick(button(dialog.get(), QStringLiteral("Show Files")), Qt::LeftButton);
+    QTest::mouseClick(button(*dialog, QStringLiteral("Show Files")), Qt::LeftButton);
     EXPECT_FALSE(files->isHidden());
-    EXPECT_NE(button(dialog.get(), QStringLiteral("Hide Files")), nullptr);
-}
+    EXPECT_NE(button(*dialog, QStringLiteral("Hide Files")), nullptr);
 
-TEST_F(ChangeListDialogTest, ShowFilesInExplorerRevealsTheFirstFileOfTheSortedSet)
-{
     std::vector<ProgramStart> started;
     ProgramLauncher previous = SetProgramLauncher([&](const ProgramStart& s) { started.push_back(s); });
-    auto dialog = changeListDialog({"/w/trees/oak.kel", "/w/rocks/granite.kel"});
     dialog->showFilesInExplorer();
     SetProgramLauncher(previous);
-    const ProgramStart expected =
+    const ProgramStart expected =  // the first file of the byte-sorted set
         RevealFileCommand(QStringLiteral("/w/rocks/granite.kel"), CurrentFileBrowserPlatform());
     ASSERT_EQ(started.size(), 1u);
     EXPECT_EQ(started.front().program, expected.program);
