@@ -10,6 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 
@@ -18,17 +21,80 @@ class DepotFixture : public ::testing::Test
 public:  // the status table's rows act on the fixture from outside
     using Depot = hbrc::depot::Depot;
 
-    void SetUp() override;
+    void SetUp() override
+    {
+        using namespace hbrc::depot;
+        ASSERT_TRUE(m_dir.isValid());
+        m_depotPath = path("depot.db");
+        ASSERT_TRUE(Depot::create(m_depotPath, std::chrono::seconds(3600)).ok());
+        // The tests move their own clock, starting from now, since hbdepot runs on the real one.
+        m_now = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch())
+                    .count();
+        DepotOptions options;
+        options.clock = [this] { return m_now; };
+        options.passwordHashCost = PasswordHashCost::Minimal;
+        m_alice = std::make_unique<Depot>(m_depotPath, options);
+        m_bob = std::make_unique<Depot>(m_depotPath, options);
+        ok(m_alice->addUser("alice", "alice-pw"));
+        ok(m_alice->addUser("bob", "bob-pw"));
+        ok(m_alice->addWorkspace("alice-ws", "alice", path("alice")));
+        ok(m_alice->addWorkspace("bob-ws", "bob", path("bob")));
+        ok(m_alice->login("alice", "alice-pw", "alice-ws", m_aliceTicket));
+        ok(m_bob->login("bob", "bob-pw", "bob-ws", m_bobTicket));
+        write(aliceFile("shared.kel"), "v1");
+        ok(m_alice->add(m_aliceTicket, {aliceFile("shared.kel")}, ""));
+        ok(submit(*m_alice, m_aliceTicket, "first asset"));
+        ok(m_bob->sync(m_bobTicket, {}));
+    }
 
-    std::string aliceFile(const std::string& relative) const;
-    std::string bobFile(const std::string& relative) const;
-    static void write(const std::string& path, const std::string& content);
-    static std::string read(const std::string& path);
-    static bool isWritable(const std::string& path);
+    static void ok(const hbrc::depot::Result& result) { ASSERT_TRUE(result.ok()) << result.error; }
 
-    hbrc::depot::FileStatus statusOf(Depot& depot, const std::string& ticket, const std::string& file);
+    std::string path(const std::string& relative) const
+    {
+        return m_dir.filePath(QString::fromStdString(relative)).toStdString();
+    }
+    std::string aliceFile(const std::string& relative) const { return path("alice/" + relative); }
+    std::string bobFile(const std::string& relative) const { return path("bob/" + relative); }
+
+    static void write(const std::string& file, const std::string& content)
+    {
+        namespace fs = std::filesystem;
+        fs::create_directories(fs::path(file).parent_path());
+        std::error_code ignored;
+        fs::permissions(file, fs::perms::owner_write, fs::perm_options::add, ignored);
+        std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
+    }
+    static std::string read(const std::string& file)
+    {
+        std::ifstream in(file, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    }
+    static bool isWritable(const std::string& file)
+    {
+        namespace fs = std::filesystem;
+        return (fs::status(file).permissions() & fs::perms::owner_write) != fs::perms::none;
+    }
+
+    static hbrc::depot::FileStatus statusOf(Depot& depot, const std::string& ticket, const std::string& file)
+    {
+        std::vector<hbrc::depot::FileStatus> statuses;
+        const hbrc::depot::Result result = depot.status(ticket, {file}, statuses);
+        EXPECT_TRUE(result.ok()) << result.error;
+        return statuses.empty() ? hbrc::depot::FileStatus{} : statuses.front();
+    }
+    // Submits the default changelist.
+    static hbrc::depot::Result submit(Depot& depot, const std::string& ticket, const std::string& description)
+    {
+        hbrc::depot::ChangelistId submitted;
+        return depot.submit(ticket, "", description, submitted);
+    }
     // Adds and submits a new file holding `content` from bob's workspace.
-    void bobSubmitsNewFile(const std::string& relative, const std::string& content);
+    void bobSubmitsNewFile(const std::string& relative, const std::string& content)
+    {
+        write(bobFile(relative), content);
+        ok(m_bob->add(m_bobTicket, {bobFile(relative)}, ""));
+        ok(submit(*m_bob, m_bobTicket, "bob adds " + relative));
+    }
 
     QTemporaryDir m_dir;
     std::string m_depotPath;

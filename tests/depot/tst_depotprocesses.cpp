@@ -19,10 +19,10 @@ struct ToolRun
 class DepotProcesses : public DepotFixture
 {
 public:
-    // hbdepot as bob in his workspace, logging in with his password.
-    QStringList bobArguments(const QStringList& command) const
+    // hbdepot as bob in his workspace, logging in with his password or another one.
+    QStringList bobArguments(const QStringList& command, const QString& password = "bob-pw") const
     {
-        return QStringList{"-d", QString::fromStdString(m_depotPath), "-u", "bob", "-w", "bob-ws", "-P", "bob-pw"} +
+        return QStringList{"-d", QString::fromStdString(m_depotPath), "-u", "bob", "-w", "bob-ws", "-P", password} +
                command;
     }
 
@@ -45,15 +45,15 @@ public:
 
 TEST_F(DepotProcesses, EachSideSeesTheOthersChanges)
 {
-    ASSERT_TRUE(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, "").ok());
-    ToolRun status = run(bobArguments({"status", QString::fromStdString(bobFile("shared.kel"))}));
+    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
+    const ToolRun status = run(bobArguments({"status", QString::fromStdString(bobFile("shared.kel"))}));
     ASSERT_EQ(status.exitCode, 0) << status.errors.toStdString();
     EXPECT_TRUE(status.output.contains(" 0x2 held by alice")) << status.output.toStdString();
 
     write(bobFile("ship.kel"), "hull");
-    ToolRun add = run(bobArguments({"add", QString::fromStdString(bobFile("ship.kel"))}));
+    const ToolRun add = run(bobArguments({"add", QString::fromStdString(bobFile("ship.kel"))}));
     ASSERT_EQ(add.exitCode, 0) << add.errors.toStdString();
-    ToolRun submit = run(bobArguments({"submit", "-d", "the ship"}));
+    const ToolRun submit = run(bobArguments({"submit", "-d", "the ship"}));
     ASSERT_EQ(submit.exitCode, 0) << submit.errors.toStdString();
     EXPECT_EQ(submit.output.trimmed(), "Change 2 submitted.");
     EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, aliceFile("ship.kel")).word, status::NotAtHead);
@@ -61,13 +61,12 @@ TEST_F(DepotProcesses, EachSideSeesTheOthersChanges)
 
 TEST_F(DepotProcesses, RefusalsAndBadUsageHaveTheirExitCodes)
 {
-    ToolRun wrongPassword = run({"-d", QString::fromStdString(m_depotPath), "-u", "bob", "-w", "bob-ws", "-P", "nope",
-                                 "opened"});
+    const ToolRun wrongPassword = run(bobArguments({"opened"}, "nope"));
     EXPECT_EQ(wrongPassword.exitCode, 1);
     EXPECT_TRUE(wrongPassword.errors.contains("Invalid password")) << wrongPassword.errors.toStdString();
     EXPECT_EQ(run(bobArguments({"frobnicate"})).exitCode, 2);
     EXPECT_EQ(run(bobArguments({"edit", "-c"})).exitCode, 2);
-    ToolRun help = run({"--help"});
+    const ToolRun help = run({"--help"});
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_TRUE(help.output.contains("submit [-c CHANGE] [-d DESCRIPTION]"));
 }
@@ -79,7 +78,7 @@ TEST_F(DepotProcesses, ConcurrentWritersAllLand)
     for (int i = 0; i < kWriters; ++i) {
         const std::string file = bobFile("part" + std::to_string(i) + ".kel");
         write(file, "part");
-        // Each process adds and locks its file in its own session, at the same time as the others.
+        // Each process adds its file in its own session, at the same time as the others.
         writers.push_back(start(bobArguments({"add", QString::fromStdString(file)})));
     }
     for (auto& writer : writers) {
@@ -87,7 +86,7 @@ TEST_F(DepotProcesses, ConcurrentWritersAllLand)
         EXPECT_EQ(result.exitCode, 0) << result.errors.toStdString();
     }
     std::vector<OpenedFile> opened;
-    ASSERT_TRUE(m_alice->opened(m_aliceTicket, true, opened).ok());
+    ok(m_alice->opened(m_aliceTicket, true, opened));
     EXPECT_EQ(opened.size(), static_cast<std::size_t>(kWriters));
 }
 

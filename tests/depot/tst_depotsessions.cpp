@@ -1,8 +1,7 @@
 // Log-in, session expiry, an unreachable depot, injected faults and cancelled operations.
 #include "depotfixture.h"
 
-#include <filesystem>
-#include <fstream>
+#include <functional>
 
 using namespace hbrc::depot;
 namespace fs = std::filesystem;
@@ -47,13 +46,18 @@ TEST_F(DepotSessions, LogInFailuresSayWhy)
     EXPECT_EQ(unknownUser.error.find("Invalid password"), std::string::npos)
         << "only a wrong password may ask for another password";
     EXPECT_LT(m_alice->login("alice", "alice-pw", "bob-ws", ticket).code, 0) << "bob's workspace is not alice's";
-    ASSERT_TRUE(m_alice->addUser("carol", "").ok());
-    ASSERT_TRUE(m_alice->addWorkspace("carol-ws", "carol", m_dir.filePath("carol").toStdString()).ok());
+    ok(m_alice->addUser("carol", ""));
+    ok(m_alice->addWorkspace("carol-ws", "carol", path("carol")));
     EXPECT_TRUE(m_alice->login("carol", "", "carol-ws", ticket).ok()) << "a user without password logs in with none";
 }
 
 TEST_F(DepotSessions, AnExpiredOrUnknownTicketMakesEveryOperationFailWith34)
 {
+    ok(m_alice->expireSession(m_bobTicket));
+    EXPECT_EQ(m_bob->edit(m_bobTicket, {bobFile("shared.kel")}, "").code, code::SessionUnusable)
+        << "expiring a session now reaches the other connections";
+    std::vector<FileStatus> statuses;
+    EXPECT_TRUE(m_alice->status(m_aliceTicket, {aliceFile("shared.kel")}, statuses).ok()) << "but not alice's";
     m_now += 3601;
     for (const auto& [name, operation] : kOperations) {
         const Result expired = operation(*m_alice, m_aliceTicket, aliceFile("shared.kel"));
@@ -62,21 +66,14 @@ TEST_F(DepotSessions, AnExpiredOrUnknownTicketMakesEveryOperationFailWith34)
         EXPECT_EQ(operation(*m_alice, "no-such-ticket", aliceFile("shared.kel")).code, code::SessionUnusable) << name;
     }
     std::string renewed;
-    ASSERT_TRUE(m_alice->login("alice", "alice-pw", "alice-ws", renewed).ok());
+    ok(m_alice->login("alice", "alice-pw", "alice-ws", renewed));
     EXPECT_TRUE(m_alice->edit(renewed, {aliceFile("shared.kel")}, "").ok());
-}
-
-TEST_F(DepotSessions, ExpiringASessionNowReachesOtherConnections)
-{
-    ASSERT_TRUE(m_alice->expireSession(m_bobTicket).ok());
-    EXPECT_EQ(m_bob->edit(m_bobTicket, {bobFile("shared.kel")}, "").code, code::SessionUnusable);
-    EXPECT_TRUE(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, "").ok());
 }
 
 TEST_F(DepotSessions, AnUnreachableDepotFailsWith34UntilItAppears)
 {
-    const std::string missing = m_dir.filePath("elsewhere/depot.db").toStdString();
-    const std::string garbage = m_dir.filePath("garbage.db").toStdString();
+    const std::string missing = path("elsewhere/depot.db");
+    const std::string garbage = path("garbage.db");
     std::ofstream(garbage) << "not a database at all, just text that is long enough to be read as a header";
     for (const std::string& path : {missing, garbage}) {
         Depot unreachable(path);
@@ -89,7 +86,7 @@ TEST_F(DepotSessions, AnUnreachableDepotFailsWith34UntilItAppears)
     }
     Depot later(missing);
     fs::create_directories(fs::path(missing).parent_path());
-    ASSERT_TRUE(Depot::create(missing).ok());
+    ok(Depot::create(missing));
     EXPECT_TRUE(later.addUser("dave", "pw").ok()) << "the connection is made once the file is there";
 }
 
@@ -108,6 +105,8 @@ TEST_F(DepotSessions, InjectedFailuresHitTheNextCallsOrOneOperation)
     EXPECT_EQ(edit.error, "disk on fire");
     EXPECT_TRUE(m_alice->status(m_aliceTicket, {aliceFile("shared.kel")}, statuses).ok());
     EXPECT_EQ(statuses[0].word, 0u) << "the failed edit opened nothing";
+    m_alice->faults().failOperation(Operation::Status, code::SessionUnusable);
+    EXPECT_EQ(m_alice->status(m_aliceTicket, {aliceFile("shared.kel")}, statuses).code, code::SessionUnusable);
     m_alice->faults().clear();
     EXPECT_TRUE(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, "").ok());
 }
@@ -124,7 +123,7 @@ TEST_F(DepotSessions, ACancelledSubmitChangesNothingWhereverItStops)
 {
     for (const char* name : {"a.kel", "b.kel", "c.kel"}) {
         write(aliceFile(name), name);
-        ASSERT_TRUE(m_alice->add(m_aliceTicket, {aliceFile(name)}, "").ok());
+        ok(m_alice->add(m_aliceTicket, {aliceFile(name)}, ""));
     }
     ChangelistId submitted;
     int at = 1;
@@ -135,7 +134,7 @@ TEST_F(DepotSessions, ACancelledSubmitChangesNothingWhereverItStops)
             break;
         ASSERT_EQ(result.code, code::Cancelled) << result.error;
         std::vector<OpenedFile> opened;
-        ASSERT_TRUE(m_alice->opened(m_aliceTicket, false, opened).ok());
+        ok(m_alice->opened(m_aliceTicket, false, opened));
         EXPECT_EQ(opened.size(), 3u) << "cancelled at poll " << at;
         EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("a.kel")).word, status::AddedByOthers | status::NotInDepot);
         EXPECT_TRUE(isWritable(aliceFile("c.kel")));
@@ -146,7 +145,7 @@ TEST_F(DepotSessions, ACancelledSubmitChangesNothingWhereverItStops)
 
 TEST_F(DepotSessions, ASlowRoundTripCanBeCancelledWhileItWaits)
 {
-    ASSERT_TRUE(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, "").ok());
+    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
     write(aliceFile("shared.kel"), "unsaved work");
     m_alice->faults().setLatency(std::chrono::seconds(30));
     CancelAt cancel{3};

@@ -1,7 +1,6 @@
 // The status word alice sees for a file after something happened to it, in either workspace.
 #include "depotfixture.h"
 
-#include <filesystem>
 #include <functional>
 
 using namespace hbrc::depot;
@@ -12,88 +11,67 @@ struct StatusCase
 {
     const char* name;
     std::function<void(DepotFixture&)> happen;
-    std::function<std::string(DepotFixture&)> file;
-    std::uint32_t word;
-    std::vector<std::string> holders;
-    ChangelistId changelist;
+    std::uint32_t word = 0;
+    std::vector<std::string> holders = {};
+    ChangelistId changelist = {};
+    std::string file = "alice/shared.kel";  // below the test's folder
 };
-
-void ok(const Result& result)
-{
-    ASSERT_TRUE(result.ok()) << result.error;
-}
-
-std::string sharedForAlice(DepotFixture& f)
-{
-    return f.aliceFile("shared.kel");
-}
 
 void bobEdits(DepotFixture& f)
 {
-    ok(f.m_bob->edit(f.m_bobTicket, {f.bobFile("shared.kel")}, ""));
+    f.ok(f.m_bob->edit(f.m_bobTicket, {f.bobFile("shared.kel")}, ""));
+}
+
+void bobDeletes(DepotFixture& f)
+{
+    f.ok(f.m_bob->remove(f.m_bobTicket, {f.bobFile("shared.kel")}, ""));
 }
 
 void bobSubmits(DepotFixture& f)
 {
-    ChangelistId submitted;
-    ok(f.m_bob->submit(f.m_bobTicket, "", "bob's change", submitted));
+    f.ok(f.submit(*f.m_bob, f.m_bobTicket, "bob's change"));
 }
 
 const StatusCase kCases[] = {
-    {"SyncedAndUntouched", [](DepotFixture&) {}, sharedForAlice, 0, {}, ""},
-    {"BobEdits", bobEdits, sharedForAlice, status::OpenedByOthers, {"bob"}, ""},
+    {"SyncedAndUntouched", [](DepotFixture&) {}},
+    {"BobEdits", bobEdits, status::OpenedByOthers, {"bob"}},
     {"BobEditsAndLocks",
      [](DepotFixture& f) {
          bobEdits(f);
-         ok(f.m_bob->lock(f.m_bobTicket, {f.bobFile("shared.kel")}));
+         f.ok(f.m_bob->lock(f.m_bobTicket, {f.bobFile("shared.kel")}));
      },
-     sharedForAlice, status::OpenedByOthers | status::LockedByOthers, {"bob"}, ""},
-    {"BobDeletes",
-     [](DepotFixture& f) { ok(f.m_bob->remove(f.m_bobTicket, {f.bobFile("shared.kel")}, "")); },
-     sharedForAlice, status::DeletedByOthers, {"bob"}, ""},
-    {"BobSubmitsAnEdit",
-     [](DepotFixture& f) {
-         bobEdits(f);
-         bobSubmits(f);
-     },
-     sharedForAlice, status::NotAtHead, {}, ""},
-    {"BobSubmitsADelete",
-     [](DepotFixture& f) {
-         ok(f.m_bob->remove(f.m_bobTicket, {f.bobFile("shared.kel")}, ""));
-         bobSubmits(f);
-     },
-     sharedForAlice, status::NotInDepot | status::NotAtHead, {}, ""},
+     status::OpenedByOthers | status::LockedByOthers, {"bob"}},
+    {"BobDeletes", bobDeletes, status::DeletedByOthers, {"bob"}},
+    {"BobSubmitsAnEdit", [](DepotFixture& f) { bobEdits(f); bobSubmits(f); }, status::NotAtHead},
+    {"BobSubmitsADelete", [](DepotFixture& f) { bobDeletes(f); bobSubmits(f); }, status::NotInDepot | status::NotAtHead},
     {"BobSubmitsANewFileAliceNeverSynced", [](DepotFixture& f) { f.bobSubmitsNewFile("ship.kel", "hull"); },
-     [](DepotFixture& f) { return f.aliceFile("ship.kel"); }, status::NotAtHead, {}, ""},
+     status::NotAtHead, {}, {}, "alice/ship.kel"},
     {"BobAddsANewFile",
      [](DepotFixture& f) {
          f.write(f.bobFile("ship.kel"), "hull");
-         ok(f.m_bob->add(f.m_bobTicket, {f.bobFile("ship.kel")}, ""));
+         f.ok(f.m_bob->add(f.m_bobTicket, {f.bobFile("ship.kel")}, ""));
      },
-     [](DepotFixture& f) { return f.aliceFile("ship.kel"); }, status::AddedByOthers | status::NotInDepot, {"bob"}, ""},
-    {"NewLocalFile", [](DepotFixture& f) { f.write(f.aliceFile("new.kel"), "x"); },
-     [](DepotFixture& f) { return f.aliceFile("new.kel"); }, status::NotInDepot, {}, ""},
+     status::AddedByOthers | status::NotInDepot, {"bob"}, {}, "alice/ship.kel"},
+    {"NewLocalFile", [](DepotFixture& f) { f.write(f.aliceFile("new.kel"), "x"); }, status::NotInDepot, {}, {},
+     "alice/new.kel"},
     {"AliceEditsInAChangelist",
      [](DepotFixture& f) {
          ChangelistId created;
-         ok(f.m_alice->createChangelist(f.m_aliceTicket, "rework", created));
-         ok(f.m_alice->edit(f.m_aliceTicket, {f.aliceFile("shared.kel")}, created));
+         f.ok(f.m_alice->createChangelist(f.m_aliceTicket, "rework", created));
+         f.ok(f.m_alice->edit(f.m_aliceTicket, {f.aliceFile("shared.kel")}, created));
      },
-     sharedForAlice, status::OpenedForEdit, {}, "2"},
-    {"AliceDeletes",
-     [](DepotFixture& f) { ok(f.m_alice->remove(f.m_aliceTicket, {f.aliceFile("shared.kel")}, "")); },
-     sharedForAlice, status::OpenedForDelete, {}, ""},
+     status::OpenedForEdit, {}, "2"},
+    {"AliceDeletes", [](DepotFixture& f) { f.ok(f.m_alice->remove(f.m_aliceTicket, {f.aliceFile("shared.kel")}, "")); },
+     status::OpenedForDelete},
     {"AliceAdds",
      [](DepotFixture& f) {
          f.write(f.aliceFile("new.kel"), "x");
-         ok(f.m_alice->add(f.m_aliceTicket, {f.aliceFile("new.kel")}, ""));
+         f.ok(f.m_alice->add(f.m_aliceTicket, {f.aliceFile("new.kel")}, ""));
      },
-     [](DepotFixture& f) { return f.aliceFile("new.kel"); }, status::OpenedForAdd, {}, ""},
-    {"PathOutsideTheWorkspace", [](DepotFixture&) {}, [](DepotFixture& f) { return f.bobFile("shared.kel"); },
-     status::NotInDepot, {}, ""},
-    {"FolderWhereAFileShouldBe",
-     [](DepotFixture& f) { std::filesystem::create_directories(f.aliceFile("folder.kel")); },
-     [](DepotFixture& f) { return f.aliceFile("folder.kel"); }, status::NotInDepot | status::IoError, {}, ""},
+     status::OpenedForAdd, {}, {}, "alice/new.kel"},
+    {"PathOutsideTheWorkspace", [](DepotFixture&) {}, status::NotInDepot, {}, {}, "bob/shared.kel"},
+    {"FolderWhereAFileShouldBe", [](DepotFixture& f) { std::filesystem::create_directories(f.aliceFile("folder.kel")); },
+     status::NotInDepot | status::IoError, {}, {}, "alice/folder.kel"},
 };
 
 class DepotStatus : public DepotFixture, public ::testing::WithParamInterface<StatusCase>
@@ -104,7 +82,7 @@ TEST_P(DepotStatus, AliceSeesTheWord)
 {
     const StatusCase& row = GetParam();
     row.happen(*this);
-    const FileStatus seen = statusOf(*m_alice, m_aliceTicket, row.file(*this));
+    const FileStatus seen = statusOf(*m_alice, m_aliceTicket, path(row.file));
     EXPECT_EQ(seen.word, row.word) << std::hex << "0x" << seen.word;
     EXPECT_EQ(seen.holders, row.holders);
     EXPECT_EQ(seen.changelist, row.changelist);
@@ -113,19 +91,20 @@ TEST_P(DepotStatus, AliceSeesTheWord)
 INSTANTIATE_TEST_SUITE_P(Depot, DepotStatus, ::testing::ValuesIn(kCases),
                          [](const ::testing::TestParamInfo<StatusCase>& info) { return info.param.name; });
 
-TEST_F(DepotFixture, StatusAnswersEveryFileInOrderInOneRoundTrip)
+TEST_F(DepotFixture, StatusAndHoldersAnswerEveryFileInOrderInOneRoundTripEach)
 {
     write(aliceFile("new.kel"), "x");
-    ASSERT_TRUE(m_bob->edit(m_bobTicket, {bobFile("shared.kel")}, "").ok());
+    ok(m_bob->edit(m_bobTicket, {bobFile("shared.kel")}, ""));
+    const std::vector<std::string> files{aliceFile("new.kel"), aliceFile("shared.kel")};
     const std::uint64_t before = m_alice->roundTrips();
     std::vector<FileStatus> statuses;
-    ASSERT_TRUE(m_alice->status(m_aliceTicket, {aliceFile("new.kel"), aliceFile("shared.kel")}, statuses).ok());
-    EXPECT_EQ(m_alice->roundTrips() - before, 1u);
+    ok(m_alice->status(m_aliceTicket, files, statuses));
+    std::vector<std::vector<std::string>> holders;
+    ok(m_alice->holders(m_aliceTicket, files, holders));
+    EXPECT_EQ(m_alice->roundTrips() - before, 2u);
     ASSERT_EQ(statuses.size(), 2u);
     EXPECT_EQ(statuses[0].word, status::NotInDepot);
     EXPECT_EQ(statuses[1].word, status::OpenedByOthers);
-    std::vector<std::vector<std::string>> holders;
-    ASSERT_TRUE(m_alice->holders(m_aliceTicket, {aliceFile("new.kel"), aliceFile("shared.kel")}, holders).ok());
     EXPECT_EQ(holders, (std::vector<std::vector<std::string>>{{}, {"bob"}}));
 }
 

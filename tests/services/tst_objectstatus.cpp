@@ -10,12 +10,10 @@ using namespace kel4;
 
 namespace {
 
-class OtherUserStatus;
-
 struct OtherUserCase
 {
     const char* name;
-    std::function<void(OtherUserStatus&, const std::vector<std::string>& bobFiles)> bobDoes;
+    std::function<void(DepotHostFixture&, const std::vector<std::string>& bobFiles)> bobDoes;
     unsigned expectedWord;
     List<std::string> expectedUsers;
     bool canCheckOut;
@@ -23,15 +21,6 @@ struct OtherUserCase
 
 class OtherUserStatus : public DepotHostFixture, public ::testing::WithParamInterface<OtherUserCase>
 {
-public:
-    void Edit(const std::vector<std::string>& files) { BobExpects(Bob().edit(BobTicket(), files, "")); }
-    void Lock(const std::vector<std::string>& files) { BobExpects(Bob().lock(BobTicket(), files)); }
-    void Delete(const std::vector<std::string>& files) { BobExpects(Bob().remove(BobTicket(), files, "")); }
-    void SubmitDefault()
-    {
-        hbrc::depot::ChangelistId submitted;
-        BobExpects(Bob().submit(BobTicket(), "", "bob's change", submitted));
-    }
 };
 
 TEST_P(OtherUserStatus, AliceSeesBobsWorkWithHisName)
@@ -41,33 +30,29 @@ TEST_P(OtherUserStatus, AliceSeesBobsWorkWithHisName)
 
     EXPECT_EQ(StatusOf("Rock"), row.expectedWord);
     EXPECT_EQ(StatusOf("Sky"), 0u) << "an asset bob did not touch";
-
     List<std::string> users;
     ASSERT_EQ(DataControl()->GetUsersOfObject(Asset("Rock"), kPersistence, users).GetCode(), 0);
     EXPECT_EQ(users, row.expectedUsers);
-
     bool canCheckOut = !row.canCheckOut;
     ASSERT_EQ(DataControl()->CanCheckOut(Asset("Rock"), true, kPersistence, canCheckOut).GetCode(), 0);
     EXPECT_EQ(canCheckOut, row.canCheckOut);
     EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence)) << "alice's copy is still read-only";
 }
 
+// Locks and deletes of others reach the object word as the depot reports them (tst_depot) and
+// refuse a check-out as the status rules say (tst_statusrules).
 INSTANTIATE_TEST_SUITE_P(
     , OtherUserStatus,
     ::testing::Values(
-        OtherUserCase{"Untouched", [](OtherUserStatus&, const auto&) {}, 0u, {}, true},
-        OtherUserCase{"BobEdits", [](OtherUserStatus& bob, const auto& files) { bob.Edit(files); },
+        OtherUserCase{"Untouched", [](DepotHostFixture&, const auto&) {}, 0u, {}, true},
+        OtherUserCase{"BobEdits",
+                      [](DepotHostFixture& f, const auto& files) { f.BobExpects(f.Bob().edit(f.BobTicket(), files, "")); },
                       eStatusCheckedOutByOthers, {"bob"}, false},
-        OtherUserCase{"BobLocks", [](OtherUserStatus& bob, const auto& files) {
-                          bob.Edit(files);
-                          bob.Lock(files);
-                      },
-                      eStatusCheckedOutByOthers | eStatusLockedByOthers, {"bob"}, false},
-        OtherUserCase{"BobDeletes", [](OtherUserStatus& bob, const auto& files) { bob.Delete(files); },
-                      eStatusMarkedForDeleteByOthers, {"bob"}, false},
-        OtherUserCase{"BobSubmitsAnEdit", [](OtherUserStatus& bob, const auto& files) {
-                          bob.Edit(files);
-                          bob.SubmitDefault();
+        OtherUserCase{"BobSubmitsAnEdit",
+                      [](DepotHostFixture& f, const auto& files) {
+                          f.BobExpects(f.Bob().edit(f.BobTicket(), files, ""));
+                          hbrc::depot::ChangelistId submitted;
+                          f.BobExpects(f.Bob().submit(f.BobTicket(), "", "bob's change", submitted));
                       },
                       eStatusNotHeadRevision, {}, false}),
     [](const ::testing::TestParamInfo<OtherUserCase>& info) { return std::string(info.param.name); });
@@ -94,7 +79,7 @@ TEST_F(ObjectStatus, ObjectWordIsTheUnionOfItsFilesWords)
     EXPECT_EQ(statuses, List<unsigned>{eStatusCheckedOut}) << "without external files only the .kel file counts";
 }
 
-TEST_F(ObjectStatus, NewAssetIsNotInTheDepotUntilMarkedForAdd)
+TEST_F(ObjectStatus, MarkForAddAddsOnlyTheFilesTheDepotLacks)
 {
     const auto lamp = CreateSavedAsset("Lamp", "lamp.bin");
     EXPECT_EQ(StatusOf("Lamp"), eStatusNotInDatabase);
@@ -102,21 +87,15 @@ TEST_F(ObjectStatus, NewAssetIsNotInTheDepotUntilMarkedForAdd)
     bool canCheckOut = true;
     ASSERT_EQ(DataControl()->CanCheckOut(lamp, true, kPersistence, canCheckOut).GetCode(), 0);
     EXPECT_FALSE(canCheckOut);
-
     std::string error;
     ASSERT_EQ(DataControl()->MarkForAdd({lamp}, true, kPersistence, "", error).GetCode(), 0) << error;
     EXPECT_EQ(StatusOf("Lamp"), eStatusMarkedForAdd);
-}
 
-TEST_F(ObjectStatus, MarkForAddAddsOnlyTheFilesTheDepotLacks)
-{
     // Rock is in the depot; after a check-out it gains a new external file.
-    std::string error;
-    ASSERT_EQ(DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error).GetCode(), 0) << error;
+    AliceChecksOut("Rock");
     ASSERT_TRUE(workspace->AddExternalFile(Asset("Rock"), "moss.bin", "moss"));
     workspace->Save();
     EXPECT_EQ(StatusOf("Rock"), eStatusCheckedOut | eStatusNotInDatabase);
-
     ASSERT_EQ(DataControl()->MarkForAdd({Asset("Rock")}, true, kPersistence, "", error).GetCode(), 0) << error;
     EXPECT_EQ(StatusOf("Rock"), eStatusCheckedOut | eStatusMarkedForAdd);
 }
@@ -140,7 +119,6 @@ TEST_F(ObjectStatus, ThousandObjectStatusQuestionIsOneRoundTrip)
         std::string error;
         objects.emplace_back(workspace->CreateAsset(asset, error));
     }
-
     const auto before = services.connection->RoundTrips();
     List<unsigned> statuses;
     std::string error;
@@ -148,7 +126,6 @@ TEST_F(ObjectStatus, ThousandObjectStatusQuestionIsOneRoundTrip)
     EXPECT_EQ(services.connection->RoundTrips() - before, 1u);
     ASSERT_EQ(statuses.size(), 1000u);
     EXPECT_EQ(std::count(statuses.begin(), statuses.end(), eStatusNotInDatabase), 1000);
-
     // The per-object questions that follow answer from what that question brought.
     for (const auto& object : objects)
         EXPECT_FALSE(DataControl()->NeedsAction(object, true, kPersistence));
@@ -157,19 +134,16 @@ TEST_F(ObjectStatus, ThousandObjectStatusQuestionIsOneRoundTrip)
 
 TEST_F(ObjectStatus, PerObjectQuestionsShareOneRoundTripUntilAChange)
 {
-    const ObjectList assets{Asset("Rock"), Asset("Tree"), Asset("Sky")};
-    std::string error;
-    ASSERT_EQ(DataControl()->CheckOut({Asset("Sky")}, true, kPersistence, "", error).GetCode(), 0) << error;
-
+    AliceChecksOut("Sky");
     auto before = services.connection->RoundTrips();
     std::vector<bool> needsAction;
-    for (const auto& asset : assets)
-        needsAction.push_back(DataControl()->NeedsAction(asset, true, kPersistence));
+    for (const char* asset : {"Rock", "Tree", "Sky"})
+        needsAction.push_back(DataControl()->NeedsAction(Asset(asset), true, kPersistence));
     EXPECT_EQ(needsAction, (std::vector<bool>{true, true, false}));
     EXPECT_EQ(services.connection->RoundTrips() - before, 1u) << "one status query for the whole workspace";
 
     // A change through the services makes the next question ask the depot again.
-    ASSERT_EQ(DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error).GetCode(), 0) << error;
+    AliceChecksOut("Rock");
     before = services.connection->RoundTrips();
     EXPECT_FALSE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
     EXPECT_TRUE(DataControl()->NeedsAction(Asset("Tree"), true, kPersistence));

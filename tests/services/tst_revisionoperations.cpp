@@ -1,47 +1,31 @@
-// Check-out, mark-for-add, revert, mark-for-delete, make-writable and changelists through the
-// services, as a Perforce user expects them to behave.
+// Check-out, revert, mark-for-delete, make-writable and changelists through the services, as a
+// Perforce user expects them to behave.
 #include <depothostfixture.h>
-
-#include <hbrcservices/filepermissions.h>
 
 #include <kel4/revisionstatus.h>
 
 using namespace kel4;
-using hbrc::host::FilePermissions::IsReadOnly;
 
 namespace {
 
-class RevisionOperations : public DepotHostFixture
-{
-protected:
-    List<std::string> FilesOf(const std::string& assetName) const
-    {
-        Set<std::string> files;
-        DataControl()->GetFiles(Asset(assetName), true, kPersistence, "", files);
-        return {files.begin(), files.end()};
-    }
-    std::string NewChangelist(const std::string& description) const
-    {
-        std::string changelist;
-        std::string error;
-        EXPECT_EQ(DataControl()->CreateChangeList(description, changelist, error).GetCode(), 0) << error;
-        return changelist;
-    }
-};
+using RevisionOperations = DepotHostFixture;
 
 TEST_F(RevisionOperations, CheckOutIntoANewChangelistThenRevert)
 {
-    const std::string changelist = NewChangelist("Retexture the rock");
-    EXPECT_TRUE(DataControl()->ChangeListExists(changelist));
-    List<std::string> pending;
+    std::string changelist;
     std::string error;
+    ASSERT_EQ(DataControl()->CreateChangeList("Retexture the rock", changelist, error).GetCode(), 0) << error;
+    EXPECT_TRUE(DataControl()->ChangeListExists(changelist));
+    EXPECT_TRUE(DataControl()->ChangeListExists("")) << "the default changelist always exists";
+    EXPECT_FALSE(DataControl()->ChangeListExists("9999"));
+    List<std::string> pending;
     ASSERT_EQ(DataControl()->GetPendingChangeLists(pending, error).GetCode(), 0);
     EXPECT_EQ(pending, List<std::string>{changelist});
     std::string description;
     ASSERT_EQ(DataControl()->GetChangeListDescription(changelist, description, error).GetCode(), 0);
     EXPECT_EQ(description, "Retexture the rock");
 
-    ASSERT_EQ(DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, changelist, error).GetCode(), 0) << error;
+    AliceChecksOut("Rock", changelist);
     EXPECT_EQ(StatusOf("Rock"), eStatusCheckedOut);
     EXPECT_FALSE(DataControl()->IsReadOnly(Asset("Rock"), true, kPersistence));
     EXPECT_FALSE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
@@ -63,12 +47,10 @@ TEST_F(RevisionOperations, CheckOutOfAFileHeldByBobFailsWholeAndNamesHim)
 {
     BobExpects(Bob().edit(BobTicket(), BobFilesOf("Tree"), ""));
     std::string error;
-    const kelResult result = DataControl()->CheckOut({Asset("Rock"), Asset("Tree")}, true, kPersistence, "", error);
-    EXPECT_EQ(result.GetCode(), kResultFailed);
+    EXPECT_EQ(DataControl()->CheckOut({Asset("Rock"), Asset("Tree")}, true, kPersistence, "", error).GetCode(),
+              kResultFailed);
     EXPECT_NE(error.find("bob"), std::string::npos) << error;
     EXPECT_EQ(StatusOf("Rock"), 0u) << "nothing was opened";
-    EXPECT_EQ(StatusOf("Tree"), eStatusCheckedOutByOthers);
-
     List<std::string> users;
     ASSERT_EQ(FileVersionControl()->GetUsersOfFiles(AliceSession(), FilesOf("Tree"), users, error).GetCode(), 0);
     EXPECT_EQ(users, List<std::string>{"bob"});
@@ -76,9 +58,10 @@ TEST_F(RevisionOperations, CheckOutOfAFileHeldByBobFailsWholeAndNamesHim)
 
 TEST_F(RevisionOperations, MarkForDeleteInAChangelistAndRevertIt)
 {
-    const std::string changelist = NewChangelist("Remove the sky");
-    const List<std::string> files = FilesOf("Sky");
+    std::string changelist;
     std::string error;
+    ASSERT_EQ(DataControl()->CreateChangeList("Remove the sky", changelist, error).GetCode(), 0) << error;
+    const List<std::string> files = FilesOf("Sky");
     ASSERT_EQ(FileVersionControl()->MarkForDeleteInChangelist(AliceSession(), files, changelist, error).GetCode(), 0)
         << error;
     List<unsigned> words;
@@ -86,55 +69,24 @@ TEST_F(RevisionOperations, MarkForDeleteInAChangelistAndRevertIt)
     ASSERT_EQ(FileVersionControl()->GetStatus(AliceSession(), files, words, changelists, error, 0).GetCode(), 0);
     EXPECT_EQ(words, List<unsigned>{eStatusMarkedForDelete});
     EXPECT_EQ(changelists, List<std::string>{changelist});
-
-    BobExpects(Bob().sync(BobTicket(), {}));
-    std::vector<hbrc::depot::FileStatus> bobSees;
-    BobExpects(Bob().status(BobTicket(), BobFilesOf("Sky"), bobSees));
-    EXPECT_EQ(bobSees.at(0).word, eStatusMarkedForDeleteByOthers);
-
     ASSERT_EQ(FileVersionControl()->Revert(AliceSession(), files, error, 0, 0).GetCode(), 0) << error;
     EXPECT_EQ(StatusOf("Sky"), 0u);
 }
 
-TEST_F(RevisionOperations, RevertOfAnAddOnlyUnopensTheNewFiles)
+TEST_F(RevisionOperations, MakeWritableFollowsTheIncludeExternalFlagAndLeavesTheDepotAlone)
 {
-    const auto lamp = CreateSavedAsset("Lamp", "lamp.bin");
-    std::string error;
-    ASSERT_EQ(DataControl()->MarkForAdd({lamp}, true, kPersistence, "", error).GetCode(), 0) << error;
-    const List<std::string> files = FilesOf("Lamp");
-    ASSERT_EQ(FileVersionControl()->Revert(AliceSession(), files, error, 0, 0).GetCode(), 0) << error;
-    EXPECT_EQ(StatusOf("Lamp"), eStatusNotInDatabase);
-    for (const std::string& file : files)
-        EXPECT_FALSE(IsReadOnly(file)) << file << " keeps its content and stays writable";
-}
-
-TEST_F(RevisionOperations, MakeWritableLeavesTheDepotAlone)
-{
-    EXPECT_TRUE(DataControl()->CanMakeWritable(Asset("Tree"), true, kPersistence));
-    std::string error;
+    EXPECT_TRUE(DataControl()->CanMakeWritable(Asset("Rock"), true, kPersistence));
     const auto before = services.connection->RoundTrips();
-    ASSERT_EQ(DataControl()->MakeWritable(Asset("Tree"), true, kPersistence, error).GetCode(), 0) << error;
-    EXPECT_EQ(services.connection->RoundTrips(), before);
-    EXPECT_FALSE(DataControl()->IsReadOnly(Asset("Tree"), true, kPersistence));
-    EXPECT_FALSE(DataControl()->CanMakeWritable(Asset("Tree"), true, kPersistence));
-    EXPECT_FALSE(DataControl()->NeedsAction(Asset("Tree"), true, kPersistence));
-    EXPECT_EQ(StatusOf("Tree"), 0u) << "not opened";
-}
-
-TEST_F(RevisionOperations, ReadOnlyTestFollowsTheIncludeExternalFlag)
-{
-    // Only the external file is made writable: the .kel file alone is still read-only.
     std::string error;
-    ASSERT_TRUE(hbrc::host::FilePermissions::MakeWritable(AlicePath("rock.bin"), error)) << error;
-    EXPECT_TRUE(DataControl()->IsReadOnly(Asset("Rock"), false, kPersistence));
-    EXPECT_TRUE(DataControl()->IsReadOnly(Asset("Rock"), true, kPersistence));
     ASSERT_EQ(DataControl()->MakeWritable(Asset("Rock"), false, kPersistence, error).GetCode(), 0) << error;
+    EXPECT_FALSE(DataControl()->IsReadOnly(Asset("Rock"), false, kPersistence));
+    EXPECT_TRUE(DataControl()->IsReadOnly(Asset("Rock"), true, kPersistence)) << "rock.bin is still read-only";
+    ASSERT_EQ(DataControl()->MakeWritable(Asset("Rock"), true, kPersistence, error).GetCode(), 0) << error;
+    EXPECT_EQ(services.connection->RoundTrips(), before);
     EXPECT_FALSE(DataControl()->IsReadOnly(Asset("Rock"), true, kPersistence));
-    EXPECT_TRUE(DataControl()->HasExternalFile(Asset("Rock"), kPersistence));
-    EXPECT_FALSE(DataControl()->HasExternalFile(Asset("Sky"), kPersistence));
-    Set<std::string> external;
-    ASSERT_EQ(DataControl()->GetExternalFiles(Asset("Rock"), kPersistence, external).GetCode(), 0);
-    EXPECT_EQ(external, Set<std::string>{AlicePath("rock.bin")});
+    EXPECT_FALSE(DataControl()->CanMakeWritable(Asset("Rock"), true, kPersistence));
+    EXPECT_FALSE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
+    EXPECT_EQ(StatusOf("Rock"), 0u) << "not opened";
 }
 
 TEST_F(RevisionOperations, FilesOfObjectsWithAndWithoutExternalFilesAndAFilter)
@@ -149,26 +101,11 @@ TEST_F(RevisionOperations, FilesOfObjectsWithAndWithoutExternalFilesAndAFilter)
     ASSERT_EQ(DataControl()->GetFiles({Asset("Rock"), Asset("Sky")}, true, kPersistence, ".bin", all, perObject).GetCode(), 0);
     EXPECT_EQ(all, Set<std::string>{AlicePath("rock.bin")});
     EXPECT_TRUE(perObject.back().empty());
-}
-
-TEST_F(RevisionOperations, SubmittedChangelistNoLongerExists)
-{
-    const std::string changelist = NewChangelist("Brighter sky");
-    std::string error;
-    ASSERT_EQ(DataControl()->CheckOut({Asset("Sky")}, true, kPersistence, changelist, error).GetCode(), 0) << error;
-    ASSERT_EQ(services.connection
-                  ->Run(AliceSession(),
-                        [&](hbrc::depot::Depot& depot, const std::string& ticket, const hbrc::depot::CancelCheck&) {
-                            hbrc::depot::ChangelistId submitted;
-                            return depot.submit(ticket, changelist, "", submitted);
-                        },
-                        error)
-                  .GetCode(),
-              0)
-        << error;
-    EXPECT_FALSE(DataControl()->ChangeListExists(changelist));
-    EXPECT_TRUE(DataControl()->ChangeListExists("")) << "the default changelist always exists";
-    EXPECT_FALSE(DataControl()->ChangeListExists("9999"));
+    EXPECT_TRUE(DataControl()->HasExternalFile(Asset("Rock"), kPersistence));
+    EXPECT_FALSE(DataControl()->HasExternalFile(Asset("Sky"), kPersistence));
+    Set<std::string> external;
+    ASSERT_EQ(DataControl()->GetExternalFiles(Asset("Rock"), kPersistence, external).GetCode(), 0);
+    EXPECT_EQ(external, Set<std::string>{AlicePath("rock.bin")});
 }
 
 TEST_F(RevisionOperations, ObjectQuestionsFollowTheDataModel)
@@ -176,7 +113,6 @@ TEST_F(RevisionOperations, ObjectQuestionsFollowTheDataModel)
     std::string error;
     const KELHandle<IDbObject> moss = workspace->AddPart(Asset("Rock"), "Layer", "Moss", error);
     ASSERT_FALSE(moss.IsNull()) << error;
-
     IDataControl::ObjectSet related;
     ASSERT_EQ(DataControl()->GetRelatedObjects({Asset("Rock")}, related).GetCode(), 0);
     EXPECT_EQ(related, IDataControl::ObjectSet{moss});

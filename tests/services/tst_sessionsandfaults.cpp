@@ -22,7 +22,7 @@ struct LoginCase
     const char* user;
     const char* password;
     const char* workspace;
-    bool useMissingServer;
+    const char* serverSuffix;  // after the depot's path
     const char* errorPart;
 };
 
@@ -33,22 +33,20 @@ class LoginFailures : public DepotHostFixture, public ::testing::WithParamInterf
 TEST_P(LoginFailures, GiveNoSessionAndSayWhy)
 {
     const LoginCase& row = GetParam();
-    const std::string server = row.useMissingServer ? DepotPath() + ".missing" : DepotPath();
     std::string error;
-    const KELPtr<IUserParameters> session =
-        FileVersionControl()->Login(row.user, row.password, row.workspace, server, error);
-    EXPECT_TRUE(session.IsNull());
+    EXPECT_TRUE(FileVersionControl()->Login(row.user, row.password, row.workspace, DepotPath() + row.serverSuffix, error)
+                    .IsNull());
     EXPECT_NE(error.find(row.errorPart), std::string::npos) << error;
     EXPECT_EQ(StatusOf("Rock"), 0u) << "alice's installed session still works, on the same depot";
 }
 
 INSTANTIATE_TEST_SUITE_P(
     , LoginFailures,
-    ::testing::Values(LoginCase{"WrongPassword", "alice", "guess", "alice-ws", false, "Invalid password"},
-                      LoginCase{"MissingPassword", "alice", "", "alice-ws", false, "Invalid password"},
-                      LoginCase{"UnknownUser", "carol", "x", "alice-ws", false, "carol does not exist"},
-                      LoginCase{"SomeoneElsesWorkspace", "alice", "alice-pw", "bob-ws", false, "belongs to user bob"},
-                      LoginCase{"UnreachableDepot", "alice", "alice-pw", "alice-ws", true, "Cannot reach the depot"}),
+    ::testing::Values(LoginCase{"WrongPassword", "alice", "guess", "alice-ws", "", "Invalid password"},
+                      LoginCase{"MissingPassword", "alice", "", "alice-ws", "", "Invalid password"},
+                      LoginCase{"UnknownUser", "carol", "x", "alice-ws", "", "carol does not exist"},
+                      LoginCase{"SomeoneElsesWorkspace", "alice", "alice-pw", "bob-ws", "", "belongs to user bob"},
+                      LoginCase{"UnreachableDepot", "alice", "alice-pw", "alice-ws", ".missing", "Cannot reach the depot"}),
     [](const ::testing::TestParamInfo<LoginCase>& info) { return std::string(info.param.name); });
 
 // Every operation that needs the depot, as the plug-in calls them; each answers a result code.
@@ -149,52 +147,8 @@ TEST_F(SessionsAndFaults, ServicesOnAnUnreachableDepotAnswerUnusable)
     EXPECT_EQ(StatusOf("Rock"), 0u);
 }
 
-struct ForcedFailureCase
-{
-    const char* name;
-    std::function<void(hbrc::depot::FaultInjector&)> inject;
-    int firstCode;
-    int secondCode;  // the same call once more
-};
-
-class ForcedFailures : public DepotHostFixture, public ::testing::WithParamInterface<ForcedFailureCase>
-{
-};
-
-TEST_P(ForcedFailures, ReachTheCallerAsTheirCodes)
-{
-    const ForcedFailureCase& row = GetParam();
-    row.inject(services.connection->Faults());
-    List<unsigned> statuses;
-    std::string error;
-    const ObjectList rock{Asset("Rock")};
-    EXPECT_EQ(DataControl()->GetStatus(rock, true, kPersistence, true, statuses, error).GetCode(), row.firstCode);
-    EXPECT_EQ(DataControl()->GetStatus(rock, true, kPersistence, true, statuses, error).GetCode(), row.secondCode);
-    services.connection->Faults().clear();
-    EXPECT_EQ(DataControl()->GetStatus(rock, true, kPersistence, true, statuses, error).GetCode(), 0);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    , ForcedFailures,
-    ::testing::Values(
-        ForcedFailureCase{"NextCallSessionUnusable",
-                          [](auto& faults) { faults.failNextCalls(1, hbrc::depot::code::SessionUnusable); },
-                          kResultSessionUnusable, 0},
-        ForcedFailureCase{"NextTwoCallsIoError",
-                          [](auto& faults) { faults.failNextCalls(2, hbrc::depot::code::IoError); }, kResultFailed,
-                          kResultFailed},
-        ForcedFailureCase{"StatusOperationUnusable",
-                          [](auto& faults) {
-                              faults.failOperation(hbrc::depot::Operation::Status, hbrc::depot::code::SessionUnusable);
-                          },
-                          kResultSessionUnusable, kResultSessionUnusable},
-        ForcedFailureCase{"OtherOperationLeavesStatusAlone",
-                          [](auto& faults) {
-                              faults.failOperation(hbrc::depot::Operation::Edit, hbrc::depot::code::IoError);
-                          },
-                          0, 0}),
-    [](const ::testing::TestParamInfo<ForcedFailureCase>& info) { return std::string(info.param.name); });
-
+// How injected failures count and pick their operation is the depot's (tst_depot); here, that a
+// failed change reaches the caller with its text and opens nothing.
 TEST_F(SessionsAndFaults, FailedCheckOutLeavesNothingOpen)
 {
     services.connection->Faults().failOperation(hbrc::depot::Operation::Edit, hbrc::depot::code::IoError, "disk on fire");

@@ -53,6 +53,8 @@ INSTANTIATE_TEST_SUITE_P(
         RuleCase{"NewFileBesideSyncedOne", {status::NotInDepot, 0}, {"b"}, true, false},
         RuleCase{"HeldByOthers", {status::OpenedByOthers}, {"a"}, true, false},
         RuleCase{"LockedByOthers", {status::OpenedByOthers | status::LockedByOthers}, {"a"}, true, false},
+        RuleCase{"DeletedByOthers", {status::DeletedByOthers}, {"a"}, true, false},
+        RuleCase{"AddedByOthers", {status::AddedByOthers | status::NotInDepot}, {}, false, false},
         RuleCase{"NotAtHead", {status::NotAtHead}, {"a"}, true, false},
         RuleCase{"IoError", {status::IoError}, {"a"}, true, false},
         RuleCase{"MarkedForDeleteHere", {status::OpenedForDelete}, {"a"}, false, false},

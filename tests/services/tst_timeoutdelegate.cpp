@@ -1,12 +1,10 @@
 // The time-out delegate protocol: a slow operation asks the delegate (the plug-in's progress
 // box), ends it with Close when it finishes, and rolls back when the user cancels.
 #include <depothostfixture.h>
+#include <dialogdriver.h>
 
 #include <kel4/itimeoutdelegate.h>
 #include <kel4/revisionstatus.h>
-
-#include <QEventLoop>
-#include <QTimer>
 
 #include <functional>
 
@@ -14,46 +12,28 @@ using namespace kel4;
 
 namespace {
 
-// Answers GetUserInput as scripted: Cancel at once, or wait in an event loop (as a modal box
-// does) until Close comes; a Close that never comes ends the wait after a while as a Cancel.
+// Answers GetUserInput with Cancel at once, or spins the event loop (as a modal box does) until
+// Close comes; a Close that never comes ends the wait after a while as a Cancel.
 class ScriptedDelegate final : public ITimeOutDelegate
 {
 public:
-    enum class Answer { Cancel, WaitForClose };
-
-    explicit ScriptedDelegate(Answer answer) : m_answer(answer) {}
+    explicit ScriptedDelegate(bool cancel) : m_cancel(cancel) {}
 
     bool GetUserInput() override
     {
         ++userInputCalls;
         if (whileAsking)
             whileAsking();
-        if (m_answer == Answer::Cancel)
-            return true;
-        QEventLoop loop;
-        m_loop = &loop;
-        QTimer::singleShot(std::chrono::seconds(20), &loop, &QEventLoop::quit);
-        loop.exec();
-        m_loop = nullptr;
-        return !m_closed;
+        return m_cancel || !hbrc::test::DialogDriver::waitUntil([this] { return closeCalls > 0; }, 20000);
     }
-
-    void Close() override
-    {
-        ++closeCalls;
-        m_closed = true;
-        if (m_loop)
-            m_loop->quit();
-    }
+    void Close() override { ++closeCalls; }
 
     int userInputCalls = 0;
     int closeCalls = 0;
     std::function<void()> whileAsking;
 
 private:
-    Answer m_answer;
-    bool m_closed = false;
-    QEventLoop* m_loop = nullptr;
+    bool m_cancel;
 };
 
 class TimeOutDelegate : public DepotHostFixture
@@ -69,108 +49,40 @@ protected:
         FileVersionControl()->SetTimeOutDelegate(nullptr);
         DepotHostFixture::TearDown();
     }
+};
 
-public:
-    List<std::string> FilesOf(const std::string& assetName) const
-    {
-        Set<std::string> files;
-        DataControl()->GetFiles(Asset(assetName), true, kPersistence, "", files);
-        return {files.begin(), files.end()};
+TEST_F(TimeOutDelegate, CancelledOperationsChangeNothing)
+{
+    AliceChecksOut("Tree");
+    std::string error;
+    const std::pair<const char*, std::function<kelResult()>> operations[] = {
+        {"Rock", [&] { return DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error); }},
+        {"Sky", [&] { return FileVersionControl()->MarkForDeleteInChangelist(AliceSession(), FilesOf("Sky"), "", error); }},
+        {"Tree", [&] { return FileVersionControl()->Revert(AliceSession(), FilesOf("Tree"), error, 0, 0); }},
+    };
+    for (const auto& [asset, operation] : operations) {
+        const unsigned wordBefore = StatusOf(asset);
+        const bool wasReadOnly = DataControl()->IsReadOnly(Asset(asset), true, kPersistence);
+        ScriptedDelegate delegate(true);
+        FileVersionControl()->SetTimeOutDelegate(&delegate);
+        // Far longer than any test run: only the cancel can end the round trip early.
+        services.connection->Faults().setLatency(std::chrono::minutes(10));
+        const kelResult result = operation();
+        services.connection->Faults().clear();
+        FileVersionControl()->SetTimeOutDelegate(nullptr);
+
+        EXPECT_EQ(result.GetCode(), kResultFailed) << asset;
+        EXPECT_NE(error.find("cancelled"), std::string::npos) << error;
+        EXPECT_EQ(delegate.userInputCalls, 1) << asset;
+        EXPECT_EQ(delegate.closeCalls, 0) << asset << ": the operation did not end by itself";
+        EXPECT_EQ(StatusOf(asset), wordBefore) << asset;
+        EXPECT_EQ(DataControl()->IsReadOnly(Asset(asset), true, kPersistence), wasReadOnly) << asset;
     }
-};
-
-struct CancelCase
-{
-    const char* name;
-    const char* asset;
-    std::function<kelResult(TimeOutDelegate&, std::string& error)> prepare;  // before the depot turns slow
-    std::function<kelResult(TimeOutDelegate&, std::string& error)> operation;
-    unsigned wordAfter;
-};
-
-class CancelledOperation : public TimeOutDelegate, public ::testing::WithParamInterface<CancelCase>
-{
-};
-
-TEST_P(CancelledOperation, ChangesNothing)
-{
-    const CancelCase& row = GetParam();
-    std::string error;
-    if (row.prepare) {
-        ASSERT_EQ(row.prepare(*this, error).GetCode(), 0) << error;
-    }
-    const bool wasReadOnly = DataControl()->IsReadOnly(Asset(row.asset), true, kPersistence);
-
-    ScriptedDelegate delegate(ScriptedDelegate::Answer::Cancel);
-    FileVersionControl()->SetTimeOutDelegate(&delegate);
-    // Far longer than any test run: only the cancel can end the round trip early.
-    services.connection->Faults().setLatency(std::chrono::minutes(10));
-    const kelResult result = row.operation(*this, error);
-    services.connection->Faults().clear();
-    FileVersionControl()->SetTimeOutDelegate(nullptr);
-
-    EXPECT_EQ(result.GetCode(), kResultFailed);
-    EXPECT_NE(error.find("cancelled"), std::string::npos) << error;
-    EXPECT_EQ(delegate.userInputCalls, 1);
-    EXPECT_EQ(delegate.closeCalls, 0) << "the operation did not end by itself";
-    EXPECT_EQ(StatusOf(row.asset), row.wordAfter);
-    EXPECT_EQ(DataControl()->IsReadOnly(Asset(row.asset), true, kPersistence), wasReadOnly);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    , CancelledOperation,
-    ::testing::Values(
-        CancelCase{"CheckOut", "Rock", nullptr,
-                   [](TimeOutDelegate& f, std::string& error) {
-                       return f.DataControl()->CheckOut({f.Asset("Rock")}, true, kel4::closureId::Persistence, "", error);
-                   },
-                   0u},
-        CancelCase{"MarkForDelete", "Sky", nullptr,
-                   [](TimeOutDelegate& f, std::string& error) {
-                       return f.FileVersionControl()->MarkForDeleteInChangelist(f.AliceSession(), f.FilesOf("Sky"),
-                                                                               "", error);
-                   },
-                   0u},
-        CancelCase{"Revert", "Tree",
-                   [](TimeOutDelegate& f, std::string& error) {
-                       return f.DataControl()->CheckOut({f.Asset("Tree")}, true, kel4::closureId::Persistence, "", error);
-                   },
-                   [](TimeOutDelegate& f, std::string& error) {
-                       return f.FileVersionControl()->Revert(f.AliceSession(), f.FilesOf("Tree"), error, 0, 0);
-                   },
-                   eStatusCheckedOut}),
-    [](const ::testing::TestParamInfo<CancelCase>& info) { return std::string(info.param.name); });
-
-TEST_F(TimeOutDelegate, SlowOperationClosesTheDelegateWhenItEnds)
+TEST_F(TimeOutDelegate, SlowOperationClosesTheDelegateAndTurnsAwayCallsFromInsideIt)
 {
-    ScriptedDelegate delegate(ScriptedDelegate::Answer::WaitForClose);
-    FileVersionControl()->SetTimeOutDelegate(&delegate);
-    services.connection->Faults().setLatency(std::chrono::milliseconds(50));
-    std::string error;
-    const kelResult result = DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error);
-    services.connection->Faults().clear();
-
-    EXPECT_EQ(result.GetCode(), 0) << error;
-    EXPECT_EQ(delegate.userInputCalls, 1);
-    EXPECT_EQ(delegate.closeCalls, 1);
-    FileVersionControl()->SetTimeOutDelegate(nullptr);
-    EXPECT_EQ(StatusOf("Rock"), eStatusCheckedOut);
-}
-
-TEST_F(TimeOutDelegate, OperationWithinTheThresholdDoesNotAsk)
-{
-    ScriptedDelegate delegate(ScriptedDelegate::Answer::Cancel);
-    FileVersionControl()->SetTimeOutDelegate(&delegate);
-    services.connection->Runner().SetThreshold(std::chrono::minutes(10));
-    std::string error;
-    EXPECT_EQ(DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error).GetCode(), 0) << error;
-    EXPECT_EQ(delegate.userInputCalls, 0);
-    EXPECT_EQ(delegate.closeCalls, 0);
-}
-
-TEST_F(TimeOutDelegate, CallFromInsideTheProgressBoxIsTurnedAwayNotRun)
-{
-    ScriptedDelegate delegate(ScriptedDelegate::Answer::WaitForClose);
+    ScriptedDelegate delegate(false);
     kelResult nested;
     std::string nestedError;
     delegate.whileAsking = [&] {
@@ -182,9 +94,15 @@ TEST_F(TimeOutDelegate, CallFromInsideTheProgressBoxIsTurnedAwayNotRun)
     std::string error;
     EXPECT_EQ(DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error).GetCode(), 0) << error;
     services.connection->Faults().clear();
+    EXPECT_EQ(delegate.userInputCalls, 1);
+    EXPECT_EQ(delegate.closeCalls, 1);
     EXPECT_EQ(nested.GetCode(), kResultFailed);
     EXPECT_NE(nestedError.find("still running"), std::string::npos) << nestedError;
-    EXPECT_EQ(delegate.closeCalls, 1);
+
+    // Within the threshold the delegate is not asked.
+    services.connection->Runner().SetThreshold(std::chrono::minutes(10));
+    EXPECT_EQ(StatusOf("Rock"), eStatusCheckedOut);
+    EXPECT_EQ(delegate.userInputCalls, 1);
 }
 
 }  // namespace

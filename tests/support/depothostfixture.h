@@ -109,6 +109,20 @@ public:  // table-driven tests' rows act on the fixture from outside
         EXPECT_EQ(result.GetCode(), 0) << error;
         return statuses.empty() ? 0xffffffffu : statuses.front();
     }
+    // The files of one of alice's assets, external files included.
+    kel4::List<std::string> FilesOf(const std::string& assetName) const
+    {
+        kel4::Set<std::string> files;
+        DataControl()->GetFiles(Asset(assetName), true, kPersistence, "", files);
+        return {files.begin(), files.end()};
+    }
+    // Checks one of alice's assets out (external files included), expecting success.
+    void AliceChecksOut(const std::string& assetName, const std::string& changelist = "") const
+    {
+        std::string error;
+        ASSERT_EQ(DataControl()->CheckOut({Asset(assetName)}, true, kPersistence, changelist, error).GetCode(), 0)
+            << error;
+    }
     // Creates and saves an asset in alice's workspace, optionally with an external file.
     KELHandle<kel4::IDbObject> CreateSavedAsset(const std::string& name, const std::string& externalFile = {})
     {
@@ -141,11 +155,9 @@ public:  // table-driven tests' rows act on the fixture from outside
     // The files of one of alice's assets (external files included), as they lie in bob's folder.
     std::vector<std::string> BobFilesOf(const std::string& assetName) const
     {
-        kel4::Set<std::string> files;
-        DataControl()->GetFiles(Asset(assetName), true, kPersistence, "", files);
         const std::string alicePrefix = AlicePath("");
         std::vector<std::string> bobFiles;
-        for (const std::string& file : files)
+        for (const std::string& file : FilesOf(assetName))
             bobFiles.push_back(BobPath(file.substr(alicePrefix.size())));
         return bobFiles;
     }
