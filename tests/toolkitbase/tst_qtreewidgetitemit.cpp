@@ -11,78 +11,76 @@
 
 namespace {
 
+struct SmallTree {
+    QTreeWidgetItem *a, *b, *c, *d, *e, *f;
+};
+
 // A
 // +- B
 // |  +- C
 // |  +- D
 // +- E
-//    +- F
-class SmallTree : public ::testing::Test
+//    +- (the last leaf: F unless named otherwise)
+SmallTree addSmallTree(QTreeWidget& tree, const QString& lastLeaf = QStringLiteral("F"))
 {
-protected:
+    auto* a = new QTreeWidgetItem(&tree, {QStringLiteral("A")});
+    auto* b = new QTreeWidgetItem(a, {QStringLiteral("B")});
+    auto* e = new QTreeWidgetItem(a, {QStringLiteral("E")});
+    return {a, b, new QTreeWidgetItem(b, {QStringLiteral("C")}), new QTreeWidgetItem(b, {QStringLiteral("D")}), e,
+            new QTreeWidgetItem(e, {lastLeaf})};
+}
+
+QString walk(QTreeWidgetItem* root, QTreeWidgetItemIt::Strategy strategy)
+{
+    QString order;
+    for (QTreeWidgetItemIt it(root, strategy); *it; ++it)
+        order += (*it)->text(0);
+    return order;
+}
+
+TEST(QTreeWidgetItemIt, VisitsTheRootFirstThenItsSubtreeInTheChosenOrderWithChildrenAddedOnTheWay)
+{
     QTreeWidget tree;
-    QTreeWidgetItem* a = new QTreeWidgetItem(&tree, {QStringLiteral("A")});
-    QTreeWidgetItem* b = new QTreeWidgetItem(a, {QStringLiteral("B")});
-    QTreeWidgetItem* c = new QTreeWidgetItem(b, {QStringLiteral("C")});
-    QTreeWidgetItem* d = new QTreeWidgetItem(b, {QStringLiteral("D")});
-    QTreeWidgetItem* e = new QTreeWidgetItem(a, {QStringLiteral("E")});
-    QTreeWidgetItem* f = new QTreeWidgetItem(e, {QStringLiteral("F")});
-
-    static QString walk(QTreeWidgetItem* root, QTreeWidgetItemIt::Strategy strategy)
-    {
-        QString order;
-        for (QTreeWidgetItemIt it(root, strategy); *it; ++it)
-            order += (*it)->text(0);
-        return order;
-    }
-};
-
-TEST_F(SmallTree, VisitsTheRootFirstThenItsSubtreeInTheChosenOrderWithChildrenAddedOnTheWay)
-{
-    EXPECT_EQ(walk(a, QTreeWidgetItemIt::DepthFirst), QStringLiteral("ABCDEF"));
-    EXPECT_EQ(walk(a, QTreeWidgetItemIt::BreadthFirst), QStringLiteral("ABECDF"));
-    EXPECT_EQ(walk(b, QTreeWidgetItemIt::BreadthFirst), QStringLiteral("BCD"));
-    EXPECT_EQ(walk(f, QTreeWidgetItemIt::DepthFirst), QStringLiteral("F"));
+    const SmallTree t = addSmallTree(tree);
+    EXPECT_EQ(walk(t.a, QTreeWidgetItemIt::DepthFirst), QStringLiteral("ABCDEF"));
+    EXPECT_EQ(walk(t.a, QTreeWidgetItemIt::BreadthFirst), QStringLiteral("ABECDF"));
+    EXPECT_EQ(walk(t.b, QTreeWidgetItemIt::BreadthFirst), QStringLiteral("BCD"));
+    EXPECT_EQ(walk(t.f, QTreeWidgetItemIt::DepthFirst), QStringLiteral("F"));
     EXPECT_EQ(walk(nullptr, QTreeWidgetItemIt::DepthFirst), QString());
-    QTreeWidgetItemIt it(f);  // depth-first by default; the end stays the end
-    ++it;
-    ++it;
-    EXPECT_EQ(*it, nullptr);
+    QTreeWidgetItemIt end(t.f);  // depth-first by default; the end stays the end
+    ++end;
+    ++end;
+    EXPECT_EQ(*end, nullptr);
 
     QString order;  // children added to the current item before stepping are visited
-    for (QTreeWidgetItemIt it(e); *it; ++it) {
+    for (QTreeWidgetItemIt it(t.e); *it; ++it) {
         order += (*it)->text(0);
-        if (*it == f)
-            new QTreeWidgetItem(f, {QStringLiteral("G")});
+        if (*it == t.f)
+            new QTreeWidgetItem(t.f, {QStringLiteral("G")});
     }
     EXPECT_EQ(order, QStringLiteral("EFG"));
 }
 
-TEST_F(SmallTree, StateSurvivesARebuildOfTheSameTree)
+TEST(QTreeWidgetState, SurvivesARebuildOfTheSameTree)
 {
-    a->setExpanded(true);
-    e->setExpanded(true);
-    d->setSelected(true);
-    f->setSelected(true);
-    tree.setCurrentItem(c, 0, QItemSelectionModel::NoUpdate);
+    QTreeWidget tree;
+    const SmallTree before = addSmallTree(tree);
+    before.a->setExpanded(true);
+    before.e->setExpanded(true);
+    before.d->setSelected(true);
+    before.f->setSelected(true);
+    tree.setCurrentItem(before.c, 0, QItemSelectionModel::NoUpdate);
     const QTreeWidgetState state = SaveTreeState(&tree);
 
     tree.clear();
-    auto* a2 = new QTreeWidgetItem(&tree, {QStringLiteral("A")});
-    auto* b2 = new QTreeWidgetItem(a2, {QStringLiteral("B")});
-    auto* c2 = new QTreeWidgetItem(b2, {QStringLiteral("C")});
-    auto* d2 = new QTreeWidgetItem(b2, {QStringLiteral("D")});
-    auto* e2 = new QTreeWidgetItem(a2, {QStringLiteral("E")});
-    auto* added = new QTreeWidgetItem(e2, {QStringLiteral("new")});
-    b2->setExpanded(true);  // not expanded when saved: restoring collapses it
+    const SmallTree after = addSmallTree(tree, QStringLiteral("new"));
+    after.b->setExpanded(true);  // not expanded when saved: restoring collapses it
     RestoreTreeState(&tree, state);
-
-    EXPECT_TRUE(a2->isExpanded());
-    EXPECT_TRUE(e2->isExpanded());
-    EXPECT_FALSE(b2->isExpanded());
-    EXPECT_EQ(tree.selectedItems(), QList<QTreeWidgetItem*>{d2});  // F is gone, "new" was never selected
-    EXPECT_FALSE(added->isSelected());
-    EXPECT_EQ(tree.currentItem(), c2);
+    EXPECT_TRUE(after.a->isExpanded());
+    EXPECT_TRUE(after.e->isExpanded());
+    EXPECT_FALSE(after.b->isExpanded());
+    EXPECT_EQ(tree.selectedItems(), QList<QTreeWidgetItem*>{after.d});  // F is gone, "new" was never selected
+    EXPECT_EQ(tree.currentItem(), after.c);
 }
 
 // Paints one 20x20 branch cell (indicator at 5..13, middle 9,9) on white.
