@@ -6,12 +6,13 @@
 #include <gtest/gtest.h>
 
 using namespace hbrc::host;
+using namespace borax::datamodel;
 using nrk::fwk::ICommand;
 using nrk::fwk::ICommandManager;
 
 namespace {
 
-// Adds one to a counter; undo takes it away. Refuses when told to.
+// Adds one to a counter; undo takes it away. Refuses when told to; "drag" steps collapse.
 class StepCommand final : public nrk::fwk::CBaseCommand
 {
 public:
@@ -20,16 +21,11 @@ public:
     const char* GetCommandIdentifier() const override { return "stepCounter"; }
     bool DoAction() override
     {
-        if (m_refuse)
-            return false;
-        ++m_counter;
-        return true;
+        if (!m_refuse)
+            ++m_counter;
+        return !m_refuse;
     }
-    bool UndoAction() override
-    {
-        --m_counter;
-        return true;
-    }
+    bool UndoAction() override { --m_counter; return true; }
     bool CanCollapse(const ICommand& next) const override { return GetName() == "drag" && next.GetName() == "drag"; }
 
 private:
@@ -37,38 +33,31 @@ private:
     bool m_refuse;
 };
 
-// Sets a field of every asset named by its "asset" parameter, one nested StepCommand per asset,
-// and leaves the number of assets as its return value.
-class TagAssetsCommand final : public borax::datamodel::modify::CBaseExecutionCommand
+// Nests one StepCommand per item of its "asset" parameter and returns their number; an item the
+// library does not know stops it before anything ran.
+class TagAssetsCommand final : public modify::CBaseExecutionCommand
 {
 public:
-    TagAssetsCommand(const borax::datamodel::ItemLibraryAccessor& library, Workspace& workspace, int& counter,
-                     std::vector<borax::datamodel::UnspecifiedAccessor> assets)
-        : CBaseExecutionCommand(library, "Tag Command"), m_workspace(workspace), m_counter(counter)
+    TagAssetsCommand(const ItemLibraryAccessor& library, int& counter, std::vector<UnspecifiedAccessor> assets)
+        : CBaseExecutionCommand(library, "Tag Command"), m_counter(counter)
     {
-        AddParam(borax::datamodel::UnspecifiedAccessorListParam("asset", std::move(assets)));
+        AddParam(UnspecifiedAccessorListParam("asset", std::move(assets)));
     }
     const char* GetCommandIdentifier() const override { return "tagAssets"; }
 
     bool BuildExecutionCommands(ICommandManager* manager) override
     {
-        const auto* assets = nrk::fwk::GetParamAs<borax::datamodel::UnspecifiedAccessorListParam>(*this, "asset");
-        if (!manager || !assets || !GetItemLibrary().GetLibrary())
-            return false;
-        for (const auto& asset : assets->GetValue()) {
-            const DbObjectId id = GetItemLibrary().GetLibrary()->GetItemDbUid(asset.GetItemID());
-            const auto object = m_workspace.Model().ResolveObject(id);
-            if (object.IsNull() || !m_workspace.SetField(object, "tagged", "yes"))
+        const auto& assets = nrk::fwk::GetParamAs<UnspecifiedAccessorListParam>(*this, "asset")->GetValue();
+        for (const auto& asset : assets)
+            if (!manager || !GetItemLibrary().GetLibrary()->GetItemDbUid(asset.GetItemID()).IsValid())
                 return false;
-            const KELPtr<ICommand> step(new StepCommand(m_counter, "tag " + object.GetName()));
-            manager->ExecuteCommand(step.Get(), true);
-        }
-        SetReturnValue(int(assets->GetValue().size()));
+        for (std::size_t i = 0; i < assets.size(); ++i)
+            manager->ExecuteCommand(KELPtr<ICommand>(new StepCommand(m_counter, "tag")).Get(), true);
+        SetReturnValue(int(assets.size()));
         return true;
     }
 
 private:
-    Workspace& m_workspace;
     int& m_counter;
 };
 
@@ -93,40 +82,22 @@ protected:
     int counter = 0;
 };
 
-struct ExecutionCase
+TEST_F(CommandManagerTest, ReportsWhetherACommandRanAndKeepsOnlyUndoableOnesThatRan)
 {
-    const char* name;
-    bool refuse;
-    bool undoable;
-    bool transient;
-    bool ran;
-    std::size_t undoSteps;
-};
-
-class CommandExecution : public CommandManagerTest, public ::testing::WithParamInterface<ExecutionCase>
-{
-};
-
-TEST_P(CommandExecution, ReportsWhetherItRanAndWhatJoinsTheHistory)
-{
-    const ExecutionCase& c = GetParam();
-    auto* command = new StepCommand(counter, "step", c.refuse);
-    command->SetTransient(c.transient);
-    EXPECT_EQ(Execute(command, c.undoable), c.ran);
-    EXPECT_EQ(counter, c.ran ? 1 : 0);
-    EXPECT_EQ(manager->GetUndoCount(), c.undoSteps);
-    EXPECT_EQ(manager->CanUndo(), c.undoSteps > 0);
+    auto* transient = new StepCommand(counter, "transient");
+    transient->SetTransient(true);
+    EXPECT_TRUE(Execute(new StepCommand(counter, "kept")));
+    EXPECT_TRUE(Execute(new StepCommand(counter, "not undoable"), false));
+    EXPECT_TRUE(Execute(transient));
+    EXPECT_FALSE(Execute(new StepCommand(counter, "refused", true)));
+    EXPECT_EQ(counter, 3);
+    EXPECT_EQ(manager->GetUndoCount(), 1u);
+    EXPECT_EQ(manager->GetUndoCommand()->GetName(), "kept");
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, CommandExecution,
-                         ::testing::Values(ExecutionCase{"Undoable", false, true, false, true, 1},
-                                           ExecutionCase{"NotUndoable", false, false, false, true, 0},
-                                           ExecutionCase{"Transient", false, true, true, true, 0},
-                                           ExecutionCase{"Refused", true, true, false, false, 0}),
-                         [](const auto& info) { return std::string(info.param.name); });
-
-TEST_F(CommandManagerTest, UndoAndRedoWalkTheHistory)
+TEST_F(CommandManagerTest, UndoRedoAndCollapsingWalkTheHistoryUntilTheWorkspaceCloses)
 {
+    EXPECT_FALSE(manager->CanUndo());
     EXPECT_FALSE(manager->Undo());
     Execute(new StepCommand(counter, "first"));
     Execute(new StepCommand(counter, "second"));
@@ -140,61 +111,48 @@ TEST_F(CommandManagerTest, UndoAndRedoWalkTheHistory)
     EXPECT_EQ(counter, 2);
     EXPECT_FALSE(manager->CanRedo());
     EXPECT_TRUE(manager->Undo());
-    Execute(new StepCommand(counter, "third"));  // a new step drops what could be redone
-    EXPECT_FALSE(manager->CanRedo());
-    EXPECT_FALSE(manager->Redo());
-}
 
-TEST_F(CommandManagerTest, CollapsingCommandsFormOneStep)
-{
+    // A new step drops what could be redone; successive drags form one step.
     for (int i = 0; i < 3; ++i)
         Execute(new StepCommand(counter, "drag"));
+    EXPECT_FALSE(manager->CanRedo());
+    EXPECT_FALSE(manager->Redo());
     Execute(new StepCommand(counter, "drop"));
-    EXPECT_EQ(manager->GetUndoCount(), 2u);
+    EXPECT_EQ(manager->GetUndoCount(), 3u);
     manager->Undo();
     manager->Undo();
-    EXPECT_EQ(counter, 0);
+    EXPECT_EQ(counter, 1);
+
+    host->CloseWorkspace();
+    EXPECT_FALSE(manager->CanUndo());
+    EXPECT_EQ(manager->GetUndoCommand(), nullptr);
 }
 
 TEST_F(CommandManagerTest, ExecutionCommandRunsBuildExecutionCommandsWithItsNestedCommandsAsOneStep)
 {
-    const auto rock = Create(AssetKind::Metadata, "rock");
-    const auto sand = Create(AssetKind::Value, "sand");
-    ASSERT_TRUE(workspace->Save().Succeeded());
     const auto library = host->Proxy().GetItemLibraryAccessor();
-    const borax::datamodel::Internal::ItemLibraryInternalAccessor internal(library);
-    std::vector<borax::datamodel::UnspecifiedAccessor> assets;
-    for (const auto& asset : {rock, sand})
-        assets.emplace_back(library, internal.FindItemByDbUid(asset.GetDbObjectId().GetStr()));
+    const Internal::ItemLibraryInternalAccessor internal(library);
+    std::vector<UnspecifiedAccessor> assets;
+    for (const char* name : {"rock", "sand"})
+        assets.emplace_back(library, internal.FindItemByDbUid(Create(AssetKind::Data, name).GetDbObjectId().GetStr()));
 
-    const KELPtr<TagAssetsCommand> command(new TagAssetsCommand(library, *workspace, counter, assets));
-    command->SetCommandManager(manager);
+    const KELPtr<TagAssetsCommand> command(new TagAssetsCommand(library, counter, assets));
     ASSERT_TRUE(manager->ExecuteCommand(command.Get(), true));
+    EXPECT_EQ(command->GetCommandManager(), manager);  // given the manager that ran it
     int returned = 0;
     ASSERT_TRUE(command->GetReturnValue(returned));
     EXPECT_EQ(returned, 2);
     EXPECT_EQ(counter, 2);
-    EXPECT_TRUE(workspace->Model().IsDirty(rock));
-    EXPECT_TRUE(workspace->Model().IsDirty(sand));
     EXPECT_EQ(manager->GetUndoCount(), 1u);
     EXPECT_EQ(manager->GetUndoCommand(), command.Get());
     EXPECT_TRUE(manager->Undo());
     EXPECT_EQ(counter, 0);
 
     // An accessor whose item is unknown stops the command: it did not run and left no result.
-    const KELPtr<TagAssetsCommand> stray(new TagAssetsCommand(
-        library, *workspace, counter, {borax::datamodel::UnspecifiedAccessor(library, borax::datamodel::ItemID(999))}));
+    const KELPtr<TagAssetsCommand> stray(new TagAssetsCommand(library, counter, {UnspecifiedAccessor(library, ItemID(999))}));
     EXPECT_FALSE(manager->ExecuteCommand(stray.Get(), true));
-    EXPECT_EQ(stray->GetCommandManager(), manager);  // given the manager that ran it
     EXPECT_FALSE(stray->GetReturnValue(returned));
-}
-
-TEST_F(CommandManagerTest, ClosingTheWorkspaceForgetsTheHistory)
-{
-    Execute(new StepCommand(counter, "step"));
-    host->CloseWorkspace();
-    EXPECT_FALSE(manager->CanUndo());
-    EXPECT_EQ(manager->GetUndoCommand(), nullptr);
+    EXPECT_EQ(counter, 0);
 }
 
 }  // namespace

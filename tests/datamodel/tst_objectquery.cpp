@@ -22,12 +22,11 @@ protected:
     {
         HostWorkspaceFixture::SetUp();
         Open();
-        for (const char* name : {"material", "curve", "mesh", "clean material", "clean curve"}) {
-            const AssetKind kind = std::string(name).find("material") != std::string::npos ? AssetKind::Metadata
-                                   : std::string(name).find("curve") != std::string::npos ? AssetKind::Value
-                                                                                           : AssetKind::Data;
+        const std::pair<AssetKind, const char*> assets[] = {
+            {AssetKind::Metadata, "material"}, {AssetKind::Value, "curve"}, {AssetKind::Data, "mesh"},
+            {AssetKind::Metadata, "clean material"}, {AssetKind::Value, "clean curve"}};
+        for (const auto& [kind, name] : assets)
             Create(kind, name);
-        }
         NewAsset preview;
         preview.kind = AssetKind::Metadata;
         preview.name = "preview";
@@ -53,11 +52,13 @@ protected:
     }
 };
 
-TEST_F(ObjectQueryTest, SaveHookQuerySelectsDirtyPersistableMetadataAndValueAssets)
+TEST_F(ObjectQueryTest, SaveHookQuerySelectsDirtyPersistableMetadataAndValueAssetsUntilSaved)
 {
     EXPECT_EQ(Run(kSaveHookQuery, 3), (std::set<std::string>{"material", "curve", "new curve"}));
     // Without option bit 0, objects never saved are left out.
     EXPECT_EQ(Run(kSaveHookQuery, 2), (std::set<std::string>{"material", "curve"}));
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    EXPECT_TRUE(Run(kSaveHookQuery, 3).empty());
 }
 
 TEST_F(ObjectQueryTest, FlagsCombineAsWritten)
@@ -68,12 +69,13 @@ TEST_F(ObjectQueryTest, FlagsCombineAsWritten)
               (std::set<std::string>{"mesh", "coat"}));
     EXPECT_EQ(Run("  select  object\nwhere\tNOT( IS_DIRTY )  ", 1),
               (std::set<std::string>{"clean material", "clean curve"}));
-}
 
-TEST_F(ObjectQueryTest, SavingClearsTheDirtyFlag)
-{
-    ASSERT_TRUE(workspace->Save().Succeeded());
-    EXPECT_TRUE(Run(kSaveHookQuery, 3).empty());
+    // Through the manager, a malformed query is a failed result with the parser's message.
+    kel4::Vector<kel4::CQueryResult> results;
+    std::string error;
+    EXPECT_EQ(workspace->Model().Query("select object where IS_DELETED", results, 3, error), kel4::kResultFailed);
+    EXPECT_EQ(error, "position 21: unknown flag \"IS_DELETED\"");
+    EXPECT_TRUE(results.empty());
 }
 
 struct BadQuery
@@ -125,15 +127,6 @@ TEST(ObjectQueryDepth, DeepNestingIsRefusedNotOverflowed)
     std::string error;
     EXPECT_EQ(ObjectQuery::Parse(text + "IS_DIRTY", error), nullptr);
     EXPECT_NE(error.find("nested too deeply"), std::string::npos) << error;
-}
-
-TEST_F(ObjectQueryTest, ManagerReportsTheErrorAsAFailedResult)
-{
-    kel4::Vector<kel4::CQueryResult> results;
-    std::string error;
-    EXPECT_EQ(workspace->Model().Query("select object where IS_DELETED", results, 3, error), kel4::kResultFailed);
-    EXPECT_EQ(error, "position 21: unknown flag \"IS_DELETED\"");
-    EXPECT_TRUE(results.empty());
 }
 
 }  // namespace

@@ -84,34 +84,7 @@ TEST_F(ProxyTest, OpeningAndClosingWorkspacesDrivesTheSignalsInOrder)
     EXPECT_EQ(slot.events.size(), 6u);
 }
 
-TEST_F(ProxyTest, ProxyOffersTheOpenWorkspaceAndItsItems)
-{
-    Open();
-    const auto rock = Create(AssetKind::Metadata, "rock");
-    std::string error;
-    const auto layer = workspace->AddPart(rock, "Layer", "moss", error);
-    auto& proxy = host->Proxy();
-    EXPECT_EQ(proxy.GetDataModelMgr(), &workspace->Model());
-    EXPECT_EQ(proxy.GetKELInstance().Get(), workspace->Model().GetInstance().Get());
-
-    const auto library = proxy.GetItemLibraryAccessor();
-    EXPECT_EQ(library, workspace->Accessor());
-    ASSERT_NE(library.GetLibrary(), nullptr);
-    const borax::datamodel::Internal::ItemLibraryInternalAccessor internal(library);
-    const ItemID rockItem = internal.FindItemByDbUid(rock.GetDbObjectId().GetStr());
-    const ItemID layerItem = internal.FindItemByDbUid(layer.GetDbObjectId().GetStr());
-    ASSERT_TRUE(rockItem.IsValid());
-    ASSERT_TRUE(layerItem.IsValid());
-    EXPECT_NE(rockItem, layerItem);
-    EXPECT_EQ(library.GetLibrary()->GetItemDbUid(layerItem), layer.GetDbObjectId());
-    EXPECT_EQ(library.GetLibrary()->GetItemName(rockItem), "rock");
-    EXPECT_FALSE(internal.FindItemByDbUid("unknown").IsValid());
-
-    ASSERT_TRUE(workspace->DeleteAsset(rock));
-    EXPECT_FALSE(internal.FindItemByDbUid(layer.GetDbObjectId().GetStr()).IsValid());
-}
-
-TEST_F(ProxyTest, ObjectQuestionsForTheServices)
+TEST_F(ProxyTest, ProxyOffersTheOpenWorkspaceItsItemsAndTheObjectQuestionsOfTheServices)
 {
     Open();
     const auto rock = Create(AssetKind::Metadata, "rock");
@@ -121,8 +94,21 @@ TEST_F(ProxyTest, ObjectQuestionsForTheServices)
     const auto lichen = workspace->AddPart(rock, "Layer", "lichen", error);
     ASSERT_TRUE(workspace->AddExternalFile(rock, "rock.bin", "r"));
     const DataModelMgr& model = workspace->Model();
-    using Set = DataModelMgr::ObjectSet;
+    auto& proxy = host->Proxy();
+    EXPECT_EQ(proxy.GetDataModelMgr(), &model);
+    EXPECT_EQ(proxy.GetKELInstance().Get(), model.GetInstance().Get());
 
+    const auto library = proxy.GetItemLibraryAccessor();
+    EXPECT_EQ(library, workspace->Accessor());
+    ASSERT_NE(library.GetLibrary(), nullptr);
+    const borax::datamodel::Internal::ItemLibraryInternalAccessor internal(library);
+    const ItemID rockItem = internal.FindItemByDbUid(rock.GetDbObjectId().GetStr());
+    const ItemID mossItem = internal.FindItemByDbUid(moss.GetDbObjectId().GetStr());
+    EXPECT_EQ(library.GetLibrary()->GetItemDbUid(mossItem), moss.GetDbObjectId());
+    EXPECT_EQ(library.GetLibrary()->GetItemName(rockItem), "rock");
+    EXPECT_FALSE(internal.FindItemByDbUid("unknown").IsValid());
+
+    using Set = DataModelMgr::ObjectSet;
     EXPECT_EQ(model.RelatedObjects({rock}), (Set{moss, lichen}));
     EXPECT_EQ(model.RelatedObjects({moss, sand}), (Set{rock, lichen}));
     EXPECT_EQ(model.OwningAssets({moss, lichen, sand}), (Set{rock, sand}));
@@ -140,24 +126,19 @@ TEST_F(ProxyTest, ObjectQuestionsForTheServices)
     EXPECT_TRUE(KELHandle<kel4::IAsset>::AssignCast(moss).IsNull());
     EXPECT_FALSE(KELHandle<kel4::IAsset>::AssignCast(sand).IsNull());
     EXPECT_EQ(model.ResolveObject(lichen.GetDbObjectId()), lichen);
+
+    ASSERT_TRUE(workspace->DeleteAsset(rock));
+    EXPECT_FALSE(internal.FindItemByDbUid(moss.GetDbObjectId().GetStr()).IsValid());
 }
 
-class ItemLibraryNotifications : public HostWorkspaceFixture
-{
-protected:
-    void SetUp() override
-    {
-        HostWorkspaceFixture::SetUp();
-        Open();
-        rock = Create(AssetKind::Metadata, "rock");
-        workspace->Library().FindItemByDbUid(rock.GetDbObjectId().GetStr(), rockItem);
-    }
-    KELHandle<kel4::IAsset> rock;
-    ItemID rockItem;
-};
+using ItemLibraryNotifications = HostWorkspaceFixture;
 
 TEST_F(ItemLibraryNotifications, ReceiversGetWhatTheirCodeSelects)
 {
+    Open();
+    const auto rock = Create(AssetKind::Metadata, "rock");
+    ItemID rockItem;
+    workspace->Library().FindItemByDbUid(rock.GetDbObjectId().GetStr(), rockItem);
     auto& context = workspace->Library().Context();
     RecordingReceiver everything, commitsOnly, changesOnly;
     context.RegisterNotification(&everything, 40, 0);
@@ -184,30 +165,25 @@ TEST_F(ItemLibraryNotifications, ReceiversGetWhatTheirCodeSelects)
     EXPECT_EQ(context.RegistrationCount(), 0u);
 }
 
-TEST_F(ItemLibraryNotifications, ReceiverUnregisteredDuringANotificationIsNotCalledAfterwards)
+TEST_F(ItemLibraryNotifications, ReceiverUnregisteredMidRoundOrAfterACancelIsNotCalled)
 {
+    Open();
     auto& context = workspace->Library().Context();
     RecordingReceiver first, second;
     first.onPostCommit = [&](RecordingReceiver::Accessor&) { context.UnregisterNotification(&second, 40, 0); };
     context.RegisterNotification(&first, 40, 0);
     context.RegisterNotification(&second, 40, 0);
-    second.cancelSave = false;
     workspace->Save();
     EXPECT_EQ(second.events, std::vector<std::string>{"pre"});
-    context.UnregisterNotification(&first, 40, 0);
-}
 
-TEST_F(ItemLibraryNotifications, FirstCancelEndsThePreCommitRound)
-{
-    auto& context = workspace->Library().Context();
-    RecordingReceiver canceller, later;
-    canceller.cancelSave = true;
-    context.RegisterNotification(&canceller, 40, 0);
-    context.RegisterNotification(&later, 40, 0);
+    // The first cancel ends the pre-commit round.
+    first.cancelSave = true;
+    second.events.clear();
+    context.RegisterNotification(&second, 40, 0);
     EXPECT_TRUE(workspace->Save().cancelled);
-    EXPECT_TRUE(later.events.empty());
-    context.UnregisterNotification(&canceller, 40, 0);
-    context.UnregisterNotification(&later, 40, 0);
+    EXPECT_TRUE(second.events.empty());
+    context.UnregisterNotification(&first, 40, 0);
+    context.UnregisterNotification(&second, 40, 0);
 }
 
 }  // namespace
