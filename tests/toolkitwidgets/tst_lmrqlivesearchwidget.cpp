@@ -12,19 +12,19 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 struct SearchFixture {
     SearchFixture()
     {
         model.setHorizontalHeaderLabels({"Name", "Type"});
-        const QList<QStringList> rows{{"Alpha.kel", "model"},
-                                      {"alphabet", "texture"},
-                                      {"Beta", "model"},
-                                      {"gamma_ALPHA", "texture"},
-                                      {"notes\\todo", "text"}};
-        for (const QStringList& row : rows)
-            model.appendRow({new QStandardItem(row.at(0)), new QStandardItem(row.at(1))});
+        const std::pair<const char*, const char*> rows[] = {
+            {"Alpha.kel", "model"}, {"alphabet", "texture"}, {"Beta", "model"}, {"gamma_ALPHA", "texture"},
+            {"notes\\todo", "text"}};
+        for (const auto& [name, type] : rows)
+            model.appendRow({new QStandardItem(name), new QStandardItem(type)});
         proxy.setSourceModel(&model);
         search.setSourceModel(&proxy);
         search.setAutoFilter();
@@ -68,12 +68,7 @@ struct SearchFixture {
 
 TEST(LMRQLiveSearchWidget, TypingShowsTheMatchingRowsOfTheSearchedColumnInTheChosenSyntax)
 {
-    const struct {
-        const char* name;
-        const char* syntaxChoice;  // null: the default
-        const char* typed;
-        QStringList expected;
-    } rows[] = {
+    const std::tuple<const char*, const char*, const char*, QStringList> rows[] = {  // syntax null: the default
         {"fixed is default and case-insensitive", nullptr, "ALPHA", {"Alpha.kel", "alphabet", "gamma_ALPHA"}},
         {"fixed takes a dot literally", nullptr, "a.k", {"Alpha.kel"}},
         {"fixed does not search other columns", nullptr, "texture", {}},
@@ -83,12 +78,12 @@ TEST(LMRQLiveSearchWidget, TypingShowsTheMatchingRowsOfTheSearchedColumnInTheCho
         {"wildcard negated set", "Using Wildcards", "[!a]eta", {"Beta"}},
         {"wildcard backslash is literal", "Using Wildcards", "s\\t", {"notes\\todo"}},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, syntax, typed, expected] : rows) {
         SearchFixture f;
-        if (row.syntaxChoice)
-            f.choose(row.syntaxChoice);
-        f.type(row.typed);
-        EXPECT_EQ(f.visibleNames(), row.expected) << row.name;
+        if (syntax)
+            f.choose(syntax);
+        f.type(typed);
+        EXPECT_EQ(f.visibleNames(), expected) << name;
     }
 }
 
@@ -104,21 +99,7 @@ TEST(LMRQLiveSearchWidget, HalfTypedRegularExpressionShowsNothingAndSaysWhy)
     EXPECT_TRUE(f.search.toolTip().isEmpty());
 }
 
-TEST(LMRQLiveSearchWidget, AllColumnsSetsTheKeyColumnToMinusOneAndSearchesEveryColumn)
-{
-    SearchFixture f;
-    f.type("texture");
-    ASSERT_TRUE(f.visibleNames().isEmpty());
-    f.choose("&All");
-    EXPECT_EQ(f.search.columnSearched(), -1);
-    EXPECT_EQ(f.proxy.filterKeyColumn(), -1);
-    EXPECT_EQ(f.visibleNames(), QStringList({"alphabet", "gamma_ALPHA"}));
-    f.choose("Type");
-    EXPECT_EQ(f.search.columnSearched(), 1);
-    EXPECT_EQ(f.proxy.filterKeyColumn(), 1);
-}
-
-TEST(LMRQLiveSearchWidget, MenuFollowsTheModelOfferingAllAndEachColumnOnlyForSeveralColumns)
+TEST(LMRQLiveSearchWidget, MenuFollowsTheModelsColumnsAndAllSetsTheKeyColumnToMinusOne)
 {
     SearchFixture f;
     const QStringList syntaxes{"--", "Using Fixed String", "Using Regular Expressions", "Using Wildcards"};
@@ -126,15 +107,23 @@ TEST(LMRQLiveSearchWidget, MenuFollowsTheModelOfferingAllAndEachColumnOnlyForSev
     EXPECT_TRUE(f.menuAction("Name")->isChecked());
     EXPECT_TRUE(f.menuAction("Using Fixed String")->isChecked());
 
+    f.type("texture");
+    ASSERT_TRUE(f.visibleNames().isEmpty());
     f.choose("&All");
+    EXPECT_EQ(f.search.columnSearched(), -1);
+    EXPECT_EQ(f.proxy.filterKeyColumn(), -1);
+    EXPECT_EQ(f.visibleNames(), QStringList({"alphabet", "gamma_ALPHA"}));
+
     QStandardItemModel oneColumn(2, 1);
-    f.proxy.setSourceModel(&oneColumn);  // a reset: the menu follows
+    f.proxy.setSourceModel(&oneColumn);  // a reset: the menu follows, offering no column choice
     EXPECT_EQ(f.menuTexts(), syntaxes);
     f.proxy.setSourceModel(&f.model);
     EXPECT_FALSE(f.menuAction("&All")->isChecked()) << "a rebuild never checks All, even while all are searched";
     EXPECT_EQ(f.search.columnSearched(), -1);
 
     f.choose("Type");
+    EXPECT_EQ(f.search.columnSearched(), 1);
+    EXPECT_EQ(f.proxy.filterKeyColumn(), 1);
     f.model.removeColumn(1);  // shrinking below the searched column resets it to the first
     EXPECT_EQ(f.search.columnSearched(), 0);
     EXPECT_EQ(f.menuTexts(), syntaxes);

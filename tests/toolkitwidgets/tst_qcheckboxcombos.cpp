@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <tuple>
 
 namespace {
 
@@ -102,7 +103,6 @@ TEST(QCheckBoxTreeCombo, ClosedComboShowsTheDisplayText)
     EXPECT_EQ(paintedWith("Filter"), filter);
     f.combo.setItemText(0, "Renamed");
     EXPECT_EQ(paintedWith("Filter"), filter) << "the row's own text is not shown";
-    EXPECT_EQ(f.combo.getDisplayText(), QStringLiteral("Filter"));
 }
 
 struct ListFixture {
@@ -143,28 +143,23 @@ TEST(QCheckBoxList, EveryRowIsACheckBoxWithTheRowTextAndAClickIntoThePopupLeaves
 
 TEST(QCheckBoxList, ClickingARowStoresCheckedOrUncheckedAndReportsTheRow)
 {
-    const struct {
-        const char* name;
-        Qt::CheckState before;
-        Qt::CheckState stored;  // after one click
-        bool reported;
-    } rows[] = {
+    const std::tuple<const char*, Qt::CheckState, Qt::CheckState, bool> rows[] = {  // before, after one click, reported
         {"unchecked becomes checked", Qt::Unchecked, Qt::Checked, true},
         {"checked becomes unchecked", Qt::Checked, Qt::Unchecked, false},
         {"partial is stored as checked", Qt::PartiallyChecked, Qt::Checked, true},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, before, stored, reported] : rows) {
         ListFixture f;
-        f.list.setChecked(1, row.before);
-        ASSERT_EQ(f.box(1)->checkState(), row.before) << row.name << ": the box shows the stored state";
-        ASSERT_TRUE(f.reported.empty()) << row.name << ": setting a state is not reported";
+        f.list.setChecked(1, before);
+        ASSERT_EQ(f.box(1)->checkState(), before) << name << ": the box shows the stored state";
+        ASSERT_TRUE(f.reported.empty()) << name << ": setting a state is not reported";
 
         const OpenPopup popup(f.list);
         QTest::mouseClick(f.box(1), Qt::LeftButton);
-        EXPECT_EQ(f.list.checkState(1), row.stored) << row.name;
-        EXPECT_EQ(f.box(1)->checkState(), row.stored) << row.name;
-        EXPECT_EQ(f.reported, (std::vector<std::pair<int, bool>>{{1, row.reported}})) << row.name;
-        EXPECT_EQ(f.list.checkState(0), Qt::Unchecked) << row.name;
+        EXPECT_EQ(f.list.checkState(1), stored) << name;
+        EXPECT_EQ(f.box(1)->checkState(), stored) << name;
+        EXPECT_EQ(f.reported, (std::vector<std::pair<int, bool>>{{1, reported}})) << name;
+        EXPECT_EQ(f.list.checkState(0), Qt::Unchecked) << name;
     }
 }
 

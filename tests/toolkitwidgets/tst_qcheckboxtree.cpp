@@ -30,13 +30,10 @@ struct Emission {
 struct TreeFixture {
     TreeFixture()
     {
-        items["A"] = tree.addItem("A", false);
-        items["B"] = tree.addItem("B", false, items["A"]);
-        items["C"] = tree.addItem("C", false, items["B"]);
-        items["C1"] = tree.addItem("C1", false, items["C"]);
-        items["C2"] = tree.addItem("C2", false, items["C"]);
-        items["D"] = tree.addItem("D", false, items["B"]);
-        items["E"] = tree.addItem("E", false);
+        const std::pair<const char*, const char*> itemAndParent[] = {
+            {"A", nullptr}, {"B", "A"}, {"C", "B"}, {"C1", "C"}, {"C2", "C"}, {"D", "B"}, {"E", nullptr}};
+        for (const auto& [name, parent] : itemAndParent)
+            items[name] = tree.addItem(name, false, parent ? items.at(parent) : nullptr);
         QObject::connect(&tree, &QCheckBoxTree::checkedStateChanged, [this](bool checked, const auto& changed) {
             Emission e{checked, {}};
             for (const QTreeWidgetItem* item : changed)
