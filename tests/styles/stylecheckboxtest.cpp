@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <tuple>
 
 namespace {
 
@@ -57,11 +58,7 @@ TEST_F(TarnCheckBox, CheckMarkIsDrawnAtTwoTwoInTheColourOfTheState)
 {
     const QColor text = grey(200);
     const QColor sunkenMark = grey(147);  // halves of base 42 darkened by 105 and text lightened by 250
-    const struct {
-        const char* name;
-        QStyle::State state;
-        std::optional<QColor> mark;
-    } rows[] = {
+    const std::tuple<const char*, QStyle::State, std::optional<QColor>> rows[] = {  // nullopt: no mark
         {"checked", QStyle::State_Enabled | QStyle::State_On, text},
         {"partial", QStyle::State_Enabled | QStyle::State_NoChange, sunkenMark},
         {"pressed", QStyle::State_Enabled | QStyle::State_Sunken, sunkenMark},
@@ -69,13 +66,13 @@ TEST_F(TarnCheckBox, CheckMarkIsDrawnAtTwoTwoInTheColourOfTheState)
         {"disabledChecked", QStyle::State_On, text},
         {"unchecked", QStyle::State_Enabled | QStyle::State_Off, std::nullopt},
     };
-    for (const auto& row : rows) {
-        const QImage image = draw(option(row.state));
+    for (const auto& [name, state, mark] : rows) {
+        const QImage image = draw(option(state));
         const QColor inside = pixelColor(image, 2, 2);
-        EXPECT_NE(inside, text) << row.name;
-        EXPECT_NE(inside, sunkenMark) << row.name;
-        EXPECT_EQ(pixelColor(image, 10, 2), row.mark.value_or(inside)) << row.name;
-        EXPECT_EQ(pixelColor(image, 2, 6), row.mark.value_or(inside)) << row.name;  // row 4, column 0
+        EXPECT_NE(inside, text) << name;
+        EXPECT_NE(inside, sunkenMark) << name;
+        EXPECT_EQ(pixelColor(image, 10, 2), mark.value_or(inside)) << name;
+        EXPECT_EQ(pixelColor(image, 2, 6), mark.value_or(inside)) << name;  // row 4, column 0
     }
 }
 

@@ -10,10 +10,13 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <tuple>
 
 namespace {
 
 using Answer = std::optional<int>;  // nullopt: the wrapped style's answer
+
+// Rows below: name, what is asked (and of which widget), the simple style's answer, the tarn style's.
 
 // Asks both styles; each must give its expected answer.
 void expectInBothStyles(const char* name, Answer simple, Answer tarn, const std::function<int(const QStyle&)>& ask)
@@ -30,13 +33,7 @@ TEST(DarkStyleMetric, MenuBarMarginsFollowThePropertysPresenceAndTheRestComeFrom
     markedTrue.setProperty("isQtarnZelmarMenuBar", true);
     markedFalse.setProperty("isQtarnZelmarMenuBar", false);
     markedText.setProperty("isQtarnZelmarMenuBar", QStringLiteral("no"));
-    const struct {
-        const char* name;
-        QStyle::PixelMetric metric;
-        const QWidget* widget;
-        Answer simple;
-        Answer tarn;
-    } rows[] = {
+    const std::tuple<const char*, QStyle::PixelMetric, const QWidget*, Answer, Answer> rows[] = {
         {"PanelWidthMarked", QStyle::PM_MenuBarPanelWidth, &markedTrue, 0, 0},
         {"PanelWidthUnmarked", QStyle::PM_MenuBarPanelWidth, &unmarked, 0, 0},
         {"VMarginNoWidget", QStyle::PM_MenuBarVMargin, nullptr, 1, 1},
@@ -54,20 +51,13 @@ TEST(DarkStyleMetric, MenuBarMarginsFollowThePropertysPresenceAndTheRestComeFrom
         {"ScrollBarExtent", QStyle::PM_ScrollBarExtent, nullptr, std::nullopt, std::nullopt},
         {"TabBarTabHSpace", QStyle::PM_TabBarTabHSpace, nullptr, std::nullopt, std::nullopt},
     };
-    for (const auto& row : rows) {
-        expectInBothStyles(row.name, row.simple, row.tarn,
-                           [&](const QStyle& style) { return style.pixelMetric(row.metric, nullptr, row.widget); });
-    }
+    for (const auto& [name, metric, widget, simple, tarn] : rows)
+        expectInBothStyles(name, simple, tarn, [&](const QStyle& s) { return s.pixelMetric(metric, nullptr, widget); });
 }
 
 TEST(DarkStyleHint, HintsFollowTheTableInBothStyles)
 {
-    const struct {
-        const char* name;
-        QStyle::StyleHint hint;
-        Answer simple;
-        Answer tarn;
-    } rows[] = {
+    const std::tuple<const char*, QStyle::StyleHint, Answer, Answer> rows[] = {
         {"EtchDisabledText", QStyle::SH_EtchDisabledText, 0, 0},
         {"ButtonFocusPolicy", QStyle::SH_Button_FocusPolicy, 0, 0},
         {"TableGridLineColor", QStyle::SH_Table_GridLineColor, int(qRgb(68, 68, 68)), int(qRgb(68, 68, 68))},
@@ -75,10 +65,8 @@ TEST(DarkStyleHint, HintsFollowTheTableInBothStyles)
         {"DialogButtonLayout", QStyle::SH_DialogButtonLayout, std::nullopt, std::nullopt},
         {"ComboBoxPopup", QStyle::SH_ComboBox_Popup, std::nullopt, std::nullopt},
     };
-    for (const auto& row : rows) {
-        expectInBothStyles(row.name, row.simple, row.tarn,
-                           [&](const QStyle& style) { return style.styleHint(row.hint); });
-    }
+    for (const auto& [name, hint, simple, tarn] : rows)
+        expectInBothStyles(name, simple, tarn, [&](const QStyle& style) { return style.styleHint(hint); });
 }
 
 // A base style that draws a default-button indicator, which Fusion does not.

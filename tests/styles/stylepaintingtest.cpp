@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 const QColor kSentinel(255, 0, 255);
@@ -36,26 +38,23 @@ TEST_P(DarkStylePainting, CheckedEnabledToolButtonIsTheBasePanelInTheSelectedCol
     const auto draw = [](const QStyle& style, const QStyleOption& option) {
         return painted([&](QPainter& p) { style.drawPrimitive(QStyle::PE_PanelButtonTool, &option, &p); });
     };
-    const struct {
-        QStyle::State state;
-        bool selectedColour;
-    } rows[] = {
+    const std::pair<QStyle::State, bool> rows[] = {  // state, whether the panel takes the selected colour
         {QStyle::State_Enabled | QStyle::State_On, true},
         {QStyle::State_Enabled | QStyle::State_On | QStyle::State_Raised, true},
         {QStyle::State_On, false},  // checked but disabled
         {QStyle::State_Enabled, false},
     };
-    for (const auto& row : rows) {
+    for (const auto& [state, selectedColour] : rows) {
         QStyleOption panel;
         panel.rect = QRect(QPoint(0, 0), kCanvas);
         panel.palette = m_style->standardPalette();
-        panel.state = row.state;
+        panel.state = state;
         QStyleOption expected = panel;
         for (const auto group : {QPalette::Active, QPalette::Inactive}) {
-            if (row.selectedColour)
+            if (selectedColour)
                 expected.palette.setColor(group, QPalette::Button, grey(175));
         }
-        EXPECT_EQ(draw(*m_style, panel), draw(*base, expected)) << "state " << int(row.state);
+        EXPECT_EQ(draw(*m_style, panel), draw(*base, expected)) << "state " << int(state);
     }
 }
 
@@ -76,24 +75,20 @@ TEST_P(DarkStylePainting, MarkedMenuBarItemIsOutlinedOnlyWhenSelectedAndEnabled)
     menuBar.setProperty("isQtarnZelmarMenuBar", false);
     menuBar.setPalette(m_style->standardPalette());
     const QColor background = menuBar.palette().color(menuBar.backgroundRole());
-    const struct {
-        QStyle::State state;
-        QColor edge;
-        QColor inside;
-    } rows[] = {
+    const std::tuple<QStyle::State, QColor, QColor> rows[] = {  // state, top edge, inside
         {QStyle::State_Enabled | QStyle::State_Selected, grey(38), grey(53)},  // Window 68 darkened by 178; halves
         {QStyle::State_Enabled, background, background},
         {QStyle::State_Selected, background, background},
     };
-    for (const auto& row : rows) {
+    for (const auto& [state, edge, inside] : rows) {
         QStyleOptionMenuItem item;
         item.rect = QRect(QPoint(0, 0), kCanvas);
         item.palette = menuBar.palette();
-        item.state = row.state;
+        item.state = state;
         const QImage image =
             painted([&](QPainter& p) { m_style->drawControl(QStyle::CE_MenuBarItem, &item, &p, &menuBar); });
-        EXPECT_EQ(pixelColor(image, 10, 0), row.edge) << "state " << int(row.state);
-        EXPECT_EQ(pixelColor(image, 5, 25), row.inside) << "state " << int(row.state);
+        EXPECT_EQ(pixelColor(image, 10, 0), edge) << "state " << int(state);
+        EXPECT_EQ(pixelColor(image, 5, 25), inside) << "state " << int(state);
     }
 }
 

@@ -22,6 +22,7 @@
 
 #include <unistd.h>
 
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -117,28 +118,22 @@ TEST_F(FileListTest, RowsShowTheAbsolutePathGreyForMissingFilesAndAReadOnlyState
     const QString locked = unwritableFile();
     if (locked.isEmpty())
         GTEST_SKIP() << "no file that this user cannot write";
-    struct Row {
-        QString given;
-        QString shown;
-        Qt::CheckState readOnly;
-        bool grey;
+    const std::tuple<QString, Qt::CheckState, bool> rows[] = {  // path shown, read-only box, grey
+        {writable, Qt::Unchecked, false},
+        {locked, Qt::Checked, false},
+        {missing, Qt::Checked, true},
     };
-    const Row rows[] = {
-        {QDir::current().relativeFilePath(writable), writable, Qt::Unchecked, false},
-        {locked, locked, Qt::Checked, false},
-        {missing, missing, Qt::Checked, true},
-    };
-    QFileListWidget list({rows[0].given, rows[1].given, rows[2].given});
+    QFileListWidget list({QDir::current().relativeFilePath(writable), locked, missing});  // the first given relative
     ASSERT_EQ(list.topLevelItemCount(), 3);
-    for (const Row& row : rows) {
-        const QList<QTreeWidgetItem*> found = list.findItems(row.shown, Qt::MatchExactly, 0);
-        ASSERT_EQ(found.size(), 1) << row.shown.toStdString();
+    for (const auto& [path, readOnly, grey] : rows) {
+        const QList<QTreeWidgetItem*> found = list.findItems(path, Qt::MatchExactly, 0);
+        ASSERT_EQ(found.size(), 1) << path.toStdString();
         const QTreeWidgetItem* item = found.first();
-        EXPECT_EQ(item->checkState(1), row.readOnly) << row.shown.toStdString();
+        EXPECT_EQ(item->checkState(1), readOnly) << path.toStdString();
         EXPECT_EQ(item->sizeHint(0).height(), 18);
         EXPECT_FALSE(item->flags() & Qt::ItemIsUserCheckable);
-        EXPECT_EQ(item->data(0, Qt::ForegroundRole), row.grey ? QVariant(QBrush(Qt::darkGray)) : QVariant())
-            << row.shown.toStdString();
+        EXPECT_EQ(item->data(0, Qt::ForegroundRole), grey ? QVariant(QBrush(Qt::darkGray)) : QVariant())
+            << path.toStdString();
     }
 }
 
@@ -159,27 +154,22 @@ TEST_F(FileListTest, ThreeTitledColumnsListingTheFilesFlatInAscendingOrder)
 
 TEST_F(FileListTest, OnlyControlCCopiesTheSelectedPaths)
 {
-    const struct {
-        const char* name;
-        int selectedRows;
-        Qt::KeyboardModifiers modifiers;
-        bool copies;
-    } rows[] = {
+    const std::tuple<const char*, int, Qt::KeyboardModifiers, bool> rows[] = {  // name, rows selected, keys, copies
         {"Ctrl+C, two rows", 2, Qt::ControlModifier, true},
         {"Ctrl+C, nothing selected", 0, Qt::ControlModifier, true},
         {"Ctrl+Shift+C", 2, Qt::ControlModifier | Qt::ShiftModifier, false},
         {"C alone", 2, Qt::NoModifier, false},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, selectedRows, modifiers, copies] : rows) {
         QFileListWidget list({writable, temp.filePath(QStringLiteral("other.txt"))});
         QString expected;
-        for (int i = 0; i < row.selectedRows; ++i) {
+        for (int i = 0; i < selectedRows; ++i) {
             list.topLevelItem(i)->setSelected(true);
             expected += list.topLevelItem(i)->text(0) + '\n';
         }
         QApplication::clipboard()->setText(kUntouched);
-        QTest::keyClick(&list, Qt::Key_C, row.modifiers);
-        EXPECT_EQ(QApplication::clipboard()->text(), row.copies ? expected : kUntouched) << row.name;
+        QTest::keyClick(&list, Qt::Key_C, modifiers);
+        EXPECT_EQ(QApplication::clipboard()->text(), copies ? expected : kUntouched) << name;
     }
 }
 
