@@ -30,6 +30,8 @@ struct OpenPopup {
     QComboBox& combo;
 };
 
+using Relayed = std::vector<std::pair<bool, QCheckBoxTree::ItemList>>;  // checked, the items carried
+
 struct TreeComboFixture {
     TreeComboFixture()
     {
@@ -46,7 +48,7 @@ struct TreeComboFixture {
     QTreeWidgetItem* assets = nullptr;
     QTreeWidgetItem* models = nullptr;
     QTreeWidgetItem* textures = nullptr;
-    std::vector<std::pair<bool, QCheckBoxTree::ItemList>> relayed;
+    Relayed relayed;
 };
 
 TEST(QCheckBoxTreeCombo, FirstTopLevelItemNamesTheOnlyRowWhoseEditorIsTheTreeAndItsChangesAreRelayedOnce)
@@ -66,9 +68,7 @@ TEST(QCheckBoxTreeCombo, FirstTopLevelItemNamesTheOnlyRowWhoseEditorIsTheTreeAnd
 
     f.combo.setChecked(f.textures, false);
     f.combo.setChecked(f.models, true);
-    ASSERT_EQ(f.relayed.size(), 2u);
-    EXPECT_EQ(f.relayed[0], std::make_pair(false, QCheckBoxTree::ItemList({f.textures, f.assets})));
-    EXPECT_EQ(f.relayed[1], std::make_pair(true, QCheckBoxTree::ItemList({f.models, f.assets})));
+    EXPECT_EQ(f.relayed, (Relayed{{false, {f.textures, f.assets}}, {true, {f.models, f.assets}}}));
     EXPECT_TRUE(f.combo.isChecked(f.models));
     EXPECT_FALSE(f.combo.isChecked(f.textures));
 }
