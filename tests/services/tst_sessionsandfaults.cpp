@@ -2,12 +2,6 @@
 // acts on (-34 starts its re-connection; "Invalid password" its password dialog).
 #include <depothostfixture.h>
 
-#include <hbrcdatamodel/workspace.h>
-
-#include <kel4/revisionstatus.h>
-
-#include <QDir>
-
 #include <functional>
 
 using namespace kel4;
@@ -53,44 +47,39 @@ INSTANTIATE_TEST_SUITE_P(
 struct DepotOperation
 {
     const char* name;
-    std::function<kelResult(SessionsAndFaults&)> run;
+    std::function<kelResult(SessionsAndFaults&, std::string& error)> run;
 };
 
 const DepotOperation kOperations[] = {
-    {"status", [](SessionsAndFaults& f) {
+    {"status", [](SessionsAndFaults& f, std::string& error) {
          List<unsigned> statuses;
-         std::string error;
-         return f.DataControl()->GetStatus({f.Asset("Rock")}, true, kel4::closureId::Persistence, true, statuses, error);
+         return f.DataControl()->GetStatus({f.Asset("Rock")}, true, closureId::Persistence, true, statuses, error);
      }},
-    {"check-out", [](SessionsAndFaults& f) {
-         std::string error;
-         return f.DataControl()->CheckOut({f.Asset("Rock")}, true, kel4::closureId::Persistence, "", error);
+    {"check-out", [](SessionsAndFaults& f, std::string& error) {
+         return f.DataControl()->CheckOut({f.Asset("Rock")}, true, closureId::Persistence, "", error);
      }},
-    {"users", [](SessionsAndFaults& f) {
+    {"users", [](SessionsAndFaults& f, std::string&) {
          List<std::string> users;
-         return f.DataControl()->GetUsersOfObject(f.Asset("Rock"), kel4::closureId::Persistence, users);
+         return f.DataControl()->GetUsersOfObject(f.Asset("Rock"), closureId::Persistence, users);
      }},
-    {"changelists", [](SessionsAndFaults& f) {
+    {"changelists", [](SessionsAndFaults& f, std::string& error) {
          List<std::string> changelists;
-         std::string error;
          return f.DataControl()->GetPendingChangeLists(changelists, error);
      }},
-    {"revert", [](SessionsAndFaults& f) {
-         std::string error;
+    {"revert", [](SessionsAndFaults& f, std::string& error) {
          return f.FileVersionControl()->Revert(f.AliceSession(), {f.AlicePath("rock.bin")}, error, 0, 0);
      }},
-    {"mark-for-delete", [](SessionsAndFaults& f) {
-         std::string error;
-         return f.FileVersionControl()->MarkForDeleteInChangelist(f.AliceSession(), {f.AlicePath("rock.bin")}, "",
-                                                                  error);
+    {"mark-for-delete", [](SessionsAndFaults& f, std::string& error) {
+         return f.FileVersionControl()->MarkForDeleteInChangelist(f.AliceSession(), {f.AlicePath("rock.bin")}, "", error);
      }},
 };
 
 TEST_F(SessionsAndFaults, ExpiredSessionMakesEveryOperationUnusableUntilALogIn)
 {
     ASSERT_EQ(services.ExpireSessionNow().GetCode(), 0);
+    std::string error;
     for (const DepotOperation& operation : kOperations)
-        EXPECT_EQ(operation.run(*this).GetCode(), kResultSessionUnusable) << operation.name;
+        EXPECT_EQ(operation.run(*this, error).GetCode(), kResultSessionUnusable) << operation.name;
     EXPECT_FALSE(DataControl()->ChangeListExists(""));
     std::vector<hbrc::depot::FileStatus> bobSees;
     BobExpects(Bob().status(BobTicket(), BobFilesOf("Rock"), bobSees));
@@ -98,25 +87,24 @@ TEST_F(SessionsAndFaults, ExpiredSessionMakesEveryOperationUnusableUntilALogIn)
         EXPECT_EQ(status.word, 0u) << "the refused check-out opened nothing";
 
     // What the plug-in's re-connection does: log in again and install the session.
-    std::string error;
     const KELPtr<IUserParameters> session = FileVersionControl()->Login("alice", "alice-pw", "alice-ws", DepotPath(), error);
     ASSERT_FALSE(session.IsNull()) << error;
     EXPECT_TRUE(session->HasSession());
     DataControl()->SetSession(session);
     for (const DepotOperation& operation : kOperations)
-        EXPECT_GE(operation.run(*this).GetCode(), 0) << operation.name;
+        EXPECT_GE(operation.run(*this, error).GetCode(), 0) << operation.name << ": " << error;
 }
 
 TEST_F(SessionsAndFaults, WithoutASessionOperationsAreUnusableWithoutAsking)
 {
     DataControl()->SetUserParameters({});
     const auto before = services.connection->RoundTrips();
+    std::string error;
     for (const DepotOperation& operation : kOperations)
-        EXPECT_EQ(operation.run(*this).GetCode(), kResultSessionUnusable) << operation.name;
+        EXPECT_EQ(operation.run(*this, error).GetCode(), kResultSessionUnusable) << operation.name;
     EXPECT_EQ(services.connection->RoundTrips(), before);
 
     // An account without a session, as the host describes it before logging in.
-    std::string error;
     const KELPtr<IUserParameters> account =
         FileVersionControl()->CreateUserParameters("alice", "", DepotPath(), "alice-ws", error);
     ASSERT_FALSE(account.IsNull()) << error;
@@ -124,7 +112,7 @@ TEST_F(SessionsAndFaults, WithoutASessionOperationsAreUnusableWithoutAsking)
     EXPECT_EQ(account->GetServer(), DepotPath());
     DataControl()->SetUserParameters(account);
     EXPECT_EQ(DataControl()->GetUserParameters(), account);
-    EXPECT_EQ(kOperations[0].run(*this).GetCode(), kResultSessionUnusable);
+    EXPECT_EQ(kOperations[0].run(*this, error).GetCode(), kResultSessionUnusable);
     EXPECT_TRUE(FileVersionControl()->CreateUserParameters("alice", "", DepotPath() + ".missing", "alice-ws", error)
                     .IsNull());
     EXPECT_NE(error.find("Cannot reach the depot"), std::string::npos) << error;
@@ -137,7 +125,7 @@ TEST_F(SessionsAndFaults, ServicesOnAnUnreachableDepotAnswerUnusable)
         *workspace, DepotPath() + ".missing", {"alice", "alice-pw", "alice-ws"}, error, ConnectionOptionsForAlice());
     EXPECT_NE(error.find("Cannot reach the depot"), std::string::npos) << error;
     for (const DepotOperation& operation : kOperations)
-        EXPECT_EQ(operation.run(*this).GetCode(), kResultSessionUnusable) << operation.name;
+        EXPECT_EQ(operation.run(*this, error).GetCode(), kResultSessionUnusable) << operation.name;
 
     // Logging in to the right depot moves the services there.
     const KELPtr<IUserParameters> session = FileVersionControl()->Login("alice", "alice-pw", "alice-ws", DepotPath(), error);
