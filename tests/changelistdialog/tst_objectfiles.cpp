@@ -58,6 +58,8 @@ TEST_F(ObjectFilesTest, GetObjectFilesAppendsTheSortedDistinctFilesUnlessTheQuer
     EXPECT_EQ(files.size(), 4);
 }
 
+// Without a data control: no external files; listing files or naming assets raises, naming only
+// non-assets does not.
 TEST_F(ObjectFilesTest, WithoutADataControlExternalFilesAreNoneButListingFilesRaises)
 {
     EXPECT_CALL(*host.dataControl, HasExternalFile(rock, kel4::closureId::Persistence)).WillOnce(Return(true));
@@ -69,6 +71,12 @@ TEST_F(ObjectFilesTest, WithoutADataControlExternalFilesAreNoneButListingFilesRa
     kel4::DisableErrorReportingGuard quiet;
     EXPECT_THROW(helper.GetObjectFiles(rock, files), kel4::ExBase::NullPtr);
     EXPECT_THROW(helper.ObjectHasExternalFile(KELHandle<IDbObject>()), kel4::ExBase::NullPtr);
+    const KELHandle<IDbObject> part = host.manager->AddObject("id-part", "Part of rock", false);
+    QString text;
+    EXPECT_NO_THROW(GetAssetListPrettyNames(KELPtr<kel4::IDataControl>(), {part}, true, text));
+    EXPECT_TRUE(text.isEmpty());
+    EXPECT_THROW(GetAssetListPrettyNames(KELPtr<kel4::IDataControl>(), {part, rock}, true, text),
+                 kel4::ExBase::NullPtr);
 }
 
 struct LogCase {
@@ -139,7 +147,9 @@ TEST_F(ObjectFilesTest, ShowObjectFilesUsesAnOverriddenFileListing)
 {
     HelperWithOwnFiles own;
     hbrc::host::LogCapture log;
-    own.ShowObjectFiles(rock, false);  // a batch run: the log only
+    DialogDriver driver;  // a batch run: the log only
+    own.ShowObjectFiles(rock, false);
+    EXPECT_TRUE(driver.finished()) << driver.failures().join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(log.TextsOfType(Log::eMessage), std::vector<std::string>{"Files for asset: Rock\n/own/listing.kel\n"});
 }
 
@@ -177,17 +187,6 @@ INSTANTIATE_TEST_SUITE_P(
                    "Rock [rocks] (with External: a.bin)b.tex)\n"},
         PrettyCase{"NoQualifyingFileLeavesTheParenthesisOpen", true, {"/d/x.kel"}, "Rock [rocks] (with External: \n"}),
     [](const auto& info) { return std::string(info.param.name); });
-
-TEST_F(ObjectFilesTest, PrettyNamesNeedADataControlOnlyForAssets)
-{
-    const KELHandle<IDbObject> part = host.manager->AddObject("id-part", "Part of rock", false);
-    QString text;
-    kel4::DisableErrorReportingGuard quiet;
-    EXPECT_NO_THROW(GetAssetListPrettyNames(KELPtr<kel4::IDataControl>(), {part}, true, text));
-    EXPECT_TRUE(text.isEmpty());
-    EXPECT_THROW(GetAssetListPrettyNames(KELPtr<kel4::IDataControl>(), {part, rock}, true, text),
-                 kel4::ExBase::NullPtr);
-}
 
 TEST(ObjectListEquality, ComparesHandlesInOrder)
 {
