@@ -116,7 +116,7 @@ TEST_F(PasswordDialogTest, OkFollowsWhatTheUserTypesAndBecomesTheDefault)
 
 class ReconnectTest : public ::testing::Test
 {
-public:  // table rows arrange the fixture from outside
+protected:
     void SetUp() override
     {
         host.system.RegisterSingleton(CHBRevisionControlPropertiesMgr::GetSingletonName(), settings.get());
