@@ -3,7 +3,7 @@
 #include "hbcheckoutcommand.h"
 #include "hbmakewritablecommand.h"
 #include "hbmarkforaddcommand.h"
-#include "unspecifiedaccessorlist.h"
+#include "itemaccessorlisting.h"
 
 #include <depothostfixture.h>
 

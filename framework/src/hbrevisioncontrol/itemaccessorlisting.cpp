@@ -1,4 +1,4 @@
-#include "unspecifiedaccessorlist.h"
+#include "itemaccessorlisting.h"
 
 #include <kel4/idatamodelmgr.h>
 
