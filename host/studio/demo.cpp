@@ -40,7 +40,8 @@ QString hex(unsigned word)
     return QStringLiteral("0x%1").arg(word, 0, 16);
 }
 
-void printList(QTextStream& out, const char* title, const std::vector<std::string>& names)
+template <class Names>
+void printList(QTextStream& out, const char* title, const Names& names)
 {
     out << title << ":";
     for (const std::string& name : names)
@@ -164,10 +165,7 @@ public:
         PrintStatus({rock, sky});
         kel4::List<std::string> users;
         dataControl->GetUsersOfObject(rock, kel4::closureId::Persistence, users);
-        m_out << "  Rock is held by:";
-        for (const std::string& user : users)
-            m_out << " " << QString::fromStdString(user);
-        m_out << "\n";
+        printList(m_out, "  Rock is held by", users);
 
         step("alice checks Sky out into a new pending changelist");
         std::string changelist;
