@@ -18,12 +18,6 @@ void logStoreProblem(const QString& what, const QString& path)
                                      (what + QStringLiteral(" (") + path + QStringLiteral(")")).toStdString());
 }
 
-QString settingsKey(const std::string& key)
-{
-    // INI groups use '/'; keys with dots stay as they are.
-    return QString::fromStdString(key);
-}
-
 }  // namespace
 
 QString PrefManager::DefaultFilePath()
@@ -77,7 +71,7 @@ bool PrefManager::Store(const std::string& key, const QVariant& value, int persi
 {
     if (persistent && m_storeUsable) {
         m_sessionValues.erase(key);
-        m_settings->setValue(settingsKey(key), value);
+        m_settings->setValue(QString::fromStdString(key), value);
         Sync();
         if (m_storeUsable)
             return true;
@@ -90,8 +84,8 @@ QVariant PrefManager::Lookup(const std::string& key) const
 {
     if (auto session = m_sessionValues.find(key); session != m_sessionValues.end())
         return session->second;
-    if (m_storeUsable && m_settings->contains(settingsKey(key)))
-        return m_settings->value(settingsKey(key));
+    if (m_storeUsable && m_settings->contains(QString::fromStdString(key)))
+        return m_settings->value(QString::fromStdString(key));
     return {};
 }
 
