@@ -36,7 +36,7 @@ void CRevisionControlUIHelper::GetObjectFiles(const KELHandle<IDbObject>& object
 void CRevisionControlUIHelper::ShowObjectFiles(const KELHandle<IDbObject>& object, bool inFileBrowser)
 {
     QStringList files;
-    static_cast<kel4::IRevisionControlUIHelper*>(this)->GetObjectFiles(object, files);
+    GetObjectFiles(object, files);  // virtual: an override is honoured
 
     std::string listing;
     for (qsizetype i = 0; i < files.size(); ++i) {
