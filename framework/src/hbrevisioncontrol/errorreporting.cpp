@@ -20,16 +20,18 @@ struct FlagLine {
 // The line each explained status flag adds to a failure message. Built on first use, never changed.
 const std::map<unsigned, FlagLine>& flagLines()
 {
+    using namespace kel4;
     static const std::map<unsigned, FlagLine> lines{
-        {0x2, {"because the following users have checked out some of the files\n", true}},
-        {0x4, {"because some of the files are marked for add\n", false}},
-        {0x8, {"because the following users have marked for add some of the files\n", true}},
-        {0x10, {"because some of the files are marked for delete\n", false}},
-        {0x20, {"because the following users have marked for delete some of the files\n", true}},
-        {0x40, {"because some of the files are not at the head revision\n", false}},
-        {0x80, {"because some of the files are not in the database\n", false}},
-        {0x8000, {"because some of the files are causing a IO error\n", false}},
-        {0x20000, {"because the following users have locked some of the files\n", true}},
+        {eStatusCheckedOutByOthers, {"because the following users have checked out some of the files\n", true}},
+        {eStatusMarkedForAdd, {"because some of the files are marked for add\n", false}},
+        {eStatusMarkedForAddByOthers, {"because the following users have marked for add some of the files\n", true}},
+        {eStatusMarkedForDelete, {"because some of the files are marked for delete\n", false}},
+        {eStatusMarkedForDeleteByOthers,
+         {"because the following users have marked for delete some of the files\n", true}},
+        {eStatusNotHeadRevision, {"because some of the files are not at the head revision\n", false}},
+        {eStatusNotInDatabase, {"because some of the files are not in the database\n", false}},
+        {eStatusIOError, {"because some of the files are causing a IO error\n", false}},
+        {eStatusLockedByOthers, {"because the following users have locked some of the files\n", true}},
     };
     return lines;
 }

@@ -9,6 +9,7 @@
 #include <kel4/iuserparameters.h>
 #include <kel4/kelhandle.h>
 #include <kel4/kelptr.h>
+#include <kel4/revisionstatus.h>
 
 #include <set>
 #include <string>
@@ -16,10 +17,18 @@
 HBRC_INTERNAL_NAMESPACE_BEGIN
 
 // The status flags each operation explains when it fails; ascending order is the order of the lines.
-inline const std::set<unsigned> kCheckOutErrorFlags{0x2, 0x4, 0x8, 0x10, 0x20, 0x40, 0x80, 0x8000, 0x20000};
-// 0x1 (checked out by this user) has no line of its own and contributes nothing.
-inline const std::set<unsigned> kMarkForAddErrorFlags{0x1, 0x2, 0x8, 0x20, 0x8000, 0x20000};
-inline const std::set<unsigned> kMarkForDeleteErrorFlags{0x2, 0x8, 0x20, 0x40, 0x80, 0x8000, 0x20000};
+inline const std::set<unsigned> kCheckOutErrorFlags{
+    kel4::eStatusCheckedOutByOthers, kel4::eStatusMarkedForAdd,          kel4::eStatusMarkedForAddByOthers,
+    kel4::eStatusMarkedForDelete,    kel4::eStatusMarkedForDeleteByOthers, kel4::eStatusNotHeadRevision,
+    kel4::eStatusNotInDatabase,      kel4::eStatusIOError,                kel4::eStatusLockedByOthers};
+// eStatusCheckedOut (checked out by this user) has no line of its own and contributes nothing.
+inline const std::set<unsigned> kMarkForAddErrorFlags{
+    kel4::eStatusCheckedOut,              kel4::eStatusCheckedOutByOthers, kel4::eStatusMarkedForAddByOthers,
+    kel4::eStatusMarkedForDeleteByOthers, kel4::eStatusIOError,           kel4::eStatusLockedByOthers};
+inline const std::set<unsigned> kMarkForDeleteErrorFlags{
+    kel4::eStatusCheckedOutByOthers, kel4::eStatusMarkedForAddByOthers, kel4::eStatusMarkedForDeleteByOthers,
+    kel4::eStatusNotHeadRevision,    kel4::eStatusNotInDatabase,        kel4::eStatusIOError,
+    kel4::eStatusLockedByOthers};
 
 // Explains why an operation on objects failed: asks the data control for the objects' status and
 // appends one line per flag of flags that some object carries (then the users holding the files)
