@@ -64,7 +64,7 @@ public:
     // A transient command is not kept in the undo history.
     virtual bool IsTransient() const = 0;
     virtual void SetTransient(bool transient) = 0;
-    // Same identifier and equal parameters.
+    // Same identifier and the same parameters by name and kind, in order; the values are not compared.
     virtual bool Equals(const ICommand& other) const = 0;
 };
 
