@@ -49,7 +49,7 @@ void GetAssetListPrettyNames(const KELPtr<kel4::IDataControl>& dataControl,
 
 bool DbObjectListsAreEqual(const kel4::IDataControl::ObjectList& a, const kel4::IDataControl::ObjectList& b)
 {
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin());
+    return a == b;
 }
 
 HBRC_INTERNAL_NAMESPACE_END
