@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 
+#include <array>
 #include <cstring>
 #include <unordered_map>
 
@@ -46,11 +47,14 @@ kelResult DataModelMgr::Query(const std::string& queryText, kel4::Vector<kel4::C
     const auto query = ObjectQuery::Parse(queryText, errorText);
     if (!query)
         return kel4::kResultFailed;
+    // The query reads nothing but the four flag bits: decide each of their combinations once.
+    std::array<bool, (kFlagValueAsset << 1)> selected{};
+    for (unsigned flags = 0; flags < selected.size(); ++flags)
+        selected[flags] = query->Matches(flags);
     const bool includeUnsaved = (options & 1) != 0;
     m_store.ForEachLive([&](std::uint32_t slot) {
-        if (!includeUnsaved && !m_store.AssetAt(m_store.OwnerOf(slot)).IsOnDisk())
-            return;
-        if (query->Matches(m_store.FlagsOf(slot)))
+        if (selected[m_store.FlagsOf(slot)]
+            && (includeUnsaved || m_store.AssetAt(m_store.OwnerOf(slot)).IsOnDisk()))
             results.emplace_back(HandleOf(slot));
     });
     return kel4::kResultSuccess;
@@ -222,7 +226,7 @@ kel4::List<KELHandle<kel4::IAsset>> DataModelMgr::AssetsOwningFiles(const kel4::
 bool DataModelMgr::IsDirty(const KELHandleBase& object) const
 {
     const std::uint32_t slot = SlotOf(object);
-    return slot != ObjectStore::kNoSlot && m_store.AssetAt(m_store.OwnerOf(slot)).dirty;
+    return slot != ObjectStore::kNoSlot && (m_store.FlagsOf(slot) & kFlagDirty) != 0;
 }
 
 }  // namespace hbrc::host

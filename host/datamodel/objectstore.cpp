@@ -3,7 +3,24 @@
 
 namespace hbrc::host {
 
-std::uint32_t ObjectStore::Allocate(const std::string& id, std::uint32_t owner)
+namespace {
+
+// The flags an asset's parts share with it.
+constexpr unsigned kSharedWithParts = kFlagPersistable | kFlagDirty;
+
+unsigned assetFlags(const AssetRecord& record)
+{
+    unsigned flags = record.persistable ? unsigned(kFlagPersistable) : 0u;
+    if (record.kind == AssetKind::Metadata)
+        flags |= kFlagMetadata;
+    else if (record.kind == AssetKind::Value)
+        flags |= kFlagValueAsset;
+    return flags;
+}
+
+}  // namespace
+
+std::uint32_t ObjectStore::Allocate(const std::string& id, std::uint32_t owner, unsigned flags)
 {
     std::uint32_t slot;
     if (!m_freeSlots.empty()) {
@@ -16,6 +33,7 @@ std::uint32_t ObjectStore::Allocate(const std::string& id, std::uint32_t owner)
     Slot& entry = m_slots[slot];
     entry.used = true;
     entry.owner = owner == kNoSlot ? slot : owner;
+    entry.flags = flags;
     m_byId.emplace(id, slot);
     ++m_live;
     return slot;
@@ -28,6 +46,7 @@ void ObjectStore::Free(std::uint32_t slot)
     entry.used = false;
     entry.asset.reset();
     entry.owner = kNoSlot;
+    entry.flags = 0;
     ++entry.instance;
     m_freeSlots.push_back(slot);
     --m_live;
@@ -52,11 +71,12 @@ std::uint32_t ObjectStore::AddAsset(AssetRecord record, std::string kelPath)
     if (record.version > 0)
         asset->ancestor = VersionId(std::to_string(record.version));
     asset->record = std::move(record);
-    const std::uint32_t slot = Allocate(asset->record.id, kNoSlot);
+    const unsigned flags = assetFlags(asset->record);
+    const std::uint32_t slot = Allocate(asset->record.id, kNoSlot, flags);
     m_slots[slot].asset = std::move(asset);
     StoredAsset& stored = *m_slots[slot].asset;
     for (std::size_t i = 0; i < stored.record.parts.size(); ++i) {
-        const std::uint32_t partSlot = Allocate(stored.record.parts[i].id, slot);
+        const std::uint32_t partSlot = Allocate(stored.record.parts[i].id, slot, flags & kSharedWithParts);
         m_slots[partSlot].partIndex = i;
         stored.partSlots.push_back(partSlot);
     }
@@ -69,7 +89,8 @@ std::uint32_t ObjectStore::AddPart(std::uint32_t assetSlot, PartRecord part)
         return kNoSlot;
     StoredAsset& asset = AssetAt(assetSlot);
     asset.record.parts.push_back(std::move(part));
-    const std::uint32_t slot = Allocate(asset.record.parts.back().id, assetSlot);
+    const std::uint32_t slot =
+        Allocate(asset.record.parts.back().id, assetSlot, m_slots[assetSlot].flags & kSharedWithParts);
     m_slots[slot].partIndex = asset.record.parts.size() - 1;
     asset.partSlots.push_back(slot);
     return slot;
@@ -127,31 +148,17 @@ const std::string& ObjectStore::TypeOf(std::uint32_t slot) const
     return IsAsset(slot) ? AssetAt(slot).record.type : PartAt(slot).type;
 }
 
-unsigned ObjectStore::FlagsOf(std::uint32_t slot) const
-{
-    const StoredAsset& owner = AssetAt(OwnerOf(slot));
-    unsigned flags = 0;
-    if (owner.record.persistable)
-        flags |= kFlagPersistable;
-    if (owner.dirty)
-        flags |= kFlagDirty;
-    if (IsAsset(slot)) {
-        if (owner.record.kind == AssetKind::Metadata)
-            flags |= kFlagMetadata;
-        else if (owner.record.kind == AssetKind::Value)
-            flags |= kFlagValueAsset;
-    }
-    return flags;
-}
-
 void ObjectStore::SetDirty(std::uint32_t assetSlot, bool dirty)
 {
     if (!IsAsset(assetSlot))
         return;
     StoredAsset& asset = AssetAt(assetSlot);
-    if (dirty && !asset.dirty && asset.IsOnDisk())
+    if (dirty && !(FlagsOf(assetSlot) & kFlagDirty) && asset.IsOnDisk())
         asset.ancestor = VersionId(std::to_string(asset.record.version));
-    asset.dirty = dirty;
+    auto mark = [dirty](Slot& entry) { entry.flags = dirty ? entry.flags | kFlagDirty : entry.flags & ~kFlagDirty; };
+    mark(m_slots[assetSlot]);
+    for (std::uint32_t part : asset.partSlots)
+        mark(m_slots[part]);
     if (dirty)
         m_dirty.insert(assetSlot);
     else

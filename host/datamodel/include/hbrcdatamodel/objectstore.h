@@ -25,7 +25,6 @@ struct StoredAsset
     AssetRecord record;
     // The .kel file, relative to the workspace folder, '/'-separated.
     std::string kelPath;
-    bool dirty = false;
     // The version on disk before the last save that wrote this asset; null for an asset that did
     // not exist on disk before that save (or has not been saved yet).
     VersionId ancestor;
@@ -80,7 +79,7 @@ public:
     const std::string& NameOf(std::uint32_t slot) const;
     const std::string& TypeOf(std::uint32_t slot) const;
     // ObjectFlag bits of a live object. A part shares its asset's persistence and dirty state.
-    unsigned FlagsOf(std::uint32_t slot) const;
+    unsigned FlagsOf(std::uint32_t slot) const { return m_slots[slot].flags; }
 
     // Dirty state of an asset, kept in a set so that a save visits only dirty assets.
     void SetDirty(std::uint32_t assetSlot, bool dirty);
@@ -100,10 +99,12 @@ private:
         bool used = false;
         std::uint32_t owner = kNoSlot;
         std::size_t partIndex = 0;             // for a part: its index in the owner's parts
+        // ObjectFlag bits, kept beside the slot so that a query over every object reads no asset.
+        unsigned flags = 0;
         std::unique_ptr<StoredAsset> asset;    // for an asset
     };
 
-    std::uint32_t Allocate(const std::string& id, std::uint32_t owner);
+    std::uint32_t Allocate(const std::string& id, std::uint32_t owner, unsigned flags);
     void Free(std::uint32_t slot);
     const PartRecord& PartAt(std::uint32_t slot) const;
 
