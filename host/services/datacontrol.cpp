@@ -28,8 +28,8 @@ kel4::Set<std::string> Filtered(const kel4::Set<std::string>& files, const std::
 }
 
 // Appends the files not seen yet, keeping the order in which they first appear.
-void AppendUnique(const kel4::Set<std::string>& files, std::vector<std::string>& into,
-                  std::unordered_set<std::string>& seen)
+template <class FileContainer>
+void AppendUnique(const FileContainer& files, std::vector<std::string>& into, std::unordered_set<std::string>& seen)
 {
     for (const std::string& file : files)
         if (seen.insert(file).second)
@@ -191,7 +191,14 @@ kelResult DataControl::GetStatus(const ObjectList& objects, bool includeExternal
 {
     if (objects.empty())
         return kel4::kResultEmptyQuery;
-    const Files files = FilesOf(objects, includeExternalFiles, closure);
+    std::vector<Files> filesPerObject;
+    filesPerObject.reserve(objects.size());
+    Files files;
+    std::unordered_set<std::string> seen;
+    for (const auto& object : objects) {
+        filesPerObject.push_back(FilesOf(object, includeExternalFiles, closure));
+        AppendUnique(filesPerObject.back(), files, seen);
+    }
     std::vector<depot::FileStatus> answered;
     if (auto cached = refresh ? std::nullopt : m_connection->Cache().Lookup(files)) {
         answered = std::move(*cached);
@@ -202,8 +209,8 @@ kelResult DataControl::GetStatus(const ObjectList& objects, bool includeExternal
     }
     const StatusByFile byFile(files, answered);
     statuses.clear();
-    for (const auto& object : objects)
-        statuses.push_back(StatusRules::ObjectWord(byFile.Of(FilesOf(object, includeExternalFiles, closure))));
+    for (const Files& objectFiles : filesPerObject)
+        statuses.push_back(StatusRules::ObjectWord(byFile.Of(objectFiles)));
     return kel4::kResultSuccess;
 }
 
