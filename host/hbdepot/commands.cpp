@@ -3,6 +3,7 @@
 #include <depot/depot.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <iomanip>
@@ -52,6 +53,22 @@ struct Command
     const char* summary;
     std::function<Result(Context&)> run;
 };
+
+// The session lifetime of a new depot; a clear error instead of the parser's own for a bad value.
+std::chrono::seconds sessionLifetime(CommandLine& line)
+{
+    const std::string text = line.takeOption("--session-lifetime").value_or("43200");
+    std::size_t used = 0;
+    long long seconds = 0;
+    try {
+        seconds = std::stoll(text, &used);
+    } catch (const std::logic_error&) {
+        used = 0;
+    }
+    if (used == 0 || used != text.size() || seconds <= 0)
+        throw std::invalid_argument("--session-lifetime takes a number of seconds above 0, not '" + text + "'");
+    return std::chrono::seconds(seconds);
+}
 
 std::string changelistName(const depot::ChangelistId& id)
 {
@@ -117,10 +134,7 @@ const std::vector<Command>& commands()
 {
     static const std::vector<Command> table = {
         {{"init"}, false, "init [--session-lifetime SECONDS]", "create a new depot file",
-         [](Context& c) {
-             const std::string lifetime = c.line.takeOption("--session-lifetime").value_or("43200");
-             return Depot::create(c.depot.path(), std::chrono::seconds(std::stoll(lifetime)));
-         }},
+         [](Context& c) { return Depot::create(c.depot.path(), sessionLifetime(c.line)); }},
         {{"user", "add"}, false, "user add NAME [PASSWORD]", "add a user (no password: none needed)",
          [](Context& c) {
              const std::vector<std::string> given = c.arguments();
