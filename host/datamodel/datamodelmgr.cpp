@@ -21,7 +21,10 @@ bool hasFiles(kel4::closureId closure)
 }  // namespace
 
 DataModelMgr::DataModelMgr(QString root)
-    : m_root(std::move(root)), m_instance(new KelInstance), m_dataSource(new MultiFileDataSource(m_root))
+    : m_root(std::move(root)),
+      m_encodedRoot(QFile::encodeName(m_root).toStdString()),
+      m_instance(new KelInstance),
+      m_dataSource(new MultiFileDataSource(m_root))
 {
     m_dataSource->SetManager(this);
 }
@@ -117,7 +120,7 @@ bool DataModelMgr::IsObjectOfType(const KELHandleBase& object, const char* typeI
 
 std::string DataModelMgr::AbsolutePath(const std::string& relative) const
 {
-    return QFile::encodeName(m_root).toStdString() + '/' + relative;
+    return m_encodedRoot + '/' + relative;
 }
 
 kel4::Set<std::string> DataModelMgr::FilesOf(const KELHandleBase& object, bool includeExternalFiles,

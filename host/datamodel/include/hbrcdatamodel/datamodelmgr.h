@@ -77,6 +77,7 @@ public:
 
 private:
     QString m_root;
+    std::string m_encodedRoot;  // m_root in the file-name encoding, the prefix of every absolute path
     ObjectStore m_store;
     KELPtr<KelInstance> m_instance;
     KELPtr<MultiFileDataSource> m_dataSource;
