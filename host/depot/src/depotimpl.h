@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -36,7 +37,8 @@ struct Depot::Impl
     std::string path;
     DepotOptions options;
     FaultInjector faults;
-    std::uint64_t roundTrips = 0;
+    // Counted on the thread that runs the operation (a time-out runner's worker), read on any.
+    std::atomic<std::uint64_t> roundTrips{0};
     std::unique_ptr<Database> db;
 
 private:
