@@ -127,10 +127,15 @@ std::uint32_t ObjectStore::SlotOf(const std::string& id) const
     return found == m_byId.end() ? kNoSlot : found->second;
 }
 
-const PartRecord& ObjectStore::PartAt(std::uint32_t slot) const
+PartRecord& ObjectStore::PartAt(std::uint32_t partSlot)
 {
-    const Slot& entry = m_slots[slot];
+    const Slot& entry = m_slots[partSlot];
     return m_slots[entry.owner].asset->record.parts[entry.partIndex];
+}
+
+const PartRecord& ObjectStore::PartAt(std::uint32_t partSlot) const
+{
+    return const_cast<ObjectStore*>(this)->PartAt(partSlot);
 }
 
 const std::string& ObjectStore::IdOf(std::uint32_t slot) const

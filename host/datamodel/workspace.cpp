@@ -167,13 +167,7 @@ EditResult Workspace::Rename(const KELHandleBase& object, const std::string& nam
     if (name.empty())
         return {"A name cannot be empty"};
     ObjectStore& store = m_model->Store();
-    StoredAsset& owner = store.AssetAt(store.OwnerOf(slot));
-    if (store.IsAsset(slot)) {
-        owner.record.name = name;
-    } else {
-        const auto part = std::find(owner.partSlots.begin(), owner.partSlots.end(), slot);
-        owner.record.parts[std::size_t(part - owner.partSlots.begin())].name = name;
-    }
+    (store.IsAsset(slot) ? store.AssetAt(slot).record.name : store.PartAt(slot).name) = name;
     Touch(store.OwnerOf(slot));
     borax::datamodel::ItemID item;
     if (m_library->FindItemByDbUid(store.IdOf(slot), item))

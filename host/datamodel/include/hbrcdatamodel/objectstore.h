@@ -74,6 +74,9 @@ public:
     std::uint32_t OwnerOf(std::uint32_t slot) const { return m_slots[slot].owner; }
     StoredAsset& AssetAt(std::uint32_t assetSlot) { return *m_slots[assetSlot].asset; }
     const StoredAsset& AssetAt(std::uint32_t assetSlot) const { return *m_slots[assetSlot].asset; }
+    // The record of a live part, held in its asset's record.
+    PartRecord& PartAt(std::uint32_t partSlot);
+    const PartRecord& PartAt(std::uint32_t partSlot) const;
 
     const std::string& IdOf(std::uint32_t slot) const;
     const std::string& NameOf(std::uint32_t slot) const;
@@ -106,7 +109,6 @@ private:
 
     std::uint32_t Allocate(const std::string& id, std::uint32_t owner, unsigned flags);
     void Free(std::uint32_t slot);
-    const PartRecord& PartAt(std::uint32_t slot) const;
 
     std::vector<Slot> m_slots;
     std::vector<std::uint32_t> m_freeSlots;
