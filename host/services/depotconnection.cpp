@@ -59,13 +59,10 @@ KELPtr<UserParameters> DepotConnection::Login(const std::string& userName, const
         return target.login(userName, password, workspace, ticket);
     });
     if (otherServer) {
-        if (!result.ok()) {
-            m_roundTripsBefore += other->roundTrips();
-            errorText = result.error;
-            return {};
-        }
-        m_roundTripsBefore += m_depot->roundTrips();
-        m_depot = std::move(other);
+        // The depot left behind keeps its round trips counted.
+        m_roundTripsBefore += (result.ok() ? *m_depot : *other).roundTrips();
+        if (result.ok())
+            m_depot = std::move(other);
     }
     if (Finish(result, errorText).IsFailure())
         return {};
