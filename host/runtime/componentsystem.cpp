@@ -1,37 +1,24 @@
 #include <hbrchost/componentsystem.h>
 
 #include <log/log.h>
+#include <sdkruntime/hosthooks.h>
 
 #include <algorithm>
-
-namespace {
-hbrc::host::ComponentSystem* g_system = nullptr;
-}
-
-extern "C" nrk::ISystem* nrkGetSystem()
-{
-    return g_system;
-}
-
-extern "C" bool nrkIsSystemInitialized()
-{
-    return g_system != nullptr;
-}
 
 namespace hbrc::host {
 
 ComponentSystem::ComponentSystem()
 {
-    if (g_system)
+    if (nrkIsSystemInitialized())
         Log::Singleton::Instance().Write(Log::eWarning, "A second component system replaces the running one");
-    g_system = this;
+    sdkruntime::SetSystem(this);
 }
 
 ComponentSystem::~ComponentSystem()
 {
     DestroyOwnedSingletons();
-    if (g_system == this)
-        g_system = nullptr;
+    if (nrkGetSystem() == this)
+        sdkruntime::SetSystem(nullptr);
 }
 
 bool ComponentSystem::RegisterFactory(const char* name, nrk::FactoryFunction factory)

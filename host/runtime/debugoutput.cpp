@@ -1,9 +1,7 @@
 #include <hbrchost/debugoutputcapture.h>
 
-#include <kel4/exbase.h>
+#include <sdkruntime/hosthooks.h>
 
-#include <atomic>
-#include <iostream>
 #include <mutex>
 
 namespace hbrc::host {
@@ -11,7 +9,6 @@ namespace hbrc::host {
 namespace {
 std::mutex g_mutex;
 DebugOutputCapture* g_capture = nullptr;
-std::atomic<int> g_disabledReporting{0};
 }  // namespace
 
 void AppendDebugOutput(const char* text)
@@ -25,38 +22,16 @@ DebugOutputCapture::DebugOutputCapture()
 {
     std::lock_guard<std::mutex> lock(g_mutex);
     g_capture = this;
+    sdkruntime::SetDebugOutputSink(&AppendDebugOutput);
 }
 
 DebugOutputCapture::~DebugOutputCapture()
 {
     std::lock_guard<std::mutex> lock(g_mutex);
-    if (g_capture == this)
+    if (g_capture == this) {
         g_capture = nullptr;
+        sdkruntime::SetDebugOutputSink(nullptr);
+    }
 }
 
 }  // namespace hbrc::host
-
-namespace kel4 {
-
-void PrintDebugString(const char* text)
-{
-    std::cerr << "[debug] " << (text ? text : "") << '\n';
-    hbrc::host::AppendDebugOutput(text ? text : "");
-}
-
-DisableErrorReportingGuard::DisableErrorReportingGuard()
-{
-    ++hbrc::host::g_disabledReporting;
-}
-
-DisableErrorReportingGuard::~DisableErrorReportingGuard()
-{
-    --hbrc::host::g_disabledReporting;
-}
-
-bool DisableErrorReportingGuard::IsErrorReportingDisabled()
-{
-    return hbrc::host::g_disabledReporting.load() > 0;
-}
-
-}  // namespace kel4

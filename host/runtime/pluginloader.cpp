@@ -19,7 +19,7 @@ PluginLoader::~PluginLoader()
 bool PluginLoader::Load(const std::string& libraryPath, std::string& errorText)
 {
     dlerror();
-    void* handle = dlopen(libraryPath.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* handle = dlopen(libraryPath.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     if (!handle) {
         const char* reason = dlerror();
         errorText = "Cannot load plug-in '" + libraryPath + "': " + (reason ? reason : "unknown reason");

@@ -1,5 +1,20 @@
 #include <hbrcservices/statusrules.h>
 
+#include <kel4/revisionstatus.h>
+
+// The services hand the depot's status words to the plug-in unchanged, so each depot bit must be
+// the SDK's bit of the same meaning.
+static_assert(hbrc::depot::status::OpenedForEdit == kel4::eStatusCheckedOut);
+static_assert(hbrc::depot::status::OpenedByOthers == kel4::eStatusCheckedOutByOthers);
+static_assert(hbrc::depot::status::OpenedForAdd == kel4::eStatusMarkedForAdd);
+static_assert(hbrc::depot::status::AddedByOthers == kel4::eStatusMarkedForAddByOthers);
+static_assert(hbrc::depot::status::OpenedForDelete == kel4::eStatusMarkedForDelete);
+static_assert(hbrc::depot::status::DeletedByOthers == kel4::eStatusMarkedForDeleteByOthers);
+static_assert(hbrc::depot::status::NotAtHead == kel4::eStatusNotHeadRevision);
+static_assert(hbrc::depot::status::NotInDepot == kel4::eStatusNotInDatabase);
+static_assert(hbrc::depot::status::IoError == kel4::eStatusIOError);
+static_assert(hbrc::depot::status::LockedByOthers == kel4::eStatusLockedByOthers);
+
 namespace hbrc::host::StatusRules {
 
 namespace {

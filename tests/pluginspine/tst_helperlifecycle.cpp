@@ -53,10 +53,20 @@ TEST_F(HelperTest, FollowsTheProxysThreeSignalsAndDisconnectsWhenDestroyedWithou
     EXPECT_EQ(host.proxy.disconnected.num_slots(), 0u);
 }
 
-TEST_F(HelperTest, TheInitialConnectionInstallsTheHelperAsTimeOutDelegate)
+TEST_F(HelperTest, TheHelperIsTheTimeOutDelegateFromTheInitialConnectionUntilTerm)
 {
-    EXPECT_CALL(*host.fileVersionControl, SetTimeOutDelegate(static_cast<kel4::ITimeOutDelegate*>(helper.get())));
+    auto* delegate = static_cast<kel4::ITimeOutDelegate*>(helper.get());
+    {
+        ::testing::InSequence order;
+        EXPECT_CALL(*host.fileVersionControl, SetTimeOutDelegate(delegate));
+        EXPECT_CALL(*host.fileVersionControl, SetTimeOutDelegate(nullptr));
+    }
     host.proxy.initialConnection();
+    helper->Term();
+    EXPECT_FALSE(helper->GetUserInput()) << "after Term a time-out question shows nothing and lets the work go on";
+    helper->Close();
+    helper.reset();
+    ::testing::Mock::VerifyAndClearExpectations(host.fileVersionControl.Get());
 }
 
 TEST_F(HelperTest, TheInitialConnectionWithoutAFileServiceRaises)

@@ -26,9 +26,13 @@ nrk::IBase* CRevisionControlUIHelper::Factory()
 
 CRevisionControlUIHelper::CRevisionControlUIHelper() = default;
 
-// Members go in reverse order of declaration: the three connection lists disconnect their
-// connections, then the remembered objects are released. The progress box belongs to Term.
-CRevisionControlUIHelper::~CRevisionControlUIHelper() = default;
+// The three connection lists disconnect their connections (reverse order of declaration), then
+// the remembered objects are released. A host that never called Term still gets the time-out
+// delegate withdrawn and the progress box deleted.
+CRevisionControlUIHelper::~CRevisionControlUIHelper()
+{
+    WithdrawTimeOutDelegate();
+}
 
 void CRevisionControlUIHelper::Init()
 {
@@ -43,15 +47,25 @@ void CRevisionControlUIHelper::Init()
     m_disconnectedSlots.emplace_back();
     proxy->Connect_OnDisconnectedFromDB(slot, m_disconnectedSlots.back().ConnectionAddress());
 
-    m_progressBox = new QMessageBox;
+    m_progressBox = std::make_unique<QMessageBox>();
     m_progressBox->addButton(QMessageBox::Cancel);
     m_progressBox->setText(QStringLiteral("Perforce Operation in Progress, press Cancel to abort"));
     m_progressBox->setProperty(hbrc::internal::kNotCountedAsInteractive, true);
 }
 
+// After Term the helper answers the service's time-out calls without a box: GetUserInput says
+// "go on" and Close does nothing.
 void CRevisionControlUIHelper::Term()
 {
-    delete m_progressBox;
+    WithdrawTimeOutDelegate();
+    m_progressBox.reset();
+}
+
+void CRevisionControlUIHelper::WithdrawTimeOutDelegate()
+{
+    if (m_timeOutDelegateHost)
+        m_timeOutDelegateHost->SetTimeOutDelegate(nullptr);
+    m_timeOutDelegateHost = {};
 }
 
 void CRevisionControlUIHelper::OnInitialConnectionToDB()
@@ -62,6 +76,7 @@ void CRevisionControlUIHelper::OnInitialConnectionToDB()
     KELPtr<kel4::IFileVersionControl> fileVersionControl = hbrc::internal::ServiceOf<kel4::IFileVersionControl>(
         KELPtr<kel4::IDataModelMgr>(proxy->GetDataModelMgr()), kel4::UID_FileVersionControl());
     fileVersionControl.GetPointeeNotNull().SetTimeOutDelegate(static_cast<kel4::ITimeOutDelegate*>(this));
+    m_timeOutDelegateHost = fileVersionControl;
 }
 
 void CRevisionControlUIHelper::OnConnectedToDB()

@@ -4,11 +4,13 @@
 
 #include <borax/datamodel/iitemlibrarynotification.h>
 #include <kel4/idatacontrol.h>
+#include <kel4/ifileversioncontrol.h>
 #include <kel4/irevisioncontroluihelper.h>
 #include <kel4/itimeoutdelegate.h>
 #include <nrk/fwk/ikeldbproxy.h>
 #include <nrk/ibase.h>
 
+#include <memory>
 #include <string>
 
 class QMessageBox;
@@ -86,11 +88,16 @@ public:
 private:
     // Registers (true) or unregisters the helper with the proxy's current item library.
     void SetItemLibraryRegistration(bool registered);
+    // Stops being the time-out delegate of the service that OnInitialConnectionToDB gave it to.
+    void WithdrawTimeOutDelegate();
 
     kel4::List<KELHandle<IDbObject>> m_lastPromptedObjects;
     HBTrackedSlotList m_initialConnectionSlots;
     HBTrackedSlotList m_connectedSlots;
     HBTrackedSlotList m_disconnectedSlots;
     bool m_closedByProgram = false;
-    QMessageBox* m_progressBox = nullptr;
+    std::unique_ptr<QMessageBox> m_progressBox;
+    // The service that has the helper as its time-out delegate; held so that Term can withdraw it
+    // and a late call of the service never reaches a destroyed helper.
+    KELPtr<kel4::IFileVersionControl> m_timeOutDelegateHost;
 };

@@ -7,8 +7,9 @@
 
 namespace hbrc::host {
 
-// Loads plug-in shared libraries and calls their plxPluginRegister. Libraries stay loaded until
-// the loader is destroyed; destroy it after the components the plug-ins made.
+// Loads plug-in shared libraries and calls their plxPluginRegister. A loaded library stays mapped
+// for the life of the process, also after the loader is gone: the factories it registered and the
+// components it made may outlive the loader (a component system destroyed after it, say).
 class KEL_RUNTIME_API PluginLoader
 {
 public:
