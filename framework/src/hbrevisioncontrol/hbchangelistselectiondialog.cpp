@@ -1,5 +1,7 @@
 #include "hbchangelistselectiondialog.h"
 
+#include "keyboardaccess.h"
+
 #include <qtextention/fileexplorer.h>
 #include <qtextention/guards.h>
 #include <qtextention/qfilelistwidget.h>
@@ -84,6 +86,7 @@ hbChangeListSelectionDialog::hbChangeListSelectionDialog(KELPtr<kel4::IDataContr
         assets->setObjectName(QStringLiteral("assetsEdit"));
         assets->setReadOnly(true);
         assets->setLineWrapMode(QTextEdit::NoWrap);
+        assets->setTabChangesFocus(true);
         assets->setPlainText(assetsText);
         layout->addWidget(assets, kEditorStretch);
     }
@@ -93,6 +96,7 @@ hbChangeListSelectionDialog::hbChangeListSelectionDialog(KELPtr<kel4::IDataContr
 
     auto* filesRow = new QHBoxLayout;
     m_showFilesButton = new QPushButton(filesVisible ? tr("Hide Files") : tr("Show Files"), this);
+    m_showFilesButton->setObjectName(QStringLiteral("showFilesButton"));
     filesRow->addWidget(m_showFilesButton);
     filesRow->addStretch();
     connect(m_showFilesButton, &QPushButton::clicked, this, &hbChangeListSelectionDialog::showFiles);
@@ -111,9 +115,12 @@ hbChangeListSelectionDialog::hbChangeListSelectionDialog(KELPtr<kel4::IDataContr
     connect(m_continueButton, &QPushButton::clicked, this, &hbChangeListSelectionDialog::continueSlot);
     connect(m_makeWritableButton, &QPushButton::clicked, this, &hbChangeListSelectionDialog::makeWritableSlot);
 
+    hbrc::internal::MakeButtonsReachableByKeyboard(*this);
+    updateDefaultButton();
     if (selectChangeList) {
         setWindowTitle(tr("Select Pending ChangeList"));
         refreshData();
+        m_changeListCombo->setFocus();
     } else {
         setWindowTitle(tr("Read-Only Assets"));
     }
@@ -130,6 +137,7 @@ void hbChangeListSelectionDialog::buildChangeListControls(QBoxLayout* layout)
     m_descriptionEdit = new QTextEdit(this);
     m_descriptionEdit->setObjectName(QStringLiteral("descriptionEdit"));
     m_descriptionEdit->setAcceptRichText(false);
+    m_descriptionEdit->setTabChangesFocus(true);
     connect(m_changeListCombo, &QComboBox::currentIndexChanged, this,
             &hbChangeListSelectionDialog::onChangeListChanged);
     layout->addWidget(new QLabel(tr("Add files to pending changelist:"), this));
@@ -143,20 +151,24 @@ void hbChangeListSelectionDialog::buildButtonRow(QBoxLayout* layout, bool select
     auto* row = new QHBoxLayout;
     if (selectChangeList) {
         auto* refresh = new QPushButton(tr("Refresh"), this);
+        refresh->setObjectName(QStringLiteral("refreshButton"));
         connect(refresh, &QPushButton::clicked, this, &hbChangeListSelectionDialog::refreshData);
         row->addWidget(refresh);
         row->addStretch();
     }
     m_checkOutButton = new QPushButton(tr("Check Out"), this);
-    m_checkOutButton->setDefault(true);
+    m_checkOutButton->setObjectName(QStringLiteral("checkOutButton"));
     m_checkOutButton->setEnabled(selectChangeList);
     m_continueButton = new QPushButton(tr("Continue"), this);
+    m_continueButton->setObjectName(QStringLiteral("continueButton"));
     m_continueButton->hide();
     m_makeWritableButton = new QPushButton(tr("Make Writable"), this);
+    m_makeWritableButton->setObjectName(QStringLiteral("makeWritableButton"));
     m_makeWritableButton->hide();
-    auto* cancel = new QPushButton(tr("Cancel"), this);
-    connect(cancel, &QPushButton::clicked, this, &hbChangeListSelectionDialog::reject);
-    for (QPushButton* button : {m_checkOutButton, m_continueButton, m_makeWritableButton, cancel})
+    m_cancelButton = new QPushButton(tr("Cancel"), this);
+    m_cancelButton->setObjectName(QStringLiteral("cancelButton"));
+    connect(m_cancelButton, &QPushButton::clicked, this, &hbChangeListSelectionDialog::reject);
+    for (QPushButton* button : {m_checkOutButton, m_continueButton, m_makeWritableButton, m_cancelButton})
         row->addWidget(button);
     layout->addLayout(row);
 }
@@ -181,12 +193,31 @@ void hbChangeListSelectionDialog::includeContinueButton(bool include)
 {
     m_continueButton->setVisible(include);
     setOptionCheckBoxForOption(include);
+    updateDefaultButton();
 }
 
 void hbChangeListSelectionDialog::includeMakeWritableButton(bool include)
 {
     m_makeWritableButton->setVisible(include);
     setOptionCheckBoxForOption(include);
+    updateDefaultButton();
+}
+
+// Check Out is the default wherever it is enabled. In read-only mode it is disabled, and Return
+// presses the first choice the caller offered (Continue, then Make Writable), else Cancel. The
+// default button also takes the initial focus there, since no changelist control does.
+void hbChangeListSelectionDialog::updateDefaultButton()
+{
+    QPushButton* preferred = m_cancelButton;
+    for (QPushButton* button : {m_checkOutButton, m_continueButton, m_makeWritableButton}) {
+        if (button->isEnabled() && !button->isHidden()) {
+            preferred = button;
+            break;
+        }
+    }
+    preferred->setDefault(true);
+    if (!m_changeListCombo)
+        preferred->setFocus();
 }
 
 void hbChangeListSelectionDialog::setOptionCheckBoxForOption(bool option)

@@ -70,6 +70,8 @@ private:
     void buildChangeListControls(QBoxLayout* layout);
     void buildButtonRow(QBoxLayout* layout, bool selectChangeList);
     void setOptionCheckBoxForOption(bool option);
+    // Makes the first button that can act the one Return presses.
+    void updateDefaultButton();
 
     KELPtr<kel4::IDataControl> m_dataControl;
     std::set<std::string> m_files;
@@ -83,4 +85,5 @@ private:
     QPushButton* m_continueButton = nullptr;
     QPushButton* m_showFilesButton = nullptr;
     QPushButton* m_makeWritableButton = nullptr;
+    QPushButton* m_cancelButton = nullptr;
 };

@@ -1,5 +1,7 @@
 #include "hbpasswordrequireddialog.h"
 
+#include "keyboardaccess.h"
+
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -27,6 +29,7 @@ PasswordRequiredDialog::PasswordRequiredDialog(QWidget* parent)
     m_mainLayout->addWidget(m_password);
     m_mainLayout->addLayout(buttons);
 
+    hbrc::internal::MakeButtonsReachableByKeyboard(*this);
     m_password->setFocus();
     setTabOrder(m_password, m_ok);
     setTabOrder(m_ok, m_cancel);
