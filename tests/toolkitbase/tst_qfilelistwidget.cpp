@@ -113,27 +113,34 @@ protected:
     }
 };
 
-TEST_F(FileListTest, RowsShowTheAbsolutePathGreyForMissingFilesAndAReadOnlyStateNobodyCanToggle)
+TEST_F(FileListTest, RowsShowTheAbsolutePathGreyAndExplainedForMissingFilesAndAReadOnlyStateNobodyCanToggle)
 {
-    const QString locked = unwritableFile();
-    if (locked.isEmpty())
-        GTEST_SKIP() << "no file that this user cannot write";
-    const std::tuple<QString, Qt::CheckState, bool> rows[] = {  // path shown, read-only box, grey
-        {writable, Qt::Unchecked, false},
-        {locked, Qt::Checked, false},
-        {missing, Qt::Checked, true},
+    struct Row {
+        QString path;
+        Qt::CheckState readOnly;
+        bool missing;
     };
-    QFileListWidget list({QDir::current().relativeFilePath(writable), locked, missing});  // the first given relative
-    ASSERT_EQ(list.topLevelItemCount(), 3);
-    for (const auto& [path, readOnly, grey] : rows) {
-        const QList<QTreeWidgetItem*> found = list.findItems(path, Qt::MatchExactly, 0);
-        ASSERT_EQ(found.size(), 1) << path.toStdString();
+    std::vector<Row> rows{{writable, Qt::Unchecked, false}, {missing, Qt::Checked, true}};
+    QStringList given{QDir::current().relativeFilePath(writable), missing};  // the first given relative
+    // A user who may write everything (root) has no unwritable file to show.
+    if (const QString locked = unwritableFile(); !locked.isEmpty()) {
+        rows.push_back({locked, Qt::Checked, false});
+        given.append(locked);
+    }
+    QFileListWidget list(given);
+    EXPECT_EQ(list.textElideMode(), Qt::ElideMiddle) << "deep paths keep both ends";
+    ASSERT_EQ(list.topLevelItemCount(), given.size());
+    for (const Row& row : rows) {
+        const QList<QTreeWidgetItem*> found = list.findItems(row.path, Qt::MatchExactly, 0);
+        ASSERT_EQ(found.size(), 1) << row.path.toStdString();
         const QTreeWidgetItem* item = found.first();
-        EXPECT_EQ(item->checkState(1), readOnly) << path.toStdString();
+        EXPECT_EQ(item->checkState(1), row.readOnly) << row.path.toStdString();
         EXPECT_EQ(item->sizeHint(0).height(), 18);
         EXPECT_FALSE(item->flags() & Qt::ItemIsUserCheckable);
-        EXPECT_EQ(item->data(0, Qt::ForegroundRole), grey ? QVariant(QBrush(Qt::darkGray)) : QVariant())
-            << path.toStdString();
+        EXPECT_EQ(item->data(0, Qt::ForegroundRole), row.missing ? QVariant(QBrush(Qt::darkGray)) : QVariant())
+            << row.path.toStdString();
+        EXPECT_EQ(item->toolTip(0),
+                  row.missing ? row.path + QStringLiteral("\nThis file does not exist.") : row.path);
     }
 }
 

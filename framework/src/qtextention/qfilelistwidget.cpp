@@ -26,8 +26,15 @@ QTreeWidgetItem* createFileItem(const QString& path)
     item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
     item->setText(PathColumn, info.absoluteFilePath());
     item->setSizeHint(PathColumn, QSize(0, RowHeight));
-    if (!info.exists())
+    // The view elides long paths in the middle; the tooltip keeps the whole path and says why a
+    // row is grey.
+    if (!info.exists()) {
         item->setForeground(PathColumn, QBrush(Qt::darkGray, Qt::SolidPattern));
+        item->setToolTip(PathColumn,
+                         QFileListWidget::tr("%1\nThis file does not exist.").arg(info.absoluteFilePath()));
+    } else {
+        item->setToolTip(PathColumn, info.absoluteFilePath());
+    }
     item->setCheckState(ReadOnlyColumn, info.isWritable() ? Qt::Unchecked : Qt::Checked);
     return item;
 }
@@ -44,6 +51,8 @@ QFileListWidget::QFileListWidget(const QStringList& files, QWidget* parent) : QT
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
+    // Deep paths in one folder differ at their ends: keep both ends and cut the middle.
+    setTextElideMode(Qt::ElideMiddle);
     // A flat list: no branch lines, files in ascending order until the user clicks a header
     // (Qt's own default indicator would sort them descending).
     setRootIsDecorated(false);
@@ -55,7 +64,7 @@ QFileListWidget::QFileListWidget(const QStringList& files, QWidget* parent) : QT
                                  "0.5, y2: 0.75, stop: 0 #444444, stop: 0.7 #555555 );}"));
 
     // The third column is kept without a title (Qt would number it "3").
-    setHeaderLabels({QStringLiteral("File"), QStringLiteral("Read Only"), QString()});
+    setHeaderLabels({tr("File"), tr("Read Only"), QString()});
 
     QHeaderView* columns = header();
     columns->setDefaultAlignment(Qt::AlignLeft);
@@ -121,8 +130,8 @@ void QFileListWidget::mousePressEvent(QMouseEvent* event)
     if (event->button() != Qt::RightButton)
         return;
     QMenu menu(this);
-    ConnectAssert(menu.addAction(QStringLiteral("Show in Explorer")), SIGNAL(triggered()), this, SLOT(ShowFiles()));
-    ConnectAssert(menu.addAction(QStringLiteral("Copy to clipboard")), SIGNAL(triggered()), this,
+    ConnectAssert(menu.addAction(tr("Show in Explorer")), SIGNAL(triggered()), this, SLOT(ShowFiles()));
+    ConnectAssert(menu.addAction(tr("Copy to clipboard")), SIGNAL(triggered()), this,
                   SLOT(CopyToClipboard()));
     menu.exec(event->globalPosition().toPoint());
 }
