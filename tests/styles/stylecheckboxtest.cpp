@@ -1,5 +1,5 @@
-// The check-box indicator of QtlomDarkStyleTarn: its frame, hover lines, check marks, and one
-// cached pixmap per distinct state, palette and size.
+// The check-box indicator of QtlomDarkStyleTarn: its frame, hover lines, check marks, one cached
+// pixmap per distinct state, palette, size and pixel ratio, and the item-view variant on Base.
 #include "stylesupport.h"
 
 #include <QPainter>
@@ -120,6 +120,43 @@ TEST_F(TarnCheckBox, IsPaintedOncePerKeyAndBlittedFromTheCacheAfterwards)
         EXPECT_TRUE(QPixmapCache::find(cacheKey(*other), &cached));
     }
     EXPECT_NE(first, draw(hovered));
+}
+
+// In an item view the box sits on Base (42), where the button's border (38) would vanish: its
+// border is a grey between Text and Base that stands out at better than 3:1.
+TEST_F(TarnCheckBox, InAnItemViewTheUncheckedBoxHasABorderThatStandsOutFromBase)
+{
+    QStyleOptionViewItem item;
+    item.rect = QRect(QPoint(0, 0), kIndicator);
+    item.palette = m_palette;
+    item.state = QStyle::State_Enabled | QStyle::State_Off;
+    const QImage image = paintedImage(kIndicator, grey(42), [&](QPainter& p) {
+        m_style.drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &item, &p);
+    });
+    for (const QPoint side : {QPoint(6, 0), QPoint(0, 6), QPoint(12, 6), QPoint(6, 12)})
+        EXPECT_EQ(pixelColor(image, side.x(), side.y()), grey(128)) << side.x() << "," << side.y();
+    EXPECT_EQ(pixelColor(draw(option(QStyle::State_Enabled)), 6, 0), grey(38)) << "a button's box keeps its border";
+}
+
+// On a screen of pixel ratio 2 the box is painted at twice the pixels, not scaled up: the one-pixel
+// border is two device pixels wide and the cache holds one entry per ratio.
+TEST_F(TarnCheckBox, IsPaintedAtTheDevicePixelRatio)
+{
+    const QStyleOptionButton unchecked = option(QStyle::State_Enabled);
+    QImage image(kIndicator * 2, QImage::Format_ARGB32);
+    image.setDevicePixelRatio(2);
+    image.fill(kSentinel);
+    {
+        QPainter painter(&image);
+        m_style.drawPrimitive(QStyle::PE_IndicatorCheckBox, &unchecked, &painter);
+    }
+    EXPECT_EQ(pixelColor(image, 12, 0), grey(38));
+    EXPECT_EQ(pixelColor(image, 12, 1), grey(38));
+    EXPECT_NE(pixelColor(image, 12, 2), grey(38));
+    QPixmap cached;
+    ASSERT_TRUE(QPixmapCache::find(cacheKey(unchecked) + QStringLiteral("@2x"), &cached));
+    EXPECT_EQ(cached.size(), kIndicator * 2);
+    EXPECT_FALSE(QPixmapCache::find(cacheKey(unchecked), &cached)) << "ratio 1 is painted only when asked for";
 }
 
 }  // namespace

@@ -27,20 +27,25 @@ void tlomDarkStyleDrawGradient(QPainter* painter, const QRect& rect, const QColo
                                bool);
 
 // Draws the pixmap cached under key at rect's top-left corner. On a miss, a transparent pixmap of
-// rect's size is handed to paint(QPainter&, const QRect& pixmapRect) and then cached.
+// rect's size is handed to paint(QPainter&, const QRect& pixmapRect) and then cached. The pixmap
+// has the painted device's pixel ratio, so that a high-density screen gets every device pixel;
+// each ratio other than 1 has its own cache entry (the key with "@<ratio>x" appended).
 template <typename Paint>
 void drawCachedPixmap(QPainter* painter, const QString& key, const QRect& rect, Paint paint)
 {
     if (rect.isEmpty())
         return;
+    const qreal ratio = painter->device() ? painter->device()->devicePixelRatio() : 1.0;
+    const QString keyAtRatio = ratio == 1.0 ? key : key + QStringLiteral("@%1x").arg(ratio);
     QPixmap pixmap;
-    if (!QPixmapCache::find(key, &pixmap)) {
-        pixmap = QPixmap(rect.size());
+    if (!QPixmapCache::find(keyAtRatio, &pixmap)) {
+        pixmap = QPixmap(rect.size() * ratio);
+        pixmap.setDevicePixelRatio(ratio);
         pixmap.fill(Qt::transparent);
         QPainter pixmapPainter(&pixmap);
         paint(pixmapPainter, QRect(QPoint(0, 0), rect.size()));
         pixmapPainter.end();
-        QPixmapCache::insert(key, pixmap);
+        QPixmapCache::insert(keyAtRatio, pixmap);
     }
     painter->drawPixmap(rect.topLeft(), pixmap);
 }

@@ -36,16 +36,27 @@ const char* const sTlomDarkStyleCheck[] = {
 // The mark of a pressed or partially checked box has the same rows; only its colours differ.
 const auto& sTlomDarkStyleCheckSunken = sTlomDarkStyleCheck;
 
+// One-pixel lines and points as filled rectangles: a pen line is centred on the pixel edge and
+// loses half its width when the painter scales to a pixel ratio of 2; a rectangle covers exactly
+// the device pixels of its logical pixels at any ratio.
+void horizontalLine(QPainter& p, int x1, int x2, int y, const QColor& color)
+{
+    p.fillRect(QRect(QPoint(x1, y), QPoint(x2, y)), color);
+}
+
+void verticalLine(QPainter& p, int x, int y1, int y2, const QColor& color)
+{
+    p.fillRect(QRect(QPoint(x, y1), QPoint(x, y2)), color);
+}
+
 // Draws the frame inset pixels in from r: top and left in color, bottom and right darker.
 void drawInsetFrame(QPainter& p, const QRect& r, int inset, const QColor& color)
 {
     const QRect f = r.adjusted(inset, inset, -inset, -inset);
-    p.setPen(color);
-    p.drawLine(f.left(), f.top(), f.right(), f.top());
-    p.drawLine(f.left(), f.top() + 1, f.left(), f.bottom());
-    p.setPen(color.darker(110));
-    p.drawLine(f.left() + 1, f.bottom(), f.right(), f.bottom());
-    p.drawLine(f.right(), f.top() + 1, f.right(), f.bottom() - 1);
+    horizontalLine(p, f.left(), f.right(), f.top(), color);
+    verticalLine(p, f.left(), f.top() + 1, f.bottom(), color);
+    horizontalLine(p, f.left() + 1, f.right(), f.bottom(), color.darker(110));
+    verticalLine(p, f.right(), f.top() + 1, f.bottom() - 1, color.darker(110));
 }
 
 QImage checkMark(const QStyleOptionButton* button)
@@ -67,24 +78,34 @@ QImage checkMark(const QStyleOptionButton* button)
     return image;
 }
 
-void paintCheckBox(QPainter& p, const QRect& r, const QStyleOptionButton* button)
+// The border of a button's check box: dark against the Window behind it.
+QColor buttonCheckBorder(const QPalette& palette)
+{
+    return palette.color(QPalette::Window).darker(178);
+}
+
+// The border of a check box in an item view, which sits on Base: the button's dark border would
+// vanish there, so it is drawn in a grey between Text and Base that stands out from both.
+QColor itemViewCheckBorder(const QPalette& palette)
+{
+    return mergedColors(palette.color(QPalette::Text), palette.color(QPalette::Base), 55);
+}
+
+void paintCheckBox(QPainter& p, const QRect& r, const QStyleOptionButton* button, const QColor& border)
 {
     const QPalette& palette = button->palette;
     const QColor window = palette.color(QPalette::Window);
     const QColor base = palette.color(QPalette::Base);
     const QColor buttonColor = palette.color(QPalette::Button);
     const QColor highlight = palette.color(QPalette::Highlight);
-    const QColor border = window.darker(178);
     const bool hover = (button->state & QStyle::State_Enabled) && (button->state & QStyle::State_MouseOver);
 
-    p.setPen(border);
-    p.drawLine(r.left() + 1, r.top(), r.right() - 1, r.top());
-    p.drawLine(r.left() + 1, r.bottom(), r.right() - 1, r.bottom());
-    p.drawLine(r.left(), r.top() + 1, r.left(), r.bottom() - 1);
-    p.drawLine(r.right(), r.top() + 1, r.right(), r.bottom() - 1);
-    p.setPen(mergedColors(window, border, 50));
-    const QPoint corners[4] = {r.topLeft(), r.topRight(), r.bottomLeft(), r.bottomRight()};
-    p.drawPoints(corners, 4);
+    horizontalLine(p, r.left() + 1, r.right() - 1, r.top(), border);
+    horizontalLine(p, r.left() + 1, r.right() - 1, r.bottom(), border);
+    verticalLine(p, r.left(), r.top() + 1, r.bottom() - 1, border);
+    verticalLine(p, r.right(), r.top() + 1, r.bottom() - 1, border);
+    for (const QPoint corner : {r.topLeft(), r.topRight(), r.bottomLeft(), r.bottomRight()})
+        p.fillRect(QRect(corner, QSize(1, 1)), mergedColors(window, border, 50));
 
     const QRect inner = r.adjusted(1, 1, -1, -1);
     if (hover) {
@@ -95,14 +116,30 @@ void paintCheckBox(QPainter& p, const QRect& r, const QStyleOptionButton* button
         tlomdark::tlomDarkStyleDrawGradient(&p, inner, base.darker(101), base.darker(106), false);
     }
 
-    if (button->state & (QStyle::State_On | QStyle::State_NoChange | QStyle::State_Sunken))
+    if (button->state & (QStyle::State_On | QStyle::State_NoChange | QStyle::State_Sunken)) {
+        // Above a pixel ratio of 1 the nine-pixel mark is scaled up smoothly rather than in blocks.
+        p.setRenderHint(QPainter::SmoothPixmapTransform);
         p.drawImage(QPoint(2, 2), checkMark(button));
+    }
 }
 
 void drawCheckBoxIndicator(const QStyleOptionButton* button, QPainter* painter)
 {
     drawCachedPixmap(painter, uniqueName(QStringLiteral("checkbox"), button, button->rect.size()), button->rect,
-                     [button](QPainter& p, const QRect& r) { paintCheckBox(p, r, button); });
+                     [button](QPainter& p, const QRect& r) {
+                         paintCheckBox(p, r, button, buttonCheckBorder(button->palette));
+                     });
+}
+
+void drawItemViewCheckIndicator(const QStyleOption* option, QPainter* painter)
+{
+    QStyleOptionButton button;
+    button.QStyleOption::operator=(*option);
+    button.state &= ~QStyle::State_MouseOver;
+    drawCachedPixmap(painter, uniqueName(QStringLiteral("itemcheckbox"), &button, button.rect.size()), button.rect,
+                     [&button](QPainter& p, const QRect& r) {
+                         paintCheckBox(p, r, &button, itemViewCheckBorder(button.palette));
+                     });
 }
 
 void drawBranchIndicator(const QStyleOption* option, QPainter* painter)
@@ -166,6 +203,9 @@ void QtlomDarkStyleTarn::drawPrimitive(PrimitiveElement element, const QStyleOpt
             return;
         }
         break;
+    case PE_IndicatorItemViewItemCheck:
+        drawItemViewCheckIndicator(option, painter);
+        return;
     case PE_IndicatorBranch:
         drawBranchIndicator(option, painter);
         return;
