@@ -1,6 +1,8 @@
 // hbrc-studio: the reference host application. "--demo" runs the batch demo without any window.
 #include "demo.h"
 
+#include <qtextention/translations.h>
+
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QTextStream>
@@ -14,7 +16,16 @@ int main(int argc, char** argv)
     parser.addHelpOption();
     const QCommandLineOption demo(QStringLiteral("demo"), QStringLiteral("Run the batch demo on an embedded depot."));
     parser.addOption(demo);
+    const QCommandLineOption language(QStringLiteral("lang"),
+                                      QStringLiteral("Language of the dialogs (e.g. de); the system's by default."),
+                                      QStringLiteral("language"));
+    parser.addOption(language);
     parser.process(app);
+
+    // The plug-in installs its own translation for the default locale when it is loaded.
+    if (parser.isSet(language))
+        QLocale::setDefault(QLocale(parser.value(language)));
+    InstallQtExtentionTranslator();
 
     QTextStream out(stdout);
     if (parser.isSet(demo))

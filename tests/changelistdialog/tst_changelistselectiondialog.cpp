@@ -1,6 +1,7 @@
 // The changelist selection dialog, driven as a user drives it, over a scripted data control.
 // Creating changelists through "New" is exercised over the real depot (tst_changelistdialoginhost).
 #include "changelistdialogui.h"
+#include "plugintranslation.h"
 
 #include <hostmocks.h>
 
@@ -10,6 +11,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
+#include <QTranslator>
 
 #include <gtest/gtest.h>
 
@@ -263,6 +265,26 @@ TEST_F(ChangeListDialogTest, TheFilesAreListedToggledAndTheFirstRevealedInTheFil
     ASSERT_EQ(started.size(), 1u);
     EXPECT_EQ(started.front().program, expected.program);
     EXPECT_EQ(started.front().arguments, expected.arguments);
+}
+
+// A German host sees the dialog in German (the combo's "New" and "Default" stay as they are, as
+// the hooks compare them); without the translation every text is the dialog's own.
+TEST_F(ChangeListDialogTest, SpeaksGermanWithThePluginsTranslationAndItsOwnWordsWithout)
+{
+    std::unique_ptr<QTranslator> german = hbrc::internal::LoadPluginTranslator(QLocale(QLocale::German));
+    ASSERT_NE(german, nullptr) << "the plug-in carries a German translation";
+    EXPECT_EQ(hbrc::internal::LoadPluginTranslator(QLocale(QLocale::Japanese)), nullptr);
+    QCoreApplication::installTranslator(german.get());
+    auto translated = changeListDialog();
+    QCoreApplication::removeTranslator(german.get());
+    EXPECT_EQ(translated->windowTitle(), QStringLiteral("Ausstehende \u00c4nderungsliste ausw\u00e4hlen"));
+    EXPECT_NE(button(*translated, QStringLiteral("Auschecken")), nullptr);
+    EXPECT_EQ(comboTexts(*translated).mid(0, 2), (QStringList{QStringLiteral("New"), QStringLiteral("Default")}));
+
+    auto own = changeListDialog();
+    EXPECT_EQ(own->windowTitle(), QStringLiteral("Select Pending ChangeList"));
+    EXPECT_NE(button(*own, QStringLiteral("Check Out")), nullptr);
+    EXPECT_EQ(optionBox(*own)->text(), QStringLiteral("Don't show this dialog again (always use this changelist)"));
 }
 
 }  // namespace

@@ -79,6 +79,13 @@ int main(int argc, char** argv)
         {"stylegallery-simple.png", "QtlomDarkStyleSimple (over Windows)", [] { return new QtlomDarkStyleSimple; }},
         {"stylegallery-tarn.png", "QtlomDarkStyleTarn (over Fusion)", [] { return new QtlomDarkStyleTarn; }},
     };
+    // Run with QT_SCALE_FACTOR=2, the gallery shows the Tarn style on a high-density screen.
+    const qreal ratio = app.devicePixelRatio();
+    if (ratio > 1.0) {
+        const GalleryStyle scaled{"stylegallery-tarn@2x.png", "QtlomDarkStyleTarn at pixel ratio 2",
+                                  [] { return new QtlomDarkStyleTarn; }};
+        return render(scaled, files, folder) ? 0 : 1;
+    }
     bool written = true;
     for (const GalleryStyle& entry : styles)
         written = render(entry, files, folder) && written;

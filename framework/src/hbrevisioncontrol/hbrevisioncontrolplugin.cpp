@@ -1,6 +1,7 @@
 // The plug-in's entry: registers the helper's factory, and the settings manager as the singleton
 // the helper and the host look up by name.
 #include "hbrevisioncontrolpropertiesmgr.h"
+#include "plugintranslation.h"
 #include "revisioncontroluihelper.h"
 
 #include <kel4/plugin.h>
@@ -23,6 +24,7 @@ extern "C" void plxPluginRegister()
     nrk::ISystem* system = nrkGetSystem();
     if (!system->IsAcceptingRegistrations())
         return;
+    hbrc::internal::InstallPluginTranslator();
     system->RegisterFactory(CRevisionControlUIHelper::kFactoryName, &CRevisionControlUIHelper::Factory);
     RegisterPropertiesManager(*system);
 }

@@ -9,6 +9,7 @@
 #include <qtextention/fileexplorer.h>
 #include <qtextention/qfilelistdialog.h>
 
+#include <QCoreApplication>
 #include <QFile>
 
 using hbrc::internal::DataControlOf;
@@ -52,6 +53,8 @@ void CRevisionControlUIHelper::ShowObjectFiles(const KELHandle<IDbObject>& objec
         ShowFilesInExplorer(files);  // does nothing for an empty list
     } else if (hbrc::internal::InteractiveMode()) {
         // Shown even when the list is empty, so that the user sees that no file was found.
-        QFileListDialog::ShowFiles(QStringLiteral("Files for asset ") + QString::fromStdString(name), files);
+        QFileListDialog::ShowFiles(QCoreApplication::translate("CRevisionControlUIHelper", "Files for asset ") +
+                                       QString::fromStdString(name),
+                                   files);
     }
 }

@@ -8,6 +8,7 @@
 #include <kel4/ifileversioncontrol.h>
 
 #include <QAbstractButton>
+#include <QCoreApplication>
 #include <QMessageBox>
 
 namespace {
@@ -49,7 +50,8 @@ void CRevisionControlUIHelper::Init()
 
     m_progressBox = std::make_unique<QMessageBox>();
     m_progressBox->addButton(QMessageBox::Cancel);
-    m_progressBox->setText(QStringLiteral("Perforce Operation in Progress, press Cancel to abort"));
+    m_progressBox->setText(
+        QCoreApplication::translate("CRevisionControlUIHelper", "Perforce Operation in Progress, press Cancel to abort"));
     m_progressBox->setProperty(hbrc::internal::kNotCountedAsInteractive, true);
 }
 

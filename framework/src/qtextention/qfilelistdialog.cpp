@@ -12,7 +12,7 @@ QFileListDialog::QFileListDialog(const QStringList& files, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->addWidget(m_fileList);
-    auto* ok = new QPushButton(QStringLiteral("OK"), this);
+    auto* ok = new QPushButton(tr("OK"), this);
     layout->addWidget(ok, 0, Qt::AlignRight);
     ConnectAssert(ok, SIGNAL(clicked()), this, SLOT(accept()));
     setMinimumWidth(500);
