@@ -11,9 +11,11 @@ int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("hbrc-studio"));
+    QApplication::setApplicationVersion(QStringLiteral(HBRC_VERSION));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Reference host for the revision-control plug-in"));
     parser.addHelpOption();
+    parser.addVersionOption();
     const QCommandLineOption demo(QStringLiteral("demo"), QStringLiteral("Run the batch demo on an embedded depot."));
     parser.addOption(demo);
     const QCommandLineOption language(QStringLiteral("lang"),
