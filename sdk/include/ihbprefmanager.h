@@ -4,10 +4,10 @@
 
 #include <string>
 
-// The host's preference manager (the singleton "PrefManager"). Writes take a trailing flag: 1
-// stores the value persistently, 0 keeps it for this session only. Reads take 0 (a plain lookup).
-// A read of a missing key writes the default into the out value and returns true; a read of a key
-// holding another type returns false and leaves the out value alone.
+/// The host's preference manager (the singleton "PrefManager"). Writes take a trailing flag: 1
+/// stores the value persistently, 0 keeps it for this session only. Reads take 0 (a plain lookup).
+/// A read of a missing key writes the default into the out value and returns true; a read of a key
+/// holding another type returns false and leaves the out value alone.
 class KEL_INTERFACE IHBPrefManager
 {
 public:

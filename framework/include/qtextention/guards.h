@@ -22,13 +22,13 @@ class QPainter;
 class QRect;
 class QRectF;
 
-// Connects a string-encoded signal to a slot or signal (the SIGNAL()/SLOT() texts) with an
-// automatic connection. A connection Qt refuses is reported by a Qt warning naming both ends.
+/// Connects a string-encoded signal to a slot or signal (the SIGNAL()/SLOT() texts) with an
+/// automatic connection. A connection Qt refuses is reported by a Qt warning naming both ends.
 QTEXTENTION_EXPORT void ConnectAssert(const QObject* sender, const char* signal, const QObject* receiver,
                                       const char* method);
 
-// Blocks the signals of up to ten objects; null arguments are skipped wherever they stand. Each
-// object gets back the blocked state it had before, so nested guards unblock only at the outermost.
+/// Blocks the signals of up to ten objects; null arguments are skipped wherever they stand. Each
+/// object gets back the blocked state it had before, so nested guards unblock only at the outermost.
 class QTEXTENTION_EXPORT BlockSignalGuard final
 {
 public:
@@ -42,9 +42,9 @@ private:
     std::vector<std::pair<QObject*, bool>> m_objects;  // object, blocked state before the guard
 };
 
-// Breaks one signal-slot connection for its lifetime and makes it again (through ConnectAssert)
-// at the end. Other receivers of the signal are not affected. The signal and method texts are
-// not copied: they must outlive the guard (string literals from SIGNAL()/SLOT() do).
+/// Breaks one signal-slot connection for its lifetime and makes it again (through ConnectAssert)
+/// at the end. Other receivers of the signal are not affected. The signal and method texts are
+/// not copied: they must outlive the guard (string literals from SIGNAL()/SLOT() do).
 class QTEXTENTION_EXPORT BlockLocalSignalGuard final
 {
 public:
@@ -59,10 +59,10 @@ private:
     const char* m_method = nullptr;
 };
 
-// Shows an override cursor while the application has top-level widgets. Whether there are any is
-// asked again at destruction: a guard created before the first window and destroyed after it pops
-// a cursor it did not push, and one outliving every window leaves its cursor in place. Headless
-// (batch) runs therefore never touch the cursor.
+/// Shows an override cursor while the application has top-level widgets. Whether there are any is
+/// asked again at destruction: a guard created before the first window and destroyed after it pops
+/// a cursor it did not push, and one outliving every window leaves its cursor in place. Headless
+/// (batch) runs therefore never touch the cursor.
 class QTEXTENTION_EXPORT CursorGuard final
 {
 public:
@@ -72,7 +72,7 @@ public:
     Q_DISABLE_COPY_MOVE(CursorGuard)
 };
 
-// Sets the painter's antialiasing hint and restores the hint found; other hints are untouched.
+/// Sets the painter's antialiasing hint and restores the hint found; other hints are untouched.
 class QTEXTENTION_EXPORT AntialiasGuard final
 {
 public:
@@ -85,7 +85,7 @@ private:
     bool m_antialiasing = false;
 };
 
-// save() at construction, restore() at destruction.
+/// save() at construction, restore() at destruction.
 class QTEXTENTION_EXPORT PainterStateGuard final
 {
 public:
@@ -97,10 +97,10 @@ private:
     QPainter* m_painter = nullptr;
 };
 
-// Replaces the painter's clip for its lifetime. The pointer form with null turns clipping off.
-// At destruction the clipping flag found is set first, then the clip region found (replacing).
-// Note that QPainter enables clipping when a region is set, so a painter that had no clipping
-// ends with clipping on over an empty region, which Qt paints as unclipped.
+/// Replaces the painter's clip for its lifetime. The pointer form with null turns clipping off.
+/// At destruction the clipping flag found is set first, then the clip region found (replacing).
+/// Note that QPainter enables clipping when a region is set, so a painter that had no clipping
+/// ends with clipping on over an empty region, which Qt paints as unclipped.
 class QTEXTENTION_EXPORT ClipGuard final
 {
 public:

@@ -13,16 +13,16 @@ class QResizeEvent;
 class QSortFilterProxyModel;
 class QToolButton;
 
-// A search field that filters a QSortFilterProxyModel as the user types. A magnifying-glass button
-// inside the frame opens a menu that chooses the column searched (all columns or one) and how the
-// text is read; a cancel button on the right clears the text. The menu follows the model's columns.
-//
-//   auto* search = new LMRQLiveSearchWidget(panel);
-//   search->setSourceModel(proxy);   // required before use
-//   search->setAutoFilter();         // re-filter on every edit
-//
-// The pattern syntax keeps the numbers of the classic regular-expression API: FixedString (2, the
-// default), RegExp (3) and Wildcard (1). Matching is case-insensitive and finds the text anywhere.
+/// A search field that filters a QSortFilterProxyModel as the user types. A magnifying-glass button
+/// inside the frame opens a menu that chooses the column searched (all columns or one) and how the
+/// text is read; a cancel button on the right clears the text. The menu follows the model's columns.
+///
+///   auto* search = new LMRQLiveSearchWidget(panel);
+///   search->setSourceModel(proxy);   // required before use
+///   search->setAutoFilter();         // re-filter on every edit
+///
+/// The pattern syntax keeps the numbers of the classic regular-expression API: FixedString (2, the
+/// default), RegExp (3) and Wildcard (1). Matching is case-insensitive and finds the text anywhere.
 class QTEXTENTION_EXPORT LMRQLiveSearchWidget : public QLineEdit
 {
     Q_OBJECT
@@ -31,12 +31,12 @@ public:
 
     explicit LMRQLiveSearchWidget(QWidget* parent = nullptr);
 
-    // Connects the model's column changes to the menu again on every call, even with the same model,
-    // and rebuilds the menu once.
+    /// Connects the model's column changes to the menu again on every call, even with the same model,
+    /// and rebuilds the menu once.
     void setSourceModel(QSortFilterProxyModel* model);
     void setAutoFilter();
 
-    // -1 for all columns, else the column index.
+    /// -1 for all columns, else the column index.
     int columnSearched() const { return m_columnSearched; }
     int patternSyntax() const { return m_patternSyntax; }
 

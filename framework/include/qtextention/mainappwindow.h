@@ -4,6 +4,6 @@
 
 class QWidget;
 
-// The host's main window: the first visible top-level widget named "TarnWindow", or null (as in
-// batch runs). Prompts use it as their parent.
+/// The host's main window: the first visible top-level widget named "TarnWindow", or null (as in
+/// batch runs). Prompts use it as their parent.
 QTEXTENTION_EXPORT QWidget* GetMainAppWindow();

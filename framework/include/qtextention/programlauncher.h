@@ -17,8 +17,8 @@ struct QTEXTENTION_EXPORT ProgramStart {
 
 using ProgramLauncher = std::function<void(const ProgramStart&)>;
 
-// Starts the program detached through the current launcher; whether it started is not reported.
+/// Starts the program detached through the current launcher; whether it started is not reported.
 QTEXTENTION_EXPORT void LaunchProgram(const ProgramStart& start);
-// Installs launcher and returns the one it replaces. A null launcher restores the default, which
-// starts the program detached with QProcess.
+/// Installs launcher and returns the one it replaces. A null launcher restores the default, which
+/// starts the program detached with QProcess.
 QTEXTENTION_EXPORT ProgramLauncher SetProgramLauncher(ProgramLauncher launcher);

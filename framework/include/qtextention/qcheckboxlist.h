@@ -6,19 +6,19 @@
 
 class QPaintEvent;
 
-// A combo box whose rows are check boxes; ticking one leaves the pop-up open and emits
-// checked(row, state). The closed combo shows the display text.
-//
-//   auto* list = new QCheckBoxList(panel);
-//   list->addItem("Models");
-//   list->setChecked(0, Qt::Checked);
+/// A combo box whose rows are check boxes; ticking one leaves the pop-up open and emits
+/// checked(row, state). The closed combo shows the display text.
+///
+///   auto* list = new QCheckBoxList(panel);
+///   list->addItem("Models");
+///   list->setChecked(0, Qt::Checked);
 class QTEXTENTION_EXPORT QCheckBoxList : public QComboBox
 {
     Q_OBJECT
 public:
     explicit QCheckBoxList(QWidget* parent = nullptr);
 
-    // Sets the row's check state without emitting checked.
+    /// Sets the row's check state without emitting checked.
     void setChecked(int row, Qt::CheckState state);
     Qt::CheckState checkState(int row) const;
 

@@ -7,7 +7,7 @@
 
 class QFileListWidget;
 
-// A modal window around a QFileListWidget with an "OK" button.
+/// A modal window around a QFileListWidget with an "OK" button.
 class QTEXTENTION_EXPORT QFileListDialog : public QDialog
 {
     Q_OBJECT
@@ -17,8 +17,8 @@ public:
     void AddFiles(const QStringList& files);
     QFileListWidget* FileListWidget() const { return m_fileList; }
 
-    // Shows files under title and returns when the user closes the window (an empty list still
-    // shows it).
+    /// Shows files under title and returns when the user closes the window (an empty list still
+    /// shows it).
     static void ShowFiles(const QString& title, const QStringList& files);
 
 private:

@@ -8,24 +8,24 @@
 class QKeyEvent;
 class QMouseEvent;
 
-// One row per file: its absolute path ("File", dark grey when the file does not exist) and a
-// check box that the user can see but not change ("Read Only", checked when the file cannot be
-// written). Ctrl+C copies the selected paths; the right-button menu reveals them in the file
-// browser or copies them. The rows are the data: the widget keeps no list of its own.
+/// One row per file: its absolute path ("File", dark grey when the file does not exist) and a
+/// check box that the user can see but not change ("Read Only", checked when the file cannot be
+/// written). Ctrl+C copies the selected paths; the right-button menu reveals them in the file
+/// browser or copies them. The rows are the data: the widget keeps no list of its own.
 class QTEXTENTION_EXPORT QFileListWidget : public QTreeWidget
 {
     Q_OBJECT
 public:
     explicit QFileListWidget(const QStringList& files = {}, QWidget* parent = nullptr);
 
-    // Rows for many files are inserted in one batch.
+    /// Rows for many files are inserted in one batch.
     void AddFiles(const QStringList& files);
     void AddFile(const QString& path);
 
 public slots:
-    // Reveals the selected files in the file browser (the browser shows the first of them).
+    /// Reveals the selected files in the file browser (the browser shows the first of them).
     void ShowFiles();
-    // Puts the selected paths on the clipboard, each followed by "\n"; nothing selected empties it.
+    /// Puts the selected paths on the clipboard, each followed by "\n"; nothing selected empties it.
     void CopyToClipboard();
 
 protected:

@@ -7,9 +7,9 @@
 class QPushButton;
 class QResizeEvent;
 
-// The handle of QSplitterWithButton: a left button that acts on the pane before the handle and,
-// optionally, a right button that acts on the pane after it. Each button shows an arrow pointing
-// the way its pane will move when clicked.
+/// The handle of QSplitterWithButton: a left button that acts on the pane before the handle and,
+/// optionally, a right button that acts on the pane after it. Each button shows an arrow pointing
+/// the way its pane will move when clicked.
 class QTEXTENTION_EXPORT QSplitterHandleWithButton : public QSplitterHandle
 {
     Q_OBJECT
@@ -17,11 +17,11 @@ public:
     QSplitterHandleWithButton(Qt::Orientation orientation, QSplitter* parent, bool withRightButton);
 
     QPushButton* leftButton() const { return m_leftButton; }
-    // Null when the handle was created while its splitter showed only left buttons.
+    /// Null when the handle was created while its splitter showed only left buttons.
     QPushButton* rightButton() const { return m_rightButton; }
 
-    // Points each button's arrow the way its pane would move: the left button's pane collapses
-    // towards the start and expands towards the end; the right button's pane the other way round.
+    /// Points each button's arrow the way its pane would move: the left button's pane collapses
+    /// towards the start and expands towards the end; the right button's pane the other way round.
     void updateArrows(bool paneBeforeCollapsed, bool paneAfterCollapsed);
 
 signals:

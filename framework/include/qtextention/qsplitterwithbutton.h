@@ -9,38 +9,38 @@
 class QResizeEvent;
 class QShowEvent;
 
-// A splitter whose handles carry small buttons that collapse the pane next to them and expand it
-// again. A collapsed pane's size is remembered as a ratio of the space of all other panes, so that
-// expanding restores the same proportion even after the window was resized.
-//
-// Handle i sits between panes i - 1 and i: its left button acts on the pane before it, its right
-// button (present unless the splitter shows only left buttons) on the pane after it.
+/// A splitter whose handles carry small buttons that collapse the pane next to them and expand it
+/// again. A collapsed pane's size is remembered as a ratio of the space of all other panes, so that
+/// expanding restores the same proportion even after the window was resized.
+///
+/// Handle i sits between panes i - 1 and i: its left button acts on the pane before it, its right
+/// button (present unless the splitter shows only left buttons) on the pane after it.
 class QTEXTENTION_EXPORT QSplitterWithButton : public QSplitter
 {
     Q_OBJECT
 public:
     explicit QSplitterWithButton(QWidget* parent = nullptr);
 
-    // Affects handles created afterwards only.
+    /// Affects handles created afterwards only.
     void setShowOnlyLeftButton(bool onlyLeft);
     bool showOnlyLeftButton() const { return m_showOnlyLeftButton; }
 
-    // Collapses or expands the pane on the given side of handle handleIndex and applies the sizes.
-    // When that leaves every pane collapsed, the neighbour on the clicked side is expanded.
+    /// Collapses or expands the pane on the given side of handle handleIndex and applies the sizes.
+    /// When that leaves every pane collapsed, the neighbour on the clicked side is expanded.
     void ToggleCollapse(int handleIndex, bool left);
 
-    // Change sizes in place; the caller applies them with setSizes.
+    /// Change sizes in place; the caller applies them with setSizes.
     void Collapse(QList<int>& sizes, int index);
     void Expand(QList<int>& sizes, int index);
 
-    // Both look at the splitter's current sizes(), not at the list given.
+    /// Both look at the splitter's current sizes(), not at the list given.
     bool IsCollapsed(QList<int>& sizes, int index) const;
     bool IsExpand(QList<int>& sizes, int index) const;
 
-    // The index of handle in this splitter; -1 for null or a handle of another splitter.
+    /// The index of handle in this splitter; -1 for null or a handle of another splitter.
     int getHandleIndex(const QSplitterHandle* handle) const;
 
-    // Pane index to the ratio it had when last collapsed; entries stay after expanding.
+    /// Pane index to the ratio it had when last collapsed; entries stay after expanding.
     QMap<int, float> collapsedRatios() const { return m_collapsedRatios; }
 
 public slots:

@@ -5,12 +5,12 @@
 #include <QColor>
 #include <QProxyStyle>
 
-// What the two dark styles share: the dark palette, tab bars and tab-widget frames with Window
-// and Button exchanged, checked tool buttons in a light grey, a plain focus frame, the menu-bar
-// metrics and marked items of menu bars that carry the property "isQtarnZelmarMenuBar" (any
-// value, false included), dock-widget titles, and brightened icons in the active mode.
-// Use QtlomDarkStyleSimple or QtlomDarkStyleTarn; set the application palette from
-// standardPalette() when installing one, since platform themes take precedence over a style's.
+/// What the two dark styles share: the dark palette, tab bars and tab-widget frames with Window
+/// and Button exchanged, checked tool buttons in a light grey, a plain focus frame, the menu-bar
+/// metrics and marked items of menu bars that carry the property "isQtarnZelmarMenuBar" (any
+/// value, false included), dock-widget titles, and brightened icons in the active mode.
+/// Use QtlomDarkStyleSimple or QtlomDarkStyleTarn; set the application palette from
+/// standardPalette() when installing one, since platform themes take precedence over a style's.
 class QTEXTENTION_EXPORT QtlomDarkStyle : public QProxyStyle
 {
     Q_OBJECT
@@ -34,6 +34,6 @@ public:
     QPixmap generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap, const QStyleOption* option) const override;
 
 protected:
-    // Takes ownership of baseStyle (a style made by QStyleFactory).
+    /// Takes ownership of baseStyle (a style made by QStyleFactory).
     explicit QtlomDarkStyle(QStyle* baseStyle);
 };

@@ -2,7 +2,7 @@
 
 #include <qtextention/qtlomdarkstyle.h>
 
-// The dark look over Qt's "Windows" style. Focus rectangles are never drawn.
+/// The dark look over Qt's "Windows" style. Focus rectangles are never drawn.
 class QTEXTENTION_EXPORT QtlomDarkStyleSimple final : public QtlomDarkStyle
 {
     Q_OBJECT

@@ -2,10 +2,10 @@
 
 #include <qtextention/qtlomdarkstyle.h>
 
-// The dark look over Qt's "Fusion" style, with its own check boxes (cached per state, palette and
-// size), tree branches, and header sort arrows taken from the pixmap cache: "arrowDown.png" for the
-// indicator QStyleOptionHeader::SortUp and "arrowUp.png" otherwise (see QtarnQtHelper); without those
-// images no arrow is drawn. Sliders jump to the clicked position on a left click.
+/// The dark look over Qt's "Fusion" style, with its own check boxes (cached per state, palette and
+/// size), tree branches, and header sort arrows taken from the pixmap cache: "arrowDown.png" for the
+/// indicator QStyleOptionHeader::SortUp and "arrowUp.png" otherwise (see QtarnQtHelper); without those
+/// images no arrow is drawn. Sliders jump to the clicked position on a left click.
 class QTEXTENTION_EXPORT QtlomDarkStyleTarn final : public QtlomDarkStyle
 {
     Q_OBJECT

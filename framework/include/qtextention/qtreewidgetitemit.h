@@ -21,14 +21,14 @@ class QStyleOption;
 class QTreeWidget;
 class QTreeWidgetItem;
 
-// Iterates over root and its descendants; root comes first, null marks the end.
-//
-//   for (QTreeWidgetItemIt it(item); *it; ++it)
-//       visit(*it);
-//
-// Children of an item are read when the iterator steps past that item, so the current item's
-// children may be changed before the next increment; items not yet visited must stay alive.
-// To walk a whole tree, start on tree->invisibleRootItem() and skip the first (hidden) item.
+/// Iterates over root and its descendants; root comes first, null marks the end.
+///
+///   for (QTreeWidgetItemIt it(item); *it; ++it)
+///       visit(*it);
+///
+/// Children of an item are read when the iterator steps past that item, so the current item's
+/// children may be changed before the next increment; items not yet visited must stay alive.
+/// To walk a whole tree, start on tree->invisibleRootItem() and skip the first (hidden) item.
 class QTEXTENTION_EXPORT QTreeWidgetItemIt final
 {
 public:
@@ -48,8 +48,8 @@ private:
     std::deque<QTreeWidgetItem*> m_pending;
 };
 
-// An item is known by the texts of keyColumn along its path from the top level; items with the
-// same path share their state.
+/// An item is known by the texts of keyColumn along its path from the top level; items with the
+/// same path share their state.
 struct QTEXTENTION_EXPORT QTreeWidgetState {
     int keyColumn = 0;
     QSet<QStringList> expanded;
@@ -58,17 +58,17 @@ struct QTEXTENTION_EXPORT QTreeWidgetState {
 };
 
 QTEXTENTION_EXPORT QTreeWidgetState SaveTreeState(const QTreeWidget* tree, int keyColumn = 0);
-// Expands, selects and makes current exactly the items whose paths the state holds; every other
-// item ends collapsed and unselected. Items of the state that no longer exist are ignored.
+/// Expands, selects and makes current exactly the items whose paths the state holds; every other
+/// item ends collapsed and unselected. Items of the state that no longer exist are ignored.
 QTEXTENTION_EXPORT void RestoreTreeState(QTreeWidget* tree, const QTreeWidgetState& state);
 
-// The square in which DrawTreeBranch paints the expand indicator: centred in rect, at most 9
-// pixels wide, odd-sized so that the indicator has a middle pixel.
+/// The square in which DrawTreeBranch paints the expand indicator: centred in rect, at most 9
+/// pixels wide, odd-sized so that the indicator has a middle pixel.
 QTEXTENTION_EXPORT QRect BranchIndicatorRect(const QRect& rect);
 
-// Paints PE_IndicatorBranch for option->rect and option->state: one-pixel lines in lineColor
-// towards the item (State_Item), down to the next sibling (State_Sibling) and up to the previous
-// one, then, for State_Children, a solid triangle in indicatorColor pointing right (collapsed) or
-// down (State_Open). An invalid lineColor draws no lines. The painter's state is kept.
+/// Paints PE_IndicatorBranch for option->rect and option->state: one-pixel lines in lineColor
+/// towards the item (State_Item), down to the next sibling (State_Sibling) and up to the previous
+/// one, then, for State_Children, a solid triangle in indicatorColor pointing right (collapsed) or
+/// down (State_Open). An invalid lineColor draws no lines. The painter's state is kept.
 QTEXTENTION_EXPORT void DrawTreeBranch(QPainter* painter, const QStyleOption* option, const QColor& lineColor,
                                        const QColor& indicatorColor);

@@ -7,7 +7,7 @@
 
 namespace BaseSystem {
 
-// The host's connection object over a Boost.Signals2 connection. Destroying it disconnects.
+/// The host's connection object over a Boost.Signals2 connection. Destroying it disconnects.
 class KEL_RUNTIME_API hbconnection final : public nrk::signalling::IConnection
 {
 public:

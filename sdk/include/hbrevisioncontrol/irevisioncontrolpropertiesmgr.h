@@ -12,17 +12,17 @@
 
 class IRevisionControlPropertiesMgr;
 
-// Listener of the revision-control settings.
+/// Listener of the revision-control settings.
 class KEL_INTERFACE IRevisionControlPropertiesMgr_Slot
 {
 public:
     virtual ~IRevisionControlPropertiesMgr_Slot() = default;
-    // Called after any setting changed (also when set to the value it had).
+    /// Called after any setting changed (also when set to the value it had).
     virtual void OnRevisionControlPropertiesChange(IRevisionControlPropertiesMgr* mgr) = 0;
 };
 
-// The revision-control settings (the singleton "RevisionControlPropertiesMgr"). Every persistent
-// value lives in the host's preference manager; getters read it at the moment of the call.
+/// The revision-control settings (the singleton "RevisionControlPropertiesMgr"). Every persistent
+/// value lives in the host's preference manager; getters read it at the moment of the call.
 class KEL_INTERFACE IRevisionControlPropertiesMgr
 {
 public:
@@ -35,8 +35,8 @@ public:
 
     virtual ~IRevisionControlPropertiesMgr() = default;
 
-    // Connects slot at the back of the change signal; *connection is the caller's (destroying it
-    // disconnects). The slot is held by plain pointer.
+    /// Connects slot at the back of the change signal; *connection is the caller's (destroying it
+    /// disconnects). The slot is held by plain pointer.
     virtual void Connect_OnRevisionControlPropertiesChange(IRevisionControlPropertiesMgr_Slot* slot,
                                                            nrk::signalling::IConnection** connection)
     {
@@ -49,7 +49,7 @@ public:
     virtual bool GetAlwaysUseSetting(bool& value) = 0;
     virtual bool GetChangeListToUseWhenAutoCheckingOut(std::string& changeList) const = 0;
     virtual bool GetPromptForChangeListWhenCheckingOut(bool& value) = 0;
-    // The account of the settings as the file version control service describes it, or null.
+    /// The account of the settings as the file version control service describes it, or null.
     virtual KELPtr<kel4::IUserParameters> GetUserParameters() const = 0;
     virtual bool GetUseSourceDataControl(bool& value) = 0;
     virtual bool SetAccountProperties(const std::string& userName, const std::string& server,
@@ -63,6 +63,6 @@ public:
     virtual void SetUserSawSourceControlDialog(bool value) = 0;
 
 protected:
-    // Listeners run in connection order; the last result is kept (there is none: void).
+    /// Listeners run in connection order; the last result is kept (there is none: void).
     boost::signals2::signal<void(IRevisionControlPropertiesMgr*)> m_changed;
 };

@@ -16,7 +16,7 @@ using Map = std::map<K, V>;
 template <class T>
 using Vector = std::vector<T>;
 
-// The closure under which an object's data is considered.
+/// The closure under which an object's data is considered.
 enum class closureId : int {
     All = -1,
     Persistence = 1,  // what is saved: the object's files

@@ -2,7 +2,7 @@
 
 #include <string>
 
-// Identifier of a database object, stable across sessions. The empty identifier is invalid.
+/// Identifier of a database object, stable across sessions. The empty identifier is invalid.
 class DbObjectId
 {
 public:
@@ -20,7 +20,7 @@ private:
     std::string m_text;
 };
 
-// Saved version of an object. An object created since the last save has a null ancestor version.
+/// Saved version of an object. An object created since the last save has a null ancestor version.
 class VersionId
 {
 public:

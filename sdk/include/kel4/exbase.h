@@ -7,11 +7,11 @@
 
 namespace kel4 {
 
-// Writes a diagnostic line to the host's debug output (stderr, and any capture a test installs).
+/// Writes a diagnostic line to the host's debug output (stderr, and any capture a test installs).
 KEL_RUNTIME_API void PrintDebugString(const char* text);
 
-// Base of the host's exceptions. The host raises them for programming errors only; ordinary
-// failures come back as kelResult codes.
+/// Base of the host's exceptions. The host raises them for programming errors only; ordinary
+/// failures come back as kelResult codes.
 class KEL_INTERFACE ExBase : public std::runtime_error
 {
 public:
@@ -25,7 +25,7 @@ public:
         return std::string(what()) + " in " + m_function + " (" + m_location + ")";
     }
 
-    // Raised when a host pointer that must not be null is null.
+    /// Raised when a host pointer that must not be null is null.
     class KEL_INTERFACE NullPtr;
 
 private:
@@ -40,7 +40,7 @@ public:
         : ExBase(function, location, "Null pointer dereferenced") {}
 };
 
-// While at least one guard lives, the host does not print the text of the exceptions it raises.
+/// While at least one guard lives, the host does not print the text of the exceptions it raises.
 class KEL_RUNTIME_API DisableErrorReportingGuard
 {
 public:
@@ -52,7 +52,7 @@ public:
     static bool IsErrorReportingDisabled();
 };
 
-// Builds the null-pointer exception, prints its text unless reporting is disabled, and throws it.
+/// Builds the null-pointer exception, prints its text unless reporting is disabled, and throws it.
 [[noreturn]] inline void RaiseNullPtr(const char* location)
 {
     ExBase::NullPtr error("GetPointeeNotNull", location);

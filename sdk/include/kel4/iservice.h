@@ -4,13 +4,13 @@
 
 namespace kel4 {
 
-// A service of a database instance (data control, file version control, ...). Narrow it to the
-// interface you need by converting the KELPtr<IService> to KELPtr<IYourInterface>.
+/// A service of a database instance (data control, file version control, ...). Narrow it to the
+/// interface you need by converting the KELPtr<IService> to KELPtr<IYourInterface>.
 class KEL_INTERFACE IService : public IQueryable
 {
 };
 
-// Identifier of a service within a database instance.
+/// Identifier of a service within a database instance.
 struct ServiceId
 {
     const char* name;

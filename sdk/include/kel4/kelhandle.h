@@ -11,7 +11,7 @@ class KELHandleBase;
 namespace kel4 {
 class IDataModelMgr;
 
-// What a handle asks of the manager that made it (IDataModelMgr derives from this).
+/// What a handle asks of the manager that made it (IDataModelMgr derives from this).
 class KEL_INTERFACE IObjectHandleOwner : public IRefCounted
 {
 public:
@@ -22,21 +22,21 @@ public:
     virtual bool IsObjectOfType(const KELHandleBase& object, const char* typeId) const = 0;
 };
 
-// Object type tags used with KELHandle.
+/// Object type tags used with KELHandle.
 struct IDbObject
 {
     static constexpr const char* GetTypeId() { return "IDbObject"; }
 };
-// An asset: an object stored in files of its own (an object of another kind is part of one).
+/// An asset: an object stored in files of its own (an object of another kind is part of one).
 struct IAsset : IDbObject
 {
     static constexpr const char* GetTypeId() { return "IAsset"; }
 };
 }  // namespace kel4
 
-// Handle of a database object: the object's slot in its manager's cache and the instance number
-// of the object in that slot. Handles are ordered by cache index, then instance number. The
-// member functions that ask the manager are defined in <kel4/idatamodelmgr.h>.
+/// Handle of a database object: the object's slot in its manager's cache and the instance number
+/// of the object in that slot. Handles are ordered by cache index, then instance number. The
+/// member functions that ask the manager are defined in <kel4/idatamodelmgr.h>.
 class KELHandleBase
 {
 public:
@@ -72,7 +72,7 @@ public:
     std::uint32_t GetCacheIndex() const { return m_cacheIndex; }
     std::uint32_t GetInstanceNumber() const { return m_instanceNumber; }
 
-    // The object's data-model manager (include <kel4/idatamodelmgr.h> to use it).
+    /// The object's data-model manager (include <kel4/idatamodelmgr.h> to use it).
     template <class Manager = kel4::IDataModelMgr>
     KELPtr<Manager> GetManager() const
     {
@@ -93,7 +93,7 @@ public:
     }
     friend bool operator!=(const KELHandleBase& a, const KELHandleBase& b) { return !(a == b); }
 
-    // True when the object is of the given type (see the type tags above).
+    /// True when the object is of the given type (see the type tags above).
     bool IsOfType(const char* typeId) const { return m_manager && m_manager->IsObjectOfType(*this, typeId); }
 
 private:
@@ -110,7 +110,7 @@ public:
     KELHandle(kel4::IObjectHandleOwner* manager, std::uint32_t cacheIndex, std::uint32_t instanceNumber)
         : KELHandleBase(manager, cacheIndex, instanceNumber) {}
 
-    // Narrows (or widens) a handle: the result is null when the object is not a T.
+    /// Narrows (or widens) a handle: the result is null when the object is not a T.
     static KELHandle AssignCast(const KELHandleBase& other)
     {
         KELHandle result;

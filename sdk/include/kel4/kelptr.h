@@ -10,7 +10,7 @@
 
 namespace kel4 {
 
-// Identifies an interface in an interface query; compared by name.
+/// Identifies an interface in an interface query; compared by name.
 struct InterfaceId
 {
     const char* name;
@@ -18,7 +18,7 @@ struct InterfaceId
     bool operator!=(const InterfaceId& other) const { return !(*this == other); }
 };
 
-// Reference-counted host object. The last Release destroys it.
+/// Reference-counted host object. The last Release destroys it.
 class KEL_INTERFACE IRefCounted
 {
 public:
@@ -29,15 +29,15 @@ protected:
     virtual ~IRefCounted() = default;
 };
 
-// Reference-counted object that can be asked for further interfaces. QueryInterface answers the
-// interface's sub-object, or null when the object does not offer it; it does not add a reference.
+/// Reference-counted object that can be asked for further interfaces. QueryInterface answers the
+/// interface's sub-object, or null when the object does not offer it; it does not add a reference.
 class KEL_INTERFACE IQueryable : public IRefCounted
 {
 public:
     virtual void* QueryInterface(const InterfaceId& iid) = 0;
 };
 
-// The counting half of an implementation: derive an implementation from RefCounted<Interface>.
+/// The counting half of an implementation: derive an implementation from RefCounted<Interface>.
 template <class Interface>
 class RefCounted : public Interface
 {
@@ -56,9 +56,9 @@ private:
 
 }  // namespace kel4
 
-// Counted pointer to a host object. Copying adds a reference. Converting from a pointer to another
-// interface is a static conversion where the types allow it and an interface query (through
-// T::GetIID()) otherwise, which yields null when the object lacks the interface.
+/// Counted pointer to a host object. Copying adds a reference. Converting from a pointer to another
+/// interface is a static conversion where the types allow it and an interface query (through
+/// T::GetIID()) otherwise, which yields null when the object lacks the interface.
 template <class T>
 class KELPtr
 {
@@ -85,7 +85,7 @@ public:
     bool IsNull() const { return m_p == nullptr; }
     void Reset() { *this = KELPtr(); }
 
-    // The checked dereference: a null pointer raises kel4::ExBase::NullPtr.
+    /// The checked dereference: a null pointer raises kel4::ExBase::NullPtr.
     T& GetPointeeNotNull() const
     {
         if (!m_p)

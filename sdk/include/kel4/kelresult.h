@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-// Result of a host operation: 0 success, positive success with a remark, negative failure.
+/// Result of a host operation: 0 success, positive success with a remark, negative failure.
 class kelResult
 {
 public:
@@ -19,7 +19,7 @@ private:
 
 namespace kel4 {
 
-// Result codes that callers act on.
+/// Result codes that callers act on.
 enum ResultCode : std::int32_t {
     kResultSuccess = 0,
     kResultEmptyQuery = 1,        // a status question about no objects

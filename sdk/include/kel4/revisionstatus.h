@@ -2,7 +2,7 @@
 
 namespace kel4 {
 
-// Bits of the revision status word of a file (and of an object: the OR of its files' words).
+/// Bits of the revision status word of a file (and of an object: the OR of its files' words).
 enum RevisionStatus : unsigned {
     eStatusCheckedOut = 0x1,              // opened for edit by this workspace
     eStatusCheckedOutByOthers = 0x2,      // opened by other users

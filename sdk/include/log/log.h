@@ -10,14 +10,14 @@
 
 namespace Log {
 
-// Message types (levels) of the host log.
+/// Message types (levels) of the host log.
 enum MessageType : int {
     eMessage = 0,  // information
     eWarning = 1,
     eError = 2
 };
 
-// Receives every log entry.
+/// Receives every log entry.
 class KEL_INTERFACE ISink
 {
 public:
@@ -27,14 +27,14 @@ public:
 
 class Stream;
 
-// The host log. Entries go to stderr (unless switched off) and to every added sink.
+/// The host log. Entries go to stderr (unless switched off) and to every added sink.
 class KEL_RUNTIME_API Singleton
 {
 public:
     static Singleton& Instance();
 
     void Write(int messageType, const std::string& text);
-    // A stream that writes one entry of this type when it is destroyed.
+    /// A stream that writes one entry of this type when it is destroyed.
     Stream GetStream(int messageType);
 
     void AddSink(ISink* sink);
@@ -48,7 +48,7 @@ private:
     bool m_stderr = true;
 };
 
-// Collects text with operator<< and writes it as one log entry when destroyed.
+/// Collects text with operator<< and writes it as one log entry when destroyed.
 class Stream
 {
 public:

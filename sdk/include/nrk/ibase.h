@@ -4,16 +4,16 @@
 
 namespace nrk {
 
-// Every component the host's component system creates or registers. Narrow it with dynamic_cast.
+/// Every component the host's component system creates or registers. Narrow it with dynamic_cast.
 class KEL_INTERFACE IBase
 {
 public:
     virtual ~IBase() = default;
-    // The component's class identifier.
+    /// The component's class identifier.
     virtual const char* GetClsName() const = 0;
 };
 
-// A component that lives once per host: Init after creation, Term before destruction.
+/// A component that lives once per host: Init after creation, Term before destruction.
 class KEL_INTERFACE ISingleton
 {
 public:
@@ -22,7 +22,7 @@ public:
     virtual void Term() = 0;
 };
 
-// A component the host destroys itself (delete through this interface).
+/// A component the host destroys itself (delete through this interface).
 class KEL_INTERFACE IDestroy
 {
 public:

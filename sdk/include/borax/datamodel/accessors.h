@@ -7,7 +7,7 @@
 
 namespace borax::datamodel {
 
-// What every accessor has: the context it works in and that context's index.
+/// What every accessor has: the context it works in and that context's index.
 class BaseAccessor
 {
 public:
@@ -16,7 +16,7 @@ public:
 
     IItemLibraryContext* GetContext() const { return m_context; }
     int GetContextIndex() const { return m_contextIndex; }
-    // The library the context is bound to, or null (no context, or a context not bound yet).
+    /// The library the context is bound to, or null (no context, or a context not bound yet).
     IItemLibrary* GetLibrary() const { return m_context ? m_context->GetLibrary() : nullptr; }
 
     bool operator==(const BaseAccessor& o) const { return m_context == o.m_context && m_contextIndex == o.m_contextIndex; }
@@ -27,14 +27,14 @@ private:
     int m_contextIndex = 0;
 };
 
-// Access to a whole item library.
+/// Access to a whole item library.
 class ItemLibraryAccessor : public BaseAccessor
 {
 public:
     using BaseAccessor::BaseAccessor;
 };
 
-// Access to one item whose kind the holder does not need to know.
+/// Access to one item whose kind the holder does not need to know.
 class UnspecifiedAccessor : public BaseAccessor
 {
 public:
@@ -50,12 +50,12 @@ private:
 
 namespace Internal {
 
-// Framework-internal access to a library: item lookup by database identifier.
+/// Framework-internal access to a library: item lookup by database identifier.
 class ItemLibraryInternalAccessor : public ItemLibraryAccessor
 {
 public:
     explicit ItemLibraryInternalAccessor(const ItemLibraryAccessor& library) : ItemLibraryAccessor(library) {}
-    // The item bound to the database object with this identifier text, or an invalid id.
+    /// The item bound to the database object with this identifier text, or an invalid id.
     ItemID FindItemByDbUid(const std::string& dbUid) const
     {
         ItemID item;

@@ -7,7 +7,7 @@
 
 namespace borax::datamodel {
 
-// Receiver of an item library's notifications, registered through the library's context.
+/// Receiver of an item library's notifications, registered through the library's context.
 class KEL_INTERFACE IItemLibraryNotification
 {
 public:
@@ -18,10 +18,10 @@ public:
     virtual void ItemNameChanged(ItemLibraryAccessor& library, const ItemID& item) = 0;
     virtual void ItemTagsChanged(ItemLibraryAccessor& library, const ItemID& item, const char* tags) = 0;
     virtual void ItemAccessStateChanged(ItemLibraryAccessor& library, const ItemID& item, long accessState) = 0;
-    // Called before the library commits (saves); setting *cancel to true stops the save, nothing
-    // is written. cancel may be null.
+    /// Called before the library commits (saves); setting *cancel to true stops the save, nothing
+    /// is written. cancel may be null.
     virtual void OnPreCommit(ItemLibraryAccessor& library, bool* cancel) = 0;
-    // Called after the library has committed.
+    /// Called after the library has committed.
     virtual void OnPostCommit(ItemLibraryAccessor& library) = 0;
 };
 

@@ -4,7 +4,7 @@
 
 namespace borax::datamodel {
 
-// Identifier of an item of an item library; 0 is no item.
+/// Identifier of an item of an item library; 0 is no item.
 class ItemID
 {
 public:

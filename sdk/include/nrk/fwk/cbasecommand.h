@@ -11,7 +11,7 @@
 
 namespace nrk::fwk {
 
-// The host's command base: reference count, name, named parameters and the transient flag.
+/// The host's command base: reference count, name, named parameters and the transient flag.
 class KEL_RUNTIME_API CBaseCommand : public ICommand
 {
 public:

@@ -4,8 +4,8 @@
 
 namespace nrk::signalling {
 
-// A connection of a slot to a host signal, handed to the caller of a Connect_<Event> operation.
-// The caller owns it; destroying it disconnects.
+/// A connection of a slot to a host signal, handed to the caller of a Connect_<Event> operation.
+/// The caller owns it; destroying it disconnects.
 class KEL_INTERFACE IConnection
 {
 public:

@@ -8,15 +8,15 @@
 #include <vector>
 
 namespace borax::datamodel {
-// A parameter holding the accessors of several items.
+/// A parameter holding the accessors of several items.
 using UnspecifiedAccessorListParam = nrk::fwk::TypedParam<std::vector<UnspecifiedAccessor>>;
 }  // namespace borax::datamodel
 
 namespace borax::datamodel::modify {
 
-// Base of the commands that act on an item library. Executing the command (DoAction) runs
-// BuildExecutionCommands with the command manager given by SetCommandManager. A command may leave
-// an integer return value on itself for its caller.
+/// Base of the commands that act on an item library. Executing the command (DoAction) runs
+/// BuildExecutionCommands with the command manager given by SetCommandManager. A command may leave
+/// an integer return value on itself for its caller.
 class KEL_RUNTIME_API CBaseExecutionCommand : public nrk::fwk::CBaseCommand
 {
 public:
@@ -26,15 +26,15 @@ public:
     void SetCommandManager(nrk::fwk::ICommandManager* manager) { m_manager = manager; }
     nrk::fwk::ICommandManager* GetCommandManager() const { return m_manager; }
 
-    // Does the command's work; false when it could not run.
+    /// Does the command's work; false when it could not run.
     virtual bool BuildExecutionCommands(nrk::fwk::ICommandManager* manager) = 0;
 
     bool DoAction() override;
-    // The host keeps what an execution command changed in the item library's own history;
-    // undoing the command restores the library, not the outside world.
+    /// The host keeps what an execution command changed in the item library's own history;
+    /// undoing the command restores the library, not the outside world.
     bool UndoAction() override;
 
-    // The integer return value (an IntParam named "ReturnValue").
+    /// The integer return value (an IntParam named "ReturnValue").
     void SetReturnValue(int value);
     bool GetReturnValue(int& value) const;
 
