@@ -94,7 +94,9 @@ bool CBaseCommand::Equals(const ICommand& other) const
         return false;
     // Parameters are compared by name and kind; their values are the command's own business.
     for (std::size_t i = 0; i < mine.size(); ++i) {
-        if (mine[i]->GetName() != theirs[i]->GetName() || typeid(*mine[i]) != typeid(*theirs[i]))
+        const nrk::fwk::ICommandParam& a = *mine[i];
+        const nrk::fwk::ICommandParam& b = *theirs[i];
+        if (a.GetName() != b.GetName() || typeid(a) != typeid(b))
             return false;
     }
     return true;
