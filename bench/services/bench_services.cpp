@@ -14,6 +14,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -228,7 +229,8 @@ template <bool AboutTheChangedAsset>
 void BM_FirstNeedsActionAfterChange(benchmark::State& state)
 {
     ChangedWorkspace& scene = ChangedWorkspace::Get(int(state.range(0)));
-    const auto& object = AboutTheChangedAsset ? scene.Objects().front() : scene.Objects()[scene.Objects().size() / 2];
+    const auto& object =
+        AboutTheChangedAsset ? scene.Objects().front() : *std::next(scene.Objects().begin(), state.range(0) / 2);
     std::uint64_t roundTrips = 0;
     for (auto _ : state) {
         state.PauseTiming();
