@@ -13,6 +13,7 @@
 
 #include <QMessageBox>
 
+#include <optional>
 #include <thread>
 
 namespace {
@@ -51,16 +52,6 @@ struct ActionResult {
 };
 
 enum class FailureChoice { Retry, Ignore, Cancel };
-
-// The objects, then the further objects an edit of them involves: the work list.
-ObjectList workListOf(kel4::IDataControl& dataControl, const ObjectList& objects)
-{
-    ObjectList workList = objects;
-    kel4::IDataControl::ObjectSet related;
-    dataControl.GetRelatedObjects(objects, related);
-    workList.insert(workList.end(), related.begin(), related.end());
-    return workList;
-}
 
 ObjectList objectsNeedingAction(kel4::IDataControl& dataControl, const ObjectList& workList,
                                 bool includeExternalFiles)
@@ -186,9 +177,10 @@ bool CRevisionControlUIHelper::CanEditObjects(const ObjectList& objects, bool in
     }
     const KELPtr<kel4::IDataControl> dataControl = hbrc::internal::DataControlOf(objects.front());
     kel4::IDataControl& control = dataControl.GetPointeeNotNull();
-    const ObjectList workList = workListOf(control, objects);
-    EditRequest request{dataControl, objectsNeedingAction(control, workList, includeExternalFiles),
-                        includeExternalFiles, allowMakeWritable, info};
+    // The objects asked about and those an edit of them involves.
+    const ObjectList workList = hbrc::internal::WithRelatedObjects(control, objects);
+    const EditRequest request{dataControl, objectsNeedingAction(control, workList, includeExternalFiles),
+                              includeExternalFiles, allowMakeWritable, info};
     Settings* settings = hbrc::internal::FindPropertiesMgr();
     if (request.needingAction.empty() || !revisionControlEnabled(settings)) {
         m_lastPromptedObjects.clear();

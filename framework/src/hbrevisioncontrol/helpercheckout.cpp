@@ -25,21 +25,11 @@ struct ChangeListChoice {
     std::string changelist;
 };
 
-// The objects, then the further objects an edit of them involves.
-ObjectList withRelatedObjects(kel4::IDataControl& dataControl, const ObjectList& objects)
-{
-    ObjectList all = objects;
-    kel4::IDataControl::ObjectSet related;
-    dataControl.GetRelatedObjects(objects, related);
-    all.insert(all.end(), related.begin(), related.end());
-    return all;
-}
-
 // The changelist dialog over the objects and their related objects, files hidden.
 ChangeListChoice askForChangeList(const KELPtr<kel4::IDataControl>& dataControl, const ObjectList& objects,
                                   bool includeExternalFiles, IRevisionControlPropertiesMgr& settings)
 {
-    const ObjectList shown = withRelatedObjects(dataControl.GetPointeeNotNull(), objects);
+    const ObjectList shown = hbrc::internal::WithRelatedObjects(dataControl.GetPointeeNotNull(), objects);
     kel4::Set<std::string> files;
     kel4::List<kel4::Set<std::string>> filesPerObject;
     dataControl->GetFiles(shown, includeExternalFiles, kel4::closureId::Persistence, std::string(), files,
