@@ -90,6 +90,20 @@ protected:
         EXPECT_EQ(DataControl()->CreateChangeList(description, changelist, error).GetCode(), 0) << error;
         return changelist;
     }
+    // Alice checks Tree out into changelist and submits it: the changelist is gone.
+    void submitTreeIn(const std::string& changelist)
+    {
+        AliceChecksOut("Tree", changelist);
+        std::string error;
+        const kelResult submitted = services.connection->Run(
+            AliceSession(),
+            [&](hbrc::depot::Depot& depot, const std::string& ticket, const hbrc::depot::CancelCheck&) {
+                hbrc::depot::ChangelistId number;
+                return depot.submit(ticket, changelist, "tree fixes", number);
+            },
+            error);
+        ASSERT_EQ(submitted.GetCode(), 0) << error;
+    }
     // Where alice has each file of the asset open: its changelist, or "-" when it is not open.
     std::vector<std::string> openedIn(const std::string& asset) const
     {
@@ -208,18 +222,8 @@ TEST_P(StoredAction, DecidesWithoutAskingOrAsks)
     std::string changelist;
     if (row.changelist != StoredCase::DefaultChangeList)
         changelist = newChangeList("kept for check-outs");
-    if (row.changelist == StoredCase::SubmittedChangeList) {
-        AliceChecksOut("Tree", changelist);
-        std::string error;
-        const kelResult submitted = services.connection->Run(
-            AliceSession(),
-            [&](hbrc::depot::Depot& depot, const std::string& ticket, const hbrc::depot::CancelCheck&) {
-                hbrc::depot::ChangelistId number;
-                return depot.submit(ticket, changelist, "tree fixes", number);
-            },
-            error);
-        ASSERT_EQ(submitted.GetCode(), 0) << error;
-    }
+    if (row.changelist == StoredCase::SubmittedChangeList)
+        submitTreeIn(changelist);
     storeAction(row.action, changelist);
     if (row.prompt)
         driver.expect("prompt", answerPrompt(*row.prompt));
@@ -433,6 +437,22 @@ TEST_F(EditFlows, CheckOutIsCancelledByTheDialogOrWhenRevisionControlIsOff)
     EXPECT_FALSE(helper.CheckOutObjects(assets({"Rock"}), cancelled, true));
     EXPECT_TRUE(cancelled);
     EXPECT_THAT(openedIn("Rock"), Each("-"));
+}
+
+TEST_F(EditFlows, AKeptChangeListSubmittedMeanwhileTurnsPromptingBackOn)
+{
+    const std::string kept = newChangeList("kept for check-outs");
+    host->Preferences().SetStringPref(kChangeListKey, kept, 1);
+    setPromptForChangeList(false);
+    submitTreeIn(kept);
+    driver.expect("changelist", [](QWidget* w) {
+        EXPECT_EQ(w->windowTitle(), "Select Pending ChangeList");
+        click(*w, "Cancel");
+    });
+    bool cancelled = false;
+    EXPECT_FALSE(helper.CheckOutObjects(assets({"Rock"}), cancelled, true));
+    EXPECT_TRUE(cancelled);
+    EXPECT_TRUE(promptForChangeList());
 }
 
 TEST_F(EditFlows, AnExpiredSessionLeftClosedEndsTheCheckOutAtTheFirstAsset)
