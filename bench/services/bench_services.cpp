@@ -1,6 +1,7 @@
 // Cost of the services' list questions against the embedded depot: the status of 10,000 files in
-// one call, and a 1,000-object status question asked as one list or object by object. Reports
-// round trips per question and, in a summary line, the ratios measured side by side in this run.
+// one call, a 1,000-object status question asked as one list or object by object, and the first
+// per-object question after a change in workspaces of 1,000 and 10,000 assets. Reports round
+// trips per question and, in a summary line, the ratios measured side by side in this run.
 #include <hbrcservices/revisioncontrolservices.h>
 
 #include <hbrcdatamodel/workspace.h>
@@ -13,6 +14,8 @@
 
 #include <chrono>
 #include <cstdio>
+#include <iterator>
+#include <map>
 #include <memory>
 #include <stdexcept>
 
@@ -137,19 +140,112 @@ void BM_ObjectStatusOneByOne(benchmark::State& state)
 }
 BENCHMARK(BM_ObjectStatusOneByOne)->Unit(benchmark::kMillisecond);
 
-// Per-object needs-action questions over the 1,000 objects after a change emptied the cache.
+// Per-object needs-action questions over the 1,000 objects with nothing known (as after a change
+// of session), asked as an editability question asks them: after naming its work list through
+// the related-objects question.
 void BM_NeedsActionSeries(benchmark::State& state)
 {
     Scene& scene = Scene::Get();
     const auto before = scene.Connection().RoundTrips();
     for (auto _ : state) {
         scene.Connection().Cache().Invalidate();
+        kel4::IDataControl::ObjectSet related;
+        scene.Data().GetRelatedObjects(scene.Objects(), related);
         for (const auto& object : scene.Objects())
             benchmark::DoNotOptimize(scene.Data().NeedsAction(object, true, kPersistence));
     }
     ReportRoundTrips(state, before);
 }
 BENCHMARK(BM_NeedsActionSeries)->Unit(benchmark::kMillisecond);
+
+// The first per-object question after a change made through the services, in a workspace of N
+// saved assets: about an asset the change touched, and about one it did not touch. The change is
+// a revert of the first asset's files (nothing is open, so the depot is left as it was).
+class ChangedWorkspace
+{
+public:
+    static ChangedWorkspace& Get(int assets)
+    {
+        static std::map<int, std::unique_ptr<ChangedWorkspace>> scenes;
+        auto& scene = scenes[assets];
+        if (!scene)
+            scene.reset(new ChangedWorkspace(assets));
+        return *scene;
+    }
+
+    DepotConnection& Connection() { return *m_services.connection; }
+    DataControl& Data() { return *m_services.dataControl; }
+    const kel4::IDataControl::ObjectList& Objects() const { return m_objects; }
+    void ChangeTheFirstAsset()
+    {
+        std::string error;
+        if (m_services.fileVersionControl->Revert(Data().GetUserParameters().Get(), m_firstFiles, error, 0, 0)
+                .IsFailure())
+            throw std::runtime_error(error);
+    }
+
+private:
+    explicit ChangedWorkspace(int assets)
+    {
+        QDir(m_dir.path()).mkpath(QStringLiteral("ws"));
+        const std::string root =
+            QFile::encodeName(QDir(m_dir.filePath(QStringLiteral("ws"))).canonicalPath()).toStdString();
+        const std::string depotPath = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
+        hbrc::depot::DepotOptions options;
+        options.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+        hbrc::depot::Depot admin(depotPath, options);
+        if (!hbrc::depot::Depot::create(depotPath).ok() || !admin.addUser("bench", "pw").ok() ||
+            !admin.addWorkspace("bench-ws", "bench", root).ok())
+            throw std::runtime_error("cannot set up the depot");
+        std::string error;
+        m_workspace = Workspace::Open(QString::fromStdString(root), error);
+        if (!m_workspace)
+            throw std::runtime_error(error);
+        ConnectionOptions connection;
+        connection.depot = options;
+        m_services = InstallRevisionControlServices(*m_workspace, depotPath, {"bench", "pw", "bench-ws"}, error,
+                                                    connection);
+        if (!error.empty())
+            throw std::runtime_error(error);
+        for (int i = 0; i < assets; ++i) {
+            NewAsset asset;
+            asset.name = "Stone" + std::to_string(i);
+            m_objects.emplace_back(m_workspace->CreateAsset(asset, error));
+        }
+        m_workspace->Save();
+        kel4::Set<std::string> files;
+        Data().GetFiles(m_objects.front(), true, kPersistence, "", files);
+        m_firstFiles.assign(files.begin(), files.end());
+    }
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<Workspace> m_workspace;
+    RevisionControlServices m_services;
+    kel4::IDataControl::ObjectList m_objects;
+    kel4::List<std::string> m_firstFiles;
+};
+
+template <bool AboutTheChangedAsset>
+void BM_FirstNeedsActionAfterChange(benchmark::State& state)
+{
+    ChangedWorkspace& scene = ChangedWorkspace::Get(int(state.range(0)));
+    const auto& object =
+        AboutTheChangedAsset ? scene.Objects().front() : *std::next(scene.Objects().begin(), state.range(0) / 2);
+    std::uint64_t roundTrips = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        scene.ChangeTheFirstAsset();
+        const auto before = scene.Connection().RoundTrips();
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(scene.Data().NeedsAction(object, true, kPersistence));
+        state.PauseTiming();
+        roundTrips += scene.Connection().RoundTrips() - before;
+        state.ResumeTiming();
+    }
+    state.counters["round_trips_per_question"] = benchmark::Counter(double(roundTrips) / double(state.iterations()));
+}
+BENCHMARK_TEMPLATE(BM_FirstNeedsActionAfterChange, true)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_FirstNeedsActionAfterChange, false)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 template <class F>
 double Seconds(F&& run)

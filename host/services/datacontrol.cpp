@@ -94,18 +94,6 @@ DataControl::Files DataControl::FilesOf(const ObjectList& objects, bool includeE
     return all;
 }
 
-DataControl::Files DataControl::WorkspaceFiles() const
-{
-    Files all;
-    std::unordered_set<std::string> seen;
-    const ObjectStore& store = m_model->Store();
-    store.ForEachLive([&](std::uint32_t slot) {
-        if (store.IsAsset(slot))
-            AppendUnique(m_model->FilesOf(m_model->HandleOf(slot), true, kel4::closureId::Persistence), all, seen);
-    });
-    return all;
-}
-
 kelResult DataControl::GetFiles(const ObjectList& objects, bool includeExternalFiles, kel4::closureId closure,
                                 const std::string& filter, kel4::Set<std::string>& allFiles,
                                 kel4::List<kel4::Set<std::string>>& filesPerObject)
@@ -143,6 +131,8 @@ kelResult DataControl::GetRelatedObjects(const ObjectList& objects, ObjectSet& r
 {
     const ObjectSet found = m_model->RelatedObjects(objects);
     related.insert(found.begin(), found.end());
+    m_objectsInQuestion = found;
+    m_objectsInQuestion.insert(objects.begin(), objects.end());
     return kel4::kResultSuccess;
 }
 
@@ -167,18 +157,31 @@ std::string DataControl::GetAssetDisplayName(const KELHandle<kel4::IDbObject>& o
 
 // --- status and editability -----------------------------------------------------------------------
 
-kelResult DataControl::KnownStatuses(const Files& files, std::vector<depot::FileStatus>& statuses,
+DataControl::Files DataControl::FilesToAsk(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles,
+                                           kel4::closureId closure, const Files& objectFiles) const
+{
+    Files asked = objectFiles;
+    if (m_objectsInQuestion.find(object) == m_objectsInQuestion.end())
+        return asked;
+    const StatusCache& cache = m_connection->Cache();
+    std::unordered_set<std::string> seen(asked.begin(), asked.end());
+    for (const auto& other : m_objectsInQuestion) {
+        for (const std::string& file : m_model->FilesOf(other, includeExternalFiles, closure))
+            if (!cache.Knows(file) && seen.insert(file).second)
+                asked.push_back(file);
+    }
+    return asked;
+}
+
+kelResult DataControl::KnownStatuses(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles, kel4::closureId closure,
+                                     const Files& files, std::vector<depot::FileStatus>& statuses,
                                      std::string& errorText)
 {
     if (auto cached = m_connection->Cache().Lookup(files)) {
         statuses = std::move(*cached);
         return kel4::kResultSuccess;
     }
-    Files asked = WorkspaceFiles();
-    std::unordered_set<std::string> seen(asked.begin(), asked.end());
-    for (const std::string& file : files)
-        if (seen.insert(file).second)
-            asked.push_back(file);
+    const Files asked = FilesToAsk(object, includeExternalFiles, closure, files);
     std::vector<depot::FileStatus> answered;
     const kelResult result = DepotQueries::Status(*m_connection, m_session.Get(), asked, answered, errorText);
     if (result.IsSuccess())
@@ -224,7 +227,7 @@ bool DataControl::NeedsAction(const KELHandle<kel4::IDbObject>& object, bool inc
     std::string ignored;
     // Without an answer from the depot, every file counts as under revision control: a read-only
     // file then still asks for an action, whose own failure (e.g. an expired session) is reported.
-    if (KnownStatuses(files, statuses, ignored).IsFailure())
+    if (KnownStatuses(object, includeExternalFiles, closure, files, statuses, ignored).IsFailure())
         statuses.assign(files.size(), depot::FileStatus{});
     return StatusRules::NeedsAction(files, statuses, FilePermissions::IsReadOnly);
 }
@@ -235,7 +238,8 @@ kelResult DataControl::CanCheckOut(const KELHandle<kel4::IDbObject>& object, boo
     canCheckOut = false;
     std::vector<depot::FileStatus> statuses;
     std::string ignored;
-    const kelResult result = KnownStatuses(FilesOf(object, includeExternalFiles, closure), statuses, ignored);
+    const kelResult result = KnownStatuses(object, includeExternalFiles, closure,
+                                           FilesOf(object, includeExternalFiles, closure), statuses, ignored);
     if (result.IsSuccess())
         canCheckOut = StatusRules::CanCheckOut(statuses);
     return result;
@@ -272,7 +276,7 @@ kelResult DataControl::ChangeFiles(const Files& files, const DepotConnection::Op
         errorText.clear();
         return kel4::kResultSuccess;
     }
-    return DepotQueries::Change(*m_connection, m_session.Get(), change, errorText);
+    return DepotQueries::Change(*m_connection, m_session.Get(), files, change, errorText);
 }
 
 kelResult DataControl::CheckOut(const ObjectList& objects, bool includeExternalFiles, kel4::closureId closure,
@@ -328,6 +332,9 @@ kelResult DataControl::MakeWritable(const KELHandle<kel4::IDbObject>& object, bo
 
 bool DataControl::ChangeListExists(const std::string& changelist)
 {
+    // Every workspace has its default changelist: no need to ask.
+    if (changelist.empty())
+        return true;
     bool exists = false;
     std::string ignored;
     const kelResult result = m_connection->Run(

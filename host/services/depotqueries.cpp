@@ -42,12 +42,13 @@ kelResult Holders(DepotConnection& connection, const kel4::IUserParameters* sess
 }
 
 kelResult Change(DepotConnection& connection, const kel4::IUserParameters* session,
-                 const DepotConnection::Operation& change, std::string& errorText)
+                 const std::vector<std::string>& files, const DepotConnection::Operation& change,
+                 std::string& errorText)
 {
     const kelResult result = connection.Run(session, change, errorText);
     // Also after a failure: a cancelled or refused change leaves the depot as it was, but a
-    // failure of an unknown kind may not have.
-    connection.Cache().Invalidate();
+    // failure of an unknown kind may not have. The other files' statuses still hold.
+    connection.Cache().Forget(files);
     return result;
 }
 

@@ -83,7 +83,7 @@ kelResult FileVersionControl::Revert(const kel4::IUserParameters* user, const ke
 {
     const std::vector<std::string> list = ToVector(files);
     return DepotQueries::Change(
-        *m_connection, user,
+        *m_connection, user, list,
         [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
             return depot.revert(ticket, list, cancel);
         },
@@ -96,7 +96,7 @@ kelResult FileVersionControl::MarkForDeleteInChangelist(const kel4::IUserParamet
 {
     const std::vector<std::string> list = ToVector(files);
     return DepotQueries::Change(
-        *m_connection, user,
+        *m_connection, user, list,
         [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
             return depot.remove(ticket, list, changelist, cancel);
         },

@@ -33,4 +33,16 @@ std::optional<std::vector<depot::FileStatus>> StatusCache::Lookup(const std::vec
     return statuses;
 }
 
+bool StatusCache::Knows(const std::string& file) const
+{
+    const auto found = m_entries.find(file);
+    return found != m_entries.end() && found->second.storedAt >= Now() - m_lifetime;
+}
+
+void StatusCache::Forget(const std::vector<std::string>& files)
+{
+    for (const std::string& file : files)
+        m_entries.erase(file);
+}
+
 }  // namespace hbrc::host

@@ -167,11 +167,16 @@ public:
         dataControl->GetUsersOfObject(rock, kel4::closureId::Persistence, users);
         printList(m_out, "  Rock is held by", users);
 
-        step("alice checks Sky out into a new pending changelist");
+        step("alice edits Sky: her setting checks it out into her pending changelist without asking");
         std::string changelist;
         expect(dataControl->CreateChangeList("sky colours", changelist, error).IsSuccess(), error);
-        expect(dataControl->CheckOut({sky}, true, kel4::closureId::Persistence, changelist, error).IsSuccess(), error);
-        m_out << "  pending changelist " << QString::fromStdString(changelist) << "\n";
+        m_settings->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
+        m_settings->SetChangeListToUseWhenAutoCheckingOut(changelist);
+        m_out << "  stored action " << IRevisionControlPropertiesMgr::eActionCheckOut << " (check out) into pending changelist "
+              << QString::fromStdString(changelist) << "\n";
+        const bool mayEdit = m_helper->CanEditObjects({sky}, true, true, "alice edits Sky");
+        expect(mayEdit, "the check-out of Sky was refused");
+        m_out << "  CanEditObjects(Sky) answers " << (mayEdit ? "true" : "false") << ", no dialog shown\n";
         PrintStatus({rock, sky});
 
         step("alice's session expires");

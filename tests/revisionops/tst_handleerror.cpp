@@ -1,6 +1,7 @@
 // Showing a retryable failure: a critical box with Ok and Retry when a user is present, the host
-// log otherwise.
+// log otherwise; and how long a batch run waits before it tries a failed operation again.
 #include "errorreporting.h"
+#include "retrybackoff.h"
 
 #include <dialogdriver.h>
 
@@ -11,7 +12,10 @@
 #include <QPushButton>
 #include <QWidget>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <chrono>
 
 using hbrc::internal::HandleError;
 using hbrc::test::DialogDriver;
@@ -51,6 +55,16 @@ TEST(HandleErrorBatch, LogsTheTitleAndEachLineAsAnErrorAndDoesNotRetry)
     EXPECT_EQ(log.Entries().front().type, 2);
     EXPECT_EQ(log.Entries().front().text, "Mark-For-Delete Error:\n  Cannot mark-for-delete\n  bob\n  amy");
     EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString();
+}
+
+TEST(BatchRetry, WaitsHalfASecondThenTwiceAsLongUpToThirtySeconds)
+{
+    using namespace std::chrono_literals;
+    hbrc::internal::RetryBackoff backoff;
+    std::vector<std::chrono::milliseconds> waits;
+    for (int attempt = 0; attempt < 9; ++attempt)
+        waits.push_back(backoff.Next());
+    EXPECT_THAT(waits, ::testing::ElementsAre(500ms, 1s, 2s, 4s, 8s, 16s, 30s, 30s, 30s));
 }
 
 }  // namespace

@@ -120,22 +120,38 @@ TEST_F(ObjectStatus, ThousandObjectStatusQuestionIsOneRoundTripAnEmptyOneNone)
     EXPECT_EQ(services.connection->RoundTrips() - before, 1u);
 }
 
-TEST_F(ObjectStatus, PerObjectQuestionsShareOneRoundTripUntilAChange)
+TEST_F(ObjectStatus, PerObjectQuestionsAboutTheWorkListShareOneRoundTripAndAChangeForgetsOnlyItsFiles)
 {
     AliceChecksOut("Sky");
+    // An editability question names its work list through the related-objects question first.
+    IDataControl::ObjectSet related;
+    ASSERT_EQ(DataControl()->GetRelatedObjects({Asset("Rock"), Asset("Tree"), Asset("Sky")}, related).GetCode(), 0);
     auto before = services.connection->RoundTrips();
     std::vector<bool> needsAction;
     for (const char* asset : {"Rock", "Tree", "Sky"})
         needsAction.push_back(DataControl()->NeedsAction(Asset(asset), true, kPersistence));
     EXPECT_EQ(needsAction, (std::vector<bool>{true, true, false}));
-    EXPECT_EQ(services.connection->RoundTrips() - before, 1u) << "one status query for the whole workspace";
+    EXPECT_EQ(services.connection->RoundTrips() - before, 1u) << "one status query for the work list";
 
-    // A change through the services makes the next question ask the depot again.
+    // A change through the services: the next question about its files asks the depot again,
+    // about those files only; the others' statuses still hold.
     AliceChecksOut("Rock");
     before = services.connection->RoundTrips();
-    EXPECT_FALSE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
     EXPECT_TRUE(DataControl()->NeedsAction(Asset("Tree"), true, kPersistence));
+    EXPECT_EQ(services.connection->RoundTrips() - before, 0u);
+    const std::size_t known = services.connection->Cache().Size();
+    EXPECT_FALSE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
     EXPECT_EQ(services.connection->RoundTrips() - before, 1u);
+    EXPECT_EQ(services.connection->Cache().Size(), known + 2) << "Rock.kel and rock.bin";
+}
+
+TEST_F(ObjectStatus, AMissAboutAnObjectOutsideTheWorkListAsksAboutItsOwnFilesOnly)
+{
+    services.connection->Cache().Invalidate();
+    const auto before = services.connection->RoundTrips();
+    EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
+    EXPECT_EQ(services.connection->RoundTrips() - before, 1u);
+    EXPECT_EQ(services.connection->Cache().Size(), 2u) << "Rock.kel and rock.bin, not the workspace";
 }
 
 }  // namespace

@@ -80,7 +80,8 @@ TEST_F(SessionsAndFaults, ExpiredSessionMakesEveryOperationUnusableUntilALogIn)
     std::string error;
     for (const DepotOperation& operation : kOperations)
         EXPECT_EQ(operation.run(*this, error).GetCode(), kResultSessionUnusable) << operation.name;
-    EXPECT_FALSE(DataControl()->ChangeListExists(""));
+    EXPECT_FALSE(DataControl()->ChangeListExists("1"));
+    EXPECT_TRUE(DataControl()->ChangeListExists("")) << "the default changelist exists without asking";
     std::vector<hbrc::depot::FileStatus> bobSees;
     BobExpects(Bob().status(BobTicket(), BobFilesOf("Rock"), bobSees));
     for (const auto& status : bobSees)

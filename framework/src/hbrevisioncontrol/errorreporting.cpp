@@ -189,4 +189,9 @@ bool HandleError(const std::string& title, const std::string& text)
     return false;
 }
 
+void LogFailure(const std::string& message, const std::string& details)
+{
+    Log::Singleton::Instance().Write(Log::eError, message + "\nDetails:\n" + details);
+}
+
 HBRC_INTERNAL_NAMESPACE_END

@@ -60,4 +60,8 @@ void CookUpFileListString(Iterator first, Iterator last, std::string& out)
 // user chose Retry. Batch: the host log at message type 2, and false.
 bool HandleError(const std::string& title, const std::string& text);
 
+// Writes a failure that a batch run cannot show: one host log entry of message type 2 holding the
+// message, "\nDetails:\n" and the details.
+void LogFailure(const std::string& message, const std::string& details);
+
 HBRC_INTERNAL_NAMESPACE_END

@@ -47,6 +47,16 @@ void GetAssetListPrettyNames(const KELPtr<kel4::IDataControl>& dataControl,
     }
 }
 
+kel4::IDataControl::ObjectList WithRelatedObjects(kel4::IDataControl& dataControl,
+                                                  const kel4::IDataControl::ObjectList& objects)
+{
+    kel4::IDataControl::ObjectList all = objects;
+    kel4::IDataControl::ObjectSet related;
+    dataControl.GetRelatedObjects(objects, related);
+    all.insert(all.end(), related.begin(), related.end());
+    return all;
+}
+
 bool DbObjectListsAreEqual(const kel4::IDataControl::ObjectList& a, const kel4::IDataControl::ObjectList& b)
 {
     return a == b;

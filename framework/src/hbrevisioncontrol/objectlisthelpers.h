@@ -18,6 +18,11 @@ HBRC_INTERNAL_NAMESPACE_BEGIN
 void GetAssetListPrettyNames(const KELPtr<kel4::IDataControl>& dataControl,
                              const kel4::IDataControl::ObjectList& objects, bool withExternalFiles, QString& text);
 
+// The objects followed by the further objects that an edit of them involves (the data control's
+// related objects, in the set's order).
+kel4::IDataControl::ObjectList WithRelatedObjects(kel4::IDataControl& dataControl,
+                                                  const kel4::IDataControl::ObjectList& objects);
+
 // True when both lists hold the same objects in the same order.
 bool DbObjectListsAreEqual(const kel4::IDataControl::ObjectList& a, const kel4::IDataControl::ObjectList& b);
 

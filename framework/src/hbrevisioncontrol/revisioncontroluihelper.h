@@ -10,6 +10,8 @@
 #include <nrk/fwk/ikeldbproxy.h>
 #include <nrk/ibase.h>
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -85,13 +87,27 @@ public:
     bool AttemptReconnect(const KELPtr<kel4::IDataControl>& dataControl, const char* reasonPrefix,
                           const char* reasonText) const;
 
+    // Checks the objects out into changelist ("" for the default one) by one undoable command,
+    // re-opening an expired session once. On failure fills the command's error text, a message
+    // that explains it (who holds the files) and the details (the files), and returns the failure.
+    kelResult CheckOutObjectsInChangelist(KELPtr<kel4::IDataControl> dataControl, const ObjectList& objects,
+                                          bool includeExternalFiles, const std::string& changelist,
+                                          std::string& errorString, std::string& message, std::string& details);
+
+    // Waits before a batch run tries a failed edit action again. Unset, the thread sleeps; tests
+    // install one that returns at once.
+    using BatchRetryWait = std::function<void(std::chrono::milliseconds wait)>;
+    void SetBatchRetryWait(BatchRetryWait wait) { m_batchRetryWait = std::move(wait); }
+
 private:
     // Registers (true) or unregisters the helper with the proxy's current item library.
     void SetItemLibraryRegistration(bool registered);
     // Stops being the time-out delegate of the service that OnInitialConnectionToDB gave it to.
     void WithdrawTimeOutDelegate();
 
+    // The work list of the last editability question that the user answered with Continue.
     kel4::List<KELHandle<IDbObject>> m_lastPromptedObjects;
+    BatchRetryWait m_batchRetryWait;
     HBTrackedSlotList m_initialConnectionSlots;
     HBTrackedSlotList m_connectedSlots;
     HBTrackedSlotList m_disconnectedSlots;

@@ -15,8 +15,11 @@ namespace hbrc::host {
 // The object-level revision-control service of an open workspace: answers about objects through
 // their files (from the data model) and their depot status (from the depot, for the session the
 // host installed). Questions about a list are one round trip whatever its length; per-object
-// questions answer from the status cache and, when it lacks a file, fill it with one round trip
-// for every file of the workspace, so that a series of them costs one round trip in all.
+// questions answer from the status cache. A related-objects question names the objects a caller
+// is about to ask about one by one (the work list of an editability question): when a per-object
+// question about one of them misses the cache, one round trip fetches every file of theirs whose
+// status is not known, so that the whole series costs one round trip. A miss about any other
+// object asks about that object's files only.
 class DataControl final : public kel4::RefCounted<kel4::IDataControl>
 {
 public:
@@ -77,15 +80,20 @@ private:
     Files FilesOf(const KELHandleBase& object, bool includeExternalFiles, kel4::closureId closure) const;
     // The union of the objects' files, in first-seen order.
     Files FilesOf(const ObjectList& objects, bool includeExternalFiles, kel4::closureId closure) const;
-    // Every file of every asset of the workspace, external files included.
-    Files WorkspaceFiles() const;
-    // The statuses of files from the cache; on a miss one round trip for files and the workspace's.
-    kelResult KnownStatuses(const Files& files, std::vector<depot::FileStatus>& statuses, std::string& errorText);
+    // The files of object to ask the depot about on a miss: its own, then those of the objects in
+    // question whose status the cache does not know, when object is one of them.
+    Files FilesToAsk(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles, kel4::closureId closure,
+                     const Files& objectFiles) const;
+    // The statuses of the object's files from the cache; on a miss one round trip (see FilesToAsk).
+    kelResult KnownStatuses(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles, kel4::closureId closure,
+                            const Files& files, std::vector<depot::FileStatus>& statuses, std::string& errorText);
     kelResult ChangeFiles(const Files& files, const DepotConnection::Operation& change, std::string& errorText);
 
     KELPtr<DataModelMgr> m_model;
     std::shared_ptr<DepotConnection> m_connection;
     KELPtr<kel4::IUserParameters> m_session;
+    // The objects of the last related-objects question and their related objects.
+    ObjectSet m_objectsInQuestion;
 };
 
 }  // namespace hbrc::host

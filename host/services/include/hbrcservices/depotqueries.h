@@ -19,9 +19,10 @@ kelResult Status(DepotConnection& connection, const kel4::IUserParameters* sessi
 // The users of other workspaces holding any of the files: sorted, each once.
 kelResult Holders(DepotConnection& connection, const kel4::IUserParameters* session,
                   const std::vector<std::string>& files, kel4::List<std::string>& users, std::string& errorText);
-// Runs a change of files (edit, add, delete, revert, ...) and empties the status cache.
+// Runs a change of files (edit, add, delete, revert, ...) and makes the status cache forget them.
 kelResult Change(DepotConnection& connection, const kel4::IUserParameters* session,
-                 const DepotConnection::Operation& change, std::string& errorText);
+                 const std::vector<std::string>& files, const DepotConnection::Operation& change,
+                 std::string& errorText);
 
 }  // namespace DepotQueries
 }  // namespace hbrc::host

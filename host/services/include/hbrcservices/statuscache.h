@@ -12,9 +12,9 @@
 namespace hbrc::host {
 
 // The last known depot status of files, so that per-object questions (needs action, can check
-// out) need no round trip of their own. Filled by every status question; emptied by every change
-// made through the services and by a change of session; entries older than the lifetime count as
-// unknown, so that changes by other users are seen again.
+// out) need no round trip of their own. Filled by every status question; a change made through
+// the services forgets the files it touched, a change of session forgets everything; entries
+// older than the lifetime count as unknown, so that changes by other users are seen again.
 class StatusCache
 {
 public:
@@ -25,6 +25,9 @@ public:
     void Store(const std::vector<std::string>& files, const std::vector<depot::FileStatus>& statuses);
     // The statuses of all files, in their order; nothing when one of them is unknown or stale.
     std::optional<std::vector<depot::FileStatus>> Lookup(const std::vector<std::string>& files) const;
+    // True when the file's status is known and not stale.
+    bool Knows(const std::string& file) const;
+    void Forget(const std::vector<std::string>& files);
     void Invalidate() { m_entries.clear(); }
     std::size_t Size() const { return m_entries.size(); }
 

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "hbbasescscommand.h"
+#include "internalvisibility.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+class CRevisionControlUIHelper;
+
+HBRC_INTERNAL_NAMESPACE_BEGIN
+
+// The reason the password dialog gives when a revision command found its session expired.
+inline constexpr const char* kSessionExpiredReason =
+    "Source control session expired. Password required to re-connect.";
+
+// What became of a revision command run by RunRevisionCommand.
+struct RevisionCommandOutcome {
+    bool executed = false;                   // false: the command manager would not run it
+    int code = kel4::kResultCommandRefused;  // the last command's return value when it ran
+    std::optional<std::string> errorString;  // its "ErrorString", when it left one
+};
+
+// Builds the command for the given accessors of the current item library.
+using RevisionCommandFactory =
+    std::function<BaseScsCommand*(const borax::datamodel::ItemLibraryAccessor& library,
+                                  const BaseScsCommand::AccessorList& assets)>;
+
+// Runs the command that makeCommand builds for objects as one undoable step of the command
+// manager ("UndoManager"). When it answers that the session is unusable (-34), re-opens the
+// session once through helper.AttemptReconnect and runs a new, identical command. A missing
+// command manager or database proxy counts as a refusal.
+RevisionCommandOutcome RunRevisionCommand(const CRevisionControlUIHelper& helper,
+                                          const KELPtr<kel4::IDataControl>& dataControl,
+                                          const kel4::List<KELHandle<IDbObject>>& objects,
+                                          const RevisionCommandFactory& makeCommand);
+
+HBRC_INTERNAL_NAMESPACE_END
