@@ -181,6 +181,43 @@ void AddErrorString(KELPtr<kel4::IFileVersionControl> fileVersionControl, const 
         appendUsers(std::set<std::string>(names.begin(), names.end()), message);
 }
 
+kelResult GetAllFilesStatus(KELPtr<kel4::IFileVersionControl> fileVersionControl,
+                            const kel4::IUserParameters* userParameters, const kel4::List<std::string>& files,
+                            unsigned& status)
+{
+    kel4::List<unsigned> statuses;
+    kel4::List<std::string> changelists;
+    std::string errorText;
+    const kelResult result =
+        fileVersionControl.GetPointeeNotNull().GetStatus(userParameters, files, statuses, changelists, errorText, 0);
+    if (result.IsFailure())
+        return result;
+    status = 0;
+    for (const unsigned word : statuses)
+        status |= word;
+    return result;
+}
+
+kelResult MarkFilesForDeleteInChangelist(KELPtr<kel4::IFileVersionControl> fileVersionControl,
+                                         const kel4::IUserParameters* userParameters,
+                                         const kel4::List<std::string>& files, const std::string& changelist,
+                                         std::string& errorString, std::string& message)
+{
+    const kelResult result = fileVersionControl.GetPointeeNotNull().MarkForDeleteInChangelist(
+        userParameters, files, changelist, errorString);
+    if (result.GetCode() == kel4::kResultSuccess)
+        return result;
+    unsigned combinedStatus = 0;
+    GetAllFilesStatus(fileVersionControl, userParameters, files, combinedStatus);
+    std::string fileList;
+    CookUpFileListString(files.begin(), files.end(), fileList);
+    message = "The following files have been deleted during the commit:\n\n" + fileList +
+              "\nbut we couldn't mark them for delete in your revision control\n";
+    AddErrorString(fileVersionControl, userParameters, files, combinedStatus, kMarkForDeleteErrorFlags, errorString,
+                   message);
+    return result;
+}
+
 bool HandleError(const std::string& title, const std::string& text)
 {
     if (InteractiveMode())

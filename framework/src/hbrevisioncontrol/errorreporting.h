@@ -56,6 +56,20 @@ void CookUpFileListString(Iterator first, Iterator last, std::string& out)
     }
 }
 
+// Asks the file version control for the status of files; on success status becomes the OR of
+// their status words. A failing query's result is returned as it is and status is left alone.
+kelResult GetAllFilesStatus(KELPtr<kel4::IFileVersionControl> fileVersionControl,
+                            const kel4::IUserParameters* userParameters, const kel4::List<std::string>& files,
+                            unsigned& status);
+
+// Marks files, which a save deleted, for delete in changelist ("" for the default changelist).
+// On failure message says which files could not be marked and why (their status, the users
+// holding them) and the failing result is returned; errorString is the service's error text.
+kelResult MarkFilesForDeleteInChangelist(KELPtr<kel4::IFileVersionControl> fileVersionControl,
+                                         const kel4::IUserParameters* userParameters,
+                                         const kel4::List<std::string>& files, const std::string& changelist,
+                                         std::string& errorString, std::string& message);
+
 // Reports a failure titled title. Interactive: a critical box with Ok and Retry; true when the
 // user chose Retry. Batch: the host log at message type 2, and false.
 bool HandleError(const std::string& title, const std::string& text);

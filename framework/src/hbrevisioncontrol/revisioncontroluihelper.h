@@ -99,6 +99,15 @@ public:
     using BatchRetryWait = std::function<void(std::chrono::milliseconds wait)>;
     void SetBatchRetryWait(BatchRetryWait wait) { m_batchRetryWait = std::move(wait); }
 
+    // Marks the files of objects for add in changelist ("" for the default changelist) by one
+    // undoable command, re-opening an expired session once. Success also when no object is known
+    // to the item library (nothing is run). On failure errorString is the service's error text,
+    // message and details explain it for the caller's "Mark-For-Add Error" report, and the result
+    // is negative (-1: the command manager refused the command; -34: the session stayed closed).
+    kelResult MarkForAddObjectsInChangelist(KELPtr<kel4::IDataControl> dataControl, const ObjectList& objects,
+                                            bool includeExternalFiles, const std::string& changelist,
+                                            std::string& errorString, std::string& message, std::string& details);
+
 private:
     // Registers (true) or unregisters the helper with the proxy's current item library.
     void SetItemLibraryRegistration(bool registered);

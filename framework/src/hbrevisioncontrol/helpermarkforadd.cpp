@@ -1,0 +1,57 @@
+// Marking the files of new assets for add in a pending changelist, by one undoable command.
+#include "revisioncontroluihelper.h"
+
+#include "errorreporting.h"
+#include "hbmarkforaddcommand.h"
+#include "hostservices.h"
+#include "itemaccessorlisting.h"
+#include "revisioncommandrun.h"
+
+#include <QObject>
+
+namespace {
+
+// True when some object is bound to an item of the current item library: only those can be
+// named to a command.
+bool knownToTheItemLibrary(const CRevisionControlUIHelper::ObjectList& objects)
+{
+    const nrk::fwk::IKELDBProxy* proxy = hbrc::internal::FindDBProxy();
+    if (!proxy)
+        return true;  // the command manager refuses it, as it should
+    const borax::datamodel::Internal::ItemLibraryInternalAccessor library(proxy->GetItemLibraryAccessor());
+    for (const KELHandle<IDbObject>& object : objects) {
+        if (library.FindItemByDbUid(object.GetDbObjectId().GetStr()).IsValid())
+            return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+kelResult CRevisionControlUIHelper::MarkForAddObjectsInChangelist(KELPtr<kel4::IDataControl> dataControl,
+                                                                  const ObjectList& objects, bool includeExternalFiles,
+                                                                  const std::string& changelist,
+                                                                  std::string& errorString, std::string& message,
+                                                                  std::string& details)
+{
+    if (objects.empty() || !knownToTheItemLibrary(objects))
+        return kel4::kResultSuccess;
+    const hbrc::internal::RevisionCommandOutcome outcome = hbrc::internal::RunRevisionCommand(
+        *this, dataControl, objects,
+        [&](const ItemLibraryAccessor& library, const BaseScsCommand::AccessorList& assets) -> BaseScsCommand* {
+            return new ScsMarkForAddCommand(library, changelist.c_str(), assets, includeExternalFiles);
+        });
+    if (!outcome.executed) {
+        message = QObject::tr("Could not execute command: Unknown error").toStdString();
+        return kel4::kResultCommandRefused;
+    }
+    if (kelResult(outcome.code).IsSuccess())
+        return kel4::kResultSuccess;
+
+    errorString = outcome.errorString.value_or(std::string());
+    message = QObject::tr("Cannot mark-for-add the assets\n").toStdString();
+    hbrc::internal::GetErrorStrings(dataControl, objects, includeExternalFiles, hbrc::internal::kMarkForAddErrorFlags,
+                                    errorString, message, details);
+    // The command's own code says why (-34: the session could not be re-opened).
+    return outcome.code;
+}
