@@ -152,15 +152,15 @@ TEST_F(SaveHooks, WhenOnlyTheAssetsWithExternalFilesCheckOutTheQuestionListsTheO
 TEST_F(SaveHooks, AnExpiredSessionBeforeTheSaveAsksForThePassword)
 {
     struct Row {
+        const char* asset;     // read-only until this row
         const char* password;  // "" cancels the password dialog
         bool saved;
     };
-    for (const Row& row : {Row{"alice-pw", true}, Row{"", false}}) {
+    for (const Row& row : {Row{"Leaf", "alice-pw", true}, Row{"Moss", "", false}}) {
         SCOPED_TRACE(row.saved ? "password accepted" : "password refused");
         ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
         const auto window = OpenWindow();
-        const std::string value = row.saved ? "saved" : "kept";
-        Edit("Leaf", value);
+        Edit(row.asset, "after expiry");
         DialogDriver driver;
         driver.expect("check out before saving", answerChangelistDialog(kBeforeSaving, {"Check Out"}));
         driver.expect("password", answerPassword(QString::fromUtf8(row.password), kSessionExpired));
@@ -169,7 +169,7 @@ TEST_F(SaveHooks, AnExpiredSessionBeforeTheSaveAsksForThePassword)
         const hbrc::host::SaveReport report = Save();
         ExpectDriverFinished(driver);
         EXPECT_EQ(report.Succeeded(), row.saved) << report.DescribeFailures();
-        EXPECT_TRUE(row.saved ? OnDiskWith("Leaf", value) : DirtyInMemoryWith("Leaf", value));
+        EXPECT_TRUE(row.saved ? OnDiskWith(row.asset, "after expiry") : DirtyInMemoryWith(row.asset, "after expiry"));
     }
 }
 

@@ -17,13 +17,11 @@ bool knownToTheItemLibrary(const CRevisionControlUIHelper::ObjectList& objects)
 {
     const nrk::fwk::IKELDBProxy* proxy = hbrc::internal::FindDBProxy();
     if (!proxy)
-        return true;  // the command manager refuses it, as it should
-    const borax::datamodel::Internal::ItemLibraryInternalAccessor library(proxy->GetItemLibraryAccessor());
-    for (const KELHandle<IDbObject>& object : objects) {
-        if (library.FindItemByDbUid(object.GetDbObjectId().GetStr()).IsValid())
-            return true;
-    }
-    return false;
+        return true;  // the command cannot run: the runner says so
+    BaseScsCommand::AccessorList items;
+    hbrc::internal::GetListOfUnspecifiedAccessors(
+        borax::datamodel::Internal::ItemLibraryInternalAccessor(proxy->GetItemLibraryAccessor()), objects, items);
+    return !items.empty();
 }
 
 }  // namespace
