@@ -173,7 +173,8 @@ public:
         const KELHandle<kel4::IDbObject> created(workspace->CreateAsset(asset, error));
         EXPECT_FALSE(created.IsNull()) << error;
         if (!externalFile.empty()) {
-            EXPECT_TRUE(workspace->AddExternalFile(created, externalFile, "data of " + QByteArray::fromStdString(name)));
+            const QByteArray content = "data of " + QByteArray::fromStdString(name);
+            EXPECT_TRUE(workspace->AddExternalFile(created, externalFile, content));
         }
         return created;
     }

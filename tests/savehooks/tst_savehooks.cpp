@@ -25,7 +25,10 @@ class SaveHooks : public SaveHooksFixture
 protected:
     // Any top-level widget makes the session interactive.
     std::unique_ptr<QWidget> OpenWindow() { return std::make_unique<QWidget>(); }
-    void PromptForChangelists() { host->Preferences().SetBoolPref("RevControl.PromptForChangeListWhenCheckingOut", true, 1); }
+    void PromptForChangelists()
+    {
+        host->Preferences().SetBoolPref("RevControl.PromptForChangeListWhenCheckingOut", true, 1);
+    }
     std::string ChangelistDescription(const std::string& changelist) const
     {
         std::string description;

@@ -143,15 +143,8 @@ kelResult CRevisionControlUIHelper::CheckOutObjectsInChangelist(KELPtr<kel4::IDa
         [&](const borax::datamodel::ItemLibraryAccessor& library, const BaseScsCommand::AccessorList& assets) {
             return new ScsCheckOutCommand(library, changelist.c_str(), assets, includeExternalFiles);
         });
-    if (!outcome.executed) {
-        message = QObject::tr("Could not execute command: Unknown error").toStdString();
-        return kel4::kResultCommandRefused;
-    }
-    if (kelResult(outcome.code).IsSuccess())
-        return kel4::kResultSuccess;
-    errorString = outcome.errorString.value_or(std::string());
-    message = QObject::tr("Cannot checkout the assets\n").toStdString();
-    hbrc::internal::GetErrorStrings(dataControl, objects, includeExternalFiles, hbrc::internal::kCheckOutErrorFlags,
-                                    errorString, message, details);
-    return outcome.code;
+    const std::string heading = QObject::tr("Cannot checkout the assets\n").toStdString();
+    return hbrc::internal::ExplainRevisionCommandOutcome(outcome, dataControl, objects, includeExternalFiles, heading,
+                                                         hbrc::internal::kCheckOutErrorFlags, errorString, message,
+                                                         details);
 }

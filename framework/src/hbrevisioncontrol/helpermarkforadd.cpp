@@ -39,17 +39,8 @@ kelResult CRevisionControlUIHelper::MarkForAddObjectsInChangelist(KELPtr<kel4::I
         [&](const ItemLibraryAccessor& library, const BaseScsCommand::AccessorList& assets) -> BaseScsCommand* {
             return new ScsMarkForAddCommand(library, changelist.c_str(), assets, includeExternalFiles);
         });
-    if (!outcome.executed) {
-        message = QObject::tr("Could not execute command: Unknown error").toStdString();
-        return kel4::kResultCommandRefused;
-    }
-    if (kelResult(outcome.code).IsSuccess())
-        return kel4::kResultSuccess;
-
-    errorString = outcome.errorString.value_or(std::string());
-    message = QObject::tr("Cannot mark-for-add the assets\n").toStdString();
-    hbrc::internal::GetErrorStrings(dataControl, objects, includeExternalFiles, hbrc::internal::kMarkForAddErrorFlags,
-                                    errorString, message, details);
-    // The command's own code says why (-34: the session could not be re-opened).
-    return outcome.code;
+    const std::string heading = QObject::tr("Cannot mark-for-add the assets\n").toStdString();
+    return hbrc::internal::ExplainRevisionCommandOutcome(outcome, dataControl, objects, includeExternalFiles, heading,
+                                                         hbrc::internal::kMarkForAddErrorFlags, errorString, message,
+                                                         details);
 }

@@ -113,6 +113,18 @@ public:
         return result;
     }
 
+    // The status word and the changelist each file is open in, with the reconnect rule.
+    kelResult FileStatus(const char* prefix, const char* reason, const FileList& files, kel4::List<unsigned>& statuses,
+                         FileList& changelists)
+    {
+        std::string error;
+        return WithReconnect(prefix, reason, [&] {
+            statuses.clear();
+            changelists.clear();
+            return m_fileVersionControl->GetStatus(Session(), files, statuses, changelists, error, 0);
+        });
+    }
+
     // The retry rule: operation (which explains a failure in its message) runs again for as long
     // as it fails and the user asks to retry.
     template <class Operation>
@@ -287,13 +299,7 @@ bool followDeletedFiles(PostSaveRevisionControl& rc, const FileList& files)
 {
     kel4::List<unsigned> statuses;
     FileList changelists;
-    std::string error;
-    const kelResult status = rc.WithReconnect(kDeletePrefix, kDeletedFilesStatusReason, [&] {
-        statuses.clear();
-        changelists.clear();
-        return rc.Files().GetStatus(rc.Session(), files, statuses, changelists, error, 0);
-    });
-    if (status.IsFailure())
+    if (rc.FileStatus(kDeletePrefix, kDeletedFilesStatusReason, files, statuses, changelists).IsFailure())
         return false;
 
     const DeletedFileGroups groups = groupDeletedFiles(files, statuses, changelists);
@@ -372,13 +378,7 @@ bool groupNewAssets(PostSaveRevisionControl& rc, const ObjectList& objects, NewA
 
     kel4::List<unsigned> statuses;
     FileList changelists;
-    std::string error;
-    const kelResult status = rc.WithReconnect(kAddPrefix, kAddedAssetsStatusReason, [&] {
-        statuses.clear();
-        changelists.clear();
-        return rc.Files().GetStatus(rc.Session(), allFiles, statuses, changelists, error, 0);
-    });
-    if (status.IsFailure())
+    if (rc.FileStatus(kAddPrefix, kAddedAssetsStatusReason, allFiles, statuses, changelists).IsFailure())
         return false;
 
     const std::vector<unsigned> statusOfFile(statuses.begin(), statuses.end());

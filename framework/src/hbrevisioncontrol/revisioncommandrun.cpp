@@ -1,11 +1,14 @@
 #include "revisioncommandrun.h"
 
+#include "errorreporting.h"
 #include "hostservices.h"
 #include "itemaccessorlisting.h"
 #include "revisioncontroluihelper.h"
 
 #include <nrk/fwk/icommandmanager.h>
 #include <nrk/isystem.h>
+
+#include <QObject>
 
 namespace {
 
@@ -51,6 +54,24 @@ RevisionCommandOutcome RunRevisionCommand(const CRevisionControlUIHelper& helper
         helper.AttemptReconnect(dataControl, "", kSessionExpiredReason))
         outcome = executeOnce(*manager, library, assets, makeCommand);
     return outcome;
+}
+
+kelResult ExplainRevisionCommandOutcome(const RevisionCommandOutcome& outcome,
+                                        const KELPtr<kel4::IDataControl>& dataControl,
+                                        const kel4::List<KELHandle<IDbObject>>& objects, bool includeExternalFiles,
+                                        const std::string& failureHeading, const std::set<unsigned>& flags,
+                                        std::string& errorString, std::string& message, std::string& details)
+{
+    if (!outcome.executed) {
+        message = QObject::tr("Could not execute command: Unknown error").toStdString();
+        return kel4::kResultCommandRefused;
+    }
+    if (kelResult(outcome.code).IsSuccess())
+        return kel4::kResultSuccess;
+    errorString = outcome.errorString.value_or(std::string());
+    message = failureHeading;
+    GetErrorStrings(dataControl, objects, includeExternalFiles, flags, errorString, message, details);
+    return outcome.code;
 }
 
 HBRC_INTERNAL_NAMESPACE_END

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 
 class CRevisionControlUIHelper;
@@ -35,5 +36,16 @@ RevisionCommandOutcome RunRevisionCommand(const CRevisionControlUIHelper& helper
                                           const KELPtr<kel4::IDataControl>& dataControl,
                                           const kel4::List<KELHandle<IDbObject>>& objects,
                                           const RevisionCommandFactory& makeCommand);
+
+// What a revision command over objects comes to for its caller: success when it ran and succeeded.
+// Otherwise message explains the failure: "Could not execute command: Unknown error" when the
+// command manager would not run it (-1), else failureHeading followed by the causes that
+// GetErrorStrings finds for flags, with errorString the command's error text and details the
+// objects' files; the command's own code is returned (-34: the session stayed closed).
+kelResult ExplainRevisionCommandOutcome(const RevisionCommandOutcome& outcome,
+                                        const KELPtr<kel4::IDataControl>& dataControl,
+                                        const kel4::List<KELHandle<IDbObject>>& objects, bool includeExternalFiles,
+                                        const std::string& failureHeading, const std::set<unsigned>& flags,
+                                        std::string& errorString, std::string& message, std::string& details);
 
 HBRC_INTERNAL_NAMESPACE_END
