@@ -137,14 +137,15 @@ public:
         printSettings(m_out, *m_settings);
         m_out << "Revision control enabled: " << (m_helper->IsRevisionControlEnabled() ? "yes" : "no") << "\n";
 
-        step("alice creates Rock (with rock.bin) and Sky, saves, marks them for add and submits");
+        step("alice creates Rock (with rock.bin), Sky and Leaf and saves: the save marks them for add; she submits");
         const KELHandle<IDbObject> rock = CreateAsset(*workspace, "Rock", "rock.bin");
         const KELHandle<IDbObject> sky = CreateAsset(*workspace, "Sky", {});
+        const KELHandle<IDbObject> leaf = CreateAsset(*workspace, "Leaf", {});
         const host::SaveReport saved = workspace->Save();
         expect(saved.Succeeded(), "the first save failed");
         KELPtr<kel4::IDataControl> dataControl = services.dataControl;
-        expect(dataControl->MarkForAdd({rock, sky}, true, kel4::closureId::Persistence, "", error).IsSuccess(), error);
-        PrintStatus({rock, sky});
+        m_out << "  the post-save hook marked the new assets for add in the default changelist, no dialog:\n";
+        PrintStatus({rock, sky, leaf});
         expect(services.connection
                    ->Run(dataControl->GetUserParameters().Get(),
                          [](depot::Depot& d, const std::string& ticket, const depot::CancelCheck&) {
@@ -179,6 +180,14 @@ public:
         m_out << "  CanEditObjects(Sky) answers " << (mayEdit ? "true" : "false") << ", no dialog shown\n";
         PrintStatus({rock, sky});
 
+        step("alice edits Leaf, whose files are read-only, and saves: the pre-save hook checks it out first");
+        expect(bool(workspace->SetField(leaf, "colour", "autumn")), "cannot edit Leaf");
+        const host::SaveReport leafSaved = workspace->Save();
+        expect(leafSaved.Succeeded(), "the save of Leaf failed: " + leafSaved.DescribeFailures());
+        m_out << "  saved " << leafSaved.writtenFiles.size()
+              << " file(s); Leaf is checked out into the stored changelist:\n";
+        PrintStatus({leaf});
+
         step("alice's session expires");
         services.ExpireSessionNow();
         kel4::List<unsigned> statuses;
@@ -211,6 +220,7 @@ private:
     KELHandle<IDbObject> CreateAsset(host::Workspace& workspace, const std::string& name, const std::string& external)
     {
         host::NewAsset asset;
+        asset.kind = host::AssetKind::Metadata;  // what a save asks about
         asset.name = name;
         std::string error;
         const KELHandle<IDbObject> created(workspace.CreateAsset(asset, error));
