@@ -211,8 +211,9 @@ kelResult MarkFilesForDeleteInChangelist(KELPtr<kel4::IFileVersionControl> fileV
     GetAllFilesStatus(fileVersionControl, userParameters, files, combinedStatus);
     std::string fileList;
     CookUpFileListString(files.begin(), files.end(), fileList);
-    message = "The following files have been deleted during the commit:\n\n" + fileList +
-              "\nbut we couldn't mark them for delete in your revision control\n";
+    message = QObject::tr("The following files have been deleted during the commit:\n").toStdString() + "\n" +
+              fileList + "\n" +
+              QObject::tr("but we couldn't mark them for delete in your revision control\n").toStdString();
     AddErrorString(fileVersionControl, userParameters, files, combinedStatus, kMarkForDeleteErrorFlags, errorString,
                    message);
     return result;

@@ -132,7 +132,7 @@ public:
     {
         for (;;) {
             std::string message;
-            if (operation(message).GetCode() == kel4::kResultSuccess)
+            if (operation(message).IsSuccess())
                 return;
             if (!HandleError(title.toStdString(), message))
                 return;
@@ -239,6 +239,14 @@ DeletedFileGroups groupDeletedFiles(const FileList& files, const kel4::List<unsi
     return groups;
 }
 
+// What the hook could not do for deleted files: what happened, a blank line, the files, a blank
+// line, why it could not be followed up, and the service's reason.
+std::string failedFollowUp(const QString& happened, const FileList& files, const QString& failure,
+                           const std::string& reason)
+{
+    return happened.toStdString() + "\n" + fileListText(files) + "\n" + failure.toStdString() + reason;
+}
+
 void revertPendingAdds(PostSaveRevisionControl& rc, const FileList& files)
 {
     PostSaveRevisionControl::WithRetry(QObject::tr("Revert Error"), [&](std::string& message) {
@@ -247,9 +255,10 @@ void revertPendingAdds(PostSaveRevisionControl& rc, const FileList& files)
             return rc.Files().Revert(rc.Session(), files, error, 0, 0);
         });
         if (result.IsFailure())
-            message = "The following marked-for-add files were deleted during the commit:\n\n" + fileListText(files) +
-                      "\nbut we couldn't revert the mark-for-add for the following reason:\n" + error;
-        return result.IsFailure() ? result : kelResult(kel4::kResultSuccess);
+            message = failedFollowUp(
+                QObject::tr("The following marked-for-add files were deleted during the commit:\n"), files,
+                QObject::tr("but we couldn't revert the mark-for-add for the following reason:\n"), error);
+        return result;
     });
 }
 
@@ -265,10 +274,11 @@ void markCheckedOutFilesForDelete(PostSaveRevisionControl& rc, const std::string
                 return rc.Files().MarkForDeleteInChangelist(rc.Session(), files, changelist, error);
             });
         }
-        if (result.GetCode() != kel4::kResultSuccess)
-            message = "The following checked out files were deleted during the commit:\n\n" + fileListText(files) +
-                      "\nbut we couldnt mark them for delete in the same change list for the following reason:\n" +
-                      error;
+        if (result.IsFailure())  // "couldnt" is the message's own spelling
+            message = failedFollowUp(
+                QObject::tr("The following checked out files were deleted during the commit:\n"), files,
+                QObject::tr("but we couldnt mark them for delete in the same change list for the following reason:\n"),
+                error);
         return result;
     });
 }
