@@ -232,6 +232,25 @@ TEST_F(SaveHooks, DeletedFilesInTheDepotGoToTheChangelistTheUserChooses)
     EXPECT_EQ(ChangelistDescription(state.changelist), "felled");
 }
 
+TEST_F(SaveHooks, AMarkForDeleteThatBobBlocksNamesHimAndOffersRetry)
+{
+    BobHolds("Tree");
+    const std::string treeFile = KelFileOf("Tree");
+    const QString expected = QStringLiteral("The following files have been deleted during the commit:\n\n%1\n%2\n\n"
+                                            "but we couldn't mark them for delete in your revision control\n"
+                                            "because the following users have checked out some of the files\n"
+                                            "because the following users have locked some of the files\n\nbob\n")
+                                 .arg(QString::fromStdString(treeFile), QString::fromStdString(AlicePath("tree.bin")));
+    const auto window = OpenWindow();
+    ASSERT_TRUE(workspace->DeleteAsset(Asset("Tree")));
+    DialogDriver driver;
+    driver.expectMessageBox(QStringLiteral("Mark-For-Delete Error"), QMessageBox::Retry, expected);
+    driver.expectMessageBox(QStringLiteral("Mark-For-Delete Error"), QMessageBox::Ok, expected);
+    EXPECT_TRUE(Save().Succeeded());
+    ExpectDriverFinished(driver);
+    EXPECT_EQ(StateOfFile(treeFile).status, kel4::eStatusCheckedOutByOthers | kel4::eStatusLockedByOthers);
+}
+
 // --- after the save: new assets ---------------------------------------------------------------------
 
 TEST_F(SaveHooks, NewAssetsAreMarkedForAddInTheChangelistTheUserChooses)
