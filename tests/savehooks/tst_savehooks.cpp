@@ -3,6 +3,7 @@
 // answers their dialogs or as a batch run decides alone.
 #include "savehooksfixture.h"
 
+#include <borax/datamodel/iitemlibrarynotification.h>
 #include <hbrchost/logcapture.h>
 
 #include <QMessageBox>
@@ -174,6 +175,54 @@ TEST_F(SaveHooks, AnExpiredSessionBeforeTheSaveAsksForThePassword)
         EXPECT_EQ(report.Succeeded(), row.saved) << report.DescribeFailures();
         EXPECT_TRUE(row.saved ? OnDiskWith(row.asset, "after expiry") : DirtyInMemoryWith(row.asset, "after expiry"));
     }
+}
+
+// A stored automatic check-out needs revision control switched on and its changelist still
+// pending; otherwise the user is asked, and a batch save, which cannot ask, is cancelled.
+TEST_F(SaveHooks, AStoredCheckOutThatCannotBeFollowedAsksOrCancels)
+{
+    struct Row {
+        const char* name;
+        bool useSourceDataControl;
+        const char* storedChangelist;
+        bool interactive;
+    };
+    const Row rows[] = {{"revision control off, interactive", false, "", true},
+                        {"changelist gone, interactive", true, "999", true},
+                        {"revision control off, batch", false, "", false},
+                        {"changelist gone, batch", true, "999", false}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        host->Preferences().SetIntPref("RevControl.ActionWhenEditingReadOnlyAsset", 2, 1);
+        host->Preferences().SetStringPref("RevControl.ChangeListToUseWhenAutoCheckingOut", row.storedChangelist, 1);
+        host->Preferences().SetBoolPref("RevControl.UseSourceDataControl", row.useSourceDataControl, 1);
+        std::unique_ptr<QWidget> window = row.interactive ? OpenWindow() : nullptr;
+        Edit("Stone", row.name);
+        DialogDriver driver;
+        if (row.interactive) {
+            driver.expect("asked", answerChangelistDialog(kBeforeSaving, {"Cancel"}, [&](QWidget* dialog) {
+                              // Without revision control the dialog offers no changelist.
+                              EXPECT_EQ(dialog->findChild<QWidget*>(QStringLiteral("changeListCombo")) != nullptr,
+                                        row.useSourceDataControl);
+                          }));
+        }
+        EXPECT_TRUE(Save().cancelled);
+        ExpectDriverFinished(driver);
+        EXPECT_TRUE(DirtyInMemoryWith("Stone", row.name));
+    }
+}
+
+// A host may ask without wanting an answer: the hook then only acts.
+TEST_F(SaveHooks, ANullCancelPointerIsAcceptedAndTheHookStillActs)
+{
+    host->Preferences().SetIntPref("RevControl.ActionWhenEditingReadOnlyAsset", 3, 1);  // make writable
+    Edit("Stone", "asked without an answer");
+    auto* hooks = dynamic_cast<borax::datamodel::IItemLibraryNotification*>(
+        host->System().GetSingleton("RevisionControlUIHelper"));
+    ASSERT_NE(hooks, nullptr);
+    borax::datamodel::ItemLibraryAccessor library = workspace->Accessor();
+    hooks->OnPreCommit(library, nullptr);
+    EXPECT_FALSE(ReadOnlyOnDisk("Stone"));
 }
 
 // --- after the save: deleted files ---------------------------------------------------------------------
