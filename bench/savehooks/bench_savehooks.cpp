@@ -210,12 +210,5 @@ int main(int argc, char** argv)
                             {"pre-save hook share of the save, 10,000 dirty assets", "BM_PreSaveHook/10000",
                              "BM_SaveWithPlugin/10000/iterations:3"}},
                            RatioReporter::Clock::Cpu);
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-    Scene::Release();  // the plug-in's widgets go while the application still runs
-    return 0;
+    return RunWidgetBenchmarks(argc, argv, reporter, &Scene::Release);
 }

@@ -9,6 +9,7 @@
 #include <QApplication>
 
 #include <cstdio>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -58,8 +59,10 @@ private:
 };
 
 // The main of a benchmark that needs widgets: one QApplication (offscreen unless the caller chose
-// a platform), then every benchmark with the reporter.
-inline int RunWidgetBenchmarks(int argc, char** argv, RatioReporter& reporter)
+// a platform), then every benchmark with the reporter, then beforeQuit (e.g. closing a host whose
+// widgets must go while the application still runs).
+inline int RunWidgetBenchmarks(int argc, char** argv, RatioReporter& reporter,
+                               const std::function<void()>& beforeQuit = {})
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -67,5 +70,7 @@ inline int RunWidgetBenchmarks(int argc, char** argv, RatioReporter& reporter)
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
+    if (beforeQuit)
+        beforeQuit();
     return 0;
 }
