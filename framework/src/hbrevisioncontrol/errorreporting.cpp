@@ -4,6 +4,7 @@
 
 #include <log/log.h>
 
+#include <QCoreApplication>
 #include <QMessageBox>
 #include <QString>
 
@@ -11,6 +12,13 @@
 #include <sstream>
 
 namespace {
+
+// The failure texts in the host's language (they are the source texts where no translation is
+// installed). The context is the helper's, as for the texts of its flows.
+std::string translated(const char* text)
+{
+    return QCoreApplication::translate("CRevisionControlUIHelper", text).toStdString();
+}
 
 struct FlagLine {
     const char* text;
@@ -22,16 +30,42 @@ const std::map<unsigned, FlagLine>& flagLines()
 {
     using namespace kel4;
     static const std::map<unsigned, FlagLine> lines{
-        {eStatusCheckedOutByOthers, {"because the following users have checked out some of the files\n", true}},
-        {eStatusMarkedForAdd, {"because some of the files are marked for add\n", false}},
-        {eStatusMarkedForAddByOthers, {"because the following users have marked for add some of the files\n", true}},
-        {eStatusMarkedForDelete, {"because some of the files are marked for delete\n", false}},
+        {eStatusCheckedOutByOthers,
+         {QT_TRANSLATE_NOOP("CRevisionControlUIHelper",
+                            "because the following users have checked out some of the files\n"),
+          true}},
+        {eStatusMarkedForAdd,
+         {QT_TRANSLATE_NOOP("CRevisionControlUIHelper",
+                            "because some of the files are marked for add\n"),
+          false}},
+        {eStatusMarkedForAddByOthers,
+         {QT_TRANSLATE_NOOP("CRevisionControlUIHelper",
+                            "because the following users have marked for add some of the files\n"),
+          true}},
+        {eStatusMarkedForDelete,
+         {QT_TRANSLATE_NOOP("CRevisionControlUIHelper",
+                            "because some of the files are marked for delete\n"),
+          false}},
         {eStatusMarkedForDeleteByOthers,
-         {"because the following users have marked for delete some of the files\n", true}},
-        {eStatusNotHeadRevision, {"because some of the files are not at the head revision\n", false}},
-        {eStatusNotInDatabase, {"because some of the files are not in the database\n", false}},
-        {eStatusIOError, {"because some of the files are causing a IO error\n", false}},
-        {eStatusLockedByOthers, {"because the following users have locked some of the files\n", true}},
+         {QT_TRANSLATE_NOOP("CRevisionControlUIHelper",
+                            "because the following users have marked for delete some of the files\n"),
+          true}},
+        {eStatusNotHeadRevision,
+         {QT_TRANSLATE_NOOP("CRevisionControlUIHelper",
+                            "because some of the files are not at the head revision\n"),
+          false}},
+        {eStatusNotInDatabase,
+         {QT_TRANSLATE_NOOP("CRevisionControlUIHelper",
+                            "because some of the files are not in the database\n"),
+          false}},
+        {eStatusIOError,
+         {QT_TRANSLATE_NOOP("CRevisionControlUIHelper",
+                            "because some of the files are causing a IO error\n"),
+          false}},
+        {eStatusLockedByOthers,
+         {QT_TRANSLATE_NOOP("CRevisionControlUIHelper",
+                            "because the following users have locked some of the files\n"),
+          true}},
     };
     return lines;
 }
@@ -44,14 +78,14 @@ const FlagLine* lineFor(unsigned flag)
 
 void appendIOModuleError(const std::string& errorText, std::string& message)
 {
-    message += "Error reported by IO module: ";
+    message += translated(QT_TRANSLATE_NOOP("CRevisionControlUIHelper", "Error reported by IO module: "));
     message += errorText;
     message += "\n";
 }
 
 void appendUnknownError(const std::string& errorText, std::string& message)
 {
-    message += "Unknown error found\n";
+    message += translated(QT_TRANSLATE_NOOP("CRevisionControlUIHelper", "Unknown error found\n"));
     appendIOModuleError(errorText, message);
 }
 
@@ -73,7 +107,9 @@ void addUsersOfObject(kel4::IDataControl& dataControl, const KELHandle<IDbObject
     kel4::List<std::string> names;
     const kelResult result = dataControl.GetUsersOfObject(object, kel4::closureId::Persistence, names);
     if (result.IsFailure() || names.empty()) {
-        users.insert("Error found while trying to get the list of users for object " + object.GetName() + "\n");
+        users.insert(translated(QT_TRANSLATE_NOOP("CRevisionControlUIHelper",
+                                                  "Error found while trying to get the list of users for object ")) +
+                     object.GetName() + "\n");
         return;
     }
     users.insert(names.begin(), names.end());
@@ -113,8 +149,10 @@ int GetErrorStrings(KELPtr<kel4::IDataControl> dataControl, const kel4::List<KEL
     const kelResult status =
         control.GetStatus(objects, includeExternalFiles, kel4::closureId::Persistence, true, statuses, statusError);
     if (status.GetCode() != kel4::kResultSuccess) {
-        message += status.GetCode() == kel4::kResultSessionUnusable ? "Cannot connect to source control.\n"
-                                                                    : "Unknown error encountered.\n";
+        const char* cause = status.GetCode() == kel4::kResultSessionUnusable
+                                ? QT_TRANSLATE_NOOP("CRevisionControlUIHelper", "Cannot connect to source control.\n")
+                                : QT_TRANSLATE_NOOP("CRevisionControlUIHelper", "Unknown error encountered.\n");
+        message += translated(cause);
         appendIOModuleError(statusError, message);
         return 1;
     }
@@ -129,7 +167,7 @@ int GetErrorStrings(KELPtr<kel4::IDataControl> dataControl, const kel4::List<KEL
         for (auto object = objects.begin(); object != objects.end() && word != statuses.end(); ++object, ++word) {
             if (!(*word & flag))
                 continue;
-            message += line->text;
+            message += translated(line->text);
             explained = true;
             if (line->namesUsers)
                 addUsersOfObject(control, *object, users);
@@ -147,7 +185,7 @@ int GetErrorStrings(KELPtr<kel4::IDataControl> dataControl, const kel4::List<KEL
                      filesPerObject);
     std::string fileList;
     CookUpFileListString(files.begin(), files.end(), fileList);
-    details = "Files:\n" + fileList;
+    details = translated(QT_TRANSLATE_NOOP("CRevisionControlUIHelper", "Files:\n")) + fileList;
     return 0;
 }
 
@@ -161,7 +199,7 @@ void AddErrorString(KELPtr<kel4::IFileVersionControl> fileVersionControl, const 
         const FlagLine* line = lineFor(flag);
         if (!line || !(combinedStatus & flag))
             continue;
-        message += line->text;
+        message += translated(line->text);
         explained = true;
         namesUsers = namesUsers || line->namesUsers;
     }
@@ -176,7 +214,7 @@ void AddErrorString(KELPtr<kel4::IFileVersionControl> fileVersionControl, const 
     const kelResult result =
         fileVersionControl.GetPointeeNotNull().GetUsersOfFiles(userParameters, files, names, usersError);
     if (result.IsFailure())
-        message += "Sorry cannot get the list of users\n";
+        message += translated(QT_TRANSLATE_NOOP("CRevisionControlUIHelper", "Sorry cannot get the list of users\n"));
     else
         appendUsers(std::set<std::string>(names.begin(), names.end()), message);
 }

@@ -28,14 +28,17 @@ using ObjectList = CRevisionControlUIHelper::ObjectList;
 using hbrc::internal::HandleError;
 using hbrc::internal::kSessionExpiredReason;
 
-constexpr const char* kDeletePrefix = "Post-Save Mark-for-Delete: ";
-constexpr const char* kAddPrefix = "Post-Save Mark-for-Add: ";
+// Shown in the password dialog, translated there.
+constexpr const char* kDeletePrefix = QT_TRANSLATE_NOOP("CRevisionControlUIHelper", "Post-Save Mark-for-Delete: ");
+constexpr const char* kAddPrefix = QT_TRANSLATE_NOOP("CRevisionControlUIHelper", "Post-Save Mark-for-Add: ");
 constexpr const char* kDeletedFilesStatusReason =
-    "Revision control system needs to be queried for file status but\n"
-    "session was lost. Enter a password to re-connect, or cancel the mark-for-delete.";
+    QT_TRANSLATE_NOOP("CRevisionControlUIHelper",
+                      "Revision control system needs to be queried for file status but\n"
+                      "session was lost. Enter a password to re-connect, or cancel the mark-for-delete.");
 constexpr const char* kAddedAssetsStatusReason =
-    "Revision control system needs to be queried for file status but\n"
-    "session was lost. Enter a password to re-connect, or cancel the mark-for-add.";
+    QT_TRANSLATE_NOOP("CRevisionControlUIHelper",
+                      "Revision control system needs to be queried for file status but\n"
+                      "session was lost. Enter a password to re-connect, or cancel the mark-for-add.");
 
 std::string fileListText(const FileList& files)
 {

@@ -8,6 +8,7 @@
 #include <kel4/ifileversioncontrol.h>
 #include <qtextention/guards.h>
 
+#include <QCoreApplication>
 #include <QMessageBox>
 
 #include <algorithm>
@@ -83,7 +84,9 @@ bool CRevisionControlUIHelper::AttemptReconnect(const KELPtr<kel4::IDataControl>
     }
 
     PasswordRequiredDialog dialog(nullptr);
-    dialog.SetReason(QString::fromUtf8(reasonPrefix) + QString::fromUtf8(reasonText));
+    // The callers' reasons are marked for translation in the helper's context.
+    dialog.SetReason(QCoreApplication::translate("CRevisionControlUIHelper", reasonPrefix) +
+                     QCoreApplication::translate("CRevisionControlUIHelper", reasonText));
     while (!session && isInvalidPassword(errorText)) {
         if (dialog.exec() != QDialog::Accepted)
             break;

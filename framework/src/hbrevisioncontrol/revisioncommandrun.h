@@ -3,6 +3,8 @@
 #include "hbbasescscommand.h"
 #include "internalvisibility.h"
 
+#include <QtGlobal>
+
 #include <functional>
 #include <optional>
 #include <set>
@@ -14,7 +16,7 @@ HBRC_INTERNAL_NAMESPACE_BEGIN
 
 // The reason the password dialog gives when a revision command found its session expired.
 inline constexpr const char* kSessionExpiredReason =
-    "Source control session expired. Password required to re-connect.";
+    QT_TRANSLATE_NOOP("CRevisionControlUIHelper", "Source control session expired. Password required to re-connect.");
 
 // What became of a revision command run by RunRevisionCommand.
 struct RevisionCommandOutcome {
