@@ -1,13 +1,16 @@
 #pragma once
 
 // One round trip in progress: the connection inside its transaction, the session's workspace
-// when the operation needs one, and the caller's cancel check.
+// when the operation needs one, the caller's cancel check, and what the operation will do to
+// workspace files once its transaction has committed.
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <depot/types.h>
 
+#include "filesteps.h"
 #include "sqlite.h"
 #include "workspaceview.h"
 
@@ -26,11 +29,23 @@ public:
     const std::string& user() const { return m_user; }
     const WorkspaceView& workspace() const { return *m_workspace; }
 
+    // A change of a workspace file, made after the commit (see filesteps.h).
+    void schedule(FileStep::Kind kind, const std::string& key, std::int64_t revision = 0,
+                  std::vector<char> content = {});
+    std::vector<FileStep>& steps() { return m_steps; }
+
+    // The answer of an operation that commits what it could and refuses the rest (a sync that
+    // keeps a user's writable file): the code and text returned after the commit.
+    void refuseSome(int code, std::string message) { m_outcome = {code, std::move(message)}; }
+    const Result& outcome() const { return m_outcome; }
+
 private:
     Database& m_db;
     const CancelCheck& m_cancel;
     std::string m_user;
     std::optional<WorkspaceView> m_workspace;
+    std::vector<FileStep> m_steps;
+    Result m_outcome;
 };
 
 }  // namespace hbrc::depot

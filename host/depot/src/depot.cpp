@@ -7,7 +7,9 @@
 #include "credentials.h"
 #include "depoterror.h"
 #include "depotimpl.h"
+#include "filesteps.h"
 #include "schema.h"
+#include "writerlock.h"
 
 namespace hbrc::depot {
 
@@ -27,6 +29,19 @@ void requireValidName(const char* what, const std::string& name)
     if (!validName(name))
         throw DepotError(code::Failed, std::string("Invalid ") + what + " name '" + name +
                                            "': it must be non-empty without blanks, '@' or '/'");
+}
+
+Result applySteps(Database& database, Call& call)
+{
+    std::vector<std::int64_t> done;
+    const std::vector<std::string> failures = journal::apply(call.steps(), done);
+    journal::forget(database, done);
+    if (failures.empty())
+        return call.outcome();
+    std::string text = "The depot recorded the change, but these files could not follow (the next command tries again):";
+    for (const std::string& failure : failures)
+        text += "\n" + failure;
+    return {code::IoError, text};
 }
 
 }  // namespace
@@ -87,14 +102,25 @@ Result Depot::Impl::run(Operation operation, Transaction::Kind kind, const std::
         Database& database = connection();
         Call call(database, cancel);
         waitLatency(call);
-        Transaction transaction(database, kind);
-        if (ticket)
-            authenticate(call, *ticket);
-        // Bodies poll the cancel check themselves up to the point where they start changing
-        // workspace files; from there on the call completes.
-        body(call);
-        transaction.commit();
-        return {};
+        std::optional<WriterLock> lock;
+        if (kind == Transaction::Kind::Write) {
+            lock.emplace(path, options.busyTimeout, [&call] { call.checkpoint(); });
+            if (journal::pending(database))
+                journal::replay(database);
+        } else if (journal::pending(database)) {
+            // A reader finishes a dead writer's steps when it can; a live writer finishes its own.
+            WriterLock::tryTake(path, [&database] { journal::replay(database); });
+        }
+        {
+            Transaction transaction(database, kind);
+            if (ticket)
+                authenticate(call, *ticket);
+            // Bodies poll the cancel check; workspace files change only after the commit.
+            body(call);
+            journal::record(database, call.steps());
+            transaction.commit();
+        }
+        return applySteps(database, call);
     } catch (const DepotError& error) {
         return {error.code(), error.what()};
     } catch (const std::exception& error) {

@@ -89,7 +89,6 @@ Result Depot::submit(const std::string& ticket, const ChangelistId& changelist, 
         Statement setHave(call.db(), "INSERT INTO have(workspace, path, rev) VALUES (?1, ?2, ?3) "
                                      "ON CONFLICT(workspace, path) DO UPDATE SET rev = excluded.rev");
         Statement dropHave(call.db(), "DELETE FROM have WHERE workspace = ?1 AND path = ?2");
-        std::vector<fs::path> toReadOnly;
         for (const SubmittedFile& file : files) {
             call.checkpoint();
             const std::int64_t revision = (head.bind(1, file.key).step() ? head.integer(0) : 0) + 1;
@@ -102,17 +101,14 @@ Result Depot::submit(const std::string& ticket, const ChangelistId& changelist, 
                 dropHave.bind(1, workspace.name()).bind(2, file.key).run();
                 continue;
             }
-            const fs::path local = workspace.localPathOf(file.key);
-            addRevision.bindBlob(5, workspacefiles::read(local)).run();
+            addRevision.bindBlob(5, workspacefiles::read(workspace.localPathOf(file.key))).run();
             setHave.bind(1, workspace.name()).bind(2, file.key).bind(3, revision).run();
-            toReadOnly.push_back(local);
+            call.schedule(FileStep::Kind::MakeReadOnly, file.key);
         }
         Statement close(call.db(), "DELETE FROM opened WHERE workspace = ?1 AND change IS ?2");
         close.bind(1, workspace.name()).bind(2, pending).run();
         Statement(call.db(), "UPDATE changes SET submitted = 1 WHERE number = ?1").bind(1, number).run();
         call.checkpoint();
-        for (const fs::path& local : toReadOnly)
-            workspacefiles::setWritable(local, false);
     });
     if (result.ok())
         submitted = std::to_string(number);

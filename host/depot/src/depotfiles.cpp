@@ -16,25 +16,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A workspace file to rewrite with a stored revision once every depot change of the call is known;
-// an empty content with `remove` set deletes it instead.
-struct PendingWrite
-{
-    fs::path local;
-    std::vector<char> content;
-    bool remove = false;
-};
-
-void applyWrites(const std::vector<PendingWrite>& writes)
-{
-    for (const PendingWrite& write : writes) {
-        if (write.remove)
-            workspacefiles::remove(write.local);
-        else
-            workspacefiles::writeReadOnly(write.local, write.content);
-    }
-}
-
 class RevisionContent
 {
 public:
@@ -75,9 +56,23 @@ void forEachState(Call& call, const Depot::Files& files, Visit visit)
     }
 }
 
+
+// Whether sync may replace the workspace's copy of a file: a read-only or missing copy, or a
+// writable one that still holds the workspace's revision or already holds the new one. Anything
+// else is a local change made after "make writable", which only a forced sync overwrites.
+bool mayReplace(const fs::path& local, const FileState& state, const std::vector<char>* incoming,
+                RevisionContent& contents)
+{
+    if (!fs::exists(local) || !workspacefiles::isWritable(local))
+        return true;
+    const std::vector<char> present = workspacefiles::read(local);
+    return (state.haveRevision && present == contents.of(*state.key, *state.haveRevision)) ||
+           (incoming && present == *incoming);
+}
+
 }  // namespace
 
-Result Depot::sync(const std::string& ticket, const Files& files, const CancelCheck& cancel)
+Result Depot::sync(const std::string& ticket, const Files& files, SyncMode mode, const CancelCheck& cancel)
 {
     return d->runInSession(Operation::Sync, Transaction::Kind::Write, ticket, cancel, [&](Call& call) {
         const WorkspaceView& workspace = call.workspace();
@@ -91,23 +86,38 @@ Result Depot::sync(const std::string& ticket, const Files& files, const CancelCh
         Statement setHave(call.db(), "INSERT INTO have(workspace, path, rev) VALUES (?1, ?2, ?3) "
                                      "ON CONFLICT(workspace, path) DO UPDATE SET rev = excluded.rev");
         Statement dropHave(call.db(), "DELETE FROM have WHERE workspace = ?1 AND path = ?2");
-        std::vector<PendingWrite> writes;
+        std::vector<std::string> refusals;
         forEachState(call, wanted, [&](const std::string&, const FileState& state) {
-            if (!state.key || state.mine)
+            if (!state.key || state.mine || (!state.live() && !state.haveRevision))
                 return;
             const fs::path local = workspace.localPathOf(*state.key);
-            if (state.live()) {
-                if (state.haveIsHead() && fs::exists(local))
+            if (state.live() && state.haveIsHead() && fs::exists(local))
+                return;
+            std::vector<char> head;
+            if (state.live())
+                head = contents.of(*state.key, *state.headRevision);
+            // A file that cannot be written is refused alone, before anything of it is recorded.
+            try {
+                workspacefiles::requireReplaceable(local);
+                if (mode == SyncMode::Safe && !mayReplace(local, state, state.live() ? &head : nullptr, contents)) {
+                    refusals.push_back("Can't clobber writable file " + local.string());
                     return;
-                writes.push_back({local, contents.of(*state.key, *state.headRevision)});
+                }
+            } catch (const DepotError& error) {
+                refusals.push_back(error.what());
+                return;
+            }
+            if (state.live()) {
                 setHave.bind(1, workspace.name()).bind(2, *state.key).bind(3, *state.headRevision).run();
-            } else if (state.haveRevision) {
-                writes.push_back({local, {}, true});
+                call.schedule(FileStep::Kind::WriteRevision, *state.key, *state.headRevision, std::move(head));
+            } else {
                 dropHave.bind(1, workspace.name()).bind(2, *state.key).run();
+                call.schedule(FileStep::Kind::Remove, *state.key);
             }
         });
         call.checkpoint();
-        applyWrites(writes);
+        if (!refusals.empty())
+            call.refuseSome(code::Failed, joinLines(refusals));
     });
 }
 
@@ -153,7 +163,6 @@ Result Depot::Impl::openFiles(Operation operation, FileAction action, const std:
         Statement open(call.db(), "INSERT INTO opened(workspace, path, user, action, change) VALUES (?1, ?2, ?3, ?4, ?5)");
         std::vector<std::string> refusals;
         int refusalCode = code::Failed;
-        std::vector<fs::path> opened;
         // One reader, so that a file named twice is seen as already open the second time.
         forEachState(call, files, [&](const std::string& file, const FileState& state) {
             const std::string name = state.key ? depotPathOf(*state.key) : file;
@@ -172,18 +181,15 @@ Result Depot::Impl::openFiles(Operation operation, FileAction action, const std:
             }
             open.bind(1, workspace.name()).bind(2, *state.key).bind(3, call.user());
             open.bind(4, std::string(actionName(action))).bind(5, change).run();
-            opened.push_back(local);
+            if (action == FileAction::Edit)
+                call.schedule(FileStep::Kind::MakeWritable, *state.key);
+            else if (action == FileAction::Delete)
+                call.schedule(FileStep::Kind::Remove, *state.key);
         });
         if (!refusals.empty())
             throw DepotError(refusalCode, "Cannot open for " + std::string(actionName(action)) + ":\n" +
                                               joinLines(refusals));
         call.checkpoint();
-        for (const fs::path& local : opened) {
-            if (action == FileAction::Edit)
-                workspacefiles::setWritable(local, true);
-            else if (action == FileAction::Delete)
-                workspacefiles::remove(local);
-        }
     });
 }
 
@@ -211,16 +217,20 @@ Result Depot::revert(const std::string& ticket, const Files& files, const Cancel
         const WorkspaceView& workspace = call.workspace();
         RevisionContent contents(call.db());
         Statement unopen(call.db(), "DELETE FROM opened WHERE workspace = ?1 AND path = ?2");
-        std::vector<PendingWrite> writes;
-        forEachState(call, files, [&](const std::string&, const FileState& state) {
-            if (!state.mine)
+        std::vector<std::string> notOpened;
+        forEachState(call, files, [&](const std::string& file, const FileState& state) {
+            if (!state.mine) {
+                notOpened.push_back(file + " - file not opened in workspace " + workspace.name() + ", skipped");
                 return;
+            }
             unopen.bind(1, workspace.name()).bind(2, *state.key).run();
             if (state.mine->action != FileAction::Add && state.haveRevision)
-                writes.push_back({workspace.localPathOf(*state.key), contents.of(*state.key, *state.haveRevision)});
+                call.schedule(FileStep::Kind::WriteRevision, *state.key, *state.haveRevision,
+                              contents.of(*state.key, *state.haveRevision));
         });
         call.checkpoint();
-        applyWrites(writes);
+        if (!notOpened.empty())
+            call.refuseSome(code::Skipped, joinLines(notOpened));
     });
 }
 

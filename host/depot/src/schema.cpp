@@ -7,7 +7,7 @@ namespace hbrc::depot {
 
 namespace {
 
-constexpr std::int64_t kSchemaVersion = 1;
+constexpr std::int64_t kSchemaVersion = 2;
 
 // Depot paths are relative to every workspace root ("art/ship.kel"); a missing change number on
 // an opened file is the workspace's default changelist.
@@ -32,12 +32,40 @@ CREATE INDEX opened_by_path ON opened(path);
 CREATE INDEX revisions_by_change ON revisions(change);
 )sql";
 
+// Workspace file steps that are committed but not yet known to be done (see filesteps.h).
+// Version 1 depots get it on their first opening.
+constexpr const char* kJournal = R"sql(
+CREATE TABLE journal (id INTEGER PRIMARY KEY, workspace TEXT NOT NULL, path TEXT NOT NULL, step TEXT NOT NULL,
+                      rev INTEGER NOT NULL);
+)sql";
+
+std::int64_t versionOf(Database& db)
+{
+    try {
+        Statement version(db, "SELECT value FROM settings WHERE key = 'schema_version'");
+        return version.step() ? version.integer(0) : 0;
+    } catch (const DepotError&) {
+        return 0;
+    }
+}
+
+void addJournal(Database& db)
+{
+    Transaction transaction(db, Transaction::Kind::Write);
+    if (versionOf(db) == 1) {
+        db.execute(kJournal);
+        db.execute("UPDATE settings SET value = 2 WHERE key = 'schema_version'");
+    }
+    transaction.commit();
+}
+
 }  // namespace
 
 void createSchema(Database& db, std::int64_t sessionLifetimeSeconds)
 {
     Transaction transaction(db, Transaction::Kind::Write);
     db.execute(kTables);
+    db.execute(kJournal);
     Statement setting(db, "INSERT INTO settings(key, value) VALUES (?1, ?2)");
     setting.bind(1, std::string("schema_version")).bind(2, kSchemaVersion).run();
     setting.bind(1, std::string("session_lifetime")).bind(2, sessionLifetimeSeconds).run();
@@ -46,14 +74,12 @@ void createSchema(Database& db, std::int64_t sessionLifetimeSeconds)
 
 void checkSchema(Database& db)
 {
-    bool known = false;
-    try {
-        Statement version(db, "SELECT value FROM settings WHERE key = 'schema_version'");
-        known = version.step() && version.integer(0) == kSchemaVersion;
-    } catch (const DepotError&) {
-        known = false;
+    std::int64_t version = versionOf(db);
+    if (version == 1 && !db.readOnly()) {
+        addJournal(db);
+        version = versionOf(db);
     }
-    if (!known)
+    if (version != kSchemaVersion)
         throw DepotError(code::SessionUnusable, "Cannot reach the depot: the file is not a depot of this version");
 }
 

@@ -2,40 +2,73 @@
 
 #include <sqlite3.h>
 
+#include <cerrno>
+
+#include <unistd.h>
+
 #include "depoterror.h"
 
 namespace hbrc::depot {
 
 namespace {
 
-[[noreturn]] void fail(sqlite3* db, int rc, const std::string& what)
+// One message per failure: SQLite's own words once, then what the user can do about it.
+[[noreturn]] void fail(int rc, const std::string& detail, const std::string& doing)
 {
-    const std::string detail = db ? sqlite3_errmsg(db) : sqlite3_errstr(rc);
-    const int primary = rc & 0xff;
-    if (primary == SQLITE_BUSY || primary == SQLITE_LOCKED)
+    switch (rc & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
         throw DepotError(code::Failed, "The depot is busy, try again later (" + detail + ")");
-    if (primary == SQLITE_CANTOPEN || primary == SQLITE_NOTADB || primary == SQLITE_IOERR || primary == SQLITE_CORRUPT)
-        throw DepotError(code::SessionUnusable, "Cannot reach the depot: " + what + ": " + detail);
-    throw DepotError(code::Failed, what + ": " + detail);
+    case SQLITE_READONLY:
+        throw DepotError(code::Failed, "The depot is read-only (" + detail +
+                                           "): commands that only read it work; make the depot file and its folder "
+                                           "writable to change it");
+    case SQLITE_NOTADB:
+    case SQLITE_CORRUPT:
+        throw DepotError(code::SessionUnusable, "Cannot reach the depot: the file is damaged or no depot (" + detail +
+                                                    "); check the depot path, or restore the file from a backup");
+    case SQLITE_CANTOPEN:
+    case SQLITE_IOERR:
+    case SQLITE_FULL:
+        throw DepotError(code::SessionUnusable, "Cannot reach the depot: " + detail +
+                                                    "; check the depot path, the disk and the file's permissions");
+    default:
+        throw DepotError(code::Failed, doing + ": " + detail);
+    }
+}
+
+[[noreturn]] void fail(sqlite3* db, int rc, const std::string& doing)
+{
+    fail(rc, db ? sqlite3_errmsg(db) : sqlite3_errstr(rc), doing);
+}
+
+bool writable(const std::string& path)
+{
+    return ::access(path.c_str(), W_OK) == 0 || errno == ENOENT;
 }
 
 }  // namespace
 
 Database::Database(const std::string& path, bool createIfMissing, int busyTimeoutMs)
+    : m_readOnly(!createIfMissing && !writable(path))
 {
-    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | (createIfMissing ? SQLITE_OPEN_CREATE : 0);
-    const int rc = sqlite3_open_v2(path.c_str(), &m_db, flags, nullptr);
+    const int access = m_readOnly ? SQLITE_OPEN_READONLY
+                                  : SQLITE_OPEN_READWRITE | (createIfMissing ? SQLITE_OPEN_CREATE : 0);
+    const int rc = sqlite3_open_v2(path.c_str(), &m_db, access | SQLITE_OPEN_NOMUTEX, nullptr);
     if (rc != SQLITE_OK) {
         const std::string detail = m_db ? sqlite3_errmsg(m_db) : sqlite3_errstr(rc);
         sqlite3_close(m_db);
         m_db = nullptr;
-        throw DepotError(code::SessionUnusable, "Cannot reach the depot at '" + path + "': " + detail);
+        throw DepotError(code::SessionUnusable, "Cannot reach the depot at '" + path + "': " + detail +
+                                                    "; check the depot path (-d or HBDEPOT) and its permissions");
     }
     sqlite3_busy_timeout(m_db, busyTimeoutMs);
     sqlite3_extended_result_codes(m_db, 1);
     try {
-        execute("PRAGMA journal_mode=WAL");
-        execute("PRAGMA synchronous=NORMAL");
+        if (!m_readOnly) {
+            execute("PRAGMA journal_mode=WAL");
+            execute("PRAGMA synchronous=NORMAL");
+        }
         execute("PRAGMA foreign_keys=ON");
     } catch (...) {
         sqlite3_close(m_db);
@@ -56,7 +89,7 @@ void Database::execute(const char* sql)
     if (rc != SQLITE_OK) {
         const std::string text = message ? message : sqlite3_errstr(rc);
         sqlite3_free(message);
-        fail(nullptr, rc, text);
+        fail(rc, text, "running a depot command");
     }
 }
 

@@ -17,7 +17,8 @@ class Database
 {
 public:
     // Opens an existing database file read-write (createIfMissing makes a new one), in WAL mode,
-    // waiting up to busyTimeoutMs for other processes' write locks.
+    // waiting up to busyTimeoutMs for other processes' write locks. A file this process may not
+    // write is opened read-only: queries work, changes fail with a message that says why.
     Database(const std::string& path, bool createIfMissing, int busyTimeoutMs);
     ~Database();
     Database(const Database&) = delete;
@@ -27,8 +28,10 @@ public:
     sqlite3* handle() const { return m_db; }
     std::int64_t lastInsertId() const;
     int changes() const;
+    bool readOnly() const { return m_readOnly; }
 
 private:
+    bool m_readOnly = false;
     sqlite3* m_db = nullptr;
 };
 

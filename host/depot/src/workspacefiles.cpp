@@ -1,10 +1,15 @@
 #include "workspacefiles.h"
 
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <system_error>
 
 #include "depoterror.h"
+
+#include <unistd.h>
 
 namespace hbrc::depot::workspacefiles {
 
@@ -21,6 +26,17 @@ namespace {
 }
 
 constexpr fs::perms kWriteBits = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+
+// FNV-1a: stable across runs and builds, so that a rerun finds a leftover temporary by its name.
+std::uint64_t stableHash(const std::string& text)
+{
+    std::uint64_t hash = 14695981039346656037ull;
+    for (unsigned char c : text) {
+        hash ^= c;
+        hash *= 1099511628211ull;
+    }
+    return hash;
+}
 
 }  // namespace
 
@@ -41,8 +57,7 @@ void writeReadOnly(const fs::path& path, const std::vector<char>& content)
     fs::create_directories(path.parent_path(), error);
     if (error)
         failOn(path.parent_path(), "create the folder", error);
-    fs::path temporary = path;
-    temporary += ".hbdepot-tmp";
+    const fs::path temporary = temporaryFor(path);
     {
         std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
         out.write(content.data(), static_cast<std::streamsize>(content.size()));
@@ -56,6 +71,32 @@ void writeReadOnly(const fs::path& path, const std::vector<char>& content)
         fs::remove(temporary, error);
         failOn(path, "write", error);
     }
+}
+
+fs::path temporaryFor(const fs::path& path)
+{
+    char name[40];
+    std::snprintf(name, sizeof name, ".hbdepot-%016llx.tmp",
+                  static_cast<unsigned long long>(stableHash(path.filename().string())));
+    return path.parent_path() / name;
+}
+
+void requireReplaceable(const fs::path& path)
+{
+    std::error_code error;
+    if (fs::is_directory(path, error))
+        failOn(path, "replace the folder");
+    fs::create_directories(path.parent_path(), error);
+    if (error)
+        failOn(path.parent_path(), "create the folder", error);
+    if (::access(path.parent_path().c_str(), W_OK | X_OK) != 0)
+        failOn(path, "write", std::error_code(errno, std::generic_category()));
+}
+
+bool isWritable(const fs::path& path)
+{
+    std::error_code error;
+    return (fs::status(path, error).permissions() & fs::perms::owner_write) != fs::perms::none && !error;
 }
 
 void setWritable(const fs::path& path, bool writable)

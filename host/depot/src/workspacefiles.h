@@ -10,8 +10,15 @@ namespace hbrc::depot::workspacefiles {
 
 std::vector<char> read(const std::filesystem::path& path);
 // Replaces the file (through a temporary beside it, so a failure leaves the old file) and makes it
-// read-only, creating missing folders.
+// read-only, creating missing folders. Doing it again gives the same result.
 void writeReadOnly(const std::filesystem::path& path, const std::vector<char>& content);
+// The temporary writeReadOnly uses: a short name of its own in the file's folder, so that it fits
+// wherever the file's name fits, and the same for the same file (a rerun reuses a leftover).
+std::filesystem::path temporaryFor(const std::filesystem::path& path);
+// Throws unless writeReadOnly or remove can work on the path: its folder can be made and written
+// into, and the path is no folder.
+void requireReplaceable(const std::filesystem::path& path);
+bool isWritable(const std::filesystem::path& path);
 void setWritable(const std::filesystem::path& path, bool writable);
 void remove(const std::filesystem::path& path);
 bool isReadableFile(const std::filesystem::path& path);

@@ -4,8 +4,10 @@
 // by every host that opens it. Several processes may open the same file at once.
 //
 // Every operation is one round trip: it runs in one transaction, whatever the length of its file
-// list, and either completes or leaves the depot as it was (also when the process dies midway or
-// the caller cancels). Operations never throw; they answer a Result (0 success, negative failure
+// list, and either completes or leaves the depot as it was (also when the caller cancels); sync
+// alone is per file and lands every file it can. Workspace files change after the commit, from a
+// journal that the next process opening the depot finishes if this one dies midway, so the depot's
+// record and the files agree after a crash at any point. Operations never throw; they answer a Result (0 success, negative failure
 // with its text). Operations on files need a session ticket from login(); an unknown or expired
 // ticket, like an unreachable depot file, fails them with code::SessionUnusable (-34).
 //
@@ -67,8 +69,12 @@ public:
     Result expireSession(const std::string& ticket);
 
     // The head revisions of the files (all depot files for an empty list) into the workspace,
-    // read-only; files this workspace has open are left alone.
-    Result sync(const std::string& ticket, const Files& files, const CancelCheck& cancel = {});
+    // read-only; files this workspace has open are left alone. A writable file whose content is
+    // not the workspace's revision is kept unless `mode` is Force, and so is a file that cannot be
+    // written: each is named ("Can't clobber writable file ...") in a Failed result while the
+    // other files are synced and recorded.
+    Result sync(const std::string& ticket, const Files& files, SyncMode mode = SyncMode::Safe,
+                const CancelCheck& cancel = {});
     // One status per file, in the order asked.
     Result status(const std::string& ticket, const Files& files, std::vector<FileStatus>& statuses,
                   const CancelCheck& cancel = {});
@@ -85,7 +91,7 @@ public:
     Result remove(const std::string& ticket, const Files& files, const ChangelistId& changelist,
                   const CancelCheck& cancel = {});
     // Un-opens the files: edits and deletes get the workspace's revision back, read-only; adds
-    // only stop being open. Files not open are skipped.
+    // only stop being open. Files not open are skipped and named in a Skipped result.
     Result revert(const std::string& ticket, const Files& files, const CancelCheck& cancel = {});
     // Locks files this workspace has open, so that others see them as locked.
     Result lock(const std::string& ticket, const Files& files, const CancelCheck& cancel = {});

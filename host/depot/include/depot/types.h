@@ -17,6 +17,7 @@ constexpr int Failed = -1;           // the request was refused: files in the wr
 constexpr int Cancelled = -2;        // the caller's cancel check asked to stop; nothing changed
 constexpr int IoError = -3;          // a workspace file could not be read or written
 constexpr int SessionUnusable = -34; // unknown or expired ticket, or the depot cannot be reached
+constexpr int Skipped = 1;           // done, except for files that needed nothing (the text names them)
 }  // namespace code
 
 struct Result
@@ -90,6 +91,10 @@ enum class Operation {
 };
 
 enum class PasswordHashCost { Interactive, Minimal };
+
+// Whether a sync may overwrite a writable workspace file whose content is not the workspace's
+// revision (a local change made after "make writable"): Safe keeps it and refuses that file.
+enum class SyncMode { Safe, Force };
 
 // Polled between the steps of an operation; returning true cancels it and rolls it back.
 using CancelCheck = std::function<bool()>;

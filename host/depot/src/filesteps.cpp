@@ -1,0 +1,111 @@
+#include "filesteps.h"
+
+#include "depoterror.h"
+#include "sqlite.h"
+#include "workspacefiles.h"
+
+namespace hbrc::depot::journal {
+
+namespace {
+
+constexpr const char* kStepNames[] = {"write", "remove", "writable", "readonly"};
+
+const char* nameOf(FileStep::Kind kind)
+{
+    return kStepNames[static_cast<int>(kind)];
+}
+
+FileStep::Kind kindNamed(const std::string& name)
+{
+    for (int i = 0; i < 4; ++i) {
+        if (name == kStepNames[i])
+            return static_cast<FileStep::Kind>(i);
+    }
+    throw DepotError(code::Failed, "The depot's journal holds an unknown step '" + name + "'");
+}
+
+void applyOne(const FileStep& step)
+{
+    switch (step.kind) {
+    case FileStep::Kind::WriteRevision:
+        workspacefiles::writeReadOnly(step.local, step.content);
+        break;
+    case FileStep::Kind::Remove:
+        workspacefiles::remove(step.local);
+        break;
+    case FileStep::Kind::MakeWritable:
+        workspacefiles::setWritable(step.local, true);
+        break;
+    case FileStep::Kind::MakeReadOnly:
+        workspacefiles::setWritable(step.local, false);
+        break;
+    }
+}
+
+}  // namespace
+
+void record(Database& db, std::vector<FileStep>& steps)
+{
+    Statement insert(db, "INSERT INTO journal(workspace, path, step, rev) VALUES (?1, ?2, ?3, ?4)");
+    for (FileStep& step : steps) {
+        insert.bind(1, step.workspace).bind(2, step.key).bind(3, std::string(nameOf(step.kind)));
+        insert.bind(4, step.revision).run();
+        step.journalId = db.lastInsertId();
+    }
+}
+
+std::vector<std::string> apply(const std::vector<FileStep>& steps, std::vector<std::int64_t>& done)
+{
+    std::vector<std::string> failures;
+    for (const FileStep& step : steps) {
+        try {
+            applyOne(step);
+            done.push_back(step.journalId);
+        } catch (const DepotError& error) {
+            failures.push_back(error.what());
+        }
+    }
+    return failures;
+}
+
+void forget(Database& db, const std::vector<std::int64_t>& done)
+{
+    if (done.empty())
+        return;
+    Transaction transaction(db, Transaction::Kind::Write);
+    Statement remove(db, "DELETE FROM journal WHERE id = ?1");
+    for (std::int64_t id : done)
+        remove.bind(1, id).run();
+    transaction.commit();
+}
+
+bool pending(Database& db)
+{
+    Statement any(db, "SELECT EXISTS (SELECT 1 FROM journal)");
+    const bool found = any.step() && any.integer(0) != 0;
+    any.reset();
+    return found;
+}
+
+void replay(Database& db)
+{
+    std::vector<FileStep> steps;
+    {
+        Transaction reading(db, Transaction::Kind::Read);
+        Statement select(db, "SELECT j.id, j.workspace, j.path, j.step, j.rev, w.root, r.content FROM journal j "
+                             "JOIN workspaces w ON w.name = j.workspace "
+                             "LEFT JOIN revisions r ON r.path = j.path AND r.rev = j.rev ORDER BY j.id");
+        while (select.step()) {
+            FileStep step{kindNamed(select.text(3)), select.text(1), select.text(2),
+                          std::filesystem::path(select.text(5)) / select.text(2), select.integer(4),
+                          select.blob(6), select.integer(0)};
+            steps.push_back(std::move(step));
+        }
+        reading.commit();
+    }
+    std::vector<std::int64_t> done;
+    journal::apply(steps, done);
+    forget(db, done);
+}
+
+}  // namespace hbrc::depot::journal
