@@ -34,6 +34,10 @@ CommandLine::CommandLine(int argc, char** argv)
             m_help = true;
             continue;
         }
+        if (word == "--password-stdin") {
+            m_passwordFromStandardInput = true;
+            continue;
+        }
         if (word.empty() || word[0] != '-')
             break;
         const auto global = std::find_if(globals.begin(), globals.end(), [&](const auto& option) {
@@ -44,36 +48,9 @@ CommandLine::CommandLine(int argc, char** argv)
         if (++index == argc)
             throw std::invalid_argument("option " + word + " needs a value");
         *global->second = argv[index];
+        m_passwordOnCommandLine = m_passwordOnCommandLine || global->second == &m_password;
     }
     m_words.assign(argv + index, argv + argc);
-    m_help = m_help || std::find(m_words.begin(), m_words.end(), "--help") != m_words.end();
-}
-
-std::optional<std::string> CommandLine::takeOption(const std::string& flag)
-{
-    const auto found = std::find(m_words.begin(), m_words.end(), flag);
-    if (found == m_words.end())
-        return std::nullopt;
-    if (found + 1 == m_words.end())
-        throw std::invalid_argument("option " + flag + " needs a value");
-    std::string value = *(found + 1);
-    m_words.erase(found, found + 2);
-    return value;
-}
-
-bool CommandLine::takeFlag(const std::string& flag)
-{
-    const auto found = std::find(m_words.begin(), m_words.end(), flag);
-    if (found == m_words.end())
-        return false;
-    m_words.erase(found);
-    return true;
-}
-
-std::vector<std::string> CommandLine::arguments(std::size_t count) const
-{
-    return std::vector<std::string>(m_words.begin() + static_cast<std::ptrdiff_t>(std::min(count, m_words.size())),
-                                    m_words.end());
 }
 
 }  // namespace hbrc::hbdepot

@@ -1,9 +1,8 @@
 #pragma once
 
-// The hbdepot command line: global options (each with an environment fallback), the command name
-// and its own arguments, from which a command takes its options.
+// The hbdepot command line: global options (each with an environment fallback) and the command's
+// words, which the command checks against its own syntax.
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,17 +20,18 @@ public:
     const std::string& workspace() const { return m_workspace; }
     const std::string& password() const { return m_password; }
     const std::string& ticket() const { return m_ticket; }
+    // --password-stdin: the password is the first line of standard input.
+    bool passwordFromStandardInput() const { return m_passwordFromStandardInput; }
+    // -P: the password stands in the process list, where every local user can read it.
+    bool passwordOnCommandLine() const { return m_passwordOnCommandLine; }
 
-    // The command's words ("user add", "sync"); empty when none was given.
+    // The command's name and arguments ("user add bob", "sync --force"); empty when none was given.
     const std::vector<std::string>& words() const { return m_words; }
-    // Removes "-x VALUE" from the command's words and returns VALUE.
-    std::optional<std::string> takeOption(const std::string& flag);
-    bool takeFlag(const std::string& flag);
-    // The words after the first `count` (the command's name), as given.
-    std::vector<std::string> arguments(std::size_t count) const;
 
 private:
     bool m_help = false;
+    bool m_passwordFromStandardInput = false;
+    bool m_passwordOnCommandLine = false;
     std::string m_depot;
     std::string m_user;
     std::string m_workspace;

@@ -7,10 +7,14 @@
 #include <filesystem>
 #include <functional>
 #include <iomanip>
+#include <limits>
 #include <ostream>
 #include <stdexcept>
 
 #include "commandline.h"
+#include "passwordinput.h"
+#include "ticketstore.h"
+#include "verbarguments.h"
 
 namespace hbrc::hbdepot {
 
@@ -22,42 +26,42 @@ namespace {
 struct Context
 {
     Depot& depot;
-    CommandLine& line;
-    std::size_t nameLength;
+    const CommandLine& line;
+    const VerbArguments& args;
     std::ostream& out;
+    std::ostream& err;
+    TicketStore& tickets;
     std::string ticket;
 
-    std::vector<std::string> arguments() const { return line.arguments(nameLength); }
     std::vector<std::string> files() const
     {
         std::vector<std::string> paths;
-        for (const std::string& argument : arguments())
-            paths.push_back(std::filesystem::absolute(argument).lexically_normal().string());
+        for (const std::string& word : args.words())
+            paths.push_back(std::filesystem::absolute(word).lexically_normal().string());
         return paths;
     }
-    std::string argument(std::size_t index, const char* what) const
-    {
-        const std::vector<std::string> given = arguments();
-        if (index >= given.size())
-            throw std::invalid_argument(std::string("missing ") + what);
-        return given[index];
-    }
-    std::string changelistOption() { return line.takeOption("-c").value_or(""); }
+    std::string word(std::size_t index) const { return args.words().at(index); }
+    std::string changelistOption() const { return args.option("-c").value_or(""); }
+    // The depot as the ticket store names it: one name whatever path led to it.
+    std::string depotKey() const { return std::filesystem::weakly_canonical(depot.path()).string(); }
 };
 
 struct Command
 {
     std::vector<std::string> name;
     bool needsSession;
+    VerbSyntax syntax;
     const char* usage;
     const char* summary;
     std::function<Result(Context&)> run;
 };
 
+constexpr std::size_t kAny = std::numeric_limits<std::size_t>::max();
+
 // The session lifetime of a new depot; a clear error instead of the parser's own for a bad value.
-std::chrono::seconds sessionLifetime(CommandLine& line)
+std::chrono::seconds sessionLifetime(const VerbArguments& args)
 {
-    const std::string text = line.takeOption("--session-lifetime").value_or("43200");
+    const std::string text = args.option("--session-lifetime").value_or("43200");
     std::size_t used = 0;
     long long seconds = 0;
     try {
@@ -90,7 +94,7 @@ void printStatus(std::ostream& out, const std::string& file, const depot::FileSt
 
 Result printChangelists(Context& c)
 {
-    const std::string state = c.line.takeOption("-s").value_or("pending");
+    const std::string state = c.args.option("-s").value_or("pending");
     if (state != "pending" && state != "submitted")
         throw std::invalid_argument("-s takes pending or submitted");
     std::vector<depot::Changelist> list;
@@ -105,7 +109,7 @@ Result printChangelists(Context& c)
 Result printDescription(Context& c)
 {
     depot::Changelist change;
-    const Result result = c.depot.describe(c.ticket, c.argument(0, "changelist"), change);
+    const Result result = c.depot.describe(c.ticket, c.word(0), change);
     if (!result.ok())
         return result;
     c.out << "Change " << (change.id.empty() ? "default" : change.id) << " by " << change.user << "@"
@@ -123,76 +127,190 @@ Result printDescription(Context& c)
 Result printOpened(Context& c)
 {
     std::vector<depot::OpenedFile> files;
-    const Result result = c.depot.opened(c.ticket, c.line.takeFlag("-a"), files);
+    const Result result = c.depot.opened(c.ticket, c.args.flag("-a"), files);
     for (const depot::OpenedFile& file : files)
         c.out << file.depotPath << " - " << depot::actionName(file.action) << " " << changelistName(file.changelist)
               << " by " << file.user << "@" << file.workspace << (file.locked ? " *locked*" : "") << "\n";
     return result;
 }
 
+void warnAboutVisiblePassword(std::ostream& err, const char* how)
+{
+    err << "hbdepot: warning: " << how
+        << " is visible to every user of this machine; use the prompt, --password-stdin or HBDEPOT_PASSWORD\n";
+}
+
+Result addUser(Context& c)
+{
+    const std::string name = c.word(0);
+    if (c.args.words().size() > 1) {
+        warnAboutVisiblePassword(c.err, "a password given as an argument");
+        return c.depot.addUser(name, c.word(1));
+    }
+    return c.depot.addUser(name, passwordFor(c.line, "Password for " + name + " (empty: none): ", c.err));
+}
+
+Result addWorkspace(Context& c)
+{
+    const std::filesystem::path root = std::filesystem::absolute(c.word(2)).lexically_normal();
+    std::error_code error;
+    if (!std::filesystem::is_directory(root, error)) {
+        if (!c.args.flag("--create"))
+            return {depot::code::Failed, "The root folder " + root.string() +
+                                             " does not exist; create it first, or give --create"};
+        std::filesystem::create_directories(root, error);
+        if (error)
+            return {depot::code::Failed, "Cannot create the root folder " + root.string() + ": " + error.message()};
+    }
+    return c.depot.addWorkspace(c.word(0), c.word(1), root.string());
+}
+
+// A ticket given with -t (or HBDEPOT_TICKET) must be a live session of the user and workspace
+// named beside it, if any: a ticket never silently stands in for another account.
+Result checkGivenTicket(Context& c)
+{
+    std::string user;
+    std::string workspace;
+    Result result = c.depot.session(c.line.ticket(), user, workspace);
+    if (!result.ok())
+        return {result.code, "The ticket is not valid: " + result.error};
+    if ((!c.line.user().empty() && c.line.user() != user) ||
+        (!c.line.workspace().empty() && c.line.workspace() != workspace))
+        return {depot::code::Failed, "The ticket is the session of " + user + " in workspace " + workspace +
+                                         ", not of " + (c.line.user().empty() ? user : c.line.user()) +
+                                         " in workspace " +
+                                         (c.line.workspace().empty() ? workspace : c.line.workspace())};
+    c.ticket = c.line.ticket();
+    return result;
+}
+
+void requireAccount(const CommandLine& line)
+{
+    if (line.user().empty() || line.workspace().empty())
+        throw std::invalid_argument("give a ticket (-t) or a user (-u) and a workspace (-w)");
+}
+
+Result logInWithPassword(Context& c)
+{
+    return c.depot.login(c.line.user(), passwordFor(c.line, "Password for " + c.line.user() + ": ", c.err),
+                         c.line.workspace(), c.ticket);
+}
+
+// The session a command works in: the ticket given, else the one "login" kept for this depot
+// and user (when it is still alive and of the same workspace), else a log-in with the password.
+Result openSession(Context& c)
+{
+    if (!c.line.ticket().empty())
+        return checkGivenTicket(c);
+    requireAccount(c.line);
+    if (const std::optional<StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
+        stored && stored->workspace == c.line.workspace()) {
+        std::string user;
+        std::string workspace;
+        if (c.depot.session(stored->ticket, user, workspace).ok()) {
+            c.ticket = stored->ticket;
+            return {};
+        }
+    }
+    return logInWithPassword(c);
+}
+
+Result login(Context& c)
+{
+    if (!c.line.ticket().empty()) {
+        const Result result = checkGivenTicket(c);
+        if (result.ok())
+            c.out << "The ticket is valid.\n";
+        return result;
+    }
+    requireAccount(c.line);
+    const Result result = logInWithPassword(c);
+    if (!result.ok())
+        return result;
+    if (c.args.flag("-p")) {
+        c.out << c.ticket << "\n";
+        return result;
+    }
+    c.tickets.save(c.depotKey(), c.line.user(), {c.line.workspace(), c.ticket});
+    c.out << "User " << c.line.user() << " logged in to workspace " << c.line.workspace() << ".\n";
+    return result;
+}
+
+Result logout(Context& c)
+{
+    std::string ticket = c.line.ticket();
+    if (ticket.empty()) {
+        if (c.line.user().empty())
+            throw std::invalid_argument("give a ticket (-t) or a user (-u)");
+        const std::optional<StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
+        if (!stored)
+            return {depot::code::Failed, "User " + c.line.user() + " is not logged in to this depot."};
+        ticket = stored->ticket;
+        c.tickets.forget(c.depotKey(), c.line.user());
+    }
+    const Result result = c.depot.logout(ticket);
+    // A session that already ended needs no ending; its kept ticket is gone all the same.
+    if (result.ok() || result.code == depot::code::SessionUnusable)
+        c.out << "Logged out.\n";
+    return result.code == depot::code::SessionUnusable ? Result{} : result;
+}
+
 const std::vector<Command>& commands()
 {
     static const std::vector<Command> table = {
-        {{"init"}, false, "init [--session-lifetime SECONDS]", "create a new depot file",
-         [](Context& c) { return Depot::create(c.depot.path(), sessionLifetime(c.line)); }},
-        {{"user", "add"}, false, "user add NAME [PASSWORD]", "add a user (no password: none needed)",
+        {{"init"}, false, {{"--session-lifetime"}, {}, 0, 0}, "init [--session-lifetime SECONDS]",
+         "create a new depot file",
+         [](Context& c) { return Depot::create(c.depot.path(), sessionLifetime(c.args)); }},
+        {{"user", "add"}, false, {{}, {}, 1, 2}, "user add NAME", "add a user (asks for the password; empty: none)",
+         addUser},
+        {{"workspace", "add"}, false, {{}, {"--create"}, 3, 3}, "workspace add [--create] NAME OWNER ROOT",
+         "add a workspace rooted in an existing folder (--create: make it)", addWorkspace},
+        {{"login"}, false, {{}, {"-p"}, 0, 0}, "login [-p]",
+         "open a session and keep its ticket for later commands (-p: print it instead)", login},
+        {{"logout"}, false, {{}, {}, 0, 0}, "logout", "end the session and forget its kept ticket", logout},
+        {{"sync"}, true, {{}, {"-f", "--force"}, 0, kAny}, "sync [-f] [FILE...]",
+         "get the head revisions (all files when none named; -f: overwrite writable files)",
          [](Context& c) {
-             const std::vector<std::string> given = c.arguments();
-             return c.depot.addUser(c.argument(0, "user name"), given.size() > 1 ? given[1] : "");
+             const depot::SyncMode mode =
+                 c.args.flag("-f") || c.args.flag("--force") ? depot::SyncMode::Force : depot::SyncMode::Safe;
+             return c.depot.sync(c.ticket, c.files(), mode);
          }},
-        {{"workspace", "add"}, false, "workspace add NAME OWNER ROOT", "add a workspace rooted in a folder",
-         [](Context& c) {
-             return c.depot.addWorkspace(c.argument(0, "workspace name"), c.argument(1, "owner"),
-                                         std::filesystem::absolute(c.argument(2, "root folder")).string());
-         }},
-        {{"login"}, true, "login", "open a session and print its ticket",
-         [](Context& c) {
-             c.out << c.ticket << "\n";
-             return Result{};
-         }},
-        {{"sync"}, true, "sync [FILE...]", "get the head revisions (all files when none named)",
-         [](Context& c) { return c.depot.sync(c.ticket, c.files()); }},
-        {{"edit"}, true, "edit [-c CHANGE] FILE...", "open files for edit",
-         [](Context& c) {
-             const std::string change = c.changelistOption();
-             return c.depot.edit(c.ticket, c.files(), change);
-         }},
-        {{"add"}, true, "add [-c CHANGE] FILE...", "open new files for add",
-         [](Context& c) {
-             const std::string change = c.changelistOption();
-             return c.depot.add(c.ticket, c.files(), change);
-         }},
-        {{"delete"}, true, "delete [-c CHANGE] FILE...", "open files for delete (removes the local copies)",
-         [](Context& c) {
-             const std::string change = c.changelistOption();
-             return c.depot.remove(c.ticket, c.files(), change);
-         }},
-        {{"revert"}, true, "revert FILE...", "discard opened files' changes",
+        {{"edit"}, true, {{"-c"}, {}, 1, kAny}, "edit [-c CHANGE] FILE...", "open files for edit",
+         [](Context& c) { return c.depot.edit(c.ticket, c.files(), c.changelistOption()); }},
+        {{"add"}, true, {{"-c"}, {}, 1, kAny}, "add [-c CHANGE] FILE...", "open new files for add",
+         [](Context& c) { return c.depot.add(c.ticket, c.files(), c.changelistOption()); }},
+        {{"delete"}, true, {{"-c"}, {}, 1, kAny}, "delete [-c CHANGE] FILE...",
+         "open files for delete (removes the local copies)",
+         [](Context& c) { return c.depot.remove(c.ticket, c.files(), c.changelistOption()); }},
+        {{"revert"}, true, {{}, {}, 1, kAny}, "revert FILE...", "discard opened files' changes",
          [](Context& c) { return c.depot.revert(c.ticket, c.files()); }},
-        {{"lock"}, true, "lock FILE...", "lock opened files against other users",
+        {{"lock"}, true, {{}, {}, 1, kAny}, "lock FILE...", "lock opened files against other users",
          [](Context& c) { return c.depot.lock(c.ticket, c.files()); }},
-        {{"opened"}, true, "opened [-a]", "list this workspace's opened files (-a: every workspace's)", printOpened},
-        {{"change"}, true, "change DESCRIPTION", "create a pending changelist and print its number",
+        {{"opened"}, true, {{}, {"-a"}, 0, 0}, "opened [-a]",
+         "list this workspace's opened files (-a: every workspace's)", printOpened},
+        {{"change"}, true, {{}, {}, 1, 1}, "change DESCRIPTION", "create a pending changelist and print its number",
          [](Context& c) {
              depot::ChangelistId created;
-             const Result result = c.depot.createChangelist(c.ticket, c.argument(0, "description"), created);
+             const Result result = c.depot.createChangelist(c.ticket, c.word(0), created);
              if (result.ok())
                  c.out << created << "\n";
              return result;
          }},
-        {{"changes"}, true, "changes [-s pending|submitted]", "list changelists", printChangelists},
-        {{"describe"}, true, "describe CHANGE", "show a changelist and its files ('default' too)", printDescription},
-        {{"submit"}, true, "submit [-c CHANGE] [-d DESCRIPTION]", "submit a changelist (default: the default one)",
+        {{"changes"}, true, {{"-s"}, {}, 0, 0}, "changes [-s pending|submitted]", "list changelists",
+         printChangelists},
+        {{"describe"}, true, {{}, {}, 1, 1}, "describe CHANGE", "show a changelist and its files ('default' too)",
+         printDescription},
+        {{"submit"}, true, {{"-c", "-d"}, {}, 0, 0}, "submit [-c CHANGE] [-d DESCRIPTION]",
+         "submit a changelist (default: the default one)",
          [](Context& c) {
-             const std::string change = c.changelistOption();
-             const std::string description = c.line.takeOption("-d").value_or("");
              depot::ChangelistId submitted;
-             const Result result = c.depot.submit(c.ticket, change, description, submitted);
+             const Result result =
+                 c.depot.submit(c.ticket, c.changelistOption(), c.args.option("-d").value_or(""), submitted);
              if (result.ok())
                  c.out << "Change " << submitted << " submitted.\n";
              return result;
          }},
-        {{"status"}, true, "status FILE...", "print each file's status word, changelist and holders",
+        {{"status"}, true, {{}, {}, 1, kAny}, "status FILE...", "print each file's status word, changelist and holders",
          [](Context& c) {
              const std::vector<std::string> files = c.files();
              std::vector<depot::FileStatus> statuses;
@@ -214,15 +332,20 @@ const Command* findCommand(const std::vector<std::string>& words)
     return nullptr;
 }
 
-Result openSession(Depot& depot, const CommandLine& line, std::string& ticket)
+bool asksForHelp(const std::vector<std::string>& words)
 {
-    if (!line.ticket().empty()) {
-        ticket = line.ticket();
-        return {};
+    for (const std::string& word : words) {
+        if (word == "--")
+            return false;
+        if (word == "-h" || word == "--help")
+            return true;
     }
-    if (line.user().empty() || line.workspace().empty())
-        throw std::invalid_argument("give a ticket (-t) or a user (-u) and a workspace (-w)");
-    return depot.login(line.user(), line.password(), line.workspace(), ticket);
+    return false;
+}
+
+void printCommandUsage(std::ostream& out, const Command& command)
+{
+    out << "Usage: hbdepot [OPTIONS] " << command.usage << "\n" << command.summary << "\n";
 }
 
 }  // namespace
@@ -235,43 +358,69 @@ void printUsage(std::ostream& out)
            "  -d, --depot PATH        the depot file (HBDEPOT)\n"
            "  -u, --user NAME         log in as this user (HBDEPOT_USER)\n"
            "  -w, --workspace NAME    in this workspace (HBDEPOT_WORKSPACE)\n"
-           "  -P, --password TEXT     with this password (HBDEPOT_PASSWORD)\n"
-           "  -t, --ticket TICKET     use the session 'login' printed instead (HBDEPOT_TICKET)\n"
-           "  -h, --help              show this text\n\n"
+           "  -t, --ticket TICKET     use the session 'login -p' printed (HBDEPOT_TICKET)\n"
+           "      --password-stdin    read the password from the first line of standard input\n"
+           "  -P, --password TEXT     the password (HBDEPOT_PASSWORD); visible to other users, avoid it\n"
+           "  -h, --help              show this text; after a command, that command's usage\n\n"
+           "Without a password option hbdepot asks for it, without echo, when standard input is a\n"
+           "terminal. 'login' keeps the session's ticket in ~/.hbdepot_tickets (HBDEPOT_TICKETS), readable\n"
+           "only by you, and later commands of that user and workspace use it.\n\n"
            "Commands (FILE: a path in the workspace; CHANGE: a changelist number or 'default'):\n";
     for (const Command& command : commands())
-        out << "  " << std::left << std::setw(38) << command.usage << command.summary << "\n";
+        out << "  " << std::left << std::setw(40) << command.usage << command.summary << "\n";
     out << "\nExit status: 0 done, 1 the depot refused (the reason is printed), 2 bad usage.\n";
 }
 
-int runCommand(CommandLine& line, std::ostream& out, std::ostream& err)
+int runCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
 {
-    const Command* command = findCommand(line.words());
+    const bool helpCommand = !line.words().empty() && line.words().front() == "help";
+    const std::vector<std::string> words(line.words().begin() + (helpCommand ? 1 : 0), line.words().end());
+    const Command* command = findCommand(words);
     if (!command) {
-        err << "hbdepot: unknown command" << (line.words().empty() ? "" : " '" + line.words().front() + "'")
+        if (helpCommand && words.empty()) {
+            printUsage(out);
+            return 0;
+        }
+        err << "hbdepot: unknown command" << (words.empty() ? "" : " '" + words.front() + "'")
             << "; see hbdepot --help\n";
         return 2;
     }
+    const std::vector<std::string> given(words.begin() + static_cast<std::ptrdiff_t>(command->name.size()), words.end());
+    if (helpCommand || asksForHelp(given)) {
+        printCommandUsage(out, *command);
+        return 0;
+    }
     try {
+        const VerbArguments args(command->syntax, given);
         if (line.depot().empty())
             throw std::invalid_argument("no depot given (-d or HBDEPOT)");
+        if (line.passwordOnCommandLine())
+            warnAboutVisiblePassword(err, "a password given with -P");
         Depot depot(std::filesystem::absolute(line.depot()).string());
-        Context context{depot, line, command->name.size(), out, {}};
+        TicketStore tickets;
+        Context context{depot, line, args, out, err, tickets, {}};
         Result result;
         if (command->needsSession)
-            result = openSession(depot, line, context.ticket);
+            result = openSession(context);
         if (result.ok())
             result = command->run(context);
-        if (!result.ok()) {
-            err << "hbdepot: " << result.error << " (code " << result.code << ")\n";
+        if (result.code != depot::code::Ok) {
+            err << "hbdepot: " << result.error;
+            if (result.code < 0)
+                err << " (code " << result.code << ")";
+            err << "\n";
             return 1;
         }
         if (!result.error.empty())
             err << "hbdepot: " << result.error << "\n";
         return 0;
-    } catch (const std::exception& error) {
-        err << "hbdepot: " << error.what() << "; see hbdepot --help\n";
+    } catch (const std::invalid_argument& error) {
+        err << "hbdepot: " << error.what() << "\n";
+        printCommandUsage(err, *command);
         return 2;
+    } catch (const std::exception& error) {
+        err << "hbdepot: " << error.what() << "\n";
+        return 1;
     }
 }
 

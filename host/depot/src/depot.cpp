@@ -82,9 +82,15 @@ void Depot::Impl::waitLatency(const Call& call) const
 
 void Depot::Impl::authenticate(Call& call, const std::string& ticket) const
 {
-    Statement session(call.db(), "SELECT s.user, s.expires_at, w.name, w.owner, w.root FROM sessions s "
-                                 "JOIN workspaces w ON w.name = s.workspace WHERE s.ticket_digest = ?1");
-    session.bind(1, ticketDigest(ticket));
+    const std::string digest = ticketDigest(ticket);
+    const auto local = localSessions.find(digest);
+    Statement session(call.db(), local == localSessions.end()
+                                     ? "SELECT s.user, s.expires_at, w.name, w.owner, w.root FROM sessions s "
+                                       "JOIN workspaces w ON w.name = s.workspace WHERE s.ticket_digest = ?1"
+                                     : "SELECT ?2, ?3, name, owner, root FROM workspaces WHERE name = ?4");
+    session.bind(1, digest);
+    if (local != localSessions.end())
+        session.bind(2, local->second.user).bind(3, local->second.expiresAt).bind(4, local->second.workspace);
     if (!session.step())
         throw DepotError(code::SessionUnusable, "Unknown session ticket; please log in again.");
     if (session.integer(1) <= now())
@@ -102,12 +108,15 @@ Result Depot::Impl::run(Operation operation, Transaction::Kind kind, const std::
         Database& database = connection();
         Call call(database, cancel);
         waitLatency(call);
+        // A depot this process may only read answers queries; its changes fail on their first write.
+        if (database.readOnly())
+            kind = Transaction::Kind::Read;
         std::optional<WriterLock> lock;
         if (kind == Transaction::Kind::Write) {
             lock.emplace(path, options.busyTimeout, [&call] { call.checkpoint(); });
             if (journal::pending(database))
                 journal::replay(database);
-        } else if (journal::pending(database)) {
+        } else if (!database.readOnly() && journal::pending(database)) {
             // A reader finishes a dead writer's steps when it can; a live writer finishes its own.
             WriterLock::tryTake(path, [&database] { journal::replay(database); });
         }
@@ -204,11 +213,13 @@ Result Depot::login(const std::string& user, const std::string& password, const 
 {
     std::string issued;
     const Result result = d->run(Operation::Login, Transaction::Kind::Write, std::nullopt, {}, [&](Call& call) {
+        // An unknown user gets the answer of a wrong password, after as long a wait, so that
+        // log-ins do not tell which user names exist. A user without a password needs none.
         Statement account(call.db(), "SELECT password_hash FROM users WHERE name = ?1");
-        if (!account.bind(1, user).step())
-            throw DepotError(code::Failed, "User " + user + " does not exist.");
-        // A user without a password needs none.
-        if (!account.isNull(0) && !verifyPassword(account.text(0), password))
+        const bool known = account.bind(1, user).step();
+        const bool valid = known ? account.isNull(0) || verifyPassword(account.text(0), password)
+                                 : (hashPassword(password, d->options.passwordHashCost), false);
+        if (!valid)
             throw DepotError(code::Failed, "Invalid password for user " + user + ".");
         account.reset();
         Statement owner(call.db(), "SELECT owner FROM workspaces WHERE name = ?1");
@@ -221,8 +232,13 @@ Result Depot::login(const std::string& user, const std::string& password, const 
         lifetime.step();
         const std::int64_t expiresAt = d->now() + lifetime.integer(0);
         lifetime.reset();
-        Statement(call.db(), "DELETE FROM sessions WHERE expires_at <= ?1").bind(1, d->now()).run();
         issued = newTicket();
+        if (call.db().readOnly()) {
+            // Nothing can be recorded: the session lives in this connection only, for reading.
+            d->localSessions[ticketDigest(issued)] = {user, workspace, expiresAt};
+            return;
+        }
+        Statement(call.db(), "DELETE FROM sessions WHERE expires_at <= ?1").bind(1, d->now()).run();
         Statement insert(call.db(), "INSERT INTO sessions(ticket_digest, user, workspace, expires_at) "
                                     "VALUES (?1, ?2, ?3, ?4)");
         insert.bind(1, ticketDigest(issued)).bind(2, user).bind(3, workspace).bind(4, expiresAt).run();
@@ -230,6 +246,14 @@ Result Depot::login(const std::string& user, const std::string& password, const 
     if (result.ok())
         ticket = issued;
     return result;
+}
+
+Result Depot::session(const std::string& ticket, std::string& user, std::string& workspace)
+{
+    return d->runInSession(Operation::Session, Transaction::Kind::Read, ticket, {}, [&](Call& call) {
+        user = call.user();
+        workspace = call.workspace().name();
+    });
 }
 
 Result Depot::logout(const std::string& ticket)

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -40,6 +41,14 @@ struct Depot::Impl
     // Counted on the thread that runs the operation (a time-out runner's worker), read on any.
     std::atomic<std::uint64_t> roundTrips{0};
     std::unique_ptr<Database> db;
+    // Sessions of a read-only depot, which cannot record them: by ticket digest.
+    struct LocalSession
+    {
+        std::string user;
+        std::string workspace;
+        std::int64_t expiresAt = 0;
+    };
+    std::map<std::string, LocalSession> localSessions;
 
 private:
     Database& connection();

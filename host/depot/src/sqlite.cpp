@@ -4,6 +4,7 @@
 
 #include <cerrno>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "depoterror.h"
@@ -42,9 +43,14 @@ namespace {
     fail(rc, db ? sqlite3_errmsg(db) : sqlite3_errstr(rc), doing);
 }
 
+// A file without any write bit counts as read-only also for a user whom the system would let
+// write it anyway (root), as workspace files do.
 bool writable(const std::string& path)
 {
-    return ::access(path.c_str(), W_OK) == 0 || errno == ENOENT;
+    struct stat info{};
+    if (::stat(path.c_str(), &info) != 0)
+        return errno == ENOENT;
+    return (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) != 0 && ::access(path.c_str(), W_OK) == 0;
 }
 
 }  // namespace

@@ -61,9 +61,11 @@ public:
     Result setSessionLifetime(std::chrono::seconds lifetime);
 
     // Opens a session of `user` in their `workspace`. A wrong password fails with a text
-    // containing "Invalid password".
+    // containing "Invalid password", and so does an unknown user.
     Result login(const std::string& user, const std::string& password, const std::string& workspace,
                  std::string& ticket);
+    // Whose session a ticket is; -34 when it is unknown or expired.
+    Result session(const std::string& ticket, std::string& user, std::string& workspace);
     Result logout(const std::string& ticket);
     // Fault injection: the ticket stops working now, in every process.
     Result expireSession(const std::string& ticket);

@@ -87,7 +87,7 @@ struct Changelist
 // The operations of the depot, as fault injection names them.
 enum class Operation {
     Administer, Login, Logout, Sync, Status, Holders, Edit, Add, Delete, Revert, Lock, Submit,
-    Opened, Changelists, Describe, CreateChangelist, ChangelistExists
+    Opened, Changelists, Describe, CreateChangelist, ChangelistExists, Session
 };
 
 enum class PasswordHashCost { Interactive, Minimal };
