@@ -6,6 +6,7 @@
 #include <memory>
 
 using namespace hbrc::depot;
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -26,10 +27,18 @@ public:
                command;
     }
 
-    static std::unique_ptr<QProcess> start(const QStringList& arguments)
+    // Kept tickets go to the test's folder, never to the user's home.
+    std::unique_ptr<QProcess> start(const QStringList& arguments, const QByteArray& input = {}) const
     {
         auto process = std::make_unique<QProcess>();
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("HBDEPOT_TICKETS", QString::fromStdString(path("tickets")));
+        for (const char* name : {"HBDEPOT_USER", "HBDEPOT_WORKSPACE", "HBDEPOT_PASSWORD", "HBDEPOT_TICKET"})
+            environment.remove(name);
+        process->setProcessEnvironment(environment);
         process->start(QStringLiteral(HBDEPOT_EXECUTABLE), arguments);
+        process->write(input);
+        process->closeWriteChannel();
         return process;
     }
 
@@ -40,7 +49,17 @@ public:
                 QString::fromUtf8(process.readAllStandardError())};
     }
 
-    static ToolRun run(const QStringList& arguments) { return finish(*start(arguments)); }
+    ToolRun run(const QStringList& arguments, const QByteArray& input = {}) const
+    {
+        return finish(*start(arguments, input));
+    }
+    // hbdepot as bob with no password option: a kept ticket, or standard input with --password-stdin.
+    ToolRun runAsBob(const QStringList& command, const QByteArray& input = {}) const
+    {
+        return run(QStringList{"-d", depotArgument(), "-u", "bob", "-w", "bob-ws"} + command, input);
+    }
+    QString depotArgument() const { return QString::fromStdString(m_depotPath); }
+    QString bobPath(const std::string& relative) const { return QString::fromStdString(bobFile(relative)); }
 };
 
 TEST_F(DepotProcesses, EachSideSeesTheOthersChanges)
@@ -59,16 +78,107 @@ TEST_F(DepotProcesses, EachSideSeesTheOthersChanges)
     EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, aliceFile("ship.kel")).word, status::NotAtHead);
 }
 
-TEST_F(DepotProcesses, RefusalsAndBadUsageHaveTheirExitCodes)
+TEST_F(DepotProcesses, BadUsageIsRefusedWithTheCommandsUsage)
 {
-    const ToolRun wrongPassword = run(bobArguments({"opened"}, "nope"));
-    EXPECT_EQ(wrongPassword.exitCode, 1);
-    EXPECT_TRUE(wrongPassword.errors.contains("Invalid password")) << wrongPassword.errors.toStdString();
-    EXPECT_EQ(run(bobArguments({"frobnicate"})).exitCode, 2);
-    EXPECT_EQ(run(bobArguments({"edit", "-c"})).exitCode, 2);
+    const std::vector<QStringList> badUsage = {
+        {"frobnicate"},     {"edit"},   {"edit", "-x", "f.kel"}, {"edit", "-c"},      {"status"},
+        {"opened", "more"}, {"describe"}, {"user", "add"},       {"user", "add", "carol", "pw", "extra"},
+        {"sync", "--forse"}, {"submit", "-d", "a", "-d", "b"},
+    };
+    for (const QStringList& command : badUsage) {
+        const ToolRun result = run(bobArguments(command));
+        EXPECT_EQ(result.exitCode, 2) << command.join(' ').toStdString() << ": " << result.errors.toStdString();
+    }
+    EXPECT_TRUE(run(bobArguments({"edit", "-x", "f.kel"})).errors.contains("Usage: hbdepot [OPTIONS] edit"));
     const ToolRun help = run({"--help"});
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_TRUE(help.output.contains("submit [-c CHANGE] [-d DESCRIPTION]"));
+    const ToolRun verbHelp = run({"sync", "--help"});
+    EXPECT_EQ(verbHelp.exitCode, 0);
+    EXPECT_TRUE(verbHelp.output.startsWith("Usage: hbdepot [OPTIONS] sync [-f] [FILE...]"));
+}
+
+TEST_F(DepotProcesses, RefusalsSayWhyAndExitWith1)
+{
+    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
+    struct Refusal
+    {
+        QStringList arguments;
+        QString says;
+    };
+    const std::vector<Refusal> refusals = {
+        {bobArguments({"opened"}, "nope"), "Invalid password"},
+        {{"-d", depotArgument(), "-u", "mallory", "-w", "bob-ws", "-P", "x", "opened"}, "Invalid password"},
+        {bobArguments({"revert", bobPath("shared.kel")}), "file not opened"},
+        {{"-d", depotArgument(), "-t", "bogus", "login"}, "The ticket is not valid"},
+        {{"-d", depotArgument(), "-t", QString::fromStdString(m_aliceTicket), "-u", "bob", "opened"},
+         "not of bob in workspace alice-ws"},
+        {{"-d", depotArgument(), "workspace", "add", "carol-ws", "bob", QString::fromStdString(path("nowhere"))},
+         "does not exist; create it first, or give --create"},
+    };
+    for (const Refusal& refusal : refusals) {
+        const ToolRun result = run(refusal.arguments);
+        EXPECT_EQ(result.exitCode, 1) << refusal.arguments.join(' ').toStdString();
+        EXPECT_TRUE(result.errors.contains(refusal.says)) << result.errors.toStdString();
+    }
+    const ToolRun created = run({"-d", depotArgument(), "workspace", "add", "--create", "carol-ws", "bob",
+                                 QString::fromStdString(path("nowhere"))});
+    EXPECT_EQ(created.exitCode, 0) << created.errors.toStdString();
+    EXPECT_TRUE(fs::is_directory(path("nowhere")));
+}
+
+TEST_F(DepotProcesses, LoginKeepsATicketOnlyItsOwnerCanReadAndLogoutEndsIt)
+{
+    // -P still works, with a warning.
+    EXPECT_TRUE(run(bobArguments({"opened"})).errors.contains("warning: a password given with -P is visible"));
+    EXPECT_EQ(runAsBob({"opened"}).exitCode, 1) << "no password, no terminal: the empty password is wrong";
+    const ToolRun login = runAsBob({"--password-stdin", "login"}, "bob-pw\n");
+    ASSERT_EQ(login.exitCode, 0) << login.errors.toStdString();
+    EXPECT_EQ((fs::status(path("tickets")).permissions() & fs::perms::all), fs::perms::owner_read | fs::perms::owner_write);
+
+    write(bobFile("ship.kel"), "hull");
+    const ToolRun add = runAsBob({"add", bobPath("ship.kel")});
+    EXPECT_EQ(add.exitCode, 0) << add.errors.toStdString();
+    EXPECT_TRUE(add.errors.isEmpty()) << add.errors.toStdString();
+
+    ASSERT_EQ(runAsBob({"logout"}).exitCode, 0);
+    EXPECT_EQ(runAsBob({"opened"}).exitCode, 1) << "the kept ticket is gone";
+    EXPECT_EQ(runAsBob({"logout"}).exitCode, 1) << "nobody to log out";
+    const ToolRun viaStandardInput = runAsBob({"--password-stdin", "opened"}, "bob-pw\n");
+    EXPECT_EQ(viaStandardInput.exitCode, 0) << viaStandardInput.errors.toStdString();
+    EXPECT_TRUE(viaStandardInput.output.contains("//depot/ship.kel - add")) << viaStandardInput.output.toStdString();
+}
+
+TEST_F(DepotProcesses, SyncKeepsWritableChangesUntilForced)
+{
+    write(bobFile("shared.kel"), "bob's work");
+    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
+    write(aliceFile("shared.kel"), "v2");
+    ok(submit(*m_alice, m_aliceTicket, "v2"));
+    const ToolRun kept = run(bobArguments({"sync"}));
+    EXPECT_EQ(kept.exitCode, 1);
+    EXPECT_TRUE(kept.errors.contains("Can't clobber writable file " + bobPath("shared.kel"))) << kept.errors.toStdString();
+    EXPECT_EQ(read(bobFile("shared.kel")), "bob's work");
+    EXPECT_EQ(run(bobArguments({"sync", "-f"})).exitCode, 0);
+    EXPECT_EQ(read(bobFile("shared.kel")), "v2");
+}
+
+TEST_F(DepotProcesses, AReadOnlyOrDamagedDepotAnswersClearly)
+{
+    fs::permissions(m_depotPath, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+    const ToolRun status = run(bobArguments({"status", bobPath("shared.kel")}));
+    EXPECT_EQ(status.exitCode, 0) << status.errors.toStdString();
+    EXPECT_TRUE(status.output.contains(" 0x0")) << status.output.toStdString();
+    const ToolRun edit = run(bobArguments({"edit", bobPath("shared.kel")}));
+    EXPECT_EQ(edit.exitCode, 1);
+    EXPECT_TRUE(edit.errors.contains("The depot is read-only")) << edit.errors.toStdString();
+    EXPECT_FALSE(isWritable(bobFile("shared.kel")));
+
+    const std::string damaged = path("damaged.db");
+    std::ofstream(damaged) << std::string(200, 'x');
+    const ToolRun unreadable = run({"-d", QString::fromStdString(damaged), "-u", "bob", "-w", "bob-ws", "opened"});
+    EXPECT_EQ(unreadable.exitCode, 1);
+    EXPECT_EQ(unreadable.errors.count("file is not a database"), 1) << unreadable.errors.toStdString();
 }
 
 TEST_F(DepotProcesses, ConcurrentWritersAllLand)

@@ -38,7 +38,7 @@ INSTANTIATE_TEST_SUITE_P(
     , LoginFailures,
     ::testing::Values(LoginCase{"WrongPassword", "alice", "guess", "alice-ws", "", "Invalid password"},
                       LoginCase{"MissingPassword", "alice", "", "alice-ws", "", "Invalid password"},
-                      LoginCase{"UnknownUser", "carol", "x", "alice-ws", "", "carol does not exist"},
+                      LoginCase{"UnknownUser", "carol", "x", "alice-ws", "", "Invalid password"},
                       LoginCase{"SomeoneElsesWorkspace", "alice", "alice-pw", "bob-ws", "", "belongs to user bob"},
                       LoginCase{"UnreachableDepot", "alice", "alice-pw", "alice-ws", ".missing", "Cannot reach the depot"}),
     [](const ::testing::TestParamInfo<LoginCase>& info) { return std::string(info.param.name); });
