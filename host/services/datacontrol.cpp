@@ -391,6 +391,14 @@ kelResult DataControl::CreateChangeList(const std::string& description, std::str
 
 void DataControl::SetUserParameters(const KELPtr<kel4::IUserParameters>& user)
 {
+    // The settings hand the account over again whenever it is written or revision control is
+    // switched on; a description of the same account, without a session, keeps the running one.
+    const bool sameAccountAgain = !user.IsNull() && !user->HasSession() && !m_session.IsNull() &&
+                                  m_session->HasSession() && user->GetUserName() == m_session->GetUserName() &&
+                                  user->GetWorkspace() == m_session->GetWorkspace() &&
+                                  user->GetServer() == m_session->GetServer();
+    if (sameAccountAgain)
+        return;
     m_session = user;
     m_connection->Cache().Invalidate();
 }

@@ -119,6 +119,25 @@ TEST_F(SessionsAndFaults, WithoutASessionOperationsAreUnusableWithoutAsking)
     EXPECT_NE(error.find("Cannot reach the depot"), std::string::npos) << error;
 }
 
+TEST_F(SessionsAndFaults, TheSameAccountHandedOverAgainKeepsTheSession)
+{
+    // As the settings do when revision control is switched on or the account is written again.
+    std::string error;
+    const KELPtr<IUserParameters> running = DataControl()->GetUserParameters();
+    DataControl()->SetUserParameters(
+        FileVersionControl()->CreateUserParameters("alice", "", DepotPath(), "alice-ws", error));
+    EXPECT_EQ(DataControl()->GetUserParameters(), running);
+    for (const DepotOperation& operation : kOperations)
+        EXPECT_GE(operation.run(*this, error).GetCode(), 0) << operation.name << ": " << error;
+
+    // Another account starts over: it needs a log-in of its own.
+    const KELPtr<IUserParameters> bob =
+        FileVersionControl()->CreateUserParameters("bob", "", DepotPath(), "bob-ws", error);
+    DataControl()->SetUserParameters(bob);
+    EXPECT_EQ(DataControl()->GetUserParameters(), bob);
+    EXPECT_EQ(kOperations[0].run(*this, error).GetCode(), kResultSessionUnusable);
+}
+
 TEST_F(SessionsAndFaults, ServicesOnAnUnreachableDepotAnswerUnusable)
 {
     std::string error;
