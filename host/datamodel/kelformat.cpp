@@ -11,21 +11,41 @@ namespace {
 
 const char* const kKindNames[] = {"metadata", "value", "data"};
 
+// Control characters other than the tab never stand in a line as they are: the reader refuses
+// them, so that a character lost or changed on the way (a carriage return) cannot pass unnoticed.
+bool isControl(unsigned char c)
+{
+    return (c < 0x20 && c != '\t') || c == 0x7f;
+}
+
 std::string escape(const std::string& text)
 {
+    static const char kHex[] = "0123456789abcdef";
     std::string out;
     out.reserve(text.size());
     for (char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
         if (c == '\\')
             out += "\\\\";
         else if (c == '\n')
             out += "\\n";
         else if (c == '\r')
             out += "\\r";
+        else if (isControl(byte))
+            out += std::string("\\x") + kHex[byte >> 4] + kHex[byte & 0xf];
         else
             out += c;
     }
     return out;
+}
+
+int hexDigit(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    return -1;
 }
 
 bool unescape(const std::string& text, std::string& out)
@@ -43,6 +63,15 @@ bool unescape(const std::string& text, std::string& out)
         case '\\': out += '\\'; break;
         case 'n': out += '\n'; break;
         case 'r': out += '\r'; break;
+        case 'x': {
+            const int high = i + 1 < text.size() ? hexDigit(text[i + 1]) : -1;
+            const int low = i + 2 < text.size() ? hexDigit(text[i + 2]) : -1;
+            if (high < 0 || low < 0 || !isControl(static_cast<unsigned char>(high * 16 + low)))
+                return false;
+            out += static_cast<char>(high * 16 + low);
+            i += 2;
+            break;
+        }
         default: return false;
         }
     }
@@ -69,6 +98,9 @@ public:
             ++m_lineNumber;
             if (!line.empty() && line.back() == '\r')
                 line.pop_back();
+            const auto control = std::find_if(line.begin(), line.end(), [](char c) { return isControl(static_cast<unsigned char>(c)); });
+            if (control != line.end())
+                return FailAt(control - line.begin(), static_cast<unsigned char>(*control));
             if (line.empty() || line.front() == '#')
                 continue;
             const std::size_t space = line.find(' ');
@@ -90,6 +122,15 @@ private:
     bool Fail(const std::string& reason, bool withLine = true)
     {
         m_error = withLine ? "line " + std::to_string(m_lineNumber) + ": " + reason : reason;
+        return false;
+    }
+
+    bool FailAt(std::ptrdiff_t index, unsigned char control)
+    {
+        static const char kHex[] = "0123456789abcdef";
+        m_error = "line " + std::to_string(m_lineNumber) + ", column " + std::to_string(index + 1) +
+                  ": control character 0x" + kHex[control >> 4] + kHex[control & 0xf] +
+                  " (write it as an escape in a text, leave it out of names and words)";
         return false;
     }
 
@@ -259,7 +300,8 @@ std::string Serialize(const AssetRecord& record)
 bool IsValidExternalFileName(const std::string& name)
 {
     if (name.empty() || name.front() == '/' || name.back() == '/' || name.find('\\') != std::string::npos
-        || name.find('\n') != std::string::npos || name.find("//") != std::string::npos)
+        || name.find("//") != std::string::npos
+        || std::any_of(name.begin(), name.end(), [](char c) { return isControl(static_cast<unsigned char>(c)) || c == '\t'; }))
         return false;
     std::size_t start = 0;
     while (start <= name.size()) {

@@ -18,7 +18,7 @@ TEST(KelFormat, RecordSurvivesSerializeAndParse)
     record.kind = AssetKind::Value;
     record.persistable = false;
     record.type = "Curve";
-    record.name = "Fade \\ in\nout";
+    record.name = "Fade \\ in\nout\r\x01\tend";
     record.version = 12;
     record.fields = {{"start", "0"}, {"note", "two\nlines = here"}};
     record.externalFiles = {"fade.bin", "cache/fade.idx"};
@@ -82,6 +82,13 @@ INSTANTIATE_TEST_SUITE_P(
         MalformedCase{"FieldWithoutValue", "field roughness\n", "line 7: a field reads \"field <name> = <value>\""},
         MalformedCase{"FieldTwice", "field a = 1\nfield a = 2\n", "line 8: the field \"a\" appears twice"},
         MalformedCase{"BadEscape", "field a = c:\\temp\n", "line 7: bad escape sequence in \"field\""},
+        MalformedCase{"EscapedPrintable", "field a = \\x41\n", "line 7: bad escape sequence in \"field\""},
+        MalformedCase{"ControlInExternal", "external fade\x01.bin\n",
+                      "line 7, column 14: control character 0x01 (write it as an escape in a text, leave it out "
+                      "of names and words)"},
+        MalformedCase{"CarriageReturnInside", "external a\rb.bin\r\n",
+                      "line 7, column 11: control character 0x0d (write it as an escape in a text, leave it out "
+                      "of names and words)"},
         MalformedCase{"ExternalOutside", "external ../other.bin\n",
                       "line 7: \"../other.bin\" is not a file name inside the asset's folder"},
         MalformedCase{"PartWithoutType", "part p1\n", "line 7: a part reads \"part <id> <type> <name>\""},
@@ -94,7 +101,7 @@ TEST(KelFormat, ExternalFileNamesStayInsideTheAssetFolder)
         {"steel.bin", true}, {"cache/steel.bin", true}, {"", false},         {"/etc/passwd", false},
         {"a/../b.bin", false}, {"./b.bin", false},      {"dir/", false},     {"a\\b.bin", false},
         {"a//b.bin", false},   {"mesh.kel", false},     {"kel", true},       {"mesh.kelp", true},
-        {"mesh.KEL", false},
+        {"mesh.KEL", false},   {"steel.bin\r", false}, {"a\tb.bin", false}, {"a\x7f.bin", false},
     };
     for (const auto& [name, valid] : cases)
         EXPECT_EQ(KelFormat::IsValidExternalFileName(name), valid) << name;

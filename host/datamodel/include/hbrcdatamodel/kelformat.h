@@ -7,8 +7,9 @@
 namespace hbrc::host {
 
 // The text format of a .kel asset file, version 1 (see host/datamodel/README.md). One line per
-// entry, "key value"; free texts (names, field values) escape backslash as "\\" and line breaks as
-// "\n". Lines that are empty or start with '#' are ignored.
+// entry, "key value"; free texts (names, field values) escape backslash as "\\", line breaks as
+// "\n" and "\r", and other control characters as "\xHH"; no line holds a control character other
+// than the tab. Lines that are empty or start with '#' are ignored.
 //
 //     kel 1
 //     id 5b0d6c1e-2f4e-4c1b-9a53-7f1d2b1c9e01
@@ -24,12 +25,13 @@ namespace KelFormat {
 
 constexpr int kVersion = 1;
 
-// Parses text into record. On failure returns false and sets errorText to "line N: reason".
+// Parses text into record. On failure returns false and sets errorText to "line N: reason"
+// ("line N, column C: ..." for a control character).
 bool Parse(const std::string& text, AssetRecord& record, std::string& errorText);
 std::string Serialize(const AssetRecord& record);
 
 // True when name may be an external file name: relative, inside the asset's folder (sub-folders
-// allowed, no "..", no backslash), not another .kel file.
+// allowed, no "..", no backslash, no control character or tab), not another .kel file.
 bool IsValidExternalFileName(const std::string& name);
 
 }  // namespace KelFormat
