@@ -136,4 +136,26 @@ TEST_F(PathsOnDisk, SearchExistenceAndEqualityFollowTheDisk)
     expectRows(rows);
 }
 
+TEST_F(PathsOnDisk, NamesStartingWithAColonAreFilesNotQtResources)
+{
+    ASSERT_TRUE(QDir(root).mkdir(QStringLiteral("./:assets")));
+    ASSERT_TRUE(QFile(root + QStringLiteral("/:assets/rock.kel")).open(QIODevice::WriteOnly));
+    const QString previous = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(root));
+    const Row<bool> rows[] = {
+        {"exists", PathExists(":assets/rock.kel"), true},
+        {"equal to its dotted form", ArePathEqual(":assets/rock.kel", "./:assets/rock.kel"), true},
+        {"searched", FindFileRecursive(":assets", "rock", 1), true},
+        {"a folder", IsDirectoryPathValid(QStringLiteral(":assets")), true},
+    };
+    const Row<QString> texts[] = {
+        {"made absolute below the base", MakePathAbsolute("/base", ":assets/rock.kel"), "/base/:assets/rock.kel"},
+        {"relative stays as given", MakePathRelative("/base", ":assets/rock.kel"), ":assets/rock.kel"},
+        {"relative to a colon base", MakePathRelative(":assets", narrow(root + "/:assets/rock.kel")), "rock.kel"},
+    };
+    QDir::setCurrent(previous);
+    expectRows(rows);
+    expectRows(texts);
+}
+
 }  // namespace

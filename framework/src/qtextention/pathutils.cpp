@@ -13,6 +13,18 @@ QString decoded(const char* path)
     return QFile::decodeName(path);
 }
 
+// Qt takes a path that starts with ':' for one of its resources; these helpers deal with files, so
+// such a name is handed to Qt as what it is, a name relative to the current folder.
+QString onDisk(const QString& path)
+{
+    return path.startsWith(QLatin1Char(':')) ? QStringLiteral("./") + path : path;
+}
+
+QString onDisk(const char* path)
+{
+    return onDisk(decoded(path));
+}
+
 // visited holds the canonical folders already searched, so that a link back up the tree cannot
 // make an unlimited (negative depth) search run forever.
 bool findFileBelow(const QString& dir, const QString& name, int depth, QSet<QString>& visited)
@@ -38,23 +50,23 @@ bool findFileBelow(const QString& dir, const QString& name, int depth, QSet<QStr
 
 bool ArePathEqual(const char* a, const char* b)
 {
-    return QFileInfo(decoded(a)) == QFileInfo(decoded(b));
+    return QFileInfo(onDisk(a)) == QFileInfo(onDisk(b));
 }
 
 QString MakePathRelative(const char* base, const char* path)
 {
     const QString target = decoded(path);
-    if (QDir::isRelativePath(target))
+    if (QDir::isRelativePath(onDisk(target)))
         return target;
-    return QDir(decoded(base)).relativeFilePath(target);
+    return QDir(onDisk(base)).relativeFilePath(target);
 }
 
 QString MakePathAbsolute(const char* base, const char* path)
 {
-    const QString target = decoded(path);
+    const QString target = onDisk(path);
     if (QDir::isAbsolutePath(target))
         return CleanPath(path);
-    return QDir::cleanPath(QDir(decoded(base)).absoluteFilePath(target));
+    return QDir::cleanPath(QDir(onDisk(base)).absoluteFilePath(target));
 }
 
 QString CleanPath(const char* path)
@@ -64,7 +76,7 @@ QString CleanPath(const char* path)
 
 bool PathExists(const char* path)
 {
-    return QFileInfo(decoded(path)).exists();
+    return QFileInfo(onDisk(path)).exists();
 }
 
 QString MakePath(const char* a, const char* b, const char* c, const char* d)
@@ -80,7 +92,7 @@ QString MakePath(const char* a, const char* b, const char* c, const char* d)
 bool FindFileRecursive(const char* dir, const char* name, int depth)
 {
     QSet<QString> visited;
-    return findFileBelow(decoded(dir), decoded(name), depth, visited);
+    return findFileBelow(onDisk(dir), decoded(name), depth, visited);
 }
 
 bool IsSubDirectory(const QString& directory, const QString& path)
@@ -99,11 +111,11 @@ bool IsSubDirectory(const QString& directory, const QString& path)
 bool IsDirectoryPathValid(const QString& path)
 {
     static const QRegularExpression pattern(QStringLiteral(R"re(^([a-zA-Z]:)?(\\[^<>:"/\\|?*]+)+\\?$)re"));
-    return pattern.match(path).hasMatch() || QFileInfo(path).isDir();
+    return pattern.match(path).hasMatch() || QFileInfo(onDisk(path)).isDir();
 }
 
 bool IsFilePathValid(const QString& path)
 {
     static const QRegularExpression pattern(QStringLiteral(R"re(^([a-zA-Z]:[/\\])?[^<>:"|?*]+([^/\\]+)$)re"));
-    return pattern.match(path).hasMatch() && !QFileInfo(path).isDir();
+    return pattern.match(path).hasMatch() && !QFileInfo(onDisk(path)).isDir();
 }
