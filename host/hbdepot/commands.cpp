@@ -11,10 +11,10 @@
 #include <ostream>
 #include <stdexcept>
 
+#include "commandcontext.h"
 #include "commandline.h"
 #include "passwordinput.h"
-#include "ticketstore.h"
-#include "verbarguments.h"
+#include "sessioncommands.h"
 
 namespace hbrc::hbdepot {
 
@@ -22,29 +22,6 @@ using depot::Depot;
 using depot::Result;
 
 namespace {
-
-struct Context
-{
-    Depot& depot;
-    const CommandLine& line;
-    const VerbArguments& args;
-    std::ostream& out;
-    std::ostream& err;
-    TicketStore& tickets;
-    std::string ticket;
-
-    std::vector<std::string> files() const
-    {
-        std::vector<std::string> paths;
-        for (const std::string& word : args.words())
-            paths.push_back(std::filesystem::absolute(word).lexically_normal().string());
-        return paths;
-    }
-    std::string word(std::size_t index) const { return args.words().at(index); }
-    std::string changelistOption() const { return args.option("-c").value_or(""); }
-    // The depot as the ticket store names it: one name whatever path led to it.
-    std::string depotKey() const { return std::filesystem::weakly_canonical(depot.path()).string(); }
-};
 
 struct Command
 {
@@ -163,96 +140,6 @@ Result addWorkspace(Context& c)
             return {depot::code::Failed, "Cannot create the root folder " + root.string() + ": " + error.message()};
     }
     return c.depot.addWorkspace(c.word(0), c.word(1), root.string());
-}
-
-// A ticket given with -t (or HBDEPOT_TICKET) must be a live session of the user and workspace
-// named beside it, if any: a ticket never silently stands in for another account.
-Result checkGivenTicket(Context& c)
-{
-    std::string user;
-    std::string workspace;
-    Result result = c.depot.session(c.line.ticket(), user, workspace);
-    if (!result.ok())
-        return {result.code, "The ticket is not valid: " + result.error};
-    if ((!c.line.user().empty() && c.line.user() != user) ||
-        (!c.line.workspace().empty() && c.line.workspace() != workspace))
-        return {depot::code::Failed, "The ticket is the session of " + user + " in workspace " + workspace +
-                                         ", not of " + (c.line.user().empty() ? user : c.line.user()) +
-                                         " in workspace " +
-                                         (c.line.workspace().empty() ? workspace : c.line.workspace())};
-    c.ticket = c.line.ticket();
-    return result;
-}
-
-void requireAccount(const CommandLine& line)
-{
-    if (line.user().empty() || line.workspace().empty())
-        throw std::invalid_argument("give a ticket (-t) or a user (-u) and a workspace (-w)");
-}
-
-Result logInWithPassword(Context& c)
-{
-    return c.depot.login(c.line.user(), passwordFor(c.line, "Password for " + c.line.user() + ": ", c.err),
-                         c.line.workspace(), c.ticket);
-}
-
-// The session a command works in: the ticket given, else the one "login" kept for this depot
-// and user (when it is still alive and of the same workspace), else a log-in with the password.
-Result openSession(Context& c)
-{
-    if (!c.line.ticket().empty())
-        return checkGivenTicket(c);
-    requireAccount(c.line);
-    if (const std::optional<StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
-        stored && stored->workspace == c.line.workspace()) {
-        std::string user;
-        std::string workspace;
-        if (c.depot.session(stored->ticket, user, workspace).ok()) {
-            c.ticket = stored->ticket;
-            return {};
-        }
-    }
-    return logInWithPassword(c);
-}
-
-Result login(Context& c)
-{
-    if (!c.line.ticket().empty()) {
-        const Result result = checkGivenTicket(c);
-        if (result.ok())
-            c.out << "The ticket is valid.\n";
-        return result;
-    }
-    requireAccount(c.line);
-    const Result result = logInWithPassword(c);
-    if (!result.ok())
-        return result;
-    if (c.args.flag("-p")) {
-        c.out << c.ticket << "\n";
-        return result;
-    }
-    c.tickets.save(c.depotKey(), c.line.user(), {c.line.workspace(), c.ticket});
-    c.out << "User " << c.line.user() << " logged in to workspace " << c.line.workspace() << ".\n";
-    return result;
-}
-
-Result logout(Context& c)
-{
-    std::string ticket = c.line.ticket();
-    if (ticket.empty()) {
-        if (c.line.user().empty())
-            throw std::invalid_argument("give a ticket (-t) or a user (-u)");
-        const std::optional<StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
-        if (!stored)
-            return {depot::code::Failed, "User " + c.line.user() + " is not logged in to this depot."};
-        ticket = stored->ticket;
-        c.tickets.forget(c.depotKey(), c.line.user());
-    }
-    const Result result = c.depot.logout(ticket);
-    // A session that already ended needs no ending; its kept ticket is gone all the same.
-    if (result.ok() || result.code == depot::code::SessionUnusable)
-        c.out << "Logged out.\n";
-    return result.code == depot::code::SessionUnusable ? Result{} : result;
 }
 
 const std::vector<Command>& commands()

@@ -56,7 +56,6 @@ void forEachState(Call& call, const Depot::Files& files, Visit visit)
     }
 }
 
-
 // Whether sync may replace the workspace's copy of a file: a read-only or missing copy, or a
 // writable one that still holds the workspace's revision or already holds the new one. Anything
 // else is a local change made after "make writable", which only a forced sync overwrites.

@@ -1,0 +1,43 @@
+#pragma once
+
+// What a command works with: the depot, the command line and the command's own arguments, the
+// output streams, the kept tickets, and the session's ticket once one is open.
+
+#include <depot/depot.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "commandline.h"
+#include "ticketstore.h"
+#include "verbarguments.h"
+
+namespace hbrc::hbdepot {
+
+struct Context
+{
+    depot::Depot& depot;
+    const CommandLine& line;
+    const VerbArguments& args;
+    std::ostream& out;
+    std::ostream& err;
+    TicketStore& tickets;
+    std::string ticket;
+
+    std::vector<std::string> files() const
+    {
+        std::vector<std::string> paths;
+        for (const std::string& word : args.words())
+            paths.push_back(std::filesystem::absolute(word).lexically_normal().string());
+        return paths;
+    }
+    std::string word(std::size_t index) const { return args.words().at(index); }
+    std::string changelistOption() const { return args.option("-c").value_or(""); }
+    // The depot as the ticket store names it: one name whatever path led to it.
+    std::string depotKey() const { return std::filesystem::weakly_canonical(depot.path()).string(); }
+};
+
+}  // namespace hbrc::hbdepot
