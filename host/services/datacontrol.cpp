@@ -285,7 +285,7 @@ kelResult DataControl::CheckOut(const ObjectList& objects, bool includeExternalF
     const Files files = FilesOf(objects, includeExternalFiles, closure);
     return ChangeFiles(
         files,
-        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
+        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
             return depot.edit(ticket, files, changelist, cancel);
         },
         errorText);
@@ -299,7 +299,7 @@ kelResult DataControl::MarkForAdd(const ObjectList& objects, bool includeExterna
     // may have gained a new external file.
     return ChangeFiles(
         files,
-        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
+        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
             std::vector<depot::FileStatus> statuses;
             depot::Result result = depot.status(ticket, files, statuses, cancel);
             if (!result.ok())
@@ -339,7 +339,7 @@ bool DataControl::ChangeListExists(const std::string& changelist)
     std::string ignored;
     const kelResult result = m_connection->Run(
         m_session.Get(),
-        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck&) {
+        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
             return depot.changelistExists(ticket, changelist, exists);
         },
         ignored);
@@ -351,7 +351,7 @@ kelResult DataControl::GetPendingChangeLists(kel4::List<std::string>& changelist
     std::vector<depot::Changelist> pending;
     const kelResult result = m_connection->Run(
         m_session.Get(),
-        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck&) {
+        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
             return depot.changelists(ticket, depot::ChangelistState::Pending, pending);
         },
         errorText);
@@ -367,7 +367,7 @@ kelResult DataControl::GetChangeListDescription(const std::string& changelist, s
     depot::Changelist described;
     const kelResult result = m_connection->Run(
         m_session.Get(),
-        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck&) {
+        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
             return depot.describe(ticket, changelist, described);
         },
         errorText);
@@ -381,7 +381,7 @@ kelResult DataControl::CreateChangeList(const std::string& description, std::str
 {
     return m_connection->Run(
         m_session.Get(),
-        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck&) {
+        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
             return depot.createChangelist(ticket, description, changelist);
         },
         errorText);

@@ -23,7 +23,7 @@ const char* const kBusyText = "Another revision-control operation is still runni
 
 DepotConnection::DepotConnection(std::string server, ConnectionOptions options)
     : m_options(std::move(options)),
-      m_depot(std::make_unique<depot::Depot>(std::move(server), m_options.depot)),
+      m_depot(OpenRevisionServer(server, m_options.depot)),
       m_cache(m_options.statusLifetime)
 {
     m_runner.SetThreshold(m_options.timeOutThreshold);
@@ -49,10 +49,10 @@ KELPtr<UserParameters> DepotConnection::Login(const std::string& userName, const
     }
     RunningGuard running(m_running);
     const bool otherServer = !server.empty() && server != m_depot->path();
-    std::unique_ptr<depot::Depot> other;
+    std::unique_ptr<RevisionServer> other;
     if (otherServer)
-        other = std::make_unique<depot::Depot>(server, m_options.depot);
-    depot::Depot& target = otherServer ? *other : *m_depot;
+        other = OpenRevisionServer(server, m_options.depot);
+    RevisionServer& target = otherServer ? *other : *m_depot;
 
     std::string ticket;
     const depot::Result result = m_runner.Run([&](const depot::CancelCheck&) {
@@ -83,7 +83,7 @@ kelResult DepotConnection::Run(const kel4::IUserParameters* session, const Opera
         return kel4::kResultFailed;
     }
     RunningGuard running(m_running);
-    depot::Depot& depot = *m_depot;
+    RevisionServer& depot = *m_depot;
     return Finish(m_runner.Run([&](const depot::CancelCheck& cancel) { return operation(depot, ticket, cancel); }),
                   errorText);
 }
@@ -91,7 +91,7 @@ kelResult DepotConnection::Run(const kel4::IUserParameters* session, const Opera
 kelResult DepotConnection::ExpireSession(const kel4::IUserParameters* session, std::string& errorText)
 {
     return Run(session,
-               [](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck&) {
+               [](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
                    return depot.expireSession(ticket);
                },
                errorText);

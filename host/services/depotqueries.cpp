@@ -11,7 +11,7 @@ kelResult Status(DepotConnection& connection, const kel4::IUserParameters* sessi
     std::vector<depot::FileStatus> answered;
     const kelResult result = connection.Run(
         session,
-        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
+        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
             return depot.status(ticket, files, answered, cancel);
         },
         errorText);
@@ -28,7 +28,7 @@ kelResult Holders(DepotConnection& connection, const kel4::IUserParameters* sess
     std::vector<std::vector<std::string>> perFile;
     const kelResult result = connection.Run(
         session,
-        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
+        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
             return depot.holders(ticket, files, perFile, cancel);
         },
         errorText);

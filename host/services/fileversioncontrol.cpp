@@ -46,14 +46,14 @@ KELPtr<kel4::IUserParameters> FileVersionControl::CreateUserParameters(const std
                                                                        std::string& errorText)
 {
     // Whether the user and the workspace exist only a log-in can tell; what can be checked without
-    // one is that the account is complete and the depot file is there.
+    // one is that the account is complete and, for the embedded depot, that its file is there.
     const std::string depotPath = server.empty() ? m_connection->Server() : server;
     std::error_code ignored;
     if (userName.empty() || workspace.empty()) {
         errorText = "An account needs a user name and a workspace.";
         return {};
     }
-    if (!std::filesystem::is_regular_file(depotPath, ignored)) {
+    if (!IsSubversionUrl(depotPath) && !std::filesystem::is_regular_file(depotPath, ignored)) {
         errorText = "Cannot reach the depot at '" + depotPath + "': no such file";
         return {};
     }
@@ -84,7 +84,7 @@ kelResult FileVersionControl::Revert(const kel4::IUserParameters* user, const ke
     const std::vector<std::string> list = ToVector(files);
     return DepotQueries::Change(
         *m_connection, user, list,
-        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
+        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
             return depot.revert(ticket, list, cancel);
         },
         errorText);
@@ -97,7 +97,7 @@ kelResult FileVersionControl::MarkForDeleteInChangelist(const kel4::IUserParamet
     const std::vector<std::string> list = ToVector(files);
     return DepotQueries::Change(
         *m_connection, user, list,
-        [&](depot::Depot& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
+        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
             return depot.remove(ticket, list, changelist, cancel);
         },
         errorText);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <tuple>
 
 using namespace kel4;
 
@@ -19,16 +20,21 @@ struct OtherUserCase
     bool canCheckOut;
 };
 
-class OtherUserStatus : public DepotHostFixture, public ::testing::WithParamInterface<OtherUserCase>
+class OtherUserStatus : public DepotHostFixture,
+                        public ::testing::WithParamInterface<std::tuple<ServerKind, OtherUserCase>>
 {
+public:
+    ServerKind Server() const override { return std::get<0>(GetParam()); }
 };
 
 TEST_P(OtherUserStatus, AliceSeesBobsWorkWithHisName)
 {
-    const OtherUserCase& row = GetParam();
+    const OtherUserCase& row = std::get<1>(GetParam());
     row.bobDoes(*this, BobFilesOf("Rock"));
 
-    EXPECT_EQ(StatusOf("Rock"), row.expectedWord);
+    // A Subversion check-out is a lock: the others' word says so too.
+    const unsigned lockedBit = IsSubversion() && (row.expectedWord & eStatusCheckedOutByOthers) ? eStatusLockedByOthers : 0u;
+    EXPECT_EQ(StatusOf("Rock"), row.expectedWord | lockedBit);
     EXPECT_EQ(StatusOf("Sky"), 0u) << "an asset bob did not touch";
     List<std::string> users;
     ASSERT_EQ(DataControl()->GetUsersOfObject(Asset("Rock"), kPersistence, users).GetCode(), 0);
@@ -43,7 +49,7 @@ TEST_P(OtherUserStatus, AliceSeesBobsWorkWithHisName)
 // refuse a check-out as the status rules say (tst_statusrules).
 INSTANTIATE_TEST_SUITE_P(
     , OtherUserStatus,
-    ::testing::Values(
+    ::testing::Combine(ServerKinds(), ::testing::Values(
         OtherUserCase{"Untouched", [](DepotHostFixture&, const auto&) {}, 0u, {}, true},
         OtherUserCase{"BobEdits",
                       [](DepotHostFixture& f, const auto& files) { f.BobExpects(f.Bob().edit(f.BobTicket(), files, "")); },
@@ -51,15 +57,24 @@ INSTANTIATE_TEST_SUITE_P(
         OtherUserCase{"BobSubmitsAnEdit",
                       [](DepotHostFixture& f, const auto& files) {
                           f.BobExpects(f.Bob().edit(f.BobTicket(), files, ""));
+                          for (const std::string& file : files) {
+                              QFile changed(QFile::decodeName(file.c_str()));
+                              ASSERT_TRUE(changed.open(QIODevice::Append) && changed.write("bob's edit") > 0);
+                          }
                           hbrc::depot::ChangelistId submitted;
                           f.BobExpects(f.Bob().submit(f.BobTicket(), "", "bob's change", submitted));
                       },
-                      eStatusNotHeadRevision, {}, false}),
-    [](const ::testing::TestParamInfo<OtherUserCase>& info) { return std::string(info.param.name); });
+                      eStatusNotHeadRevision, {}, false})),
+    [](const ::testing::TestParamInfo<std::tuple<ServerKind, OtherUserCase>>& info) {
+        return ServerKindName({std::get<0>(info.param), info.index}) + std::get<1>(info.param).name;
+    });
 
-using ObjectStatus = DepotHostFixture;
+class ObjectStatus : public ServerFixture
+{
+};
+INSTANTIATE_TEST_SUITE_P(Servers, ObjectStatus, ServerKinds(), ServerKindName);
 
-TEST_F(ObjectStatus, ObjectWordIsTheUnionOfItsFilesWords)
+TEST_P(ObjectStatus, ObjectWordIsTheUnionOfItsFilesWords)
 {
     // Bob holds only the external file; alice checks out only the .kel file.
     BobExpects(Bob().edit(BobTicket(), {BobPath("rock.bin")}, ""));
@@ -70,12 +85,13 @@ TEST_F(ObjectStatus, ObjectWordIsTheUnionOfItsFilesWords)
     ASSERT_EQ(DataControl()->GetStatus({Asset("Rock"), Asset("Sky")}, true, kPersistence, true, statuses, error)
                   .GetCode(),
               0);
-    EXPECT_EQ(statuses, (List<unsigned>{eStatusCheckedOut | eStatusCheckedOutByOthers, 0u}));
+    const unsigned lockedBit = IsSubversion() ? eStatusLockedByOthers : 0u;
+    EXPECT_EQ(statuses, (List<unsigned>{eStatusCheckedOut | eStatusCheckedOutByOthers | lockedBit, 0u}));
     ASSERT_EQ(DataControl()->GetStatus({Asset("Rock")}, false, kPersistence, true, statuses, error).GetCode(), 0);
     EXPECT_EQ(statuses, List<unsigned>{eStatusCheckedOut}) << "without external files only the .kel file counts";
 }
 
-TEST_F(ObjectStatus, MarkForAddAddsOnlyTheFilesTheDepotLacks)
+TEST_P(ObjectStatus, MarkForAddAddsOnlyTheFilesTheDepotLacks)
 {
     const auto lamp = CreateSavedAsset("Lamp", "lamp.bin");
     EXPECT_EQ(StatusOf("Lamp"), eStatusNotInDatabase);
@@ -96,7 +112,7 @@ TEST_F(ObjectStatus, MarkForAddAddsOnlyTheFilesTheDepotLacks)
     EXPECT_EQ(StatusOf("Rock"), eStatusCheckedOut | eStatusMarkedForAdd);
 }
 
-TEST_F(ObjectStatus, ThousandObjectStatusQuestionIsOneRoundTripAnEmptyOneNone)
+TEST_P(ObjectStatus, ThousandObjectStatusQuestionIsOneRoundTripAnEmptyOneNone)
 {
     ObjectList objects;
     for (int i = 0; i < 1000; ++i) {
@@ -120,7 +136,7 @@ TEST_F(ObjectStatus, ThousandObjectStatusQuestionIsOneRoundTripAnEmptyOneNone)
     EXPECT_EQ(services.connection->RoundTrips() - before, 1u);
 }
 
-TEST_F(ObjectStatus, PerObjectQuestionsAboutTheWorkListShareOneRoundTripAndAChangeForgetsOnlyItsFiles)
+TEST_P(ObjectStatus, PerObjectQuestionsAboutTheWorkListShareOneRoundTripAndAChangeForgetsOnlyItsFiles)
 {
     AliceChecksOut("Sky");
     // An editability question names its work list through the related-objects question first.

@@ -8,9 +8,12 @@ using namespace kel4;
 
 namespace {
 
-using RevisionOperations = DepotHostFixture;
+class RevisionOperations : public ServerFixture
+{
+};
+INSTANTIATE_TEST_SUITE_P(Servers, RevisionOperations, ServerKinds(), ServerKindName);
 
-TEST_F(RevisionOperations, CheckOutIntoANewChangelistThenRevert)
+TEST_P(RevisionOperations, CheckOutIntoANewChangelistThenRevert)
 {
     std::string changelist;
     std::string error;
@@ -43,7 +46,7 @@ TEST_F(RevisionOperations, CheckOutIntoANewChangelistThenRevert)
     EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
 }
 
-TEST_F(RevisionOperations, CheckOutOfAFileHeldByBobFailsWholeAndNamesHim)
+TEST_P(RevisionOperations, CheckOutOfAFileHeldByBobFailsWholeAndNamesHim)
 {
     BobExpects(Bob().edit(BobTicket(), BobFilesOf("Tree"), ""));
     std::string error;
@@ -56,7 +59,7 @@ TEST_F(RevisionOperations, CheckOutOfAFileHeldByBobFailsWholeAndNamesHim)
     EXPECT_EQ(users, List<std::string>{"bob"});
 }
 
-TEST_F(RevisionOperations, MarkForDeleteInAChangelistAndRevertIt)
+TEST_P(RevisionOperations, MarkForDeleteInAChangelistAndRevertIt)
 {
     std::string changelist;
     std::string error;
@@ -73,7 +76,7 @@ TEST_F(RevisionOperations, MarkForDeleteInAChangelistAndRevertIt)
     EXPECT_EQ(StatusOf("Sky"), 0u);
 }
 
-TEST_F(RevisionOperations, MakeWritableFollowsTheIncludeExternalFlagAndLeavesTheDepotAlone)
+TEST_P(RevisionOperations, MakeWritableFollowsTheIncludeExternalFlagAndLeavesTheDepotAlone)
 {
     EXPECT_TRUE(DataControl()->CanMakeWritable(Asset("Rock"), true, kPersistence));
     const auto before = services.connection->RoundTrips();
@@ -89,7 +92,7 @@ TEST_F(RevisionOperations, MakeWritableFollowsTheIncludeExternalFlagAndLeavesThe
     EXPECT_EQ(StatusOf("Rock"), 0u) << "not opened";
 }
 
-TEST_F(RevisionOperations, FilesOfObjectsWithAndWithoutExternalFilesAndAFilter)
+TEST_P(RevisionOperations, FilesOfObjectsWithAndWithoutExternalFilesAndAFilter)
 {
     Set<std::string> all;
     List<Set<std::string>> perObject;
@@ -108,7 +111,7 @@ TEST_F(RevisionOperations, FilesOfObjectsWithAndWithoutExternalFilesAndAFilter)
     EXPECT_EQ(external, Set<std::string>{AlicePath("rock.bin")});
 }
 
-TEST_F(RevisionOperations, ObjectQuestionsFollowTheDataModel)
+TEST_P(RevisionOperations, ObjectQuestionsFollowTheDataModel)
 {
     std::string error;
     const KELHandle<IDbObject> moss = workspace->AddPart(Asset("Rock"), "Layer", "Moss", error);

@@ -3,45 +3,66 @@
 #include <depothostfixture.h>
 
 #include <functional>
+#include <tuple>
 
 using namespace kel4;
 
 namespace {
 
-using SessionsAndFaults = DepotHostFixture;
+class SessionsAndFaults : public ServerFixture
+{
+};
+INSTANTIATE_TEST_SUITE_P(Servers, SessionsAndFaults, ServerKinds(), ServerKindName);
 
 struct LoginCase
 {
     const char* name;
     const char* user;
     const char* password;
-    const char* workspace;
-    const char* serverSuffix;  // after the depot's path
+    bool bobsWorkspace;
+    bool unreachable;
     const char* errorPart;
+    // What a Subversion server answers: a working copy has no owner (nullptr: the log-in succeeds).
+    const char* svnErrorPart;
 };
 
-class LoginFailures : public DepotHostFixture, public ::testing::WithParamInterface<LoginCase>
+class LoginFailures : public DepotHostFixture,
+                      public ::testing::WithParamInterface<std::tuple<ServerKind, LoginCase>>
 {
+public:
+    ServerKind Server() const override { return std::get<0>(GetParam()); }
 };
 
 TEST_P(LoginFailures, GiveNoSessionAndSayWhy)
 {
-    const LoginCase& row = GetParam();
+    const LoginCase& row = std::get<1>(GetParam());
     std::string error;
-    EXPECT_TRUE(FileVersionControl()->Login(row.user, row.password, row.workspace, DepotPath() + row.serverSuffix, error)
-                    .IsNull());
-    EXPECT_NE(error.find(row.errorPart), std::string::npos) << error;
-    EXPECT_EQ(StatusOf("Rock"), 0u) << "alice's installed session still works, on the same depot";
+    const std::string server = row.unreachable ? UnreachableServer() : DepotPath();
+    const KELPtr<IUserParameters> session = FileVersionControl()->Login(
+        row.user, row.password, row.bobsWorkspace ? BobWorkspace() : AliceWorkspace(), server, error);
+    const char* expected = IsSubversion() ? row.svnErrorPart : row.errorPart;
+    EXPECT_EQ(session.IsNull(), expected != nullptr) << error;
+    if (expected) {
+        EXPECT_NE(error.find(expected), std::string::npos) << error;
+    }
+    EXPECT_EQ(StatusOf("Rock"), 0u) << "alice's installed session still works, on the same server";
 }
 
+// file:// repositories have no authentication: only the unreachable row applies to them.
 INSTANTIATE_TEST_SUITE_P(
     , LoginFailures,
-    ::testing::Values(LoginCase{"WrongPassword", "alice", "guess", "alice-ws", "", "Invalid password"},
-                      LoginCase{"MissingPassword", "alice", "", "alice-ws", "", "Invalid password"},
-                      LoginCase{"UnknownUser", "carol", "x", "alice-ws", "", "Invalid password"},
-                      LoginCase{"SomeoneElsesWorkspace", "alice", "alice-pw", "bob-ws", "", "belongs to user bob"},
-                      LoginCase{"UnreachableDepot", "alice", "alice-pw", "alice-ws", ".missing", "Cannot reach the depot"}),
-    [](const ::testing::TestParamInfo<LoginCase>& info) { return std::string(info.param.name); });
+    ::testing::Combine(
+        ::testing::Values(ServerKind::EmbeddedDepot, ServerKind::SvnServe),
+        ::testing::Values(
+            LoginCase{"WrongPassword", "alice", "guess", false, false, "Invalid password", "Invalid password"},
+            LoginCase{"MissingPassword", "alice", "", false, false, "Invalid password", "Invalid password"},
+            LoginCase{"UnknownUser", "carol", "x", false, false, "Invalid password", "Invalid password"},
+            LoginCase{"SomeoneElsesWorkspace", "alice", "alice-pw", true, false, "belongs to user bob", nullptr},
+            LoginCase{"UnreachableServer", "alice", "alice-pw", false, true, "Cannot reach the depot",
+                      "Cannot reach the Subversion server"})),
+    [](const ::testing::TestParamInfo<std::tuple<ServerKind, LoginCase>>& info) {
+        return ServerKindName({std::get<0>(info.param), info.index}) + std::get<1>(info.param).name;
+    });
 
 // Every operation that needs the depot, as the plug-in calls them; each answers a result code.
 struct DepotOperation
@@ -74,7 +95,7 @@ const DepotOperation kOperations[] = {
      }},
 };
 
-TEST_F(SessionsAndFaults, ExpiredSessionMakesEveryOperationUnusableUntilALogIn)
+TEST_P(SessionsAndFaults, ExpiredSessionMakesEveryOperationUnusableUntilALogIn)
 {
     ASSERT_EQ(services.ExpireSessionNow().GetCode(), 0);
     std::string error;
@@ -88,7 +109,7 @@ TEST_F(SessionsAndFaults, ExpiredSessionMakesEveryOperationUnusableUntilALogIn)
         EXPECT_EQ(status.word, 0u) << "the refused check-out opened nothing";
 
     // What the plug-in's re-connection does: log in again and install the session.
-    const KELPtr<IUserParameters> session = FileVersionControl()->Login("alice", "alice-pw", "alice-ws", DepotPath(), error);
+    const KELPtr<IUserParameters> session = FileVersionControl()->Login("alice", "alice-pw", AliceWorkspace(), DepotPath(), error);
     ASSERT_FALSE(session.IsNull()) << error;
     EXPECT_TRUE(session->HasSession());
     DataControl()->SetSession(session);
@@ -96,7 +117,7 @@ TEST_F(SessionsAndFaults, ExpiredSessionMakesEveryOperationUnusableUntilALogIn)
         EXPECT_GE(operation.run(*this, error).GetCode(), 0) << operation.name << ": " << error;
 }
 
-TEST_F(SessionsAndFaults, WithoutASessionOperationsAreUnusableWithoutAsking)
+TEST_P(SessionsAndFaults, WithoutASessionOperationsAreUnusableWithoutAsking)
 {
     DataControl()->SetUserParameters({});
     const auto before = services.connection->RoundTrips();
@@ -107,48 +128,51 @@ TEST_F(SessionsAndFaults, WithoutASessionOperationsAreUnusableWithoutAsking)
 
     // An account without a session, as the host describes it before logging in.
     const KELPtr<IUserParameters> account =
-        FileVersionControl()->CreateUserParameters("alice", "", DepotPath(), "alice-ws", error);
+        FileVersionControl()->CreateUserParameters("alice", "", DepotPath(), AliceWorkspace(), error);
     ASSERT_FALSE(account.IsNull()) << error;
     EXPECT_FALSE(account->HasSession());
     EXPECT_EQ(account->GetServer(), DepotPath());
     DataControl()->SetUserParameters(account);
     EXPECT_EQ(DataControl()->GetUserParameters(), account);
     EXPECT_EQ(kOperations[0].run(*this, error).GetCode(), kResultSessionUnusable);
-    EXPECT_TRUE(FileVersionControl()->CreateUserParameters("alice", "", DepotPath() + ".missing", "alice-ws", error)
-                    .IsNull());
-    EXPECT_NE(error.find("Cannot reach the depot"), std::string::npos) << error;
+    if (!IsSubversion()) {
+        // Only a depot file can be looked for without a log-in.
+        EXPECT_TRUE(FileVersionControl()->CreateUserParameters("alice", "", UnreachableServer(), AliceWorkspace(), error)
+                        .IsNull());
+        EXPECT_NE(error.find("Cannot reach the depot"), std::string::npos) << error;
+    }
 }
 
-TEST_F(SessionsAndFaults, TheSameAccountHandedOverAgainKeepsTheSession)
+TEST_P(SessionsAndFaults, TheSameAccountHandedOverAgainKeepsTheSession)
 {
     // As the settings do when revision control is switched on or the account is written again.
     std::string error;
     const KELPtr<IUserParameters> running = DataControl()->GetUserParameters();
     DataControl()->SetUserParameters(
-        FileVersionControl()->CreateUserParameters("alice", "", DepotPath(), "alice-ws", error));
+        FileVersionControl()->CreateUserParameters("alice", "", DepotPath(), AliceWorkspace(), error));
     EXPECT_EQ(DataControl()->GetUserParameters(), running);
     for (const DepotOperation& operation : kOperations)
         EXPECT_GE(operation.run(*this, error).GetCode(), 0) << operation.name << ": " << error;
 
     // Another account starts over: it needs a log-in of its own.
     const KELPtr<IUserParameters> bob =
-        FileVersionControl()->CreateUserParameters("bob", "", DepotPath(), "bob-ws", error);
+        FileVersionControl()->CreateUserParameters("bob", "", DepotPath(), BobWorkspace(), error);
     DataControl()->SetUserParameters(bob);
     EXPECT_EQ(DataControl()->GetUserParameters(), bob);
     EXPECT_EQ(kOperations[0].run(*this, error).GetCode(), kResultSessionUnusable);
 }
 
-TEST_F(SessionsAndFaults, ServicesOnAnUnreachableDepotAnswerUnusable)
+TEST_P(SessionsAndFaults, ServicesOnAnUnreachableDepotAnswerUnusable)
 {
     std::string error;
     auto unreachable = hbrc::host::InstallRevisionControlServices(
-        *workspace, DepotPath() + ".missing", {"alice", "alice-pw", "alice-ws"}, error, ConnectionOptionsForAlice());
-    EXPECT_NE(error.find("Cannot reach the depot"), std::string::npos) << error;
+        *workspace, UnreachableServer(), {"alice", "alice-pw", AliceWorkspace()}, error, ConnectionOptionsForAlice());
+    EXPECT_NE(error.find("Cannot reach the"), std::string::npos) << error;
     for (const DepotOperation& operation : kOperations)
         EXPECT_EQ(operation.run(*this, error).GetCode(), kResultSessionUnusable) << operation.name;
 
     // Logging in to the right depot moves the services there.
-    const KELPtr<IUserParameters> session = FileVersionControl()->Login("alice", "alice-pw", "alice-ws", DepotPath(), error);
+    const KELPtr<IUserParameters> session = FileVersionControl()->Login("alice", "alice-pw", AliceWorkspace(), DepotPath(), error);
     ASSERT_FALSE(session.IsNull()) << error;
     DataControl()->SetSession(session);
     EXPECT_EQ(unreachable.connection->Server(), DepotPath());
@@ -157,7 +181,7 @@ TEST_F(SessionsAndFaults, ServicesOnAnUnreachableDepotAnswerUnusable)
 
 // How injected failures count and pick their operation is the depot's (tst_depot); here, that a
 // failed change reaches the caller with its text and opens nothing.
-TEST_F(SessionsAndFaults, FailedCheckOutLeavesNothingOpen)
+TEST_P(SessionsAndFaults, FailedCheckOutLeavesNothingOpen)
 {
     services.connection->Faults().failOperation(hbrc::depot::Operation::Edit, hbrc::depot::code::IoError, "disk on fire");
     std::string error;

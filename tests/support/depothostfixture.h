@@ -1,11 +1,16 @@
 #pragma once
 
-// A full reference host on an embedded depot, for scenario tests that link hbrc_services and
+// A full reference host on a revision server, for scenario tests that link hbrc_services and
 // hbrc_hostsession. Header-only so that the shared test support does not depend on the host.
 //
+// The server is the embedded depot unless a derived fixture's Server() names a Subversion
+// repository (served by svnserve, or reached through file://); ServerKinds() lists all three for
+// suites parameterised over the servers with ServerFixture below.
+//
 // SetUp stands up, in a temporary directory:
-// - a depot (depot.db) with the users alice ("alice-pw", workspace "alice-ws") and bob ("bob-pw",
-//   "bob-ws"), each workspace rooted in a folder of its own ("alice", "bob");
+// - a server (depot.db, or a repository) with the users alice ("alice-pw", workspace "alice-ws")
+//   and bob ("bob-pw", "bob-ws"), each workspace rooted in a folder of its own ("alice", "bob");
+//   a Subversion workspace is the working copy's folder itself;
 // - alice's host: a HostSession (preferences.ini, with alice's account in the "RevControl."
 //   preferences) over the alice folder, with both revision-control services installed in the
 //   workspace's database instance and alice logged in;
@@ -16,7 +21,10 @@
 // Derived fixtures may override ConnectionOptionsForAlice (e.g. a time-out threshold) and load
 // the plug-in into `host` in their own SetUp after calling this one.
 
+#include <svnrepositoryfixture.h>
+
 #include <hbrcservices/revisioncontrolservices.h>
+#include <hbrcservices/revisionserver.h>
 #include <hbrcsession/hostsession.h>
 
 #include <depot/depot.h>
@@ -35,14 +43,36 @@
 #include <string>
 #include <vector>
 
+enum class ServerKind { EmbeddedDepot, SvnServe, SvnFile };
+
+inline std::string ServerKindName(const ::testing::TestParamInfo<ServerKind>& info)
+{
+    switch (info.param) {
+    case ServerKind::EmbeddedDepot: return "EmbeddedDepot";
+    case ServerKind::SvnServe: return "SvnServe";
+    case ServerKind::SvnFile: return "SvnFile";
+    }
+    return "Unknown";
+}
+
 class DepotHostFixture : public ::testing::Test
 {
 public:  // table-driven tests' rows act on the fixture from outside
     using ObjectList = kel4::IDataControl::ObjectList;
 
-    static constexpr const char* kAliceWorkspace = "alice-ws";
-    static constexpr const char* kBobWorkspace = "bob-ws";
     static constexpr kel4::closureId kPersistence = kel4::closureId::Persistence;
+
+    virtual ServerKind Server() const { return ServerKind::EmbeddedDepot; }
+    bool IsSubversion() const { return Server() != ServerKind::EmbeddedDepot; }
+    // The workspace names an account logs in with: depot workspaces, or working-copy folders.
+    std::string AliceWorkspace() const
+    {
+        return IsSubversion() ? QFile::encodeName(AliceFolder()).toStdString() : "alice-ws";
+    }
+    std::string BobWorkspace() const
+    {
+        return IsSubversion() ? QFile::encodeName(BobFolder()).toStdString() : "bob-ws";
+    }
 
     virtual hbrc::host::ConnectionOptions ConnectionOptionsForAlice() const
     {
@@ -56,13 +86,15 @@ public:  // table-driven tests' rows act on the fixture from outside
     void SetUp() override
     {
         ASSERT_TRUE(m_dir.isValid());
-        m_depotPath = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
         ASSERT_TRUE(QDir(m_dir.path()).mkpath(QStringLiteral("alice")) && QDir(m_dir.path()).mkpath(QStringLiteral("bob")));
-        CreateDepot();
+        if (IsSubversion())
+            CreateRepository();
+        else
+            CreateDepot();
         OpenAliceHost();
         SeedAssets();
-        ASSERT_TRUE(Bob().login("bob", "bob-pw", kBobWorkspace, m_bobTicket).ok());
-        ASSERT_TRUE(Bob().sync(m_bobTicket, {}).ok());
+        BobExpects(Bob().login("bob", "bob-pw", BobWorkspace(), m_bobTicket));
+        BobExpects(Bob().sync(m_bobTicket, {}));
     }
 
     void TearDown() override
@@ -70,10 +102,23 @@ public:  // table-driven tests' rows act on the fixture from outside
         services = {};
         host.reset();
         m_bob.reset();
+        m_repository.reset();
     }
 
     // --- places ---------------------------------------------------------------------------------
+    // The server setting: the depot file's path or the repository's URL.
     const std::string& DepotPath() const { return m_depotPath; }
+    SvnRepositoryFixture* Repository() const { return m_repository.get(); }
+    // A server setting of the same kind that nothing answers.
+    std::string UnreachableServer() const
+    {
+        switch (Server()) {
+        case ServerKind::EmbeddedDepot: return m_depotPath + ".missing";
+        case ServerKind::SvnServe: return "svn://127.0.0.1:1";
+        case ServerKind::SvnFile: return "file://" + AlicePath("no-repository");
+        }
+        return {};
+    }
     QString AliceFolder() const { return CanonicalFolder(QStringLiteral("alice")); }
     QString BobFolder() const { return CanonicalFolder(QStringLiteral("bob")); }
     // Absolute paths as the data model names files (file-name encoding).
@@ -143,7 +188,7 @@ public:  // table-driven tests' rows act on the fixture from outside
         std::string error;
         const kelResult result = services.connection->Run(
             AliceSession(),
-            [&](hbrc::depot::Depot& depot, const std::string& ticket, const hbrc::depot::CancelCheck&) {
+            [&](hbrc::host::RevisionServer& depot, const std::string& ticket, const hbrc::depot::CancelCheck&) {
                 hbrc::depot::ChangelistId submitted;
                 return depot.submit(ticket, "", description, submitted);
             },
@@ -161,7 +206,7 @@ public:  // table-driven tests' rows act on the fixture from outside
             bobFiles.push_back(BobPath(file.substr(alicePrefix.size())));
         return bobFiles;
     }
-    hbrc::depot::Depot& Bob() { return *m_bob; }
+    hbrc::host::RevisionServer& Bob() { return *m_bob; }
     const std::string& BobTicket() const { return m_bobTicket; }
     void BobExpects(const hbrc::depot::Result& result) const { ASSERT_TRUE(result.ok()) << result.error; }
 
@@ -179,26 +224,37 @@ private:
     void CreateDepot()
     {
         using hbrc::depot::Depot;
+        m_depotPath = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
         ASSERT_TRUE(Depot::create(m_depotPath).ok());
         hbrc::depot::DepotOptions options;
         options.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
-        m_bob = std::make_unique<Depot>(m_depotPath, options);
-        BobExpects(m_bob->addUser("alice", "alice-pw"));
-        BobExpects(m_bob->addUser("bob", "bob-pw"));
-        BobExpects(m_bob->addWorkspace(kAliceWorkspace, "alice", QFile::encodeName(AliceFolder()).toStdString()));
-        BobExpects(m_bob->addWorkspace(kBobWorkspace, "bob", QFile::encodeName(BobFolder()).toStdString()));
+        Depot admin(m_depotPath, options);
+        BobExpects(admin.addUser("alice", "alice-pw"));
+        BobExpects(admin.addUser("bob", "bob-pw"));
+        BobExpects(admin.addWorkspace(AliceWorkspace(), "alice", QFile::encodeName(AliceFolder()).toStdString()));
+        BobExpects(admin.addWorkspace(BobWorkspace(), "bob", QFile::encodeName(BobFolder()).toStdString()));
+        m_bob = hbrc::host::OpenRevisionServer(m_depotPath, options);
+    }
+
+    void CreateRepository()
+    {
+        using Access = SvnRepositoryFixture::Access;
+        m_repository = std::make_unique<SvnRepositoryFixture>(
+            m_dir.path(), Server() == ServerKind::SvnServe ? Access::Served : Access::Local);
+        m_depotPath = m_repository->Url();
+        m_bob = hbrc::host::OpenRevisionServer(m_depotPath, {});
     }
 
     void OpenAliceHost()
     {
         host = std::make_unique<hbrc::host::HostSession>(m_dir.filePath(QStringLiteral("preferences.ini")));
         host->Preferences().SetStringPref("RevControl.UserName", "alice", 1);
-        host->Preferences().SetStringPref("RevControl.Workspace", kAliceWorkspace, 1);
+        host->Preferences().SetStringPref("RevControl.Workspace", AliceWorkspace(), 1);
         host->Preferences().SetStringPref("RevControl.Server", m_depotPath, 1);
         host->AddWorkspaceSetup([this](hbrc::host::Workspace& opened) {
             std::string error;
             services = hbrc::host::InstallRevisionControlServices(
-                opened, m_depotPath, {"alice", "alice-pw", kAliceWorkspace}, error, ConnectionOptionsForAlice());
+                opened, m_depotPath, {"alice", "alice-pw", AliceWorkspace()}, error, ConnectionOptionsForAlice());
             if (!error.empty())
                 throw std::runtime_error(error);
         });
@@ -218,6 +274,20 @@ private:
 
     QTemporaryDir m_dir;
     std::string m_depotPath;
-    std::unique_ptr<hbrc::depot::Depot> m_bob;
+    std::unique_ptr<SvnRepositoryFixture> m_repository;  // before m_bob: outlives bob's connection
+    std::unique_ptr<hbrc::host::RevisionServer> m_bob;
     std::string m_bobTicket;
 };
+
+// The same host on each server in turn: TEST_P suites instantiated with
+// INSTANTIATE_TEST_SUITE_P(Servers, Suite, ServerKinds(), ServerKindName).
+class ServerFixture : public DepotHostFixture, public ::testing::WithParamInterface<ServerKind>
+{
+public:
+    ServerKind Server() const override { return GetParam(); }
+};
+
+inline auto ServerKinds()
+{
+    return ::testing::Values(ServerKind::EmbeddedDepot, ServerKind::SvnServe, ServerKind::SvnFile);
+}

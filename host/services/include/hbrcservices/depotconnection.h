@@ -1,10 +1,9 @@
 #pragma once
 
+#include <hbrcservices/revisionserver.h>
 #include <hbrcservices/statuscache.h>
 #include <hbrcservices/timeoutrunner.h>
 #include <hbrcservices/userparameters.h>
-
-#include <depot/depot.h>
 
 #include <kel4/kelresult.h>
 
@@ -33,7 +32,7 @@ class DepotConnection
 {
 public:
     // What an operation does with the depot, in one or more round trips, for a session's ticket.
-    using Operation = std::function<depot::Result(depot::Depot& depot, const std::string& ticket,
+    using Operation = std::function<depot::Result(RevisionServer& depot, const std::string& ticket,
                                                   const depot::CancelCheck& cancel)>;
 
     explicit DepotConnection(std::string server, ConnectionOptions options = {});
@@ -41,7 +40,7 @@ public:
     DepotConnection(const DepotConnection&) = delete;
     DepotConnection& operator=(const DepotConnection&) = delete;
 
-    // The depot file's path.
+    // The server setting: the depot file's path or the repository's URL.
     const std::string& Server() const { return m_depot->path(); }
 
     // Opens a session. A server other than the current one becomes the current one when the log-in
@@ -69,7 +68,7 @@ private:
     kelResult Finish(const depot::Result& result, std::string& errorText);
 
     ConnectionOptions m_options;
-    std::unique_ptr<depot::Depot> m_depot;
+    std::unique_ptr<RevisionServer> m_depot;
     std::uint64_t m_roundTripsBefore = 0;  // made through depots this connection has left
     TimeOutRunner m_runner;
     StatusCache m_cache;

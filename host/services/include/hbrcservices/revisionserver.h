@@ -1,0 +1,73 @@
+#pragma once
+
+#include <depot/depot.h>
+#include <depot/faultinjector.h>
+#include <depot/types.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace hbrc::host {
+
+// The revision-control server behind the services: the session operations the services ask of
+// a server, in the embedded depot's terms (result codes, status words, changelist ids). Two
+// servers implement it: the embedded depot and a Subversion repository (see svn/README.md). An
+// object is used from one thread at a time; operations never throw.
+class RevisionServer
+{
+public:
+    using Files = std::vector<std::string>;
+
+    virtual ~RevisionServer() = default;
+
+    // The server setting this object was opened with: a depot file's path or a repository URL.
+    virtual const std::string& path() const = 0;
+
+    // A wrong password fails with a text containing "Invalid password"; an unreachable server
+    // with depot::code::SessionUnusable.
+    virtual depot::Result login(const std::string& user, const std::string& password, const std::string& workspace,
+                                std::string& ticket) = 0;
+    virtual depot::Result expireSession(const std::string& ticket) = 0;
+
+    virtual depot::Result sync(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel = {}) = 0;
+    virtual depot::Result status(const std::string& ticket, const Files& files,
+                                 std::vector<depot::FileStatus>& statuses, const depot::CancelCheck& cancel = {}) = 0;
+    virtual depot::Result holders(const std::string& ticket, const Files& files,
+                                  std::vector<std::vector<std::string>>& users,
+                                  const depot::CancelCheck& cancel = {}) = 0;
+    virtual depot::Result edit(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
+                               const depot::CancelCheck& cancel = {}) = 0;
+    virtual depot::Result add(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
+                              const depot::CancelCheck& cancel = {}) = 0;
+    virtual depot::Result remove(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
+                                 const depot::CancelCheck& cancel = {}) = 0;
+    virtual depot::Result revert(const std::string& ticket, const Files& files,
+                                 const depot::CancelCheck& cancel = {}) = 0;
+    virtual depot::Result submit(const std::string& ticket, const depot::ChangelistId& changelist,
+                                 const std::string& description, depot::ChangelistId& submitted,
+                                 const depot::CancelCheck& cancel = {}) = 0;
+
+    virtual depot::Result changelists(const std::string& ticket, depot::ChangelistState state,
+                                      std::vector<depot::Changelist>& changelists) = 0;
+    virtual depot::Result describe(const std::string& ticket, const depot::ChangelistId& changelist,
+                                   depot::Changelist& description) = 0;
+    virtual depot::Result createChangelist(const std::string& ticket, const std::string& description,
+                                           depot::ChangelistId& created) = 0;
+    virtual depot::Result changelistExists(const std::string& ticket, const depot::ChangelistId& changelist,
+                                           bool& exists) = 0;
+
+    // Questions that reached the server through this object.
+    virtual std::uint64_t roundTrips() const = 0;
+    virtual depot::FaultInjector& faults() = 0;
+};
+
+// True for the URLs that name a Subversion repository (svn://, svn+ssh://, http(s)://, file://).
+bool IsSubversionUrl(const std::string& server);
+
+// The server a setting names: a Subversion repository for a URL, the embedded depot otherwise.
+// Connects lazily: an unreachable server fails the calls with depot::code::SessionUnusable.
+std::unique_ptr<RevisionServer> OpenRevisionServer(const std::string& server, const depot::DepotOptions& options);
+
+}  // namespace hbrc::host

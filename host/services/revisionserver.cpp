@@ -1,0 +1,26 @@
+#include <hbrcservices/revisionserver.h>
+
+#include "depotserver.h"
+#include "svn/svnserver.h"
+
+#include <array>
+
+namespace hbrc::host {
+
+bool IsSubversionUrl(const std::string& server)
+{
+    static constexpr std::array<const char*, 5> kSchemes{"svn://", "svn+ssh://", "http://", "https://", "file://"};
+    for (const char* scheme : kSchemes)
+        if (server.rfind(scheme, 0) == 0)
+            return true;
+    return false;
+}
+
+std::unique_ptr<RevisionServer> OpenRevisionServer(const std::string& server, const depot::DepotOptions& options)
+{
+    if (IsSubversionUrl(server))
+        return std::make_unique<SvnServer>(server);
+    return std::make_unique<DepotServer>(server, options);
+}
+
+}  // namespace hbrc::host

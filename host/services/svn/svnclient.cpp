@@ -1,0 +1,175 @@
+#include "svnclient.h"
+
+#include <apr_general.h>
+#include <svn_auth.h>
+#include <svn_config.h>
+#include <svn_dso.h>
+#include <svn_error.h>
+#include <svn_hash.h>
+#include <svn_pools.h>
+
+#include <array>
+#include <cstdlib>
+#include <mutex>
+
+namespace hbrc::host {
+
+namespace {
+
+void InitialiseLibraryOnce()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        if (apr_initialize() != APR_SUCCESS)
+            std::abort();
+        std::atexit(apr_terminate);
+        svn_error_clear(svn_dso_initialize2());
+    });
+}
+
+svn_error_t* GiveSimpleCredentials(svn_auth_cred_simple_t** credentials, void* baton, const char* /*realm*/,
+                                   const char* /*username*/, svn_boolean_t /*maySave*/, apr_pool_t* pool)
+{
+    const auto* account = *static_cast<const SvnCredentials* const*>(baton);
+    if (!account)
+        return svn_error_create(SVN_ERR_AUTHN_CREDS_UNAVAILABLE, nullptr, "Not logged in");
+    auto* given = static_cast<svn_auth_cred_simple_t*>(apr_pcalloc(pool, sizeof(svn_auth_cred_simple_t)));
+    given->username = apr_pstrdup(pool, account->user.c_str());
+    given->password = apr_pstrdup(pool, account->password.c_str());
+    given->may_save = FALSE;
+    *credentials = given;
+    return SVN_NO_ERROR;
+}
+
+svn_error_t* GiveUserName(svn_auth_cred_username_t** credentials, void* baton, const char* /*realm*/,
+                          svn_boolean_t /*maySave*/, apr_pool_t* pool)
+{
+    const auto* account = *static_cast<const SvnCredentials* const*>(baton);
+    if (!account)
+        return svn_error_create(SVN_ERR_AUTHN_CREDS_UNAVAILABLE, nullptr, "Not logged in");
+    auto* given = static_cast<svn_auth_cred_username_t*>(apr_pcalloc(pool, sizeof(svn_auth_cred_username_t)));
+    given->username = apr_pstrdup(pool, account->user.c_str());
+    given->may_save = FALSE;
+    *credentials = given;
+    return SVN_NO_ERROR;
+}
+
+svn_error_t* CheckCancel(void* baton)
+{
+    const auto* cancel = *static_cast<const depot::CancelCheck* const*>(baton);
+    if (cancel && *cancel && (*cancel)())
+        return svn_error_create(SVN_ERR_CANCELLED, nullptr, "Cancelled by the user");
+    return SVN_NO_ERROR;
+}
+
+bool HasCause(const svn_error_t* err, std::initializer_list<apr_status_t> causes)
+{
+    for (const svn_error_t* e = err; e; e = e->child)
+        for (apr_status_t cause : causes)
+            if (e->apr_err == cause)
+                return true;
+    return false;
+}
+
+bool IsUnreachable(const svn_error_t* err)
+{
+    for (const svn_error_t* e = err; e; e = e->child)
+        if (APR_STATUS_IS_ECONNREFUSED(e->apr_err) || APR_STATUS_IS_ECONNRESET(e->apr_err) ||
+            APR_STATUS_IS_EPIPE(e->apr_err) || APR_STATUS_IS_TIMEUP(e->apr_err) || APR_STATUS_IS_ETIMEDOUT(e->apr_err))
+            return true;
+    return HasCause(err, {SVN_ERR_RA_CANNOT_CREATE_SESSION, SVN_ERR_RA_SVN_CONNECTION_CLOSED,
+                          SVN_ERR_RA_SVN_IO_ERROR, SVN_ERR_RA_SVN_MALFORMED_DATA, SVN_ERR_RA_DAV_REQUEST_FAILED,
+                          SVN_ERR_RA_DAV_CONN_TIMEOUT, SVN_ERR_RA_LOCAL_REPOS_OPEN_FAILED,
+                          SVN_ERR_RA_LOCAL_REPOS_NOT_FOUND, SVN_ERR_RA_SVN_REPOS_NOT_FOUND});
+}
+
+}  // namespace
+
+SvnPool::SvnPool(apr_pool_t* parent)
+{
+    InitialiseLibraryOnce();
+    m_pool = svn_pool_create(parent);
+}
+
+SvnPool::~SvnPool()
+{
+    svn_pool_destroy(m_pool);
+}
+
+SvnClient::SvnClient()
+{
+    apr_hash_t* config = apr_hash_make(m_pool.get());
+    for (const char* category : {SVN_CONFIG_CATEGORY_CONFIG, SVN_CONFIG_CATEGORY_SERVERS}) {
+        svn_config_t* empty = nullptr;
+        svn_error_clear(svn_config_create2(&empty, FALSE, FALSE, m_pool.get()));
+        svn_hash_sets(config, category, empty);
+    }
+    svn_error_clear(svn_client_create_context2(&m_context, config, m_pool.get()));
+
+    // The providers read the account through a pointer to this object's member, so that one
+    // authentication baton serves every session.
+    auto* accountBaton = static_cast<const SvnCredentials**>(apr_palloc(m_pool.get(), sizeof(SvnCredentials*)));
+    m_context->cancel_baton = apr_palloc(m_pool.get(), sizeof(depot::CancelCheck*));
+    *accountBaton = nullptr;
+    *static_cast<const depot::CancelCheck**>(m_context->cancel_baton) = nullptr;
+    apr_array_header_t* providers = apr_array_make(m_pool.get(), 2, sizeof(svn_auth_provider_object_t*));
+    svn_auth_provider_object_t* provider = nullptr;
+    svn_auth_get_simple_prompt_provider(&provider, GiveSimpleCredentials, accountBaton, 0, m_pool.get());
+    APR_ARRAY_PUSH(providers, svn_auth_provider_object_t*) = provider;
+    svn_auth_get_username_prompt_provider(&provider, GiveUserName, accountBaton, 0, m_pool.get());
+    APR_ARRAY_PUSH(providers, svn_auth_provider_object_t*) = provider;
+    svn_auth_open(&m_context->auth_baton, providers, m_pool.get());
+    svn_auth_set_parameter(m_context->auth_baton, SVN_AUTH_PARAM_NON_INTERACTIVE, "");
+    svn_auth_set_parameter(m_context->auth_baton, SVN_AUTH_PARAM_NO_AUTH_CACHE, "");
+    svn_auth_set_parameter(m_context->auth_baton, SVN_AUTH_PARAM_DONT_STORE_PASSWORDS, "");
+    m_context->cancel_func = CheckCancel;
+    m_accountBaton = accountBaton;
+}
+
+void SvnClient::use(const SvnCredentials* credentials, const depot::CancelCheck* cancel)
+{
+    *m_accountBaton = credentials;
+    *static_cast<const depot::CancelCheck**>(m_context->cancel_baton) = cancel;
+    // The library keeps the credentials it was given for a realm; a new account must be asked again.
+    svn_error_clear(svn_auth_forget_credentials(m_context->auth_baton, nullptr, nullptr, m_pool.get()));
+}
+
+apr_array_header_t* SvnClient::pathArray(const std::vector<std::string>& paths, apr_pool_t* pool)
+{
+    apr_array_header_t* array = apr_array_make(pool, static_cast<int>(paths.size()), sizeof(const char*));
+    for (const std::string& path : paths)
+        APR_ARRAY_PUSH(array, const char*) = apr_pstrdup(pool, path.c_str());
+    return array;
+}
+
+bool SvnIsAuthenticationFailure(const svn_error_t* err)
+{
+    return HasCause(err, {SVN_ERR_RA_NOT_AUTHORIZED, SVN_ERR_AUTHN_FAILED, SVN_ERR_AUTHN_CREDS_UNAVAILABLE,
+                          SVN_ERR_AUTHN_CREDS_NOT_SAVED, SVN_ERR_AUTHN_NO_PROVIDER});
+}
+
+depot::Result SvnResult(svn_error_t* err, const std::string& url)
+{
+    if (!err)
+        return {};
+    std::string text;
+    std::array<char, 512> buffer{};
+    for (const svn_error_t* e = svn_error_purge_tracing(err); e; e = e->child) {
+        const char* message = e->message ? e->message : svn_strerror(e->apr_err, buffer.data(), buffer.size());
+        if (text.find(message) == std::string::npos)
+            text += (text.empty() ? "" : "\n") + std::string(message);
+    }
+    depot::Result result{depot::code::Failed, text};
+    if (HasCause(err, {SVN_ERR_CANCELLED})) {
+        result.code = depot::code::Cancelled;
+    } else if (SvnIsAuthenticationFailure(err)) {
+        result = {depot::code::SessionUnusable,
+                  "The Subversion server at '" + url + "' refused the session's credentials; please log in again.\n" + text};
+    } else if (IsUnreachable(err)) {
+        result = {depot::code::SessionUnusable, "Cannot reach the Subversion server at '" + url + "': " + text};
+    }
+    svn_error_clear(err);
+    return result;
+}
+
+}  // namespace hbrc::host

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <depot/types.h>
+
+#include <apr_pools.h>
+#include <svn_client.h>
+
+#include <string>
+#include <vector>
+
+namespace hbrc::host {
+
+// An APR memory pool that lives as long as this object.
+class SvnPool
+{
+public:
+    explicit SvnPool(apr_pool_t* parent = nullptr);
+    ~SvnPool();
+    SvnPool(const SvnPool&) = delete;
+    SvnPool& operator=(const SvnPool&) = delete;
+
+    apr_pool_t* get() const { return m_pool; }
+
+private:
+    apr_pool_t* m_pool = nullptr;
+};
+
+// The account of a session, handed to the server when it asks. Kept in memory only.
+struct SvnCredentials
+{
+    std::string user;
+    std::string password;
+};
+
+// One Subversion client context: its configuration (empty: nothing is read from or written to the
+// user's configuration folder) and the credentials and cancel check of the operation in progress.
+// Authentication never prompts, never retries and never caches credentials on disk, so that a
+// refused password ends the operation at once.
+class SvnClient
+{
+public:
+    SvnClient();
+    SvnClient(const SvnClient&) = delete;
+    SvnClient& operator=(const SvnClient&) = delete;
+
+    svn_client_ctx_t* context() const { return m_context; }
+    apr_pool_t* pool() const { return m_pool.get(); }
+
+    // The account and cancel check that the next operations use; both must outlive them.
+    void use(const SvnCredentials* credentials, const depot::CancelCheck* cancel);
+
+    // Paths as the client library takes them, allocated in pool.
+    static apr_array_header_t* pathArray(const std::vector<std::string>& paths, apr_pool_t* pool);
+
+private:
+    SvnPool m_pool;
+    svn_client_ctx_t* m_context = nullptr;
+    const SvnCredentials** m_accountBaton = nullptr;  // in m_pool
+};
+
+// The outcome of a client-library call on the repository at url: success, or a failure whose code
+// says whether the session is unusable (server unreachable, connection lost, credentials refused:
+// -34, with a text that says which), the caller cancelled, or the request was refused. Clears err.
+depot::Result SvnResult(svn_error_t* err, const std::string& url);
+// True when err (or one of its causes) says that the server refused the credentials.
+bool SvnIsAuthenticationFailure(const svn_error_t* err);
+
+}  // namespace hbrc::host

@@ -1,0 +1,582 @@
+#include "svnserver.h"
+
+#include <svn_dirent_uri.h>
+#include <svn_props.h>
+#include <svn_ra.h>
+#include <svn_string.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <optional>
+#include <random>
+#include <set>
+#include <thread>
+
+namespace hbrc::host {
+
+namespace {
+
+using depot::Result;
+namespace code = depot::code;
+namespace status = depot::status;
+
+constexpr auto kLatencySlice = std::chrono::milliseconds(10);
+constexpr unsigned kOpenHere = status::OpenedForEdit | status::OpenedForAdd | status::OpenedForDelete;
+
+std::string NewTicket()
+{
+    std::random_device random;
+    std::string ticket;
+    for (int i = 0; i < 4; ++i) {
+        char part[9];
+        std::snprintf(part, sizeof part, "%08x", random());
+        ticket += part;
+    }
+    return ticket;
+}
+
+std::string Canonical(const std::string& path, apr_pool_t* pool)
+{
+    return svn_dirent_canonicalize(path.c_str(), pool);
+}
+
+bool IsUnreadable(const std::string& file)
+{
+    return ::access(file.c_str(), F_OK) == 0 && ::access(file.c_str(), R_OK) != 0;
+}
+
+bool IsLocalChange(svn_wc_status_kind kind)
+{
+    return kind == svn_wc_status_added || kind == svn_wc_status_deleted || kind == svn_wc_status_replaced;
+}
+
+// The status word of a file for the session's user; the mapping README.md tables.
+depot::FileStatus FileStatusOf(const SvnNodeStatus* node, bool askedRepository, const std::string& file)
+{
+    depot::FileStatus result;
+    if (!node || !node->versioned || node->local == svn_wc_status_unversioned ||
+        node->local == svn_wc_status_ignored || node->local == svn_wc_status_none) {
+        result.word = status::NotInDepot;
+    } else {
+        if (node->local == svn_wc_status_added || node->local == svn_wc_status_replaced)
+            result.word |= status::OpenedForAdd;
+        if (node->local == svn_wc_status_deleted)
+            result.word |= status::OpenedForDelete;
+        const bool lockedHere = !node->localLockToken.empty() &&
+                                (!askedRepository || node->repositoryLockToken == node->localLockToken);
+        if (lockedHere) {
+            result.word |= status::OpenedForEdit;
+        } else if (!node->repositoryLockOwner.empty()) {
+            result.word |= status::OpenedByOthers | status::LockedByOthers;
+            result.holders.push_back(node->repositoryLockOwner);
+        }
+        if (node->repository != svn_wc_status_none && node->repository != svn_wc_status_normal)
+            result.word |= status::NotAtHead;
+        result.changelist = node->changelist;
+    }
+    if (IsUnreadable(file))
+        result.word |= status::IoError;
+    return result;
+}
+
+// Why files cannot be opened, one line each; empty when all of them can.
+std::string Refusals(const RevisionServer::Files& files, const std::vector<depot::FileStatus>& statuses)
+{
+    std::string refusals;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const unsigned word = statuses[i].word;
+        if (word & status::NotInDepot)
+            refusals += files[i] + " - file(s) not in depot.\n";
+        else if (word & status::OpenedByOthers)
+            refusals += files[i] + " - already locked by " + statuses[i].holders.front() + "\n";
+        else if ((word & status::NotAtHead) && !(word & kOpenHere))
+            refusals += files[i] + " - not at the head revision; sync first.\n";
+        else if (word & status::IoError)
+            refusals += files[i] + " - cannot be read.\n";
+    }
+    return refusals;
+}
+
+// Collects what a lock or unlock did to each path.
+struct LockOutcome
+{
+    std::vector<std::string> done;
+    std::string failures;
+
+    static void Notify(void* baton, const svn_wc_notify_t* notify, apr_pool_t* /*pool*/)
+    {
+        auto* outcome = static_cast<LockOutcome*>(baton);
+        if (notify->action == svn_wc_notify_locked || notify->action == svn_wc_notify_unlocked) {
+            outcome->done.emplace_back(notify->path);
+        } else if (notify->action == svn_wc_notify_failed_lock || notify->action == svn_wc_notify_failed_unlock) {
+            outcome->failures += std::string(notify->path) + " - " +
+                                 (notify->err && notify->err->message ? notify->err->message : "refused") + "\n";
+        }
+    }
+};
+
+// Puts files into a changelist of the working copy; "" takes them out of every one.
+svn_error_t* MoveToChangelist(svn_client_ctx_t* context, apr_array_header_t* paths,
+                              const depot::ChangelistId& changelist, apr_pool_t* pool)
+{
+    if (changelist.empty())
+        return svn_client_remove_from_changelists(paths, svn_depth_empty, nullptr, context, pool);
+    return svn_client_add_to_changelist(paths, changelist.c_str(), svn_depth_empty, nullptr, context, pool);
+}
+
+svn_error_t* GiveLogMessage(const char** message, const char** temporaryFile, const apr_array_header_t* /*items*/,
+                            void* baton, apr_pool_t* pool)
+{
+    *message = apr_pstrdup(pool, static_cast<const std::string*>(baton)->c_str());
+    *temporaryFile = nullptr;
+    return SVN_NO_ERROR;
+}
+
+svn_error_t* KeepRevision(const svn_commit_info_t* info, void* baton, apr_pool_t* /*pool*/)
+{
+    *static_cast<svn_revnum_t*>(baton) = info->revision;
+    return SVN_NO_ERROR;
+}
+
+}  // namespace
+
+// One operation of the server: forced failures and latency first, then the session of its ticket,
+// whose account and cancel check the client context uses until the operation ends.
+class SvnServer::Call
+{
+public:
+    Call(SvnServer& server, const depot::CancelCheck& cancel)
+        : m_server(server), m_cancel(cancel), m_pool(server.m_client.pool())
+    {
+    }
+    ~Call()
+    {
+        m_server.m_client.use(nullptr, nullptr);
+        svn_client_ctx_t* context = m_server.m_client.context();
+        context->notify_func2 = nullptr;
+        context->log_msg_func3 = nullptr;
+    }
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+
+    Result begin(depot::Operation operation, const std::string* ticket)
+    {
+        if (std::optional<Result> forced = m_server.m_faults.takeForcedFailure(operation))
+            return *forced;
+        const auto until = std::chrono::steady_clock::now() + m_server.m_faults.latency();
+        while (std::chrono::steady_clock::now() < until) {
+            if (m_cancel && m_cancel())
+                return {code::Cancelled, "Cancelled by the user"};
+            std::this_thread::sleep_for(
+                std::min<std::chrono::steady_clock::duration>(kLatencySlice, until - std::chrono::steady_clock::now()));
+        }
+        if (!ticket)
+            return {};
+        m_session = m_server.find(*ticket);
+        if (!m_session)
+            return {code::SessionUnusable, "Your session has expired; please log in again."};
+        use(*m_session);
+        return {};
+    }
+    void use(const Session& session) { m_server.m_client.use(&session.credentials, &m_cancel); }
+
+    Session& session() const { return *m_session; }
+    apr_pool_t* pool() const { return m_pool.get(); }
+    svn_client_ctx_t* context() const { return m_server.m_client.context(); }
+    apr_array_header_t* paths(const Files& files) const { return SvnClient::pathArray(files, pool()); }
+    // Counts one question to the repository and runs it.
+    Result ask(svn_error_t* err)
+    {
+        ++m_server.m_roundTrips;
+        return finish(err);
+    }
+    Result finish(svn_error_t* err)
+    {
+        if (err)
+            m_server.dropRepository();
+        return SvnResult(err, m_server.m_url);
+    }
+
+private:
+    SvnServer& m_server;
+    depot::CancelCheck m_cancel;
+    SvnPool m_pool;
+    Session* m_session = nullptr;
+};
+
+SvnServer::SvnServer(std::string url) : m_url(std::move(url)) {}
+
+SvnServer::~SvnServer()
+{
+    dropRepository();
+}
+
+SvnServer::Session* SvnServer::find(const std::string& ticket)
+{
+    const auto found = m_sessions.find(ticket);
+    return found == m_sessions.end() ? nullptr : found->second.get();
+}
+
+void SvnServer::dropRepository()
+{
+    m_ra = nullptr;
+    m_raSession = nullptr;
+    m_raPool.reset();
+}
+
+svn_error_t* SvnServer::repository(const Session& session, svn_ra_session_t*& ra)
+{
+    if (!m_ra || m_raSession != &session) {
+        dropRepository();
+        m_raPool = std::make_unique<SvnPool>();
+        svn_ra_session_t* opened = nullptr;
+        SVN_ERR(svn_client_open_ra_session2(&opened, m_url.c_str(), nullptr, m_client.context(), m_raPool->get(),
+                                            m_raPool->get()));
+        m_ra = opened;
+        m_raSession = &session;
+    }
+    ra = m_ra;
+    return SVN_NO_ERROR;
+}
+
+Result SvnServer::login(const std::string& user, const std::string& password, const std::string& workspace,
+                        std::string& ticket)
+{
+    Call call(*this, {});
+    if (Result forced = call.begin(depot::Operation::Login, nullptr); !forced.ok())
+        return forced;
+    if (user.empty() || workspace.empty())
+        return {code::Failed, "A Subversion account needs a user name and the folder of its working copy."};
+    auto session = std::make_unique<Session>();
+    session->credentials = {user, password};
+    session->workingCopy = Canonical(workspace, call.pool());
+    call.use(*session);
+
+    // Asking the repository for its latest revision proves that it is reachable and the account valid.
+    svn_ra_session_t* ra = nullptr;
+    svn_revnum_t latest = SVN_INVALID_REVNUM;
+    svn_error_t* err = repository(*session, ra);
+    if (!err)
+        err = svn_ra_get_latest_revnum(ra, &latest, call.pool());
+    if (err && SvnIsAuthenticationFailure(err)) {
+        ++m_roundTrips;
+        svn_error_clear(err);
+        dropRepository();
+        return {code::Failed, "Invalid password for user " + user + "."};
+    }
+    if (Result reached = call.ask(err); !reached.ok())
+        return reached;
+
+    const char* root = nullptr;
+    svn_error_t* notWorkingCopy = svn_client_get_wc_root(&root, session->workingCopy.c_str(), call.context(),
+                                                          call.pool(), call.pool());
+    if (notWorkingCopy) {
+        svn_error_clear(notWorkingCopy);
+        svn_opt_revision_t head{};
+        head.kind = svn_opt_revision_head;
+        svn_revnum_t checkedOut = SVN_INVALID_REVNUM;
+        const Result checkout = call.ask(svn_client_checkout3(&checkedOut, m_url.c_str(), session->workingCopy.c_str(),
+                                                              &head, &head, svn_depth_infinity, TRUE, TRUE,
+                                                              call.context(), call.pool()));
+        if (!checkout.ok())
+            return checkout;
+    }
+    session->changelists = std::make_unique<SvnChangelists>(session->workingCopy);
+    ticket = NewTicket();
+    m_sessions[ticket] = std::move(session);
+    return {};
+}
+
+Result SvnServer::expireSession(const std::string& ticket)
+{
+    const Session* session = find(ticket);
+    if (session && m_raSession == session)
+        dropRepository();
+    m_sessions.erase(ticket);
+    return {};
+}
+
+Result SvnServer::statusWords(Call& call, const Files& files, bool askRepository,
+                              std::vector<depot::FileStatus>& statuses, SvnStatusMap* walked)
+{
+    SvnStatusMap own;
+    SvnStatusMap& nodes = walked ? *walked : own;
+    svn_error_t* err = SvnWalkStatus(m_client, call.session().workingCopy, askRepository, nodes, call.pool());
+    const Result result = askRepository ? call.ask(err) : call.finish(err);
+    if (!result.ok())
+        return result;
+    statuses.clear();
+    statuses.reserve(files.size());
+    for (const std::string& file : files) {
+        const auto found = nodes.find(Canonical(file, call.pool()));
+        statuses.push_back(FileStatusOf(found == nodes.end() ? nullptr : &found->second, askRepository, file));
+    }
+    return result;
+}
+
+Result SvnServer::status(const std::string& ticket, const Files& files, std::vector<depot::FileStatus>& statuses,
+                         const depot::CancelCheck& cancel)
+{
+    Call call(*this, cancel);
+    if (Result begun = call.begin(depot::Operation::Status, &ticket); !begun.ok())
+        return begun;
+    return statusWords(call, files, true, statuses);
+}
+
+Result SvnServer::holders(const std::string& ticket, const Files& files, std::vector<std::vector<std::string>>& users,
+                          const depot::CancelCheck& cancel)
+{
+    Call call(*this, cancel);
+    if (Result begun = call.begin(depot::Operation::Holders, &ticket); !begun.ok())
+        return begun;
+    std::vector<depot::FileStatus> statuses;
+    const Result result = statusWords(call, files, true, statuses);
+    if (!result.ok())
+        return result;
+    users.clear();
+    for (const depot::FileStatus& fileStatus : statuses)
+        users.push_back(fileStatus.holders);
+    return result;
+}
+
+Result SvnServer::sync(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel)
+{
+    Call call(*this, cancel);
+    if (Result begun = call.begin(depot::Operation::Sync, &ticket); !begun.ok())
+        return begun;
+    svn_opt_revision_t head{};
+    head.kind = svn_opt_revision_head;
+    apr_array_header_t* revisions = nullptr;
+    const Files targets = files.empty() ? Files{call.session().workingCopy} : files;
+    return call.ask(svn_client_update4(&revisions, call.paths(targets), &head, svn_depth_unknown, FALSE, TRUE, TRUE,
+                                       TRUE, TRUE, call.context(), call.pool()));
+}
+
+Result SvnServer::edit(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
+                       const depot::CancelCheck& cancel)
+{
+    Call call(*this, cancel);
+    if (Result begun = call.begin(depot::Operation::Edit, &ticket); !begun.ok())
+        return begun;
+    if (!call.session().changelists->exists(changelist))
+        return {code::Failed, "Change " + changelist + " unknown."};
+    std::vector<depot::FileStatus> statuses;
+    if (Result asked = statusWords(call, files, true, statuses); !asked.ok())
+        return asked;
+    if (const std::string refusals = Refusals(files, statuses); !refusals.empty())
+        return {code::Failed, refusals};
+
+    Files toLock;
+    for (std::size_t i = 0; i < files.size(); ++i)
+        if (!(statuses[i].word & kOpenHere))
+            toLock.push_back(files[i]);
+    if (!toLock.empty()) {
+        LockOutcome outcome;
+        call.context()->notify_func2 = LockOutcome::Notify;
+        call.context()->notify_baton2 = &outcome;
+        Result locked = call.ask(svn_client_lock(call.paths(toLock), "", FALSE, call.context(), call.pool()));
+        if (locked.ok() && !outcome.failures.empty())
+            locked = {code::Failed, outcome.failures};
+        if (!locked.ok()) {
+            // All or nothing: the locks taken before the refusal are given back.
+            if (!outcome.done.empty())
+                svn_error_clear(svn_client_unlock(call.paths(outcome.done), FALSE, call.context(), call.pool()));
+            return locked;
+        }
+    }
+    return call.finish(MoveToChangelist(call.context(), call.paths(files), changelist, call.pool()));
+}
+
+Result SvnServer::add(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
+                      const depot::CancelCheck& cancel)
+{
+    Call call(*this, cancel);
+    if (Result begun = call.begin(depot::Operation::Add, &ticket); !begun.ok())
+        return begun;
+    if (!call.session().changelists->exists(changelist))
+        return {code::Failed, "Change " + changelist + " unknown."};
+    Files added;
+    for (const std::string& file : files) {
+        svn_error_t* err = svn_client_add5(file.c_str(), svn_depth_empty, FALSE, TRUE, FALSE, TRUE, call.context(),
+                                           call.pool());
+        if (err) {
+            if (!added.empty())
+                svn_error_clear(svn_client_revert4(call.paths(added), svn_depth_empty, nullptr, TRUE, FALSE, TRUE,
+                                                   call.context(), call.pool()));
+            return call.finish(err);
+        }
+        added.push_back(file);
+    }
+    apr_array_header_t* paths = call.paths(files);
+    svn_error_t* err = svn_client_propset_local(SVN_PROP_NEEDS_LOCK, svn_string_create("*", call.pool()), paths,
+                                                svn_depth_empty, FALSE, nullptr, call.context(), call.pool());
+    if (!err)
+        err = MoveToChangelist(call.context(), paths, changelist, call.pool());
+    return call.finish(err);
+}
+
+Result SvnServer::remove(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
+                         const depot::CancelCheck& cancel)
+{
+    Call call(*this, cancel);
+    if (Result begun = call.begin(depot::Operation::Delete, &ticket); !begun.ok())
+        return begun;
+    if (!call.session().changelists->exists(changelist))
+        return {code::Failed, "Change " + changelist + " unknown."};
+    std::vector<depot::FileStatus> statuses;
+    if (Result asked = statusWords(call, files, true, statuses); !asked.ok())
+        return asked;
+    if (const std::string refusals = Refusals(files, statuses); !refusals.empty())
+        return {code::Failed, refusals};
+    apr_array_header_t* paths = call.paths(files);
+    svn_error_t* err = svn_client_delete4(paths, FALSE, FALSE, nullptr, nullptr, nullptr, call.context(), call.pool());
+    if (!err)
+        err = MoveToChangelist(call.context(), paths, changelist, call.pool());
+    return call.finish(err);
+}
+
+Result SvnServer::revert(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel)
+{
+    Call call(*this, cancel);
+    if (Result begun = call.begin(depot::Operation::Revert, &ticket); !begun.ok())
+        return begun;
+    std::vector<depot::FileStatus> statuses;
+    if (Result walked = statusWords(call, files, false, statuses); !walked.ok())
+        return walked;
+    Files open;
+    Files locked;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (statuses[i].word & kOpenHere)
+            open.push_back(files[i]);
+        if (statuses[i].word & status::OpenedForEdit)
+            locked.push_back(files[i]);
+    }
+    if (open.empty())
+        return {};
+    if (Result reverted = call.finish(svn_client_revert4(call.paths(open), svn_depth_empty, nullptr, TRUE, FALSE,
+                                                         TRUE, call.context(), call.pool()));
+        !reverted.ok())
+        return reverted;
+    if (locked.empty())
+        return {};
+    return call.ask(svn_client_unlock(call.paths(locked), FALSE, call.context(), call.pool()));
+}
+
+Result SvnServer::submit(const std::string& ticket, const depot::ChangelistId& changelist,
+                         const std::string& description, depot::ChangelistId& submitted,
+                         const depot::CancelCheck& cancel)
+{
+    Call call(*this, cancel);
+    if (Result begun = call.begin(depot::Operation::Submit, &ticket); !begun.ok())
+        return begun;
+    SvnChangelists& records = *call.session().changelists;
+    if (!records.exists(changelist))
+        return {code::Failed, "Change " + changelist + " unknown."};
+    std::string message = description.empty() ? records.description(changelist) : description;
+    if (message.empty())
+        return {code::Failed, "Change description missing: a submit of the default changelist needs one."};
+
+    // The changelist's open files: a commit takes the changed ones (with the folders added for
+    // them) and gives up their locks; the locks of unchanged ones are given up on their own.
+    SvnStatusMap nodes;
+    if (Result walked = call.finish(SvnWalkStatus(m_client, call.session().workingCopy, false, nodes, call.pool()));
+        !walked.ok())
+        return walked;
+    std::set<std::string> commit;
+    Files unlockOnly;
+    for (const auto& [path, node] : nodes) {
+        const bool open = !node.localLockToken.empty() || IsLocalChange(node.local);
+        if (!open || node.changelist != changelist)
+            continue;
+        if (node.local == svn_wc_status_normal) {
+            unlockOnly.push_back(path);
+            continue;
+        }
+        commit.insert(path);
+        for (std::string parent = svn_dirent_dirname(path.c_str(), call.pool()); parent.size() > 1;
+             parent = svn_dirent_dirname(parent.c_str(), call.pool())) {
+            const auto found = nodes.find(parent);
+            if (found == nodes.end() || found->second.local != svn_wc_status_added)
+                break;
+            commit.insert(parent);
+        }
+    }
+    if (commit.empty() && unlockOnly.empty())
+        return {code::Failed, "No files to submit."};
+
+    svn_revnum_t revision = SVN_INVALID_REVNUM;
+    if (!commit.empty()) {
+        call.context()->log_msg_func3 = GiveLogMessage;
+        call.context()->log_msg_baton3 = &message;
+        const Result committed = call.ask(svn_client_commit6(
+            call.paths({commit.begin(), commit.end()}), svn_depth_empty, FALSE, FALSE, TRUE, FALSE, FALSE, nullptr,
+            nullptr, KeepRevision, &revision, call.context(), call.pool()));
+        if (!committed.ok())
+            return committed;
+    }
+    if (!unlockOnly.empty())
+        if (Result unlocked = call.ask(svn_client_unlock(call.paths(unlockOnly), FALSE, call.context(), call.pool()));
+            !unlocked.ok())
+            return unlocked;
+    submitted = SVN_IS_VALID_REVNUM(revision) ? std::to_string(revision) : std::string();
+    return changelist.empty() ? Result{} : records.erase(changelist);
+}
+
+Result SvnServer::changelists(const std::string& ticket, depot::ChangelistState state,
+                              std::vector<depot::Changelist>& changelists)
+{
+    Call call(*this, {});
+    if (Result begun = call.begin(depot::Operation::Changelists, &ticket); !begun.ok())
+        return begun;
+    if (state == depot::ChangelistState::Submitted)
+        return {code::Failed, "Submitted changes of a Subversion repository are its log; they are not listed here."};
+    changelists.clear();
+    for (const auto& [number, text] : call.session().changelists->pending()) {
+        depot::Changelist pending;
+        pending.id = std::to_string(number);
+        pending.description = text;
+        pending.user = call.session().credentials.user;
+        pending.workspace = call.session().workingCopy;
+        changelists.push_back(std::move(pending));
+    }
+    return {};
+}
+
+Result SvnServer::describe(const std::string& ticket, const depot::ChangelistId& changelist,
+                           depot::Changelist& description)
+{
+    Call call(*this, {});
+    if (Result begun = call.begin(depot::Operation::Describe, &ticket); !begun.ok())
+        return begun;
+    if (!call.session().changelists->exists(changelist))
+        return {code::Failed, "Change " + changelist + " unknown."};
+    description = {};
+    description.id = changelist;
+    description.description = call.session().changelists->description(changelist);
+    description.user = call.session().credentials.user;
+    description.workspace = call.session().workingCopy;
+    return {};
+}
+
+Result SvnServer::createChangelist(const std::string& ticket, const std::string& description,
+                                   depot::ChangelistId& created)
+{
+    Call call(*this, {});
+    if (Result begun = call.begin(depot::Operation::CreateChangelist, &ticket); !begun.ok())
+        return begun;
+    return call.session().changelists->create(description, created);
+}
+
+Result SvnServer::changelistExists(const std::string& ticket, const depot::ChangelistId& changelist, bool& exists)
+{
+    Call call(*this, {});
+    if (Result begun = call.begin(depot::Operation::ChangelistExists, &ticket); !begun.ok())
+        return begun;
+    exists = call.session().changelists->exists(changelist);
+    return {};
+}
+
+}  // namespace hbrc::host

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <hbrcservices/revisionserver.h>
+
+#include "svnchangelists.h"
+#include "svnclient.h"
+#include "svnstatuswalk.h"
+
+#include <atomic>
+#include <map>
+#include <memory>
+
+struct svn_ra_session_t;
+
+namespace hbrc::host {
+
+// A Subversion repository as the services' server, through the client library. A session's
+// workspace is the folder of its working copy (checked out at the log-in when it is not one yet);
+// check-out is a lock, files this backend adds get svn:needs-lock so that they stay read-only
+// until locked, and pending changelists are client-side changelists with their descriptions kept
+// beside the working copy. The mapping to status words is tabled in README.md.
+class SvnServer final : public RevisionServer
+{
+public:
+    explicit SvnServer(std::string url);
+    ~SvnServer() override;
+
+    const std::string& path() const override { return m_url; }
+    depot::Result login(const std::string& user, const std::string& password, const std::string& workspace,
+                        std::string& ticket) override;
+    depot::Result expireSession(const std::string& ticket) override;
+    depot::Result sync(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel) override;
+    depot::Result status(const std::string& ticket, const Files& files, std::vector<depot::FileStatus>& statuses,
+                         const depot::CancelCheck& cancel) override;
+    depot::Result holders(const std::string& ticket, const Files& files, std::vector<std::vector<std::string>>& users,
+                          const depot::CancelCheck& cancel) override;
+    depot::Result edit(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
+                       const depot::CancelCheck& cancel) override;
+    depot::Result add(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
+                      const depot::CancelCheck& cancel) override;
+    depot::Result remove(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
+                         const depot::CancelCheck& cancel) override;
+    depot::Result revert(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel) override;
+    depot::Result submit(const std::string& ticket, const depot::ChangelistId& changelist,
+                         const std::string& description, depot::ChangelistId& submitted,
+                         const depot::CancelCheck& cancel) override;
+    depot::Result changelists(const std::string& ticket, depot::ChangelistState state,
+                              std::vector<depot::Changelist>& changelists) override;
+    depot::Result describe(const std::string& ticket, const depot::ChangelistId& changelist,
+                           depot::Changelist& description) override;
+    depot::Result createChangelist(const std::string& ticket, const std::string& description,
+                                   depot::ChangelistId& created) override;
+    depot::Result changelistExists(const std::string& ticket, const depot::ChangelistId& changelist,
+                                   bool& exists) override;
+    std::uint64_t roundTrips() const override { return m_roundTrips; }
+    depot::FaultInjector& faults() override { return m_faults; }
+
+private:
+    struct Session
+    {
+        SvnCredentials credentials;
+        std::string workingCopy;
+        std::unique_ptr<SvnChangelists> changelists;
+    };
+    class Call;
+
+    Session* find(const std::string& ticket);
+    // The repository connection kept for this server's own questions, opened with the session's
+    // account; dropped when it fails so that the next question connects again.
+    svn_error_t* repository(const Session& session, svn_ra_session_t*& ra);
+    void dropRepository();
+    depot::Result statusWords(Call& call, const Files& files, bool askRepository,
+                              std::vector<depot::FileStatus>& statuses, SvnStatusMap* walked = nullptr);
+
+    std::string m_url;
+    SvnClient m_client;
+    std::map<std::string, std::unique_ptr<Session>> m_sessions;
+    std::unique_ptr<SvnPool> m_raPool;
+    svn_ra_session_t* m_ra = nullptr;
+    const Session* m_raSession = nullptr;
+    std::atomic<std::uint64_t> m_roundTrips{0};
+    depot::FaultInjector m_faults;
+};
+
+}  // namespace hbrc::host

@@ -1,0 +1,116 @@
+#pragma once
+
+// A fresh Subversion repository for tests and benchmarks, header-only: created with svnadmin in a
+// folder, with the users alice ("alice-pw") and bob ("bob-pw") in its password file and anonymous
+// access off. Served by svnserve on 127.0.0.1 at a free port (threads, so that stopping the
+// server ends its connections too), or reached directly through a file:// URL. The server stops
+// when the object is destroyed.
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QThread>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+class SvnRepositoryFixture
+{
+public:
+    enum class Access { Served, Local };
+
+    SvnRepositoryFixture(const QString& folder, Access access) : m_folder(folder)
+    {
+        Run(QStringLiteral("svnadmin"), {QStringLiteral("create"), RepositoryPath()});
+        WriteFile(QStringLiteral("conf/svnserve.conf"),
+                  "[general]\nanon-access = none\nauth-access = write\npassword-db = passwd\nrealm = hbrc\n");
+        WriteFile(QStringLiteral("conf/passwd"), "[users]\nalice = alice-pw\nbob = bob-pw\n");
+        if (access == Access::Served)
+            StartServer();
+        else
+            m_url = "file://" + QFile::encodeName(RepositoryPath()).toStdString();
+    }
+    ~SvnRepositoryFixture() { StopServer(); }
+    SvnRepositoryFixture(const SvnRepositoryFixture&) = delete;
+    SvnRepositoryFixture& operator=(const SvnRepositoryFixture&) = delete;
+
+    const std::string& Url() const { return m_url; }
+    bool Served() const { return m_server != nullptr; }
+
+    // Kills the server at once (a crash, not a shut-down): connections break, new ones are refused.
+    void StopServer()
+    {
+        if (!m_server)
+            return;
+        m_server->kill();
+        m_server->waitForFinished(5000);
+        m_server.reset();
+    }
+
+private:
+    QString RepositoryPath() const { return m_folder + QStringLiteral("/repository"); }
+
+    static void Run(const QString& program, const QStringList& arguments)
+    {
+        QProcess process;
+        process.start(program, arguments);
+        if (!process.waitForFinished(30000) || process.exitCode() != 0)
+            throw std::runtime_error((program + " failed: ").toStdString() + process.readAllStandardError().toStdString());
+    }
+
+    void WriteFile(const QString& relative, const QByteArray& text) const
+    {
+        QFile file(RepositoryPath() + '/' + relative);
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(text) != text.size())
+            throw std::runtime_error("cannot write " + relative.toStdString());
+    }
+
+    // Binds port (0: any free one) or connects to it on 127.0.0.1; the port bound or reached, 0 on failure.
+    static quint16 Probe(quint16 port, bool connectTo)
+    {
+        const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(port);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        auto* generic = reinterpret_cast<sockaddr*>(&address);
+        const bool done = connectTo ? ::connect(socket, generic, length) == 0
+                                    : ::bind(socket, generic, length) == 0 && ::getsockname(socket, generic, &length) == 0;
+        ::close(socket);
+        return done ? ntohs(address.sin_port) : 0;
+    }
+
+    void StartServer()
+    {
+        const quint16 port = Probe(0, false);
+        if (port == 0)
+            throw std::runtime_error("no free port");
+        m_server = std::make_unique<QProcess>();
+        m_server->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_server->start(QStringLiteral("svnserve"),
+                        {QStringLiteral("--daemon"), QStringLiteral("--foreground"), QStringLiteral("--threads"),
+                         QStringLiteral("--listen-host=127.0.0.1"), QStringLiteral("--listen-port=%1").arg(port),
+                         QStringLiteral("--root=%1").arg(RepositoryPath())});
+        if (!m_server->waitForStarted(10000))
+            throw std::runtime_error("cannot start svnserve");
+        for (int attempt = 0; attempt < 200; ++attempt) {
+            if (Probe(port, true) == port) {
+                m_url = "svn://127.0.0.1:" + std::to_string(port);
+                return;
+            }
+            QThread::msleep(20);
+        }
+        throw std::runtime_error("svnserve does not answer on port " + std::to_string(port));
+    }
+
+    QString m_folder;
+    std::string m_url;
+    std::unique_ptr<QProcess> m_server;
+};
