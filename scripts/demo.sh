@@ -1,9 +1,37 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds in build/ and runs the reference host's demo on its embedded depot.
+# Installs what is missing, builds in build/ and runs the reference host's demo on its embedded
+# depot, or with --svn against a Subversion repository served by a local svnserve (a new
+# repository with the users alice and bob, on 127.0.0.1, stopped when the demo ends).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${HBRC_BUILD_DIR:-$root/build}
 bash "$root/scripts/install-deps.sh"
 bash "$root/scripts/build.sh" "$build" -DHBRC_BUILD_BENCH=OFF
 export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
-exec "$build/bin/hbrc-studio" --demo "$@"
+if [ "${1:-}" != "--svn" ]; then
+  exec "$build/bin/hbrc-studio" --demo "$@"
+fi
+shift
+scratch=$(mktemp -d)
+server=""
+cleanup() {
+  [ -n "$server" ] && kill "$server" 2>/dev/null && wait "$server" 2>/dev/null
+  rm -rf "$scratch"
+}
+trap cleanup EXIT
+svnadmin create "$scratch/repository"
+printf '[general]\nanon-access = none\nauth-access = write\npassword-db = passwd\nrealm = hbrc-demo\n' \
+  > "$scratch/repository/conf/svnserve.conf"
+printf '[users]\nalice = alice-pw\nbob = bob-pw\n' > "$scratch/repository/conf/passwd"
+# A free port: svnserve exits at once when the one tried is taken.
+for attempt in 1 2 3 4 5 6 7 8 9 10; do
+  port=$((20000 + RANDOM % 40000))
+  svnserve --daemon --foreground --threads --listen-host=127.0.0.1 --listen-port="$port" \
+    --root="$scratch/repository" &
+  server=$!
+  sleep 0.3
+  if kill -0 "$server" 2>/dev/null; then break; fi
+  server=""
+done
+[ -n "$server" ] || { echo "cannot start svnserve" >&2; exit 1; }
+"$build/bin/hbrc-studio" --demo --server "svn://127.0.0.1:$port" "$@"

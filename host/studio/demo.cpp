@@ -3,6 +3,7 @@
 #include <depot/depot.h>
 #include <hbrchost/pluginloader.h>
 #include <hbrcservices/revisioncontrolservices.h>
+#include <hbrcservices/revisionserver.h>
 #include <hbrcsession/hostsession.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <kel4/irevisioncontroluihelper.h>
@@ -73,62 +74,73 @@ void printSettings(QTextStream& out, IRevisionControlPropertiesMgr& settings)
         << "  RevControl.UseSourceDataControl = " << yesNo(useSource) << "\n";
 }
 
-// The embedded depot with alice and bob, each with a workspace folder of their own.
-class DemoDepot
+// The server with alice and bob, each with a workspace folder of their own: a new embedded depot,
+// or the Subversion repository at a URL where both users exist (their workspaces are then the
+// folders of their working copies).
+class DemoServer
 {
 public:
-    explicit DemoDepot(const QString& root)
-        : m_root(root), m_path(QFile::encodeName(root + QStringLiteral("/depot.db")).toStdString())
+    DemoServer(const QString& root, const std::string& url) : m_root(root), m_path(url)
     {
         expect(QDir(root).mkpath(QStringLiteral("alice")) && QDir(root).mkpath(QStringLiteral("bob")),
                "cannot create the workspace folders");
-        expectDepot(depot::Depot::create(m_path), "cannot create the depot");
         depot::DepotOptions options;
         options.passwordHashCost = depot::PasswordHashCost::Minimal;  // a throw-away depot
-        m_admin = std::make_unique<depot::Depot>(m_path, options);
-        expectDepot(m_admin->addUser("alice", "alice-pw"), "add alice");
-        expectDepot(m_admin->addUser("bob", "bob-pw"), "add bob");
-        expectDepot(m_admin->addWorkspace("alice-ws", "alice", FolderPath("alice")), "add alice-ws");
-        expectDepot(m_admin->addWorkspace("bob-ws", "bob", FolderPath("bob")), "add bob-ws");
+        if (m_path.empty()) {
+            m_path = QFile::encodeName(root + QStringLiteral("/depot.db")).toStdString();
+            expectDepot(depot::Depot::create(m_path), "cannot create the depot");
+            depot::Depot admin(m_path, options);
+            expectDepot(admin.addUser("alice", "alice-pw"), "add alice");
+            expectDepot(admin.addUser("bob", "bob-pw"), "add bob");
+            expectDepot(admin.addWorkspace(Workspace("alice"), "alice", FolderPath("alice")), "add alice-ws");
+            expectDepot(admin.addWorkspace(Workspace("bob"), "bob", FolderPath("bob")), "add bob-ws");
+        }
+        m_bob = host::OpenRevisionServer(m_path, options);
     }
 
     const std::string& Path() const { return m_path; }
     QString Folder(const char* name) const { return QDir(m_root + '/' + name).canonicalPath(); }
     std::string FolderPath(const char* name) const { return QFile::encodeName(Folder(name)).toStdString(); }
+    std::string Workspace(const char* user) const
+    {
+        return host::IsSubversionUrl(m_path) ? FolderPath(user) : std::string(user) + "-ws";
+    }
     // bob's own connection (another user, as from another machine).
-    depot::Depot& Bob() { return *m_admin; }
+    host::RevisionServer& Bob() { return *m_bob; }
 
 private:
     QString m_root;
     std::string m_path;
-    std::unique_ptr<depot::Depot> m_admin;
+    std::unique_ptr<host::RevisionServer> m_bob;
 };
 
 class Demo
 {
 public:
-    explicit Demo(QTextStream& out) : m_out(out) {}
+    Demo(QTextStream& out, std::string server) : m_out(out), m_server(std::move(server)) {}
 
     int Run()
     {
         QTemporaryDir scratch;
         expect(scratch.isValid(), "cannot create a scratch folder");
-        step("An embedded depot with the users alice and bob in " + scratch.path());
-        DemoDepot depot(scratch.path());
+        step(m_server.empty() ? "An embedded depot with the users alice and bob in " + scratch.path()
+                              : "The Subversion repository " + QString::fromStdString(m_server) +
+                                    " with the users alice and bob, working copies in " + scratch.path());
+        DemoServer depot(scratch.path(), m_server);
 
         host::HostSession host(scratch.filePath(QStringLiteral("preferences.ini")));
         host::RevisionControlServices services;
         host.AddWorkspaceSetup([&](host::Workspace& workspace) {
             std::string error;
             services = host::InstallRevisionControlServices(workspace, depot.Path(),
-                                                            {"alice", "alice-pw", "alice-ws"}, error);
+                                                            {"alice", "alice-pw", depot.Workspace("alice")}, error);
             expect(error.empty(), error);
         });
         StartPlugin(host);
         // The account as the host's preferences keep it; the workspace setup logs alice in. (The
         // settings' own setters would hand the data control a fresh account without a session.)
         host.Preferences().SetStringPref("RevControl.UserName", "alice", 1);
-        host.Preferences().SetStringPref("RevControl.Workspace", "alice-ws", 1);
+        host.Preferences().SetStringPref("RevControl.Workspace", depot.Workspace("alice"), 1);
         host.Preferences().SetStringPref("RevControl.Server", depot.Path(), 1);
         host.Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
         std::string error;
@@ -148,7 +160,7 @@ public:
         PrintStatus({rock, sky, leaf});
         expect(services.connection
                    ->Run(dataControl->GetUserParameters().Get(),
-                         [](depot::Depot& d, const std::string& ticket, const depot::CancelCheck&) {
+                         [](host::RevisionServer& d, const std::string& ticket, const depot::CancelCheck&) {
                              depot::ChangelistId submitted;
                              return d.submit(ticket, "", "first assets", submitted);
                          },
@@ -160,7 +172,7 @@ public:
 
         step("bob syncs and opens Rock for edit in his own workspace");
         std::string bobTicket;
-        expectDepot(depot.Bob().login("bob", "bob-pw", "bob-ws", bobTicket), "bob logs in");
+        expectDepot(depot.Bob().login("bob", "bob-pw", depot.Workspace("bob"), bobTicket), "bob logs in");
         expectDepot(depot.Bob().sync(bobTicket, {}), "bob syncs");
         expectDepot(depot.Bob().edit(bobTicket, {depot.FolderPath("bob") + "/Rock.kel"}, ""), "bob edits");
         PrintStatus({rock, sky});
@@ -255,16 +267,17 @@ private:
     }
 
     QTextStream& m_out;
+    std::string m_server;
     IRevisionControlUIHelper* m_helper = nullptr;
     IRevisionControlPropertiesMgr* m_settings = nullptr;
 };
 
 }  // namespace
 
-int RunDemo(QTextStream& out)
+int RunDemo(QTextStream& out, const std::string& server)
 {
     try {
-        return Demo(out).Run();
+        return Demo(out, server).Run();
     } catch (const std::exception& error) {
         out << "The demo stopped: " << error.what() << "\n";
         return 1;

@@ -17,11 +17,16 @@ int main(int argc, char** argv)
     parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption demo(QStringLiteral("demo"), QStringLiteral("Run the batch demo on an embedded depot."));
+    const QCommandLineOption server(QStringLiteral("server"),
+                                    QStringLiteral("Run the demo against the Subversion repository at <url> (users "
+                                                   "alice/alice-pw and bob/bob-pw) instead of an embedded depot."),
+                                    QStringLiteral("url"));
     parser.addOption(demo);
     const QCommandLineOption language(QStringLiteral("lang"),
                                       QStringLiteral("Language of the dialogs (e.g. de); the system's by default."),
                                       QStringLiteral("language"));
     parser.addOption(language);
+    parser.addOption(server);
     parser.process(app);
 
     // The plug-in installs its own translation for the default locale when it is loaded.
@@ -31,7 +36,7 @@ int main(int argc, char** argv)
 
     QTextStream out(stdout);
     if (parser.isSet(demo))
-        return hbrc::studio::RunDemo(out);
+        return hbrc::studio::RunDemo(out, parser.value(server).toStdString());
     out << "Nothing to do: run with --demo (the interactive studio is not built yet)\n";
     return 2;
 }

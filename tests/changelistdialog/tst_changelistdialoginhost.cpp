@@ -1,5 +1,6 @@
 // The changelist dialog and the object-files services over the reference host: alice's workspace
-// on the embedded depot with its real pending changelists, and the host's data control.
+// on the embedded depot and on a Subversion server with its real pending changelists, and the
+// host's data control.
 #include "changelistdialogui.h"
 #include "objectlisthelpers.h"
 #include "revisioncontroluihelper.h"
@@ -14,9 +15,15 @@ namespace {
 
 using Dialog = hbChangeListSelectionDialog;
 
-using InHost = DepotHostFixture;
+class InHost : public DepotHostFixture, public ::testing::WithParamInterface<ServerKind>
+{
+public:
+    ServerKind Server() const override { return GetParam(); }
+};
+INSTANTIATE_TEST_SUITE_P(Servers, InHost, ::testing::Values(ServerKind::EmbeddedDepot, ServerKind::SvnServe),
+                         ServerKindName);
 
-TEST_F(InHost, NewCreatesADepotChangeListThatTheNextDialogLists)
+TEST_P(InHost, NewCreatesADepotChangeListThatTheNextDialogLists)
 {
     Dialog first(DataControl(), QString(), {}, false, true, nullptr);
     EXPECT_EQ(comboTexts(first), (QStringList{"New", "Default"}));
@@ -47,7 +54,7 @@ TEST_F(InHost, NewCreatesADepotChangeListThatTheNextDialogLists)
     EXPECT_EQ(second.getChangeList(), lighting);
 }
 
-TEST_F(InHost, AnExpiredSessionListsNothingAndKeepsTheDialogOpenOnNew)
+TEST_P(InHost, AnExpiredSessionListsNothingAndKeepsTheDialogOpenOnNew)
 {
     std::string made;
     std::string error;
@@ -66,7 +73,7 @@ TEST_F(InHost, AnExpiredSessionListsNothingAndKeepsTheDialogOpenOnNew)
     EXPECT_EQ(result, Dialog::Cancelled);
 }
 
-TEST_F(InHost, TheFilesOfASavedAssetAreListedSortedAndDescribed)
+TEST_P(InHost, TheFilesOfASavedAssetAreListedSortedAndDescribed)
 {
     const KELHandle<IDbObject> moss = CreateSavedAsset("Moss", "moss.geo");
     ASSERT_TRUE(workspace->AddExternalFile(moss, "albedo.tex", "texture"));

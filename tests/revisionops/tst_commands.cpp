@@ -170,7 +170,16 @@ protected:
     AccessStateReceiver receiver;
 };
 
-TEST_F(CommandsOnDepot, ACheckOutOpensTheFilesInTheNamedChangelistNotifiesAndIsUndoneByTheHost)
+// The commands that reach the server run on the embedded depot and on a Subversion server.
+class CommandsOnServers : public CommandsOnDepot, public ::testing::WithParamInterface<ServerKind>
+{
+public:
+    ServerKind Server() const override { return GetParam(); }
+};
+INSTANTIATE_TEST_SUITE_P(Servers, CommandsOnServers,
+                         ::testing::Values(ServerKind::EmbeddedDepot, ServerKind::SvnServe), ServerKindName);
+
+TEST_P(CommandsOnServers, ACheckOutOpensTheFilesInTheNamedChangelistNotifiesAndIsUndoneByTheHost)
 {
     std::string changelist;
     std::string error;
@@ -202,7 +211,7 @@ TEST_F(CommandsOnDepot, MissingChangelistAndIncludeFlagMeanTheDefaultChangelistW
                 ElementsAre(std::pair(unsigned(kel4::eStatusCheckedOut), std::string()), std::pair(0u, std::string())));
 }
 
-TEST_F(CommandsOnDepot, AMarkForAddOpensANewAssetForAddInTheNamedChangelistAndNotifies)
+TEST_P(CommandsOnServers, AMarkForAddOpensANewAssetForAddInTheNamedChangelistAndNotifies)
 {
     CreateSavedAsset("Moss", "moss.bin");
     std::string changelist;
@@ -215,7 +224,18 @@ TEST_F(CommandsOnDepot, AMarkForAddOpensANewAssetForAddInTheNamedChangelistAndNo
     EXPECT_THAT(receiver.items, ElementsAre(itemOf("Moss")));
 }
 
-TEST_F(CommandsOnDepot, ACheckOutInAnExpiredSessionFailsWithoutNotifying)
+TEST_P(CommandsOnServers, ACheckOutOfAnAssetBobHoldsOpensNothingAndNamesHim)
+{
+    BobExpects(Bob().edit(BobTicket(), BobFilesOf("Tree"), ""));
+    const KELPtr<ScsCheckOutCommand> command(new ScsCheckOutCommand(library(), "", accessorsOf({"Rock", "Tree"}), true));
+    EXPECT_EQ(execute(*command), kel4::kResultFailed);
+    EXPECT_NE(errorOf(*command).find("bob"), std::string::npos) << errorOf(*command);
+    EXPECT_TRUE(receiver.items.empty());
+    EXPECT_FALSE(StatusOf("Rock") & kel4::eStatusCheckedOut) << "all or nothing";
+    EXPECT_THAT(writable(filesOf("Rock")), Each(false));
+}
+
+TEST_P(CommandsOnServers, ACheckOutInAnExpiredSessionFailsWithoutNotifying)
 {
     ASSERT_EQ(services.ExpireSessionNow().GetCode(), 0);
     const KELPtr<ScsCheckOutCommand> command(new ScsCheckOutCommand(library(), "", accessorsOf({"Rock"}), false));

@@ -2,7 +2,10 @@
 // acts on (-34 starts its re-connection; "Invalid password" its password dialog).
 #include <depothostfixture.h>
 
+#include <chrono>
 #include <functional>
+#include <set>
+#include <thread>
 #include <tuple>
 
 using namespace kel4;
@@ -68,29 +71,29 @@ INSTANTIATE_TEST_SUITE_P(
 struct DepotOperation
 {
     const char* name;
-    std::function<kelResult(SessionsAndFaults&, std::string& error)> run;
+    std::function<kelResult(DepotHostFixture&, std::string& error)> run;
 };
 
 const DepotOperation kOperations[] = {
-    {"status", [](SessionsAndFaults& f, std::string& error) {
+    {"status", [](DepotHostFixture& f, std::string& error) {
          List<unsigned> statuses;
          return f.DataControl()->GetStatus({f.Asset("Rock")}, true, closureId::Persistence, true, statuses, error);
      }},
-    {"check-out", [](SessionsAndFaults& f, std::string& error) {
+    {"check-out", [](DepotHostFixture& f, std::string& error) {
          return f.DataControl()->CheckOut({f.Asset("Rock")}, true, closureId::Persistence, "", error);
      }},
-    {"users", [](SessionsAndFaults& f, std::string&) {
+    {"users", [](DepotHostFixture& f, std::string&) {
          List<std::string> users;
          return f.DataControl()->GetUsersOfObject(f.Asset("Rock"), closureId::Persistence, users);
      }},
-    {"changelists", [](SessionsAndFaults& f, std::string& error) {
+    {"changelists", [](DepotHostFixture& f, std::string& error) {
          List<std::string> changelists;
          return f.DataControl()->GetPendingChangeLists(changelists, error);
      }},
-    {"revert", [](SessionsAndFaults& f, std::string& error) {
+    {"revert", [](DepotHostFixture& f, std::string& error) {
          return f.FileVersionControl()->Revert(f.AliceSession(), {f.AlicePath("rock.bin")}, error, 0, 0);
      }},
-    {"mark-for-delete", [](SessionsAndFaults& f, std::string& error) {
+    {"mark-for-delete", [](DepotHostFixture& f, std::string& error) {
          return f.FileVersionControl()->MarkForDeleteInChangelist(f.AliceSession(), {f.AlicePath("rock.bin")}, "", error);
      }},
 };
@@ -190,6 +193,37 @@ TEST_P(SessionsAndFaults, FailedCheckOutLeavesNothingOpen)
     services.connection->Faults().clear();
     EXPECT_EQ(StatusOf("Rock"), 0u);
     EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
+}
+
+class KilledServer : public DepotHostFixture
+{
+public:
+    ServerKind Server() const override { return ServerKind::SvnServe; }
+};
+
+// The server dies while a check-out is under way (its round trip delayed): the check-out and every
+// question after it end with -34 and say that the server cannot be reached; nothing waits forever.
+TEST_F(KilledServer, OperationsEndUnusableWithAClearMessage)
+{
+    services.connection->Faults().setLatency(std::chrono::milliseconds(300));
+    std::thread killer([this] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        Repository()->CrashServer();
+    });
+    std::string error;
+    const kelResult checkOut = DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error);
+    killer.join();
+    services.connection->Faults().clear();
+    EXPECT_EQ(checkOut.GetCode(), kResultSessionUnusable) << error;
+    EXPECT_NE(error.find("Cannot reach the Subversion server"), std::string::npos) << error;
+    // The pending changelists and a revert of files not open are answered from the working copy.
+    const std::set<std::string> local{"changelists", "revert"};
+    for (const DepotOperation& operation : kOperations)
+        if (!local.count(operation.name)) {
+            EXPECT_EQ(operation.run(*this, error).GetCode(), kResultSessionUnusable) << operation.name << ": " << error;
+        }
+    EXPECT_TRUE(FileVersionControl()->Login("alice", "alice-pw", AliceWorkspace(), DepotPath(), error).IsNull());
+    EXPECT_NE(error.find("Cannot reach the Subversion server"), std::string::npos) << error;
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include <QThread>
 
 #include <arpa/inet.h>
+#include <csignal>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -43,7 +44,14 @@ public:
     const std::string& Url() const { return m_url; }
     bool Served() const { return m_server != nullptr; }
 
-    // Kills the server at once (a crash, not a shut-down): connections break, new ones are refused.
+    // Kills the server at once, as a crash would: connections break, new ones are refused. Safe
+    // from any thread; the process is reaped when the object is destroyed.
+    void CrashServer() const
+    {
+        if (m_server)
+            ::kill(static_cast<pid_t>(m_server->processId()), SIGKILL);
+    }
+
     void StopServer()
     {
         if (!m_server)
