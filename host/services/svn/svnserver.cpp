@@ -223,20 +223,22 @@ SvnServer::Session* SvnServer::find(const std::string& ticket)
 void SvnServer::dropRepository()
 {
     m_ra = nullptr;
-    m_raSession = nullptr;
+    m_raAccount.reset();
     m_raPool.reset();
 }
 
-svn_error_t* SvnServer::repository(const Session& session, svn_ra_session_t*& ra)
+svn_error_t* SvnServer::repository(const SvnCredentials& account, svn_ra_session_t*& ra)
 {
-    if (!m_ra || m_raSession != &session) {
+    const bool sameAccount =
+        m_raAccount && m_raAccount->user == account.user && m_raAccount->password == account.password;
+    if (!m_ra || !sameAccount) {
         dropRepository();
         m_raPool = std::make_unique<SvnPool>();
         svn_ra_session_t* opened = nullptr;
         SVN_ERR(svn_client_open_ra_session2(&opened, m_url.c_str(), nullptr, m_client.context(), m_raPool->get(),
                                             m_raPool->get()));
         m_ra = opened;
-        m_raSession = &session;
+        m_raAccount = account;
     }
     ra = m_ra;
     return SVN_NO_ERROR;
@@ -258,7 +260,7 @@ Result SvnServer::login(const std::string& user, const std::string& password, co
     // Asking the repository for its latest revision proves that it is reachable and the account valid.
     svn_ra_session_t* ra = nullptr;
     svn_revnum_t latest = SVN_INVALID_REVNUM;
-    svn_error_t* err = repository(*session, ra);
+    svn_error_t* err = repository(session->credentials, ra);
     if (!err)
         err = svn_ra_get_latest_revnum(ra, &latest, call.pool());
     if (err && SvnIsAuthenticationFailure(err)) {
@@ -292,9 +294,6 @@ Result SvnServer::login(const std::string& user, const std::string& password, co
 
 Result SvnServer::expireSession(const std::string& ticket)
 {
-    const Session* session = find(ticket);
-    if (session && m_raSession == session)
-        dropRepository();
     m_sessions.erase(ticket);
     return {};
 }

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <map>
 #include <memory>
+#include <optional>
 
 struct svn_ra_session_t;
 
@@ -65,9 +66,10 @@ private:
     class Call;
 
     Session* find(const std::string& ticket);
-    // The repository connection kept for this server's own questions, opened with the session's
-    // account; dropped when it fails so that the next question connects again.
-    svn_error_t* repository(const Session& session, svn_ra_session_t*& ra);
+    // The repository connection kept for this server's own questions, opened with an account and
+    // reused while the account is the same; dropped when it fails so that the next question
+    // connects again.
+    svn_error_t* repository(const SvnCredentials& account, svn_ra_session_t*& ra);
     void dropRepository();
     depot::Result statusWords(Call& call, const Files& files, bool askRepository,
                               std::vector<depot::FileStatus>& statuses, SvnStatusMap* walked = nullptr);
@@ -77,7 +79,7 @@ private:
     std::map<std::string, std::unique_ptr<Session>> m_sessions;
     std::unique_ptr<SvnPool> m_raPool;
     svn_ra_session_t* m_ra = nullptr;
-    const Session* m_raSession = nullptr;
+    std::optional<SvnCredentials> m_raAccount;
     std::atomic<std::uint64_t> m_roundTrips{0};
     depot::FaultInjector m_faults;
 };
