@@ -1,6 +1,6 @@
 #pragma once
 
-// A fresh Subversion repository for tests and benchmarks, header-only: created with svnadmin in a
+// A fresh Subversion repository for tests and benchmarks, header-only: made with svnadmin in a
 // folder, with the users alice ("alice-pw") and bob ("bob-pw") in its password file and anonymous
 // access off. Served by svnserve on 127.0.0.1 at a free port (threads, so that stopping the
 // server ends its connections too), or reached directly through a file:// URL. The server stops
@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QThread>
 
 #include <arpa/inet.h>
@@ -17,6 +18,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -28,10 +30,8 @@ public:
 
     SvnRepositoryFixture(const QString& folder, Access access) : m_folder(folder)
     {
-        Run(QStringLiteral("svnadmin"), {QStringLiteral("create"), RepositoryPath()});
-        WriteFile(QStringLiteral("conf/svnserve.conf"),
-                  "[general]\nanon-access = none\nauth-access = write\npassword-db = passwd\nrealm = hbrc\n");
-        WriteFile(QStringLiteral("conf/passwd"), "[users]\nalice = alice-pw\nbob = bob-pw\n");
+        std::filesystem::copy(EmptyRepository(), QFile::encodeName(RepositoryPath()).toStdString(),
+                              std::filesystem::copy_options::recursive);
         if (access == Access::Served)
             StartServer();
         else
@@ -42,7 +42,6 @@ public:
     SvnRepositoryFixture& operator=(const SvnRepositoryFixture&) = delete;
 
     const std::string& Url() const { return m_url; }
-    bool Served() const { return m_server != nullptr; }
 
     // Kills the server at once, as a crash would: connections break, new ones are refused. Safe
     // from any thread; the process is reaped when the object is destroyed.
@@ -52,6 +51,7 @@ public:
             ::kill(static_cast<pid_t>(m_server->processId()), SIGKILL);
     }
 
+private:
     void StopServer()
     {
         if (!m_server)
@@ -61,8 +61,22 @@ public:
         m_server.reset();
     }
 
-private:
     QString RepositoryPath() const { return m_folder + QStringLiteral("/repository"); }
+
+    // A new repository is a copy of one made once per process, which is faster than svnadmin.
+    static std::string EmptyRepository()
+    {
+        static const QTemporaryDir folder;
+        static const std::string made = [] {
+            const QString path = folder.filePath(QStringLiteral("repository"));
+            Run(QStringLiteral("svnadmin"), {QStringLiteral("create"), path});
+            WriteFile(path + QStringLiteral("/conf/svnserve.conf"),
+                      "[general]\nanon-access = none\nauth-access = write\npassword-db = passwd\nrealm = hbrc\n");
+            WriteFile(path + QStringLiteral("/conf/passwd"), "[users]\nalice = alice-pw\nbob = bob-pw\n");
+            return QFile::encodeName(path).toStdString();
+        }();
+        return made;
+    }
 
     static void Run(const QString& program, const QStringList& arguments)
     {
@@ -72,11 +86,11 @@ private:
             throw std::runtime_error((program + " failed: ").toStdString() + process.readAllStandardError().toStdString());
     }
 
-    void WriteFile(const QString& relative, const QByteArray& text) const
+    static void WriteFile(const QString& path, const QByteArray& text)
     {
-        QFile file(RepositoryPath() + '/' + relative);
+        QFile file(path);
         if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(text) != text.size())
-            throw std::runtime_error("cannot write " + relative.toStdString());
+            throw std::runtime_error("cannot write " + path.toStdString());
     }
 
     // Binds port (0: any free one) or connects to it on 127.0.0.1; the port bound or reached, 0 on failure.
