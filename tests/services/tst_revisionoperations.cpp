@@ -4,6 +4,8 @@
 
 #include <kel4/revisionstatus.h>
 
+#include <QFile>
+
 using namespace kel4;
 
 namespace {
@@ -74,6 +76,48 @@ TEST_P(RevisionOperations, MarkForDeleteInAChangelistAndRevertIt)
     EXPECT_EQ(changelists, List<std::string>{changelist});
     ASSERT_EQ(FileVersionControl()->Revert(AliceSession(), files, error, 0, 0).GetCode(), 0) << error;
     EXPECT_EQ(StatusOf("Sky"), 0u);
+}
+
+// Submitting one pending changelist takes its files only, leaves them read-only at the new head
+// revision and ends the changelist; bob sees the change and syncs it.
+TEST_P(RevisionOperations, SubmitOfOneChangelistTakesItsFilesAndBobSyncsThem)
+{
+    std::string changelist;
+    std::string error;
+    ASSERT_EQ(DataControl()->CreateChangeList("Mossy rock", changelist, error).GetCode(), 0) << error;
+    AliceChecksOut("Rock", changelist);
+    AliceChecksOut("Tree");
+    for (const std::string& file : FilesOf("Rock")) {
+        QFile edited(QFile::decodeName(file.c_str()));
+        ASSERT_TRUE(edited.open(QIODevice::Append) && edited.write("moss") > 0) << file;
+    }
+    const kelResult submitted = services.connection->Run(
+        AliceSession(),
+        [&](hbrc::host::RevisionServer& server, const std::string& ticket, const hbrc::depot::CancelCheck&) {
+            hbrc::depot::ChangelistId made;
+            return server.submit(ticket, changelist, "", made);
+        },
+        error);
+    ASSERT_EQ(submitted.GetCode(), 0) << error;
+    EXPECT_EQ(StatusOf("Rock"), 0u);
+    EXPECT_TRUE(DataControl()->IsReadOnly(Asset("Rock"), true, kPersistence));
+    EXPECT_EQ(StatusOf("Tree"), eStatusCheckedOut) << "the default changelist stays pending";
+    EXPECT_FALSE(DataControl()->ChangeListExists(changelist));
+    List<std::string> pending;
+    ASSERT_EQ(DataControl()->GetPendingChangeLists(pending, error).GetCode(), 0) << error;
+    EXPECT_TRUE(pending.empty());
+
+    const std::vector<std::string> bobFiles = BobFilesOf("Rock");
+    std::vector<hbrc::depot::FileStatus> bobSees;
+    BobExpects(Bob().status(BobTicket(), bobFiles, bobSees));
+    ASSERT_EQ(bobSees.size(), 2u);
+    EXPECT_EQ(bobSees[0].word, eStatusNotHeadRevision);
+    BobExpects(Bob().sync(BobTicket(), {}));
+    BobExpects(Bob().status(BobTicket(), bobFiles, bobSees));
+    EXPECT_EQ(bobSees[0].word, 0u);
+    QFile synced(QFile::decodeName(bobFiles[0].c_str()));
+    ASSERT_TRUE(synced.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(synced.readAll().endsWith("moss"));
 }
 
 TEST_P(RevisionOperations, MakeWritableFollowsTheIncludeExternalFlagAndLeavesTheDepotAlone)

@@ -36,22 +36,23 @@ private:
     bool m_cancel;
 };
 
-class TimeOutDelegate : public DepotHostFixture
+class TimeOutDelegate : public ServerFixture
 {
 protected:
     void SetUp() override
     {
-        DepotHostFixture::SetUp();
+        ServerFixture::SetUp();
         services.connection->Runner().SetThreshold(std::chrono::milliseconds(0));
     }
     void TearDown() override
     {
         FileVersionControl()->SetTimeOutDelegate(nullptr);
-        DepotHostFixture::TearDown();
+        ServerFixture::TearDown();
     }
 };
+INSTANTIATE_TEST_SUITE_P(Servers, TimeOutDelegate, ServerKinds(), ServerKindName);
 
-TEST_F(TimeOutDelegate, CancelledOperationsChangeNothing)
+TEST_P(TimeOutDelegate, CancelledOperationsChangeNothing)
 {
     AliceChecksOut("Tree");
     std::string error;
@@ -80,7 +81,7 @@ TEST_F(TimeOutDelegate, CancelledOperationsChangeNothing)
     }
 }
 
-TEST_F(TimeOutDelegate, SlowOperationClosesTheDelegateAndTurnsAwayCallsFromInsideIt)
+TEST_P(TimeOutDelegate, SlowOperationClosesTheDelegateAndTurnsAwayCallsFromInsideIt)
 {
     ScriptedDelegate delegate(false);
     kelResult nested;

@@ -58,7 +58,7 @@ svn_error_t* CheckCancel(void* baton)
 {
     const auto* cancel = *static_cast<const depot::CancelCheck* const*>(baton);
     if (cancel && *cancel && (*cancel)())
-        return svn_error_create(SVN_ERR_CANCELLED, nullptr, "Cancelled by the user");
+        return svn_error_create(SVN_ERR_CANCELLED, nullptr, "The operation was cancelled");
     return SVN_NO_ERROR;
 }
 

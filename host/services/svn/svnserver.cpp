@@ -169,7 +169,7 @@ public:
         const auto until = std::chrono::steady_clock::now() + m_server.m_faults.latency();
         while (std::chrono::steady_clock::now() < until) {
             if (m_cancel && m_cancel())
-                return {code::Cancelled, "Cancelled by the user"};
+                return {code::Cancelled, "The operation was cancelled; the repository is unchanged"};
             std::this_thread::sleep_for(
                 std::min<std::chrono::steady_clock::duration>(kLatencySlice, until - std::chrono::steady_clock::now()));
         }
