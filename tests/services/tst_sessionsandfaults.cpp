@@ -195,15 +195,34 @@ TEST_P(SessionsAndFaults, FailedCheckOutLeavesNothingOpen)
     EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
 }
 
-class KilledServer : public DepotHostFixture
+class SvnServeFaults : public DepotHostFixture
 {
 public:
     ServerKind Server() const override { return ServerKind::SvnServe; }
 };
 
+// The administrator changes alice's password: her session's next question is refused with -34 (so
+// the plug-in asks for the password), the old password no longer logs in, the new one does.
+TEST_F(SvnServeFaults, ACredentialTheServerNoLongerAcceptsMakesTheSessionUnusable)
+{
+    Repository()->SetUsers("alice = new-pw\nbob = bob-pw\n");
+    std::string error;
+    List<unsigned> statuses;
+    EXPECT_EQ(DataControl()->GetStatus({Asset("Rock")}, true, kPersistence, true, statuses, error).GetCode(),
+              kResultSessionUnusable);
+    EXPECT_NE(error.find("refused the session's credentials"), std::string::npos) << error;
+    EXPECT_TRUE(FileVersionControl()->Login("alice", "alice-pw", AliceWorkspace(), DepotPath(), error).IsNull());
+    EXPECT_NE(error.find("Invalid password"), std::string::npos) << error;
+    const KELPtr<IUserParameters> session =
+        FileVersionControl()->Login("alice", "new-pw", AliceWorkspace(), DepotPath(), error);
+    ASSERT_FALSE(session.IsNull()) << error;
+    DataControl()->SetSession(session);
+    EXPECT_EQ(StatusOf("Rock"), 0u);
+}
+
 // The server dies while a check-out is under way (its round trip delayed): the check-out and every
 // question after it end with -34 and say that the server cannot be reached; nothing waits forever.
-TEST_F(KilledServer, OperationsEndUnusableWithAClearMessage)
+TEST_F(SvnServeFaults, AServerKilledDuringACheckOutEndsItUnusableWithAClearMessage)
 {
     services.connection->Faults().setLatency(std::chrono::milliseconds(300));
     std::thread killer([this] {

@@ -27,6 +27,7 @@ class SvnRepositoryFixture
 {
 public:
     enum class Access { Served, Local };
+    static constexpr const char* kUsers = "alice = alice-pw\nbob = bob-pw\n";
 
     SvnRepositoryFixture(const QString& folder, Access access) : m_folder(folder)
     {
@@ -42,6 +43,13 @@ public:
     SvnRepositoryFixture& operator=(const SvnRepositoryFixture&) = delete;
 
     const std::string& Url() const { return m_url; }
+
+    // Replaces the password file's users ("name = password" lines); the server reads it again for
+    // every connection.
+    void SetUsers(const QByteArray& users) const
+    {
+        WriteFile(RepositoryPath() + QStringLiteral("/conf/passwd"), "[users]\n" + users);
+    }
 
     // Kills the server at once, as a crash would: connections break, new ones are refused. Safe
     // from any thread; the process is reaped when the object is destroyed.
@@ -72,7 +80,7 @@ private:
             Run(QStringLiteral("svnadmin"), {QStringLiteral("create"), path});
             WriteFile(path + QStringLiteral("/conf/svnserve.conf"),
                       "[general]\nanon-access = none\nauth-access = write\npassword-db = passwd\nrealm = hbrc\n");
-            WriteFile(path + QStringLiteral("/conf/passwd"), "[users]\nalice = alice-pw\nbob = bob-pw\n");
+            WriteFile(path + QStringLiteral("/conf/passwd"), QByteArray("[users]\n") + kUsers);
             return QFile::encodeName(path).toStdString();
         }();
         return made;

@@ -193,12 +193,7 @@ public:
         ++m_server.m_roundTrips;
         return finish(err);
     }
-    Result finish(svn_error_t* err)
-    {
-        if (err)
-            m_server.dropRepository();
-        return SvnResult(err, m_server.m_url);
-    }
+    Result finish(svn_error_t* err) const { return SvnResult(err, m_server.m_url); }
 
 private:
     SvnServer& m_server;
@@ -207,41 +202,10 @@ private:
     Session* m_session = nullptr;
 };
 
-SvnServer::SvnServer(std::string url) : m_url(std::move(url)) {}
-
-SvnServer::~SvnServer()
-{
-    dropRepository();
-}
-
 SvnServer::Session* SvnServer::find(const std::string& ticket)
 {
     const auto found = m_sessions.find(ticket);
     return found == m_sessions.end() ? nullptr : found->second.get();
-}
-
-void SvnServer::dropRepository()
-{
-    m_ra = nullptr;
-    m_raAccount.reset();
-    m_raPool.reset();
-}
-
-svn_error_t* SvnServer::repository(const SvnCredentials& account, svn_ra_session_t*& ra)
-{
-    const bool sameAccount =
-        m_raAccount && m_raAccount->user == account.user && m_raAccount->password == account.password;
-    if (!m_ra || !sameAccount) {
-        dropRepository();
-        m_raPool = std::make_unique<SvnPool>();
-        svn_ra_session_t* opened = nullptr;
-        SVN_ERR(svn_client_open_ra_session2(&opened, m_url.c_str(), nullptr, m_client.context(), m_raPool->get(),
-                                            m_raPool->get()));
-        m_ra = opened;
-        m_raAccount = account;
-    }
-    ra = m_ra;
-    return SVN_NO_ERROR;
 }
 
 Result SvnServer::login(const std::string& user, const std::string& password, const std::string& workspace,
@@ -257,16 +221,17 @@ Result SvnServer::login(const std::string& user, const std::string& password, co
     session->workingCopy = Canonical(workspace, call.pool());
     call.use(*session);
 
-    // Asking the repository for its latest revision proves that it is reachable and the account valid.
+    // Asking the repository for its latest revision on a new connection proves that it is
+    // reachable and accepts the account now.
     svn_ra_session_t* ra = nullptr;
     svn_revnum_t latest = SVN_INVALID_REVNUM;
-    svn_error_t* err = repository(session->credentials, ra);
+    svn_error_t* err =
+        svn_client_open_ra_session2(&ra, m_url.c_str(), nullptr, call.context(), call.pool(), call.pool());
     if (!err)
         err = svn_ra_get_latest_revnum(ra, &latest, call.pool());
     if (err && SvnIsAuthenticationFailure(err)) {
         ++m_roundTrips;
         svn_error_clear(err);
-        dropRepository();
         return {code::Failed, "Invalid password for user " + user + "."};
     }
     if (Result reached = call.ask(err); !reached.ok())

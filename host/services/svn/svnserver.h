@@ -9,9 +9,6 @@
 #include <atomic>
 #include <map>
 #include <memory>
-#include <optional>
-
-struct svn_ra_session_t;
 
 namespace hbrc::host {
 
@@ -23,8 +20,7 @@ namespace hbrc::host {
 class SvnServer final : public RevisionServer
 {
 public:
-    explicit SvnServer(std::string url);
-    ~SvnServer() override;
+    explicit SvnServer(std::string url) : m_url(std::move(url)) {}
 
     const std::string& path() const override { return m_url; }
     depot::Result login(const std::string& user, const std::string& password, const std::string& workspace,
@@ -66,20 +62,12 @@ private:
     class Call;
 
     Session* find(const std::string& ticket);
-    // The repository connection kept for this server's own questions, opened with an account and
-    // reused while the account is the same; dropped when it fails so that the next question
-    // connects again.
-    svn_error_t* repository(const SvnCredentials& account, svn_ra_session_t*& ra);
-    void dropRepository();
     depot::Result statusWords(Call& call, const Files& files, bool askRepository,
                               std::vector<depot::FileStatus>& statuses, SvnStatusMap* walked = nullptr);
 
     std::string m_url;
     SvnClient m_client;
     std::map<std::string, std::unique_ptr<Session>> m_sessions;
-    std::unique_ptr<SvnPool> m_raPool;
-    svn_ra_session_t* m_ra = nullptr;
-    std::optional<SvnCredentials> m_raAccount;
     std::atomic<std::uint64_t> m_roundTrips{0};
     depot::FaultInjector m_faults;
 };

@@ -24,8 +24,9 @@ struct ConnectionOptions
     std::chrono::milliseconds statusLifetime{std::chrono::seconds(10)};
 };
 
-// The link of one host's revision-control services to a depot, shared by its data control and
-// file version control: the depot connection, the time-out runner every operation goes through,
+// The link of one host's revision-control services to a revision server (the embedded depot or a
+// Subversion repository, as the server setting names it), shared by its data control and file
+// version control: the server connection, the time-out runner every operation goes through,
 // the status cache, and the knobs tests and benchmarks turn (round trips, fault injection).
 // Used from the host's UI thread; the depot itself may be driven from the runner's worker.
 class DepotConnection

@@ -8,9 +8,9 @@
 
 namespace hbrc::host {
 
-// The file-level revision-control service of the reference host, over the embedded depot. Each
-// operation on a list of files is one depot round trip; the server of a log-in is the depot
-// file's path. Status answers refresh the connection's status cache; changes empty it.
+// The file-level revision-control service of the reference host, over its revision server. Each
+// operation on a list of files is one round trip; the server of a log-in is the depot file's path
+// or the repository's URL. Status answers refresh the connection's status cache; changes empty it.
 class FileVersionControl final : public kel4::RefCounted<kel4::IFileVersionControl>
 {
 public:
