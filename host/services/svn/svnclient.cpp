@@ -16,6 +16,8 @@ namespace hbrc::host {
 
 namespace {
 
+const char* const kHttpTimeoutSeconds = "30";
+
 void InitialiseLibraryOnce()
 {
     static std::once_flag once;
@@ -104,6 +106,9 @@ SvnClient::SvnClient()
         svn_error_clear(svn_config_create2(&empty, FALSE, FALSE, m_pool.get()));
         svn_hash_sets(config, category, empty);
     }
+    // An http(s) server that stops answering ends the operation (-34) instead of holding it.
+    svn_config_set(static_cast<svn_config_t*>(svn_hash_gets(config, SVN_CONFIG_CATEGORY_SERVERS)),
+                   SVN_CONFIG_SECTION_GLOBAL, SVN_CONFIG_OPTION_HTTP_TIMEOUT, kHttpTimeoutSeconds);
     svn_error_clear(svn_client_create_context2(&m_context, config, m_pool.get()));
 
     // The providers read the account through a pointer to this object's member, so that one

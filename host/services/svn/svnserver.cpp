@@ -218,7 +218,10 @@ Result SvnServer::login(const std::string& user, const std::string& password, co
         return {code::Failed, "A Subversion account needs a user name and the folder of its working copy."};
     auto session = std::make_unique<Session>();
     session->credentials = {user, password};
-    session->workingCopy = Canonical(workspace, call.pool());
+    const char* folder = nullptr;
+    if (svn_error_t* relative = svn_dirent_get_absolute(&folder, workspace.c_str(), call.pool()))
+        return call.finish(relative);
+    session->workingCopy = folder;
     call.use(*session);
 
     // Asking the repository for its latest revision on a new connection proves that it is
