@@ -97,7 +97,7 @@ protected:
         std::string error;
         const kelResult submitted = services.connection->Run(
             AliceSession(),
-            [&](hbrc::depot::Depot& depot, const std::string& ticket, const hbrc::depot::CancelCheck&) {
+            [&](hbrc::host::RevisionServer& depot, const std::string& ticket, const hbrc::depot::CancelCheck&) {
                 hbrc::depot::ChangelistId number;
                 return depot.submit(ticket, changelist, "tree fixes", number);
             },
@@ -165,7 +165,16 @@ DialogDriver::Handler answerPrompt(const PromptAnswer& answer)
     };
 }
 
-TEST_F(EditFlows, BobHoldsRockAliceChecksOutIntoANewChangeListAndRetriesOnceBobReverts)
+// The flows that depend on what the server answers run on the embedded depot and on svnserve.
+class EditFlowsOnServers : public EditFlows, public ::testing::WithParamInterface<ServerKind>
+{
+public:
+    ServerKind Server() const override { return GetParam(); }
+};
+INSTANTIATE_TEST_SUITE_P(Servers, EditFlowsOnServers,
+                         ::testing::Values(ServerKind::EmbeddedDepot, ServerKind::SvnServe), ServerKindName);
+
+TEST_P(EditFlowsOnServers, BobHoldsRockAliceChecksOutIntoANewChangeListAndRetriesOnceBobReverts)
 {
     bobEdits("Rock");
     storeAction(Settings::eActionPrompt);
@@ -179,8 +188,11 @@ TEST_F(EditFlows, BobHoldsRockAliceChecksOutIntoANewChangeListAndRetriesOnceBobR
         auto* box = qobject_cast<QMessageBox*>(w);
         ASSERT_NE(box, nullptr);
         EXPECT_EQ(box->windowTitle(), "Checkout Error");
-        EXPECT_EQ(box->text().toStdString(),
-                  "Cannot checkout the assets\nbecause the following users have checked out some of the files\n\nbob\n");
+        // A Subversion check-out is a lock: the message names both causes.
+        const std::string lockedLine =
+            IsSubversion() ? "because the following users have locked some of the files\n" : "";
+        EXPECT_EQ(box->text().toStdString(), "Cannot checkout the assets\nbecause the following users have checked "
+                                             "out some of the files\n" + lockedLine + "\nbob\n");
         EXPECT_THAT(box->detailedText().toStdString(), HasSubstr(AlicePath("rock.bin")));
         EXPECT_EQ(box->standardButtons(), QMessageBox::Retry | QMessageBox::Ignore | QMessageBox::Cancel);
         EXPECT_EQ(box->defaultButton(), box->button(QMessageBox::Retry));
@@ -297,7 +309,7 @@ TEST_F(EditFlows, ContinueAnswersTheSameQuestionUntilItChanges)
 
 // An expired session: the check-out asks for the password; accepted, it checks out; refused, the
 // user is asked what to do instead.
-TEST_F(EditFlows, AnExpiredSessionIsReopenedWithThePasswordTheUserTypes)
+TEST_P(EditFlowsOnServers, AnExpiredSessionIsReopenedWithThePasswordTheUserTypes)
 {
     storeAction(Settings::eActionCheckOut);
     ASSERT_EQ(services.ExpireSessionNow().GetCode(), 0);
@@ -439,7 +451,7 @@ TEST_F(EditFlows, CheckOutIsCancelledByTheDialogOrWhenRevisionControlIsOff)
     EXPECT_THAT(openedIn("Rock"), Each("-"));
 }
 
-TEST_F(EditFlows, AKeptChangeListSubmittedMeanwhileTurnsPromptingBackOn)
+TEST_P(EditFlowsOnServers, AKeptChangeListSubmittedMeanwhileTurnsPromptingBackOn)
 {
     const std::string kept = newChangeList("kept for check-outs");
     host->Preferences().SetStringPref(kChangeListKey, kept, 1);

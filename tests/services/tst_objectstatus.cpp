@@ -161,7 +161,7 @@ TEST_P(ObjectStatus, PerObjectQuestionsAboutTheWorkListShareOneRoundTripAndAChan
     EXPECT_EQ(services.connection->Cache().Size(), known + 2) << "Rock.kel and rock.bin";
 }
 
-TEST_F(ObjectStatus, AMissAboutAnObjectOutsideTheWorkListAsksAboutItsOwnFilesOnly)
+TEST_P(ObjectStatus, AMissAboutAnObjectOutsideTheWorkListAsksAboutItsOwnFilesOnly)
 {
     services.connection->Cache().Invalidate();
     const auto before = services.connection->RoundTrips();
