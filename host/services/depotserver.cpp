@@ -15,7 +15,7 @@ depot::Result DepotServer::expireSession(const std::string& ticket)
 
 depot::Result DepotServer::sync(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel)
 {
-    return m_depot.sync(ticket, files, cancel);
+    return m_depot.sync(ticket, files, depot::SyncMode::Safe, cancel);
 }
 
 depot::Result DepotServer::status(const std::string& ticket, const Files& files,
