@@ -10,6 +10,7 @@
 // and read-only in alice's folder; then loads the plug-in, starts its components with revision
 // control switched on, and re-opens alice's workspace so that the helper follows its saves.
 
+#include <depot/depot.h>
 #include <depothostfixture.h>
 #include <dialogdriver.h>
 
@@ -230,14 +231,16 @@ public:
     {
         BobExpects(Bob().sync(BobTicket(), {}));
         BobExpects(Bob().edit(BobTicket(), BobFilesOf(asset), ""));
-        BobExpects(Bob().lock(BobTicket(), BobFilesOf(asset)));
+        // Locking is the embedded depot's own verb; the save-hook scenarios run on it.
+        hbrc::depot::Depot depot(DepotPath());
+        BobExpects(depot.lock(BobTicket(), BobFilesOf(asset)));
     }
     // A new session for alice, as after she gave her password.
     void AliceLogsInAgain() const
     {
         std::string error;
         const KELPtr<kel4::IUserParameters> session =
-            FileVersionControl()->Login("alice", "alice-pw", kAliceWorkspace, DepotPath(), error);
+            FileVersionControl()->Login("alice", "alice-pw", AliceWorkspace(), DepotPath(), error);
         ASSERT_TRUE(session) << error;
         DataControl()->SetSession(session);
     }
