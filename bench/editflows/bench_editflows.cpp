@@ -106,9 +106,10 @@ private:
         expect(Data().MarkForAdd(all, true, kPersistence, "", error).IsSuccess(), error);
         expect(Connection()
                    .Run(Data().GetUserParameters().Get(),
-                        [](hbrc::depot::Depot& depot, const std::string& ticket, const hbrc::depot::CancelCheck&) {
+                        [](hbrc::host::RevisionServer& server, const std::string& ticket,
+                           const hbrc::depot::CancelCheck& cancel) {
                             hbrc::depot::ChangelistId submitted;
-                            return depot.submit(ticket, "", "bench assets", submitted);
+                            return server.submit(ticket, "", "bench assets", submitted, cancel);
                         },
                         error)
                    .IsSuccess(),
