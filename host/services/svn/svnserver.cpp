@@ -322,19 +322,27 @@ Result SvnServer::sync(const std::string& ticket, const Files& files, const depo
                                        TRUE, TRUE, call.context(), call.pool()));
 }
 
+Result SvnServer::checkFilesMayChange(Call& call, const Files& files, const depot::ChangelistId& changelist,
+                                     std::vector<depot::FileStatus>& statuses)
+{
+    if (!call.session().changelists->exists(changelist))
+        return {code::Failed, "Change " + changelist + " unknown."};
+    if (Result asked = statusWords(call, files, true, statuses); !asked.ok())
+        return asked;
+    if (const std::string refusals = Refusals(files, statuses); !refusals.empty())
+        return {code::Failed, refusals};
+    return {};
+}
+
 Result SvnServer::edit(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
                        const depot::CancelCheck& cancel)
 {
     Call call(*this, cancel);
     if (Result begun = call.begin(depot::Operation::Edit, &ticket); !begun.ok())
         return begun;
-    if (!call.session().changelists->exists(changelist))
-        return {code::Failed, "Change " + changelist + " unknown."};
     std::vector<depot::FileStatus> statuses;
-    if (Result asked = statusWords(call, files, true, statuses); !asked.ok())
-        return asked;
-    if (const std::string refusals = Refusals(files, statuses); !refusals.empty())
-        return {code::Failed, refusals};
+    if (Result checked = checkFilesMayChange(call, files, changelist, statuses); !checked.ok())
+        return checked;
 
     Files toLock;
     for (std::size_t i = 0; i < files.size(); ++i)
@@ -391,13 +399,9 @@ Result SvnServer::remove(const std::string& ticket, const Files& files, const de
     Call call(*this, cancel);
     if (Result begun = call.begin(depot::Operation::Delete, &ticket); !begun.ok())
         return begun;
-    if (!call.session().changelists->exists(changelist))
-        return {code::Failed, "Change " + changelist + " unknown."};
     std::vector<depot::FileStatus> statuses;
-    if (Result asked = statusWords(call, files, true, statuses); !asked.ok())
-        return asked;
-    if (const std::string refusals = Refusals(files, statuses); !refusals.empty())
-        return {code::Failed, refusals};
+    if (Result checked = checkFilesMayChange(call, files, changelist, statuses); !checked.ok())
+        return checked;
     apr_array_header_t* paths = call.paths(files);
     svn_error_t* err = svn_client_delete4(paths, FALSE, FALSE, nullptr, nullptr, nullptr, call.context(), call.pool());
     if (!err)

@@ -62,6 +62,10 @@ private:
     class Call;
 
     Session* find(const std::string& ticket);
+    // Refuses a change into a changelist the working copy does not have, and files that others
+    // hold or that are not in a state to change; otherwise statuses holds the files' words.
+    depot::Result checkFilesMayChange(Call& call, const Files& files, const depot::ChangelistId& changelist,
+                                      std::vector<depot::FileStatus>& statuses);
     depot::Result statusWords(Call& call, const Files& files, bool askRepository,
                               std::vector<depot::FileStatus>& statuses, SvnStatusMap* walked = nullptr);
 
