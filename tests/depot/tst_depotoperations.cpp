@@ -1,6 +1,8 @@
 // Opening, reverting, submitting and changelists, as a user of a Perforce-style server expects.
 #include "depotfixture.h"
 
+#include <functional>
+
 using namespace hbrc::depot;
 namespace fs = std::filesystem;
 
@@ -155,6 +157,131 @@ TEST_F(DepotOperations, OpenedListsEveryWorkspaceOnRequest)
     EXPECT_EQ(opened[0].localPath, bobFile("shared.kel"));
     EXPECT_TRUE(opened[0].locked);
     EXPECT_EQ(m_alice->lock(m_aliceTicket, {aliceFile("shared.kel")}).code, code::Failed) << "not opened by alice";
+}
+
+// Pending work as alice rearranges it before a submit while bob watches: every operation is one
+// round trip, and what it changes is what bob's status shows.
+class PendingWork : public DepotFixture
+{
+public:
+    void once(Depot& depot, const std::function<Result()>& operation)
+    {
+        const std::uint64_t before = depot.roundTrips();
+        ok(operation());
+        EXPECT_EQ(depot.roundTrips(), before + 1);
+    }
+    std::string changelistOf(const std::string& file) { return statusOf(*m_alice, m_aliceTicket, file).changelist; }
+};
+
+TEST_F(PendingWork, AliceMovesTrimsAndSubmitsOneChangelistAndBobGetsIt)
+{
+    bobSubmitsNewFile("ship.kel", "hull");
+    ok(m_alice->sync(m_aliceTicket, {}));
+    const std::string shared = aliceFile("shared.kel");
+    const std::string ship = aliceFile("ship.kel");
+    const std::string added = aliceFile("new.kel");
+    ChangelistId hull;
+    ChangelistId sails;
+    ok(m_alice->createChangelist(m_aliceTicket, "hull", hull));
+    m_now += 60;
+    ok(m_alice->createChangelist(m_aliceTicket, "sails", sails));
+    ok(m_alice->edit(m_aliceTicket, {shared, ship}, ""));
+    write(added, "draft");
+    ok(m_alice->add(m_aliceTicket, {added}, hull));
+
+    once(*m_alice, [&] { return m_alice->reopen(m_aliceTicket, {shared, ship}, sails); });
+    EXPECT_EQ(changelistOf(ship), sails);
+    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("ship.kel")).holders, std::vector<std::string>{"alice"});
+    once(*m_alice, [&] { return m_alice->setDescription(m_aliceTicket, sails, "sails and mast"); });
+    EXPECT_NE(m_alice->deleteChangelist(m_aliceTicket, hull).error.find("has 1 open file(s)"), std::string::npos);
+    once(*m_alice, [&] { return m_alice->reopen(m_aliceTicket, {added}, "default"); });
+    once(*m_alice, [&] { return m_alice->deleteChangelist(m_aliceTicket, hull); });
+    std::vector<Changelist> pending;
+    ok(m_alice->changelists(m_aliceTicket, ChangelistState::Pending, pending));
+    ASSERT_EQ(pending.size(), 1u);
+    EXPECT_EQ(pending[0].description, "sails and mast");
+    EXPECT_EQ(pending[0].time, m_now);
+
+    // Only the edit whose content changed stays open; the untouched one is read-only again.
+    write(ship, "hull with a keel");
+    std::vector<std::string> reverted;
+    once(*m_alice, [&] { return m_alice->revertUnchanged(m_aliceTicket, {}, reverted); });
+    EXPECT_EQ(reverted, std::vector<std::string>{"//depot/shared.kel"});
+    EXPECT_FALSE(isWritable(shared));
+    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("shared.kel")).word, 0u);
+    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, added).word, status::OpenedForAdd) << "adds are never reverted";
+
+    once(*m_alice, [&] { return m_alice->lock(m_aliceTicket, {ship}); });
+    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("ship.kel")).word, status::OpenedByOthers | status::LockedByOthers);
+    once(*m_alice, [&] { return m_alice->unlock(m_aliceTicket, {ship}); });
+    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("ship.kel")).word, status::OpenedByOthers);
+
+    m_now += 60;
+    ChangelistId submitted;
+    once(*m_alice, [&] { return m_alice->submit(m_aliceTicket, sails, "", submitted); });
+    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, added).changelist, "") << "the default changelist stays pending";
+    Changelist described;
+    ok(m_bob->describe(m_bobTicket, submitted, described));
+    EXPECT_EQ(described.description, "sails and mast");
+    EXPECT_EQ(described.time, m_now);
+    ASSERT_EQ(described.files.size(), 1u);
+    EXPECT_EQ(described.files[0].depotPath, "//depot/ship.kel");
+
+    write(bobFile("shared.kel"), "bob's scribbles");  // a writable change the chosen-files sync keeps away from
+    once(*m_bob, [&] { return m_bob->sync(m_bobTicket, {bobFile("ship.kel")}); });
+    EXPECT_EQ(read(bobFile("ship.kel")), "hull with a keel");
+    EXPECT_EQ(read(bobFile("shared.kel")), "bob's scribbles");
+}
+
+TEST_F(PendingWork, RefusalsChangeNothingAndSayWhy)
+{
+    ChangelistId mine;
+    ok(m_alice->createChangelist(m_aliceTicket, "mine", mine));
+    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, mine));
+    ok(m_alice->lock(m_aliceTicket, {aliceFile("shared.kel")}));
+    ChangelistId older;
+    ok(m_alice->createChangelist(m_aliceTicket, "older", older));
+    write(aliceFile("x.kel"), "x");
+    ok(m_alice->add(m_aliceTicket, {aliceFile("x.kel")}, older));
+    ChangelistId done;
+    ok(m_alice->submit(m_aliceTicket, older, "", done));
+    struct Row
+    {
+        const char* name;
+        std::function<Result()> operation;
+        std::string says;
+    };
+    const std::vector<Row> rows = {
+        {"bob moves alice's file", [&] { return m_bob->reopen(m_bobTicket, {bobFile("shared.kel")}, ""); },
+         "is not opened in workspace bob-ws"},
+        {"into a submitted change", [&] { return m_alice->reopen(m_aliceTicket, {aliceFile("shared.kel")}, done); },
+         "is not a pending changelist of workspace alice-ws"},
+        {"bob renames alice's changelist", [&] { return m_bob->setDescription(m_bobTicket, mine, "bob's"); },
+         "is not a pending changelist of workspace bob-ws"},
+        {"an empty description", [&] { return m_alice->setDescription(m_aliceTicket, mine, ""); }, "cannot be empty"},
+        {"the default one's description", [&] { return m_alice->setDescription(m_aliceTicket, "", "d"); },
+         "The default changelist has no description"},
+        {"bob deletes alice's changelist", [&] { return m_bob->deleteChangelist(m_bobTicket, mine); },
+         "is not a pending changelist of workspace bob-ws"},
+        {"the default one", [&] { return m_alice->deleteChangelist(m_aliceTicket, "default"); },
+         "The default changelist cannot be deleted."},
+        {"a submitted one", [&] { return m_alice->deleteChangelist(m_aliceTicket, done); }, "is not a pending"},
+        {"bob unlocks alice's lock", [&] { return m_bob->unlock(m_bobTicket, {bobFile("shared.kel")}); },
+         "Cannot unlock:"},
+    };
+    for (const Row& row : rows) {
+        const Result result = row.operation();
+        EXPECT_EQ(result.code, code::Failed) << row.name;
+        EXPECT_NE(result.error.find(row.says), std::string::npos) << row.name << ": " << result.error;
+    }
+    Changelist described;
+    ok(m_alice->describe(m_aliceTicket, mine, described));
+    EXPECT_EQ(described.description, "mine");
+    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("shared.kel")).word,
+              status::OpenedByOthers | status::LockedByOthers);
+    std::vector<std::string> reverted;
+    ok(m_bob->revertUnchanged(m_bobTicket, {bobFile("shared.kel")}, reverted));
+    EXPECT_TRUE(reverted.empty()) << "bob has nothing open";
 }
 
 }  // namespace

@@ -208,6 +208,19 @@ Result Depot::setSessionLifetime(std::chrono::seconds lifetime)
     });
 }
 
+Result Depot::workspaces(std::vector<WorkspaceInfo>& workspaces)
+{
+    std::vector<WorkspaceInfo> answer;
+    const Result result = d->run(Operation::Workspaces, Transaction::Kind::Read, std::nullopt, {}, [&](Call& call) {
+        Statement select(call.db(), "SELECT name, owner, root FROM workspaces ORDER BY name");
+        while (select.step())
+            answer.push_back({select.text(0), select.text(1), select.text(2)});
+    });
+    if (result.ok())
+        workspaces = std::move(answer);
+    return result;
+}
+
 Result Depot::login(const std::string& user, const std::string& password, const std::string& workspace,
                     std::string& ticket)
 {

@@ -107,7 +107,10 @@ Result Depot::submit(const std::string& ticket, const ChangelistId& changelist, 
         }
         Statement close(call.db(), "DELETE FROM opened WHERE workspace = ?1 AND change IS ?2");
         close.bind(1, workspace.name()).bind(2, pending).run();
-        Statement(call.db(), "UPDATE changes SET submitted = 1 WHERE number = ?1").bind(1, number).run();
+        Statement(call.db(), "UPDATE changes SET submitted = 1, time = ?2 WHERE number = ?1")
+            .bind(1, number)
+            .bind(2, d->now())
+            .run();
         call.checkpoint();
     });
     if (result.ok())
@@ -140,11 +143,12 @@ Result Depot::changelists(const std::string& ticket, ChangelistState state, std:
     std::vector<Changelist> answer;
     const bool submitted = state == ChangelistState::Submitted;
     const Result result = d->runInSession(Operation::Changelists, Transaction::Kind::Read, ticket, {}, [&](Call& call) {
-        Statement select(call.db(), "SELECT number, description, user, workspace FROM changes "
+        Statement select(call.db(), "SELECT number, description, user, workspace, time FROM changes "
                                     "WHERE submitted = ?1 AND (?1 OR workspace = ?2) ORDER BY number");
         select.bind(1, std::int64_t{submitted}).bind(2, call.workspace().name());
         while (select.step())
-            answer.push_back({std::to_string(select.integer(0)), select.text(1), select.text(2), select.text(3), state, {}});
+            answer.push_back({std::to_string(select.integer(0)), select.text(1), select.text(2), select.text(3), state,
+                              {}, select.integer(4)});
     });
     if (result.ok())
         changelists = std::move(answer);
@@ -157,13 +161,14 @@ Result Depot::describe(const std::string& ticket, const ChangelistId& changelist
     const Result result = d->runInSession(Operation::Describe, Transaction::Kind::Read, ticket, {}, [&](Call& call) {
         const std::optional<std::int64_t> number = parseChangelistId(changelist);
         if (number) {
-            Statement select(call.db(), "SELECT description, user, workspace, submitted FROM changes WHERE number = ?1");
+            Statement select(call.db(),
+                             "SELECT description, user, workspace, submitted, time FROM changes WHERE number = ?1");
             if (!select.bind(1, *number).step())
                 throw DepotError(code::Failed, "Change " + changelist + " unknown.");
             answer = {std::to_string(*number), select.text(0), select.text(1), select.text(2),
-                      select.integer(3) ? ChangelistState::Submitted : ChangelistState::Pending, {}};
+                      select.integer(3) ? ChangelistState::Submitted : ChangelistState::Pending, {}, select.integer(4)};
         } else {
-            answer = {{}, {}, call.user(), call.workspace().name(), ChangelistState::Pending, {}};
+            answer = {{}, {}, call.user(), call.workspace().name(), ChangelistState::Pending, {}, 0};
         }
         answer.files = changelistFiles(call, answer, number);
     });
@@ -177,8 +182,9 @@ Result Depot::createChangelist(const std::string& ticket, const std::string& des
     std::int64_t number = 0;
     const Result result =
         d->runInSession(Operation::CreateChangelist, Transaction::Kind::Write, ticket, {}, [&](Call& call) {
-            Statement insert(call.db(), "INSERT INTO changes(workspace, user, description) VALUES (?1, ?2, ?3)");
-            insert.bind(1, call.workspace().name()).bind(2, call.user()).bind(3, description).run();
+            Statement insert(call.db(),
+                             "INSERT INTO changes(workspace, user, description, time) VALUES (?1, ?2, ?3, ?4)");
+            insert.bind(1, call.workspace().name()).bind(2, call.user()).bind(3, description).bind(4, d->now()).run();
             number = call.db().lastInsertId();
         });
     if (result.ok())

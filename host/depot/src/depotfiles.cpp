@@ -233,20 +233,66 @@ Result Depot::revert(const std::string& ticket, const Files& files, const Cancel
     });
 }
 
-Result Depot::lock(const std::string& ticket, const Files& files, const CancelCheck& cancel)
+Result Depot::revertUnchanged(const std::string& ticket, const Files& files, std::vector<std::string>& reverted,
+                              const CancelCheck& cancel)
 {
-    return d->runInSession(Operation::Lock, Transaction::Kind::Write, ticket, cancel, [&](Call& call) {
-        Statement lockIt(call.db(), "UPDATE opened SET locked = 1 WHERE workspace = ?1 AND path = ?2");
+    std::vector<std::string> answer;
+    const Result result =
+        d->runInSession(Operation::RevertUnchanged, Transaction::Kind::Write, ticket, cancel, [&](Call& call) {
+            const WorkspaceView& workspace = call.workspace();
+            Files wanted = files;
+            if (wanted.empty()) {
+                Statement mine(call.db(), "SELECT path FROM opened WHERE workspace = ?1 ORDER BY path");
+                mine.bind(1, workspace.name());
+                while (mine.step())
+                    wanted.push_back(workspace.localPathOf(mine.text(0)).string());
+            }
+            RevisionContent contents(call.db());
+            Statement unopen(call.db(), "DELETE FROM opened WHERE workspace = ?1 AND path = ?2");
+            forEachState(call, wanted, [&](const std::string&, const FileState& state) {
+                if (!state.mine || state.mine->action != FileAction::Edit || !state.haveRevision)
+                    return;
+                const fs::path local = workspace.localPathOf(*state.key);
+                if (!workspacefiles::isReadableFile(local) ||
+                    workspacefiles::read(local) != contents.of(*state.key, *state.haveRevision))
+                    return;
+                unopen.bind(1, workspace.name()).bind(2, *state.key).run();
+                call.schedule(FileStep::Kind::MakeReadOnly, *state.key);
+                answer.push_back(depotPathOf(*state.key));
+            });
+            call.checkpoint();
+        });
+    if (result.ok())
+        reverted = std::move(answer);
+    return result;
+}
+
+Result Depot::Impl::setLocked(Operation operation, bool locked, const std::string& ticket, const Files& files,
+                              const CancelCheck& cancel)
+{
+    return runInSession(operation, Transaction::Kind::Write, ticket, cancel, [&](Call& call) {
+        Statement update(call.db(), "UPDATE opened SET locked = ?3 WHERE workspace = ?1 AND path = ?2");
         std::vector<std::string> refusals;
         forEachState(call, files, [&](const std::string& file, const FileState& state) {
             if (!state.mine)
                 refusals.push_back(file + " is not opened in workspace " + call.workspace().name());
             else
-                lockIt.bind(1, call.workspace().name()).bind(2, *state.key).run();
+                update.bind(1, call.workspace().name()).bind(2, *state.key).bind(3, std::int64_t{locked}).run();
         });
         if (!refusals.empty())
-            throw DepotError(code::Failed, "Cannot lock:\n" + joinLines(refusals));
+            throw DepotError(code::Failed, std::string(locked ? "Cannot lock:\n" : "Cannot unlock:\n") +
+                                               joinLines(refusals));
     });
+}
+
+Result Depot::lock(const std::string& ticket, const Files& files, const CancelCheck& cancel)
+{
+    return d->setLocked(Operation::Lock, true, ticket, files, cancel);
+}
+
+Result Depot::unlock(const std::string& ticket, const Files& files, const CancelCheck& cancel)
+{
+    return d->setLocked(Operation::Unlock, false, ticket, files, cancel);
 }
 
 }  // namespace hbrc::depot

@@ -34,6 +34,8 @@ struct Depot::Impl
 
     Result openFiles(Operation operation, FileAction action, const std::string& ticket, const Files& files,
                      const ChangelistId& changelist, const CancelCheck& cancel);
+    Result setLocked(Operation operation, bool locked, const std::string& ticket, const Files& files,
+                     const CancelCheck& cancel);
 
     std::string path;
     DepotOptions options;

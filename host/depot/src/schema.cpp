@@ -18,7 +18,8 @@ CREATE TABLE workspaces (name TEXT PRIMARY KEY, owner TEXT NOT NULL REFERENCES u
 CREATE TABLE sessions (ticket_digest TEXT PRIMARY KEY, user TEXT NOT NULL REFERENCES users(name),
                        workspace TEXT NOT NULL REFERENCES workspaces(name), expires_at INTEGER NOT NULL);
 CREATE TABLE changes (number INTEGER PRIMARY KEY AUTOINCREMENT, workspace TEXT NOT NULL REFERENCES workspaces(name),
-                      user TEXT NOT NULL, description TEXT NOT NULL, submitted INTEGER NOT NULL DEFAULT 0);
+                      user TEXT NOT NULL, description TEXT NOT NULL, submitted INTEGER NOT NULL DEFAULT 0,
+                      time INTEGER NOT NULL DEFAULT 0);
 CREATE TABLE files (path TEXT PRIMARY KEY, head_rev INTEGER NOT NULL, head_deleted INTEGER NOT NULL);
 CREATE TABLE revisions (path TEXT NOT NULL REFERENCES files(path), rev INTEGER NOT NULL,
                         change INTEGER NOT NULL REFERENCES changes(number), action TEXT NOT NULL, content BLOB,
@@ -59,6 +60,22 @@ void addJournal(Database& db)
     transaction.commit();
 }
 
+// Changes carry their time (created, then submitted) since 0.2; older files get the column, with
+// 0 for "unknown", on their first writable opening.
+bool hasChangeTimes(Database& db)
+{
+    Statement columns(db, "SELECT 1 FROM pragma_table_info('changes') WHERE name = 'time'");
+    return columns.step();
+}
+
+void addChangeTimes(Database& db)
+{
+    Transaction transaction(db, Transaction::Kind::Write);
+    if (!hasChangeTimes(db))
+        db.execute("ALTER TABLE changes ADD COLUMN time INTEGER NOT NULL DEFAULT 0");
+    transaction.commit();
+}
+
 }  // namespace
 
 void createSchema(Database& db, std::int64_t sessionLifetimeSeconds)
@@ -81,6 +98,12 @@ void checkSchema(Database& db)
     }
     if (version != kSchemaVersion)
         throw DepotError(code::SessionUnusable, "Cannot reach the depot: the file is not a depot of this version");
+    if (!hasChangeTimes(db)) {
+        if (db.readOnly())
+            throw DepotError(code::SessionUnusable, "Cannot reach the depot: the file is of an older version and "
+                                                    "read-only; open it once with write permission");
+        addChangeTimes(db);
+    }
 }
 
 }  // namespace hbrc::depot

@@ -59,6 +59,8 @@ public:
     Result addUser(const std::string& name, const std::string& password);
     Result addWorkspace(const std::string& name, const std::string& owner, const std::string& root);
     Result setSessionLifetime(std::chrono::seconds lifetime);
+    // Every workspace, by name.
+    Result workspaces(std::vector<WorkspaceInfo>& workspaces);
 
     // Opens a session of `user` in their `workspace`. A wrong password fails with a text
     // containing "Invalid password", and so does an unknown user.
@@ -95,8 +97,18 @@ public:
     // Un-opens the files: edits and deletes get the workspace's revision back, read-only; adds
     // only stop being open. Files not open are skipped and named in a Skipped result.
     Result revert(const std::string& ticket, const Files& files, const CancelCheck& cancel = {});
-    // Locks files this workspace has open, so that others see them as locked.
+    // Un-opens the files opened for edit whose content is still the workspace's revision, and
+    // makes them read-only again; other files are left open. Every file this workspace has open
+    // when `files` is empty. `reverted` names the files reverted, as depot paths.
+    Result revertUnchanged(const std::string& ticket, const Files& files, std::vector<std::string>& reverted,
+                           const CancelCheck& cancel = {});
+    // Locks files this workspace has open, so that others see them as locked; unlock releases
+    // them. Both refuse all files when one of them is not open here.
     Result lock(const std::string& ticket, const Files& files, const CancelCheck& cancel = {});
+    Result unlock(const std::string& ticket, const Files& files, const CancelCheck& cancel = {});
+    // Moves files this workspace has open into another of its pending changelists, all or none.
+    Result reopen(const std::string& ticket, const Files& files, const ChangelistId& changelist,
+                  const CancelCheck& cancel = {});
 
     // Submits every file of the pending changelist at once, giving each a new head revision.
     // The default changelist needs a description; a numbered one keeps its own unless one is given.
@@ -105,9 +117,14 @@ public:
 
     Result opened(const std::string& ticket, bool allWorkspaces, std::vector<OpenedFile>& files);
     // Pending: this workspace's numbered changelists; submitted: every submitted change. Newest last.
+    // Each carries its time.
     Result changelists(const std::string& ticket, ChangelistState state, std::vector<Changelist>& changelists);
     Result describe(const std::string& ticket, const ChangelistId& changelist, Changelist& description);
     Result createChangelist(const std::string& ticket, const std::string& description, ChangelistId& created);
+    // A numbered pending changelist of this workspace: its new description; its removal, which
+    // only an empty one allows.
+    Result setDescription(const std::string& ticket, const ChangelistId& changelist, const std::string& description);
+    Result deleteChangelist(const std::string& ticket, const ChangelistId& changelist);
     // True for "" and for this workspace's pending changelists; false for submitted or unknown ones.
     Result changelistExists(const std::string& ticket, const ChangelistId& changelist, bool& exists);
 

@@ -82,12 +82,23 @@ struct Changelist
     std::string workspace;
     ChangelistState state = ChangelistState::Pending;
     std::vector<ChangelistFile> files;  // filled by describe only
+    // Seconds since the epoch: when it was submitted, else when it was created; 0 for the
+    // default changelist.
+    std::int64_t time = 0;
+};
+
+struct WorkspaceInfo
+{
+    std::string name;
+    std::string owner;
+    std::string root;  // an absolute folder
 };
 
 // The operations of the depot, as fault injection names them.
 enum class Operation {
     Administer, Login, Logout, Sync, Status, Holders, Edit, Add, Delete, Revert, Lock, Submit,
-    Opened, Changelists, Describe, CreateChangelist, ChangelistExists, Session
+    Opened, Changelists, Describe, CreateChangelist, ChangelistExists, Session, Reopen, DeleteChangelist,
+    SetDescription, RevertUnchanged, Unlock, Workspaces
 };
 
 enum class PasswordHashCost { Interactive, Minimal };
