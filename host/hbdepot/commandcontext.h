@@ -7,7 +7,7 @@
 
 #include <cstddef>
 #include <filesystem>
-#include <iosfwd>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -35,6 +35,12 @@ struct Context
         return paths;
     }
     std::string word(std::size_t index) const { return args.words().at(index); }
+    // Where a command says what it did: the output, or nothing with -q.
+    std::ostream& report() const
+    {
+        static std::ostream silent(nullptr);
+        return line.quiet() ? silent : out;
+    }
     std::string changelistOption() const { return args.option("-c").value_or(""); }
     // The depot as the ticket store names it: one name whatever path led to it.
     std::string depotKey() const { return std::filesystem::weakly_canonical(depot.path()).string(); }

@@ -14,6 +14,15 @@ std::string environment(const char* name)
     return value ? value : "";
 }
 
+// The entry of a table of (names, target) pairs one of whose names is `word`.
+template <typename Table>
+auto named(const Table& table, const std::string& word)
+{
+    return std::find_if(table.begin(), table.end(), [&](const auto& entry) {
+        return std::find(entry.first.begin(), entry.first.end(), word) != entry.first.end();
+    });
+}
+
 }  // namespace
 
 CommandLine::CommandLine(int argc, char** argv)
@@ -27,22 +36,27 @@ CommandLine::CommandLine(int argc, char** argv)
         {{"-d", "--depot"}, &m_depot},       {{"-u", "--user"}, &m_user},
         {{"-w", "--workspace"}, &m_workspace}, {{"-P", "--password"}, &m_password},
         {{"-t", "--ticket"}, &m_ticket}};
+    const std::vector<std::pair<std::vector<std::string>, bool*>> flags = {
+        {{"-h", "--help"}, &m_help},       {{"--version"}, &m_version},
+        {{"-q", "--quiet"}, &m_quiet},     {{"--json"}, &m_json},
+        {{"--password-stdin"}, &m_passwordFromStandardInput}};
     int index = 1;
     for (; index < argc; ++index) {
         const std::string word = argv[index];
-        if (word == "-h" || word == "--help") {
-            m_help = true;
+        const auto flag = named(flags, word);
+        if (flag != flags.end()) {
+            *flag->second = true;
             continue;
         }
-        if (word == "--password-stdin") {
-            m_passwordFromStandardInput = true;
+        if (word == "-z") {
+            if (++index == argc || std::string(argv[index]) != "json")
+                throw std::invalid_argument("-z takes json");
+            m_json = true;
             continue;
         }
         if (word.empty() || word[0] != '-')
             break;
-        const auto global = std::find_if(globals.begin(), globals.end(), [&](const auto& option) {
-            return std::find(option.first.begin(), option.first.end(), word) != option.first.end();
-        });
+        const auto global = named(globals, word);
         if (global == globals.end())
             throw std::invalid_argument("unknown option " + word);
         if (++index == argc)
@@ -51,6 +65,24 @@ CommandLine::CommandLine(int argc, char** argv)
         m_passwordOnCommandLine = m_passwordOnCommandLine || global->second == &m_password;
     }
     m_words.assign(argv + index, argv + argc);
+}
+
+void CommandLine::useConfigFile(const ConfigFile& config)
+{
+    m_configFile = config.path;
+    for (auto [mine, given] : {std::pair{&m_depot, &config.depot}, std::pair{&m_user, &config.user},
+                               std::pair{&m_workspace, &config.workspace}}) {
+        if (mine->empty())
+            *mine = *given;
+    }
+}
+
+void CommandLine::inferAccount(const std::string& user, const std::string& workspace)
+{
+    if (m_user.empty())
+        m_user = user;
+    if (m_workspace.empty())
+        m_workspace = workspace;
 }
 
 }  // namespace hbrc::hbdepot

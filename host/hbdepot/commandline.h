@@ -3,8 +3,11 @@
 // The hbdepot command line: global options (each with an environment fallback) and the command's
 // words, which the command checks against its own syntax.
 
+#include <filesystem>
 #include <string>
 #include <vector>
+
+#include "configfile.h"
 
 namespace hbrc::hbdepot {
 
@@ -15,6 +18,11 @@ public:
     CommandLine(int argc, char** argv);
 
     bool helpWanted() const { return m_help; }
+    bool versionWanted() const { return m_version; }
+    // -q: no report of what was done; listings and errors still print.
+    bool quiet() const { return m_quiet; }
+    // --json or -z json: listings print JSON.
+    bool json() const { return m_json; }
     const std::string& depot() const { return m_depot; }
     const std::string& user() const { return m_user; }
     const std::string& workspace() const { return m_workspace; }
@@ -25,11 +33,22 @@ public:
     // -P: the password stands in the process list, where every local user can read it.
     bool passwordOnCommandLine() const { return m_passwordOnCommandLine; }
 
+    // Fills what neither an option nor the environment gave from the configuration file.
+    void useConfigFile(const ConfigFile& config);
+    // The file useConfigFile took, or empty.
+    const std::filesystem::path& configFile() const { return m_configFile; }
+    // The account of the workspace the current folder lies in, where none was given.
+    void inferAccount(const std::string& user, const std::string& workspace);
+
     // The command's name and arguments ("user add bob", "sync --force"); empty when none was given.
     const std::vector<std::string>& words() const { return m_words; }
 
 private:
     bool m_help = false;
+    bool m_version = false;
+    bool m_quiet = false;
+    bool m_json = false;
+    std::filesystem::path m_configFile;
     bool m_passwordFromStandardInput = false;
     bool m_passwordOnCommandLine = false;
     std::string m_depot;

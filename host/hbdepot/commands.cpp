@@ -14,7 +14,10 @@
 #include "commandcontext.h"
 #include "commandline.h"
 #include "passwordinput.h"
+#include "changecommands.h"
+#include "listings.h"
 #include "sessioncommands.h"
+#include "statuswords.h"
 
 namespace hbrc::hbdepot {
 
@@ -23,10 +26,14 @@ using depot::Result;
 
 namespace {
 
+// What a command needs before it runs: nothing but the depot file, the account (user and
+// workspace, found from the current folder when not given), or an open session of it.
+enum class Needs { Depot, Account, Session };
+
 struct Command
 {
     std::vector<std::string> name;
-    bool needsSession;
+    Needs needs;
     VerbSyntax syntax;
     const char* usage;
     const char* summary;
@@ -51,63 +58,10 @@ std::chrono::seconds sessionLifetime(const VerbArguments& args)
     return std::chrono::seconds(seconds);
 }
 
-std::string changelistName(const depot::ChangelistId& id)
+Result reportDone(Context& c, const Result& result, const std::string& what)
 {
-    return id.empty() ? "default" : "change " + id;
-}
-
-void printStatus(std::ostream& out, const std::string& file, const depot::FileStatus& status)
-{
-    out << file << " 0x" << std::hex << status.word << std::dec;
-    if (status.word & (depot::status::OpenedForEdit | depot::status::OpenedForAdd | depot::status::OpenedForDelete))
-        out << " " << changelistName(status.changelist);
-    if (!status.holders.empty()) {
-        out << " held by";
-        for (const std::string& user : status.holders)
-            out << " " << user;
-    }
-    out << "\n";
-}
-
-Result printChangelists(Context& c)
-{
-    const std::string state = c.args.option("-s").value_or("pending");
-    if (state != "pending" && state != "submitted")
-        throw std::invalid_argument("-s takes pending or submitted");
-    std::vector<depot::Changelist> list;
-    const Result result = c.depot.changelists(
-        c.ticket, state == "pending" ? depot::ChangelistState::Pending : depot::ChangelistState::Submitted, list);
-    for (const depot::Changelist& change : list)
-        c.out << "Change " << change.id << " by " << change.user << "@" << change.workspace << " *" << state << "* '"
-              << change.description << "'\n";
-    return result;
-}
-
-Result printDescription(Context& c)
-{
-    depot::Changelist change;
-    const Result result = c.depot.describe(c.ticket, c.word(0), change);
-    if (!result.ok())
-        return result;
-    c.out << "Change " << (change.id.empty() ? "default" : change.id) << " by " << change.user << "@"
-          << change.workspace << (change.state == depot::ChangelistState::Pending ? " *pending*" : " *submitted*")
-          << "\n\n\t" << change.description << "\n\nFiles:\n";
-    for (const depot::ChangelistFile& file : change.files) {
-        c.out << "... " << file.depotPath;
-        if (file.revision > 0)
-            c.out << "#" << file.revision;
-        c.out << " " << depot::actionName(file.action) << "\n";
-    }
-    return result;
-}
-
-Result printOpened(Context& c)
-{
-    std::vector<depot::OpenedFile> files;
-    const Result result = c.depot.opened(c.ticket, c.args.flag("-a"), files);
-    for (const depot::OpenedFile& file : files)
-        c.out << file.depotPath << " - " << depot::actionName(file.action) << " " << changelistName(file.changelist)
-              << " by " << file.user << "@" << file.workspace << (file.locked ? " *locked*" : "") << "\n";
+    if (result.ok())
+        c.report() << what << "\n";
     return result;
 }
 
@@ -122,9 +76,10 @@ Result addUser(Context& c)
     const std::string name = c.word(0);
     if (c.args.words().size() > 1) {
         warnAboutVisiblePassword(c.err, "a password given as an argument");
-        return c.depot.addUser(name, c.word(1));
+        return reportDone(c, c.depot.addUser(name, c.word(1)), "User " + name + " added.");
     }
-    return c.depot.addUser(name, passwordFor(c.line, "Password for " + name + " (empty: none): ", c.err));
+    return reportDone(c, c.depot.addUser(name, passwordFor(c.line, "Password for " + name + " (empty: none): ", c.err)),
+                      "User " + name + " added.");
 }
 
 Result addWorkspace(Context& c)
@@ -139,73 +94,57 @@ Result addWorkspace(Context& c)
         if (error)
             return {depot::code::Failed, "Cannot create the root folder " + root.string() + ": " + error.message()};
     }
-    return c.depot.addWorkspace(c.word(0), c.word(1), root.string());
+    return reportDone(c, c.depot.addWorkspace(c.word(0), c.word(1), root.string()),
+                      "Workspace " + c.word(0) + " of " + c.word(1) + " added, rooted in " + root.string() + ".");
 }
 
 const std::vector<Command>& commands()
 {
     static const std::vector<Command> table = {
-        {{"init"}, false, {{"--session-lifetime"}, {}, 0, 0}, "init [--session-lifetime SECONDS]",
+        {{"init"}, Needs::Depot, {{"--session-lifetime"}, {}, 0, 0}, "init [--session-lifetime SECONDS]",
          "create a new depot file",
-         [](Context& c) { return Depot::create(c.depot.path(), sessionLifetime(c.args)); }},
-        {{"user", "add"}, false, {{}, {}, 1, 2}, "user add NAME", "add a user (asks for the password; empty: none)",
+         [](Context& c) {
+             return reportDone(c, Depot::create(c.depot.path(), sessionLifetime(c.args)),
+                               "Depot " + c.depot.path() + " created.");
+         }},
+        {{"user", "add"}, Needs::Depot, {{}, {}, 1, 2}, "user add NAME", "add a user (asks for the password; empty: none)",
          addUser},
-        {{"workspace", "add"}, false, {{}, {"--create"}, 3, 3}, "workspace add [--create] NAME OWNER ROOT",
+        {{"workspace", "add"}, Needs::Depot, {{}, {"--create"}, 3, 3}, "workspace add [--create] NAME OWNER ROOT",
          "add a workspace rooted in an existing folder (--create: make it)", addWorkspace},
-        {{"login"}, false, {{}, {"-p"}, 0, 0}, "login [-p]",
+        {{"login"}, Needs::Account, {{}, {"-p"}, 0, 0}, "login [-p]",
          "open a session and keep its ticket for later commands (-p: print it instead)", login},
-        {{"logout"}, false, {{}, {}, 0, 0}, "logout", "end the session and forget its kept ticket", logout},
-        {{"sync"}, true, {{}, {"-f", "--force"}, 0, kAny}, "sync [-f] [FILE...]",
-         "get the head revisions (all files when none named; -f: overwrite writable files)",
-         [](Context& c) {
-             const depot::SyncMode mode =
-                 c.args.flag("-f") || c.args.flag("--force") ? depot::SyncMode::Force : depot::SyncMode::Safe;
-             return c.depot.sync(c.ticket, c.files(), mode);
-         }},
-        {{"edit"}, true, {{"-c"}, {}, 1, kAny}, "edit [-c CHANGE] FILE...", "open files for edit",
-         [](Context& c) { return c.depot.edit(c.ticket, c.files(), c.changelistOption()); }},
-        {{"add"}, true, {{"-c"}, {}, 1, kAny}, "add [-c CHANGE] FILE...", "open new files for add",
-         [](Context& c) { return c.depot.add(c.ticket, c.files(), c.changelistOption()); }},
-        {{"delete"}, true, {{"-c"}, {}, 1, kAny}, "delete [-c CHANGE] FILE...",
-         "open files for delete (removes the local copies)",
-         [](Context& c) { return c.depot.remove(c.ticket, c.files(), c.changelistOption()); }},
-        {{"revert"}, true, {{}, {}, 1, kAny}, "revert FILE...", "discard opened files' changes",
-         [](Context& c) { return c.depot.revert(c.ticket, c.files()); }},
-        {{"lock"}, true, {{}, {}, 1, kAny}, "lock FILE...", "lock opened files against other users",
-         [](Context& c) { return c.depot.lock(c.ticket, c.files()); }},
-        {{"opened"}, true, {{}, {"-a"}, 0, 0}, "opened [-a]",
+        {{"logout"}, Needs::Account, {{}, {}, 0, 0}, "logout", "end the session and forget its kept ticket", logout},
+        {{"info"}, Needs::Account, {{}, {}, 0, 0}, "info",
+         "show the depot, user, workspace and configuration file in use", printInfo},
+        {{"sync"}, Needs::Session, {{}, {"-f", "--force"}, 0, kAny}, "sync [-f] [FILE...]",
+         "get the head revisions of the files, of all when none named (-f: overwrite writable files)", syncFiles},
+        {{"edit"}, Needs::Session, {{"-c"}, {}, 1, kAny}, "edit [-c CHANGE] FILE...", "open files for edit",
+         editFiles},
+        {{"add"}, Needs::Session, {{"-c"}, {}, 1, kAny}, "add [-c CHANGE] FILE...", "open new files for add",
+         addFiles},
+        {{"delete"}, Needs::Session, {{"-c"}, {}, 1, kAny}, "delete [-c CHANGE] FILE...",
+         "open files for delete (removes the local copies)", deleteFiles},
+        {{"revert"}, Needs::Session, {{}, {"-a"}, 0, kAny}, "revert [-a] FILE...",
+         "discard opened files' changes (-a: only unchanged edits; every file when none named)", revertFiles},
+        {{"reopen"}, Needs::Session, {{"-c"}, {}, 1, kAny}, "reopen [-c CHANGE] FILE...",
+         "move opened files to another pending changelist (default: the default one)", reopenFiles},
+        {{"lock"}, Needs::Session, {{}, {}, 1, kAny}, "lock FILE...", "lock opened files against other users",
+         lockFiles},
+        {{"unlock"}, Needs::Session, {{}, {}, 1, kAny}, "unlock FILE...", "release the locks of opened files",
+         unlockFiles},
+        {{"opened"}, Needs::Session, {{}, {"-a"}, 0, 0}, "opened [-a]",
          "list this workspace's opened files (-a: every workspace's)", printOpened},
-        {{"change"}, true, {{}, {}, 1, 1}, "change DESCRIPTION", "create a pending changelist and print its number",
-         [](Context& c) {
-             depot::ChangelistId created;
-             const Result result = c.depot.createChangelist(c.ticket, c.word(0), created);
-             if (result.ok())
-                 c.out << created << "\n";
-             return result;
-         }},
-        {{"changes"}, true, {{"-s"}, {}, 0, 0}, "changes [-s pending|submitted]", "list changelists",
-         printChangelists},
-        {{"describe"}, true, {{}, {}, 1, 1}, "describe CHANGE", "show a changelist and its files ('default' too)",
-         printDescription},
-        {{"submit"}, true, {{"-c", "-d"}, {}, 0, 0}, "submit [-c CHANGE] [-d DESCRIPTION]",
-         "submit a changelist (default: the default one)",
-         [](Context& c) {
-             depot::ChangelistId submitted;
-             const Result result =
-                 c.depot.submit(c.ticket, c.changelistOption(), c.args.option("-d").value_or(""), submitted);
-             if (result.ok())
-                 c.out << "Change " << submitted << " submitted.\n";
-             return result;
-         }},
-        {{"status"}, true, {{}, {}, 1, kAny}, "status FILE...", "print each file's status word, changelist and holders",
-         [](Context& c) {
-             const std::vector<std::string> files = c.files();
-             std::vector<depot::FileStatus> statuses;
-             const Result result = c.depot.status(c.ticket, files, statuses);
-             for (std::size_t i = 0; i < statuses.size(); ++i)
-                 printStatus(c.out, files[i], statuses[i]);
-             return result;
-         }},
+        {{"change"}, Needs::Session, {{"-c", "-d"}, {}, 0, 1}, "change [-c CHANGE] DESCRIPTION | -d CHANGE",
+         "create a pending changelist and print its number (-c: describe one anew; -d: delete an empty one)",
+         changeChangelist},
+        {{"changes"}, Needs::Session, {{"-s", "-m", "-u"}, {}, 0, 0}, "changes [-s pending|submitted] [-m N] [-u USER]",
+         "list changelists, newest first (default: pending; -m: the newest N; -u: of one user)", printChanges},
+        {{"describe"}, Needs::Session, {{}, {}, 1, 1}, "describe CHANGE",
+         "show a changelist, its date and its files ('default' too)", printDescription},
+        {{"submit"}, Needs::Session, {{"-c", "-d"}, {}, 0, 0}, "submit [-c CHANGE] [-d DESCRIPTION]",
+         "submit a changelist (default: the default one)", submitChange},
+        {{"status"}, Needs::Session, {{}, {}, 1, kAny}, "status FILE...",
+         "print each file's status in words, its changelist and who holds it", printStatus},
     };
     return table;
 }
@@ -230,6 +169,17 @@ bool asksForHelp(const std::vector<std::string>& words)
     return false;
 }
 
+// A command's usage and summary in two columns; a usage too long for its column puts the
+// summary on the next line.
+void printUsageLine(std::ostream& out, const std::string& usage, const std::string& summary)
+{
+    constexpr std::size_t kColumn = 40;
+    out << "  " << std::left << std::setw(kColumn) << usage;
+    if (usage.size() >= kColumn)
+        out << "\n  " << std::string(kColumn, ' ');
+    out << summary << "\n";
+}
+
 void printCommandUsage(std::ostream& out, const Command& command)
 {
     out << "Usage: hbdepot [OPTIONS] " << command.usage << "\n" << command.summary << "\n";
@@ -241,24 +191,41 @@ void printUsage(std::ostream& out)
 {
     out << "Usage: hbdepot [OPTIONS] COMMAND [ARGUMENTS]\n"
            "Sets up, inspects and changes an embedded depot from the command line.\n\n"
-           "Options (the environment variable used when the option is absent):\n"
-           "  -d, --depot PATH        the depot file (HBDEPOT)\n"
-           "  -u, --user NAME         log in as this user (HBDEPOT_USER)\n"
-           "  -w, --workspace NAME    in this workspace (HBDEPOT_WORKSPACE)\n"
+           "Options (each before the command; the environment variable, then the configuration file's\n"
+           "key used when the option is absent):\n"
+           "  -d, --depot PATH        the depot file (HBDEPOT, depot)\n"
+           "  -u, --user NAME         log in as this user (HBDEPOT_USER, user)\n"
+           "  -w, --workspace NAME    in this workspace (HBDEPOT_WORKSPACE, workspace)\n"
            "  -t, --ticket TICKET     use the session 'login -p' printed (HBDEPOT_TICKET)\n"
            "      --password-stdin    read the password from the first line of standard input\n"
            "  -P, --password TEXT     the password (HBDEPOT_PASSWORD); visible to other users, avoid it\n"
-           "  -h, --help              show this text; after a command, that command's usage\n\n"
+           "  -q, --quiet             do not say what was done; listings and errors still print\n"
+           "      --json, -z json     listings (status, opened, changes, describe, info) as JSON\n"
+           "  -h, --help              show this text; after a command, that command's usage\n"
+           "      --version           print the version\n\n"
+           "The configuration file is the nearest " << ConfigFile::kName << " in the current folder or above it,\n"
+           "with lines 'depot = PATH' (relative to its folder), 'user = NAME', 'workspace = NAME'.\n"
+           "Without a user or workspace, the workspace whose root holds the current folder is used.\n\n"
            "Without a password option hbdepot asks for it, without echo, when standard input is a\n"
            "terminal. 'login' keeps the session's ticket in ~/.hbdepot_tickets (HBDEPOT_TICKETS), readable\n"
            "only by you, and later commands of that user and workspace use it.\n\n"
-           "Commands (FILE: a path in the workspace; CHANGE: a changelist number or 'default'):\n";
+           "Commands (FILE: a local path, absolute or relative to the current folder; CHANGE: a changelist\n"
+           "number or 'default'):\n";
     for (const Command& command : commands())
-        out << "  " << std::left << std::setw(40) << command.usage << command.summary << "\n";
-    out << "\nExit status: 0 done, 1 the depot refused (the reason is printed), 2 bad usage.\n";
+        printUsageLine(out, command.usage, command.summary);
+    printUsageLine(out, "help [COMMAND]", "show this text, or one command's usage");
+    out
+        << "\nPaths: commands name files as you gave them; opened, describe, sync and revert -a name\n"
+           "depot paths (//depot/...).\n"
+           "Status words (JSON keeps the hexadecimal word beside them):";
+    const std::vector<std::string> legend = statusLegend();
+    for (std::size_t i = 0; i < legend.size(); ++i)
+        out << (i % 4 == 0 ? "\n  " : ", ") << legend[i];
+    out << ", 0x0 up to date\n"
+           "\nExit status: 0 done, 1 the depot refused (the reason is printed), 2 bad usage.\n";
 }
 
-int runCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
+int runCommand(CommandLine line, std::ostream& out, std::ostream& err)
 {
     const bool helpCommand = !line.words().empty() && line.words().front() == "help";
     const std::vector<std::string> words(line.words().begin() + (helpCommand ? 1 : 0), line.words().end());
@@ -269,7 +236,7 @@ int runCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
             return 0;
         }
         err << "hbdepot: unknown command" << (words.empty() ? "" : " '" + words.front() + "'")
-            << "; see hbdepot --help\n";
+            << "; see hbdepot help\n";
         return 2;
     }
     const std::vector<std::string> given(words.begin() + static_cast<std::ptrdiff_t>(command->name.size()), words.end());
@@ -284,10 +251,12 @@ int runCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
         if (line.passwordOnCommandLine())
             warnAboutVisiblePassword(err, "a password given with -P");
         Depot depot(std::filesystem::absolute(line.depot()).string());
+        if (command->needs != Needs::Depot)
+            inferAccount(depot, line);
         TicketStore tickets;
         Context context{depot, line, args, out, err, tickets, {}};
         Result result;
-        if (command->needsSession)
+        if (command->needs == Needs::Session)
             result = openSession(context);
         if (result.ok())
             result = command->run(context);

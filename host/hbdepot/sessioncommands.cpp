@@ -1,5 +1,6 @@
 #include "sessioncommands.h"
 
+#include <filesystem>
 #include <optional>
 #include <ostream>
 #include <stdexcept>
@@ -35,7 +36,14 @@ Result checkGivenTicket(Context& c)
 void requireAccount(const CommandLine& line)
 {
     if (line.user().empty() || line.workspace().empty())
-        throw std::invalid_argument("give a ticket (-t) or a user (-u) and a workspace (-w)");
+        throw std::invalid_argument("give a ticket (-t) or a user (-u) and a workspace (-w), or work inside a "
+                                    "workspace's folder");
+}
+
+bool holds(const std::filesystem::path& root, const std::filesystem::path& folder)
+{
+    const std::filesystem::path relative = folder.lexically_relative(root);
+    return !relative.empty() && *relative.begin() != "..";
 }
 
 Result logInWithPassword(Context& c)
@@ -45,6 +53,27 @@ Result logInWithPassword(Context& c)
 }
 
 }  // namespace
+
+void inferAccount(depot::Depot& depot, CommandLine& line)
+{
+    if (!line.ticket().empty() || (!line.user().empty() && !line.workspace().empty()))
+        return;
+    std::vector<depot::WorkspaceInfo> workspaces;
+    if (!depot.workspaces(workspaces).ok())
+        return;
+    std::error_code error;
+    const std::filesystem::path here = std::filesystem::weakly_canonical(std::filesystem::current_path(error), error);
+    const depot::WorkspaceInfo* best = nullptr;
+    for (const depot::WorkspaceInfo& workspace : workspaces) {
+        const bool fits = (line.user().empty() || line.user() == workspace.owner) &&
+                          (line.workspace().empty() || line.workspace() == workspace.name) &&
+                          holds(std::filesystem::weakly_canonical(workspace.root, error), here);
+        if (fits && (!best || workspace.root.size() > best->root.size()))
+            best = &workspace;
+    }
+    if (best)
+        line.inferAccount(best->owner, best->name);
+}
 
 Result openSession(Context& c)
 {

@@ -2,11 +2,18 @@
 
 // The commands around sessions: opening the session a command works in, log-in and log-out.
 
+#include <depot/depot.h>
 #include <depot/types.h>
 
 namespace hbrc::hbdepot {
 
+class CommandLine;
 struct Context;
+
+// Where no ticket, user or workspace is given: the workspace whose root holds the current folder
+// (the deepest one; the given user's when a user is given) and its owner. Leaves the line as it
+// is when there is none.
+void inferAccount(depot::Depot& depot, CommandLine& line);
 
 // The session a command works in: the ticket given, else the one "login" kept for this depot
 // and user (when it is still alive and of the same workspace), else a log-in with the password.

@@ -71,9 +71,11 @@ bool mayReplace(const fs::path& local, const FileState& state, const std::vector
 
 }  // namespace
 
-Result Depot::sync(const std::string& ticket, const Files& files, SyncMode mode, const CancelCheck& cancel)
+Result Depot::sync(const std::string& ticket, const Files& files, SyncMode mode, const CancelCheck& cancel,
+                   SyncReport* report)
 {
-    return d->runInSession(Operation::Sync, Transaction::Kind::Write, ticket, cancel, [&](Call& call) {
+    SyncReport done;
+    const Result result = d->runInSession(Operation::Sync, Transaction::Kind::Write, ticket, cancel, [&](Call& call) {
         const WorkspaceView& workspace = call.workspace();
         Files wanted = files;
         if (wanted.empty()) {
@@ -117,7 +119,17 @@ Result Depot::sync(const std::string& ticket, const Files& files, SyncMode mode,
         call.checkpoint();
         if (!refusals.empty())
             call.refuseSome(code::Failed, joinLines(refusals));
+        for (const FileStep& step : call.steps()) {
+            if (step.kind == FileStep::Kind::WriteRevision)
+                done.updated.push_back(depotPathOf(step.key) + "#" + std::to_string(step.revision));
+            else
+                done.deleted.push_back(depotPathOf(step.key));
+        }
     });
+    // Filled at the end of the body: empty when the transaction did not get that far.
+    if (report)
+        *report = std::move(done);
+    return result;
 }
 
 Result Depot::status(const std::string& ticket, const Files& files, std::vector<FileStatus>& statuses,

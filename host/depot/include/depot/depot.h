@@ -76,9 +76,9 @@ public:
     // read-only; files this workspace has open are left alone. A writable file whose content is
     // not the workspace's revision is kept unless `mode` is Force, and so is a file that cannot be
     // written: each is named ("Can't clobber writable file ...") in a Failed result while the
-    // other files are synced and recorded.
+    // other files are synced and recorded. `report`, when given, receives what was synced.
     Result sync(const std::string& ticket, const Files& files, SyncMode mode = SyncMode::Safe,
-                const CancelCheck& cancel = {});
+                const CancelCheck& cancel = {}, SyncReport* report = nullptr);
     // One status per file, in the order asked.
     Result status(const std::string& ticket, const Files& files, std::vector<FileStatus>& statuses,
                   const CancelCheck& cancel = {});

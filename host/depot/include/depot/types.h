@@ -87,6 +87,13 @@ struct Changelist
     std::int64_t time = 0;
 };
 
+// What a sync did, by depot path: files written ("//depot/ship.kel#3") and files removed.
+struct SyncReport
+{
+    std::vector<std::string> updated;
+    std::vector<std::string> deleted;
+};
+
 struct WorkspaceInfo
 {
     std::string name;

@@ -1,0 +1,42 @@
+#pragma once
+
+// Writes JSON to a stream as it goes: objects, arrays, strings, numbers and booleans, with the
+// commas in place and strings escaped.
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace hbrc::hbdepot {
+
+class JsonWriter
+{
+public:
+    explicit JsonWriter(std::ostream& out) : m_out(out) {}
+    // Ends the document with a line break.
+    ~JsonWriter();
+    JsonWriter(const JsonWriter&) = delete;
+    JsonWriter& operator=(const JsonWriter&) = delete;
+
+    JsonWriter& beginObject();
+    JsonWriter& endObject();
+    JsonWriter& beginArray();
+    JsonWriter& endArray();
+    JsonWriter& key(const std::string& name);
+    JsonWriter& value(const std::string& text);
+    JsonWriter& value(const char* text) { return value(std::string(text)); }
+    JsonWriter& value(std::int64_t number);
+    JsonWriter& value(bool flag);
+    JsonWriter& value(const std::vector<std::string>& texts);
+
+private:
+    void separate();
+    void writeString(const std::string& text);
+
+    std::ostream& m_out;
+    std::vector<bool> m_firstInLevel{true};
+    bool m_afterKey = false;
+};
+
+}  // namespace hbrc::hbdepot

@@ -1,0 +1,16 @@
+#pragma once
+
+// A status word as people read it: one phrase per bit ("open for edit", "locked by others"),
+// "up to date" for none.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace hbrc::hbdepot {
+
+std::vector<std::string> statusWords(std::uint32_t word);
+// The phrase of each bit, for the help text's legend: "0x1 open for edit", ...
+std::vector<std::string> statusLegend();
+
+}  // namespace hbrc::hbdepot
