@@ -3,6 +3,7 @@
 
 #include <QProcess>
 
+#include <map>
 #include <memory>
 
 using namespace hbrc::depot;
@@ -27,15 +28,20 @@ public:
                command;
     }
 
-    // Kept tickets go to the test's folder, never to the user's home.
-    std::unique_ptr<QProcess> start(const QStringList& arguments, const QByteArray& input = {}) const
+    // Kept tickets go to the test's folder, never to the user's home. `variables` are set in the
+    // process's environment, and it runs in `folder` when one is given.
+    std::unique_ptr<QProcess> start(const QStringList& arguments, const QByteArray& input = {},
+                                    const std::map<QString, QString>& variables = {}, const QString& folder = {}) const
     {
         auto process = std::make_unique<QProcess>();
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("HBDEPOT_TICKETS", QString::fromStdString(path("tickets")));
-        for (const char* name : {"HBDEPOT_USER", "HBDEPOT_WORKSPACE", "HBDEPOT_PASSWORD", "HBDEPOT_TICKET"})
+        for (const char* name : {"HBDEPOT", "HBDEPOT_USER", "HBDEPOT_WORKSPACE", "HBDEPOT_PASSWORD", "HBDEPOT_TICKET"})
             environment.remove(name);
+        for (const auto& [name, value] : variables)
+            environment.insert(name, value);
         process->setProcessEnvironment(environment);
+        process->setWorkingDirectory(folder);
         process->start(QStringLiteral(HBDEPOT_EXECUTABLE), arguments);
         process->write(input);
         process->closeWriteChannel();
@@ -53,6 +59,12 @@ public:
     {
         return finish(*start(arguments, input));
     }
+    // hbdepot in a folder of the test's, with no depot, user or workspace given but `variables`.
+    ToolRun runIn(const std::string& folder, const QStringList& arguments,
+                  const std::map<QString, QString>& variables = {}) const
+    {
+        return finish(*start(arguments, {}, variables, QString::fromStdString(path(folder))));
+    }
     // hbdepot as bob with no password option: a kept ticket, or standard input with --password-stdin.
     ToolRun runAsBob(const QStringList& command, const QByteArray& input = {}) const
     {
@@ -67,7 +79,7 @@ TEST_F(DepotProcesses, EachSideSeesTheOthersChanges)
     ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
     const ToolRun status = run(bobArguments({"status", QString::fromStdString(bobFile("shared.kel"))}));
     ASSERT_EQ(status.exitCode, 0) << status.errors.toStdString();
-    EXPECT_TRUE(status.output.contains(" 0x2 held by alice")) << status.output.toStdString();
+    EXPECT_TRUE(status.output.endsWith("shared.kel - edited by others (alice)\n")) << status.output.toStdString();
 
     write(bobFile("ship.kel"), "hull");
     const ToolRun add = run(bobArguments({"add", QString::fromStdString(bobFile("ship.kel"))}));
@@ -83,16 +95,20 @@ TEST_F(DepotProcesses, BadUsageIsRefusedWithTheCommandsUsage)
     const std::vector<QStringList> badUsage = {
         {"frobnicate"},     {"edit"},   {"edit", "-x", "f.kel"}, {"edit", "-c"},      {"status"},
         {"opened", "more"}, {"describe"}, {"user", "add"},       {"user", "add", "carol", "pw", "extra"},
-        {"sync", "--forse"}, {"submit", "-d", "a", "-d", "b"},
+        {"sync", "--forse"}, {"submit", "-d", "a", "-d", "b"}, {"reopen"}, {"unlock"}, {"revert"},
+        {"change", "-d", "3", "extra"}, {"change"}, {"changes", "-m", "0"}, {"-z", "xml", "opened"},
     };
     for (const QStringList& command : badUsage) {
         const ToolRun result = run(bobArguments(command));
         EXPECT_EQ(result.exitCode, 2) << command.join(' ').toStdString() << ": " << result.errors.toStdString();
     }
     EXPECT_TRUE(run(bobArguments({"edit", "-x", "f.kel"})).errors.contains("Usage: hbdepot [OPTIONS] edit"));
-    const ToolRun help = run({"--help"});
+    const ToolRun help = run({"help"});
     EXPECT_EQ(help.exitCode, 0);
-    EXPECT_TRUE(help.output.contains("submit [-c CHANGE] [-d DESCRIPTION]"));
+    for (const char* verb : {"init", "user add", "workspace add", "login", "logout", "info", "sync", "edit", "add",
+                             "delete", "revert", "reopen", "lock", "unlock", "opened", "change", "changes", "describe",
+                             "submit", "status", "help"})
+        EXPECT_TRUE(help.output.contains(QString("\n  ") + verb + " ")) << verb << " is not listed";
     const ToolRun verbHelp = run({"sync", "--help"});
     EXPECT_EQ(verbHelp.exitCode, 0);
     EXPECT_TRUE(verbHelp.output.startsWith("Usage: hbdepot [OPTIONS] sync [-f] [FILE...]"));
@@ -115,6 +131,9 @@ TEST_F(DepotProcesses, RefusalsSayWhyAndExitWith1)
          "not of bob in workspace alice-ws"},
         {{"-d", depotArgument(), "workspace", "add", "carol-ws", "bob", QString::fromStdString(path("nowhere"))},
          "does not exist; create it first, or give --create"},
+        {bobArguments({"change", "-d", "default"}), "The default changelist cannot be deleted."},
+        {bobArguments({"unlock", bobPath("shared.kel")}), "Cannot unlock:"},
+        {bobArguments({"reopen", "-c", "1", bobPath("shared.kel")}), "is not a pending changelist of workspace bob-ws"},
     };
     for (const Refusal& refusal : refusals) {
         const ToolRun result = run(refusal.arguments);
@@ -168,7 +187,7 @@ TEST_F(DepotProcesses, AReadOnlyOrDamagedDepotAnswersClearly)
     fs::permissions(m_depotPath, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
     const ToolRun status = run(bobArguments({"status", bobPath("shared.kel")}));
     EXPECT_EQ(status.exitCode, 0) << status.errors.toStdString();
-    EXPECT_TRUE(status.output.contains(" 0x0")) << status.output.toStdString();
+    EXPECT_TRUE(status.output.contains(" - up to date")) << status.output.toStdString();
     const ToolRun edit = run(bobArguments({"edit", bobPath("shared.kel")}));
     EXPECT_EQ(edit.exitCode, 1);
     EXPECT_TRUE(edit.errors.contains("The depot is read-only")) << edit.errors.toStdString();
@@ -198,6 +217,72 @@ TEST_F(DepotProcesses, ConcurrentWritersAllLand)
     std::vector<OpenedFile> opened;
     ok(m_alice->opened(m_aliceTicket, true, opened));
     EXPECT_EQ(opened.size(), static_cast<std::size_t>(kWriters));
+}
+
+TEST_F(DepotProcesses, TheAccountComesFromOptionEnvironmentFileOrFolderInThatOrder)
+{
+    write(path(".hbdepot"), "# the test's depot\ndepot = depot.db\nuser = bob\nworkspace = file-ws\n");
+    struct Row
+    {
+        const char* name;
+        QStringList options;
+        std::map<QString, QString> variables;
+        QString workspace;
+    };
+    const std::vector<Row> rows = {
+        {"the file", {}, {}, "file-ws"},
+        {"the environment over the file", {}, {{"HBDEPOT_WORKSPACE", "env-ws"}}, "env-ws"},
+        {"the option over both", {"-w", "option-ws"}, {{"HBDEPOT_WORKSPACE", "env-ws"}}, "option-ws"},
+    };
+    for (const Row& row : rows) {
+        const ToolRun info = runIn("bob", row.options + QStringList{"--json", "info"}, row.variables);
+        EXPECT_EQ(info.exitCode, 0) << row.name << ": " << info.errors.toStdString();
+        EXPECT_TRUE(info.output.contains("\"workspace\":\"" + row.workspace + "\"")) << row.name << ": "
+                                                                                     << info.output.toStdString();
+        EXPECT_TRUE(info.output.contains("\"depot\":\"" + depotArgument() + "\"")) << info.output.toStdString();
+    }
+
+    // Without user and workspace in the file, the folder names them: bob works in his own.
+    write(path(".hbdepot"), "depot = depot.db\n");
+    write(aliceFile("art/ship.kel"), "hull");
+    ok(m_alice->add(m_aliceTicket, {aliceFile("art/ship.kel")}, ""));
+    ok(submit(*m_alice, m_aliceTicket, "the ship"));
+    const ToolRun login = finish(*start({"--password-stdin", "login"}, "bob-pw\n", {}, QString::fromStdString(bobFile(""))));
+    ASSERT_EQ(login.exitCode, 0) << login.errors.toStdString();
+    EXPECT_EQ(login.output, "User bob logged in to workspace bob-ws.\n");
+    const ToolRun sync = runIn("bob", {"sync"});
+    EXPECT_EQ(sync.output, "//depot/art/ship.kel#1 - updated\nupdated 1, deleted 0\n") << sync.errors.toStdString();
+    fs::create_directories(bobFile("art"));
+    EXPECT_EQ(runIn("bob/art", {"-q", "edit", "ship.kel"}).output, "") << "-q says nothing";
+    const ToolRun status = runIn("bob/art", {"-z", "json", "status", "ship.kel", "../shared.kel"});
+    EXPECT_EQ(status.output.toStdString(),
+              "[{\"file\":\"ship.kel\",\"path\":\"" + bobFile("art/ship.kel") +
+                  "\",\"status\":\"0x1\",\"words\":[\"open for edit\"],\"changelist\":\"default\",\"holders\":[]},"
+                  "{\"file\":\"../shared.kel\",\"path\":\"" + bobFile("shared.kel") +
+                  "\",\"status\":\"0x0\",\"words\":[\"up to date\"],\"changelist\":\"\",\"holders\":[]}]\n");
+    EXPECT_EQ(runIn(".", {"opened"}).exitCode, 2) << "above every workspace nobody is inferred";
+}
+
+TEST_F(DepotProcesses, ChangesListNewestFirstWithDatesAndFilters)
+{
+    m_now = 1700000000;  // 2023-11-14, whatever the time zone
+    write(aliceFile("a.kel"), "a");
+    ok(m_alice->add(m_aliceTicket, {aliceFile("a.kel")}, ""));
+    ok(submit(*m_alice, m_aliceTicket, "alice's a"));
+    m_now += 86400 * 2;
+    bobSubmitsNewFile("b.kel", "b");
+    const ToolRun all = run(bobArguments({"changes", "-s", "submitted"}));
+    const QStringList lines = all.output.split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 3) << all.output.toStdString();
+    EXPECT_TRUE(lines[0].startsWith("Change 3 on 2023/11/1")) << lines[0].toStdString();
+    EXPECT_TRUE(lines[0].endsWith("by bob@bob-ws *submitted* 'bob adds b.kel'")) << lines[0].toStdString();
+    EXPECT_TRUE(lines[1].startsWith("Change 2 on 2023/11/1")) << lines[1].toStdString();
+    EXPECT_EQ(run(bobArguments({"changes", "-s", "submitted", "-m", "1"})).output.count("Change "), 1);
+    const ToolRun alices = run(bobArguments({"--json", "changes", "-s", "submitted", "-u", "alice", "-m", "1"}));
+    EXPECT_TRUE(alices.output.startsWith("[{\"change\":\"2\",\"user\":\"alice\"")) << alices.output.toStdString();
+    EXPECT_TRUE(alices.output.contains("\"time\":1700000000,")) << alices.output.toStdString();
+    const ToolRun described = run(bobArguments({"describe", "3"}));
+    EXPECT_TRUE(described.output.startsWith("Change 3 by bob@bob-ws on 2023/11/1")) << described.output.toStdString();
 }
 
 }  // namespace
