@@ -44,33 +44,18 @@ void JsonWriter::writeString(const std::string& text)
     m_out << '"';
 }
 
-JsonWriter& JsonWriter::beginObject()
+JsonWriter& JsonWriter::open(char bracket)
 {
     separate();
-    m_out << "{";
+    m_out << bracket;
     m_firstInLevel.push_back(true);
     return *this;
 }
 
-JsonWriter& JsonWriter::endObject()
+JsonWriter& JsonWriter::close(char bracket)
 {
     m_firstInLevel.pop_back();
-    m_out << "}";
-    return *this;
-}
-
-JsonWriter& JsonWriter::beginArray()
-{
-    separate();
-    m_out << "[";
-    m_firstInLevel.push_back(true);
-    return *this;
-}
-
-JsonWriter& JsonWriter::endArray()
-{
-    m_firstInLevel.pop_back();
-    m_out << "]";
+    m_out << bracket;
     return *this;
 }
 

@@ -19,10 +19,10 @@ public:
     JsonWriter(const JsonWriter&) = delete;
     JsonWriter& operator=(const JsonWriter&) = delete;
 
-    JsonWriter& beginObject();
-    JsonWriter& endObject();
-    JsonWriter& beginArray();
-    JsonWriter& endArray();
+    JsonWriter& beginObject() { return open('{'); }
+    JsonWriter& endObject() { return close('}'); }
+    JsonWriter& beginArray() { return open('['); }
+    JsonWriter& endArray() { return close(']'); }
     JsonWriter& key(const std::string& name);
     JsonWriter& value(const std::string& text);
     JsonWriter& value(const char* text) { return value(std::string(text)); }
@@ -31,6 +31,8 @@ public:
     JsonWriter& value(const std::vector<std::string>& texts);
 
 private:
+    JsonWriter& open(char bracket);
+    JsonWriter& close(char bracket);
     void separate();
     void writeString(const std::string& text);
 
