@@ -11,11 +11,11 @@
 #include <ostream>
 #include <stdexcept>
 
+#include "changecommands.h"
 #include "commandcontext.h"
 #include "commandline.h"
-#include "passwordinput.h"
-#include "changecommands.h"
 #include "listings.h"
+#include "passwordinput.h"
 #include "sessioncommands.h"
 #include "statuswords.h"
 
