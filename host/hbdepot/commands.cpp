@@ -107,8 +107,8 @@ const std::vector<Command>& commands()
              return reportDone(c, Depot::create(c.depot.path(), sessionLifetime(c.args)),
                                "Depot " + c.depot.path() + " created.");
          }},
-        {{"user", "add"}, Needs::Depot, {{}, {}, 1, 2}, "user add NAME", "add a user (asks for the password; empty: none)",
-         addUser},
+        {{"user", "add"}, Needs::Depot, {{}, {}, 1, 2}, "user add NAME",
+         "add a user (asks for the password; empty: none)", addUser},
         {{"workspace", "add"}, Needs::Depot, {{}, {"--create"}, 3, 3}, "workspace add [--create] NAME OWNER ROOT",
          "add a workspace rooted in an existing folder (--create: make it)", addWorkspace},
         {{"login"}, Needs::Account, {{}, {"-p"}, 0, 0}, "login [-p]",
@@ -247,7 +247,8 @@ int runCommand(CommandLine line, std::ostream& out, std::ostream& err)
     try {
         const VerbArguments args(command->syntax, given);
         if (line.depot().empty())
-            throw std::invalid_argument("no depot given (-d or HBDEPOT)");
+            throw std::invalid_argument(std::string("no depot given (-d, HBDEPOT or a ") + ConfigFile::kName +
+                                        " file)");
         if (line.passwordOnCommandLine())
             warnAboutVisiblePassword(err, "a password given with -P");
         Depot depot(std::filesystem::absolute(line.depot()).string());

@@ -247,7 +247,8 @@ TEST_F(DepotProcesses, TheAccountComesFromOptionEnvironmentFileOrFolderInThatOrd
     write(aliceFile("art/ship.kel"), "hull");
     ok(m_alice->add(m_aliceTicket, {aliceFile("art/ship.kel")}, ""));
     ok(submit(*m_alice, m_aliceTicket, "the ship"));
-    const ToolRun login = finish(*start({"--password-stdin", "login"}, "bob-pw\n", {}, QString::fromStdString(bobFile(""))));
+    const ToolRun login =
+        finish(*start({"--password-stdin", "login"}, "bob-pw\n", {}, QString::fromStdString(bobFile(""))));
     ASSERT_EQ(login.exitCode, 0) << login.errors.toStdString();
     EXPECT_EQ(login.output, "User bob logged in to workspace bob-ws.\n");
     const ToolRun sync = runIn("bob", {"sync"});
