@@ -1,6 +1,8 @@
 // Opening, reverting, submitting and changelists, as a user of a Perforce-style server expects.
 #include "depotfixture.h"
 
+#include <sqlite3.h>
+
 #include <functional>
 
 using namespace hbrc::depot;
@@ -282,6 +284,32 @@ TEST_F(PendingWork, RefusalsChangeNothingAndSayWhy)
     std::vector<std::string> reverted;
     ok(m_bob->revertUnchanged(m_bobTicket, {bobFile("shared.kel")}, reverted));
     EXPECT_TRUE(reverted.empty()) << "bob has nothing open";
+}
+
+TEST_F(DepotOperations, ADepotWithoutChangeTimesGetsThemOnItsFirstWritableOpening)
+{
+    // A depot of an earlier build: its changes table has no time column.
+    sqlite3* raw = nullptr;
+    ASSERT_EQ(sqlite3_open(m_depotPath.c_str(), &raw), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(raw, "ALTER TABLE changes DROP COLUMN time", nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(raw);
+
+    fs::permissions(m_depotPath, fs::perms::owner_write, fs::perm_options::remove);
+    std::vector<Changelist> submitted;
+    EXPECT_NE(Depot(m_depotPath).changelists(m_aliceTicket, ChangelistState::Submitted, submitted).error.find(
+                  "open it once with write permission"),
+              std::string::npos);
+    fs::permissions(m_depotPath, fs::perms::owner_write, fs::perm_options::add);
+
+    Depot reopened(m_depotPath);
+    ok(reopened.changelists(m_aliceTicket, ChangelistState::Submitted, submitted));
+    ASSERT_EQ(submitted.size(), 1u);
+    EXPECT_EQ(submitted[0].time, 0) << "unknown";
+    ok(reopened.edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
+    ok(submit(reopened, m_aliceTicket, "second"));
+    ok(reopened.changelists(m_aliceTicket, ChangelistState::Submitted, submitted));
+    ASSERT_EQ(submitted.size(), 2u);
+    EXPECT_GT(submitted[1].time, 0);
 }
 
 }  // namespace
