@@ -55,6 +55,13 @@ std::string joined(const std::vector<std::string>& words, const char* separator)
     return text;
 }
 
+// A description on the one line a change has in a listing.
+std::string oneLine(std::string text)
+{
+    std::replace_if(text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
+    return text;
+}
+
 const char* stateName(depot::ChangelistState state)
 {
     return state == depot::ChangelistState::Pending ? "pending" : "submitted";
@@ -177,7 +184,7 @@ Result printChanges(Context& c)
     }
     for (const depot::Changelist& change : shown)
         c.out << "Change " << change.id << " on " << dateOf(change.time) << " by " << change.user << "@"
-              << change.workspace << " *" << state << "* '" << change.description << "'\n";
+              << change.workspace << " *" << state << "* '" << oneLine(change.description) << "'\n";
     return result;
 }
 

@@ -269,7 +269,7 @@ TEST_F(DepotProcesses, ChangesListNewestFirstWithDatesAndFilters)
     m_now = 1700000000;  // 2023-11-14, whatever the time zone
     write(aliceFile("a.kel"), "a");
     ok(m_alice->add(m_aliceTicket, {aliceFile("a.kel")}, ""));
-    ok(submit(*m_alice, m_aliceTicket, "alice's a"));
+    ok(submit(*m_alice, m_aliceTicket, "alice's \"a\"\n\tsecond line"));
     m_now += 86400 * 2;
     bobSubmitsNewFile("b.kel", "b");
     const ToolRun all = run(bobArguments({"changes", "-s", "submitted"}));
@@ -278,10 +278,12 @@ TEST_F(DepotProcesses, ChangesListNewestFirstWithDatesAndFilters)
     EXPECT_TRUE(lines[0].startsWith("Change 3 on 2023/11/1")) << lines[0].toStdString();
     EXPECT_TRUE(lines[0].endsWith("by bob@bob-ws *submitted* 'bob adds b.kel'")) << lines[0].toStdString();
     EXPECT_TRUE(lines[1].startsWith("Change 2 on 2023/11/1")) << lines[1].toStdString();
+    EXPECT_TRUE(lines[1].endsWith(R"(*submitted* 'alice's "a"  second line')")) << "one line a change";
     EXPECT_EQ(run(bobArguments({"changes", "-s", "submitted", "-m", "1"})).output.count("Change "), 1);
     const ToolRun alices = run(bobArguments({"--json", "changes", "-s", "submitted", "-u", "alice", "-m", "1"}));
     EXPECT_TRUE(alices.output.startsWith("[{\"change\":\"2\",\"user\":\"alice\"")) << alices.output.toStdString();
     EXPECT_TRUE(alices.output.contains("\"time\":1700000000,")) << alices.output.toStdString();
+    EXPECT_TRUE(alices.output.contains(R"("description":"alice's \"a\"\n\tsecond line")")) << alices.output.toStdString();
     const ToolRun described = run(bobArguments({"describe", "3"}));
     EXPECT_TRUE(described.output.startsWith("Change 3 by bob@bob-ws on 2023/11/1")) << described.output.toStdString();
 }
