@@ -1,5 +1,7 @@
 #include "demo.h"
 
+#include "demodepot.h"
+
 #include <depot/depot.h>
 #include <hbrchost/pluginloader.h>
 #include <hbrcservices/revisioncontrolservices.h>
@@ -19,22 +21,6 @@ namespace hbrc::studio {
 namespace {
 
 using kel4::IRevisionControlUIHelper;
-
-// A failed step of the demo: what went wrong, for the closing message.
-struct DemoError : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-void expect(bool ok, const std::string& what)
-{
-    if (!ok)
-        throw DemoError(what);
-}
-
-void expectDepot(const depot::Result& result, const std::string& what)
-{
-    expect(result.ok(), what + ": " + result.error);
-}
 
 QString hex(unsigned word)
 {
@@ -74,46 +60,6 @@ void printSettings(QTextStream& out, IRevisionControlPropertiesMgr& settings)
         << "  RevControl.UseSourceDataControl = " << yesNo(useSource) << "\n";
 }
 
-// The server with alice and bob, each with a workspace folder of their own: a new embedded depot,
-// or the Subversion repository at a URL where both users exist (their workspaces are then the
-// folders of their working copies).
-class DemoServer
-{
-public:
-    DemoServer(const QString& root, const std::string& url) : m_root(root), m_path(url)
-    {
-        expect(QDir(root).mkpath(QStringLiteral("alice")) && QDir(root).mkpath(QStringLiteral("bob")),
-               "cannot create the workspace folders");
-        depot::DepotOptions options;
-        options.passwordHashCost = depot::PasswordHashCost::Minimal;  // a throw-away depot
-        if (m_path.empty()) {
-            m_path = QFile::encodeName(root + QStringLiteral("/depot.db")).toStdString();
-            expectDepot(depot::Depot::create(m_path), "cannot create the depot");
-            depot::Depot admin(m_path, options);
-            expectDepot(admin.addUser("alice", "alice-pw"), "add alice");
-            expectDepot(admin.addUser("bob", "bob-pw"), "add bob");
-            expectDepot(admin.addWorkspace(Workspace("alice"), "alice", FolderPath("alice")), "add alice-ws");
-            expectDepot(admin.addWorkspace(Workspace("bob"), "bob", FolderPath("bob")), "add bob-ws");
-        }
-        m_bob = host::OpenRevisionServer(m_path, options);
-    }
-
-    const std::string& Path() const { return m_path; }
-    QString Folder(const char* name) const { return QDir(m_root + '/' + name).canonicalPath(); }
-    std::string FolderPath(const char* name) const { return QFile::encodeName(Folder(name)).toStdString(); }
-    std::string Workspace(const char* user) const
-    {
-        return host::IsSubversionUrl(m_path) ? FolderPath(user) : std::string(user) + "-ws";
-    }
-    // bob's own connection (another user, as from another machine).
-    host::RevisionServer& Bob() { return *m_bob; }
-
-private:
-    QString m_root;
-    std::string m_path;
-    std::unique_ptr<host::RevisionServer> m_bob;
-};
-
 class Demo
 {
 public:
@@ -122,7 +68,7 @@ public:
     int Run()
     {
         QTemporaryDir scratch;
-        expect(scratch.isValid(), "cannot create a scratch folder");
+        Expect(scratch.isValid(), "cannot create a scratch folder");
         step(m_server.empty() ? "An embedded depot with the users alice and bob in " + scratch.path()
                               : "The Subversion repository " + QString::fromStdString(m_server) +
                                     " with the users alice and bob, working copies in " + scratch.path());
@@ -134,7 +80,7 @@ public:
             std::string error;
             services = host::InstallRevisionControlServices(workspace, depot.Path(),
                                                             {"alice", "alice-pw", depot.Workspace("alice")}, error);
-            expect(error.empty(), error);
+            Expect(error.empty(), error);
         });
         StartPlugin(host);
         // The account as the host's preferences keep it; the workspace setup logs alice in. (The
@@ -145,7 +91,7 @@ public:
         host.Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
         std::string error;
         host::Workspace* workspace = host.OpenWorkspace(depot.Folder("alice"), error);
-        expect(workspace, error);
+        Expect(workspace, error);
         printSettings(m_out, *m_settings);
         m_out << "Revision control enabled: " << (m_helper->IsRevisionControlEnabled() ? "yes" : "no") << "\n";
 
@@ -154,11 +100,11 @@ public:
         const KELHandle<IDbObject> sky = CreateAsset(*workspace, "Sky", {});
         const KELHandle<IDbObject> leaf = CreateAsset(*workspace, "Leaf", {});
         const host::SaveReport saved = workspace->Save();
-        expect(saved.Succeeded(), "the first save failed");
+        Expect(saved.Succeeded(), "the first save failed");
         KELPtr<kel4::IDataControl> dataControl = services.dataControl;
         m_out << "  the post-save hook marked the new assets for add in the default changelist, no dialog:\n";
         PrintStatus({rock, sky, leaf});
-        expect(services.connection
+        Expect(services.connection
                    ->Run(dataControl->GetUserParameters().Get(),
                          [](host::RevisionServer& d, const std::string& ticket, const depot::CancelCheck&) {
                              depot::ChangelistId submitted;
@@ -171,10 +117,8 @@ public:
         PrintFiles(rock);
 
         step("bob syncs and opens Rock for edit in his own workspace");
-        std::string bobTicket;
-        expectDepot(depot.Bob().login("bob", "bob-pw", depot.Workspace("bob"), bobTicket), "bob logs in");
-        expectDepot(depot.Bob().sync(bobTicket, {}), "bob syncs");
-        expectDepot(depot.Bob().edit(bobTicket, {depot.FolderPath("bob") + "/Rock.kel"}, ""), "bob edits");
+        ExpectDepot(depot.Bob().sync(depot.BobTicket(), {}), "bob syncs");
+        ExpectDepot(depot.Bob().edit(depot.BobTicket(), {depot.FolderPath("bob") + "/Rock.kel"}, ""), "bob edits");
         PrintStatus({rock, sky});
         kel4::List<std::string> users;
         dataControl->GetUsersOfObject(rock, kel4::closureId::Persistence, users);
@@ -182,20 +126,20 @@ public:
 
         step("alice edits Sky: her setting checks it out into her pending changelist without asking");
         std::string changelist;
-        expect(dataControl->CreateChangeList("sky colours", changelist, error).IsSuccess(), error);
+        Expect(dataControl->CreateChangeList("sky colours", changelist, error).IsSuccess(), error);
         m_settings->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
         m_settings->SetChangeListToUseWhenAutoCheckingOut(changelist);
         m_out << "  stored action " << IRevisionControlPropertiesMgr::eActionCheckOut << " (check out) into pending changelist "
               << QString::fromStdString(changelist) << "\n";
         const bool mayEdit = m_helper->CanEditObjects({sky}, true, true, "alice edits Sky");
-        expect(mayEdit, "the check-out of Sky was refused");
+        Expect(mayEdit, "the check-out of Sky was refused");
         m_out << "  CanEditObjects(Sky) answers " << (mayEdit ? "true" : "false") << ", no dialog shown\n";
         PrintStatus({rock, sky});
 
         step("alice edits Leaf, whose files are read-only, and saves: the pre-save hook checks it out first");
-        expect(bool(workspace->SetField(leaf, "colour", "autumn")), "cannot edit Leaf");
+        Expect(bool(workspace->SetField(leaf, "colour", "autumn")), "cannot edit Leaf");
         const host::SaveReport leafSaved = workspace->Save();
-        expect(leafSaved.Succeeded(), "the save of Leaf failed: " + leafSaved.DescribeFailures());
+        Expect(leafSaved.Succeeded(), "the save of Leaf failed: " + leafSaved.DescribeFailures());
         m_out << "  saved " << leafSaved.writtenFiles.size()
               << " file(s); Leaf is checked out into the stored changelist:\n";
         PrintStatus({leaf});
@@ -218,12 +162,12 @@ private:
     {
         const std::string plugin = host::PluginLoader::DefaultPluginDirectory() + "/libhbrevisioncontrol.so";
         std::string error;
-        expect(host.LoadPlugin(plugin, error), error);
+        Expect(host.LoadPlugin(plugin, error), error);
         m_out << "Loaded plug-in " << QString::fromStdString(plugin) << "\n";
         nrk::IBase* helper = host.StartComponent("RevisionControlUIHelper");
         m_helper = dynamic_cast<IRevisionControlUIHelper*>(helper);
         m_settings = dynamic_cast<IRevisionControlPropertiesMgr*>(host.StartComponent("RevisionControlPropertiesMgr"));
-        expect(m_helper && m_settings, "the plug-in did not provide its helper and settings components");
+        Expect(m_helper && m_settings, "the plug-in did not provide its helper and settings components");
         m_out << "Started " << helper->GetClsName() << "\n";
         printList(m_out, "Registered factories", host.System().GetFactoryNames());
         printList(m_out, "Singletons", host.System().GetSingletonNames());
@@ -236,9 +180,9 @@ private:
         asset.name = name;
         std::string error;
         const KELHandle<IDbObject> created(workspace.CreateAsset(asset, error));
-        expect(!created.IsNull(), error);
+        Expect(!created.IsNull(), error);
         if (!external.empty())
-            expect(bool(workspace.AddExternalFile(created, external, "bulk data of " + QByteArray::fromStdString(name))),
+            Expect(bool(workspace.AddExternalFile(created, external, "bulk data of " + QByteArray::fromStdString(name))),
                    "cannot add " + external);
         return created;
     }

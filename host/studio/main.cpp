@@ -1,11 +1,62 @@
-// hbrc-studio: the reference host application. "--demo" runs the batch demo without any window.
+// hbrc-studio: the reference host application. Opens the main window "TarnWindow"; "--demo"
+// drives it through the scripted tour; "--batch" runs without any window or dialog.
 #include "demo.h"
+#include "demotour.h"
+#include "mainwindow.h"
+#include "studiosession.h"
 
+#include <hbrchost/prefmanager.h>
+#include <qtextention/qtlomdarkstyletarn.h>
 #include <qtextention/translations.h>
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDir>
 #include <QTextStream>
+
+namespace {
+
+struct Options
+{
+    QCommandLineOption workspace{QStringLiteral("workspace"), QStringLiteral("Open the workspace folder <dir>."),
+                                 QStringLiteral("dir")};
+    QCommandLineOption server{QStringLiteral("server"),
+                              QStringLiteral("Revision server: a depot file or a Subversion URL (stored as "
+                                             "RevControl.Server). With --demo --batch: the Subversion repository "
+                                             "with the users alice/alice-pw and bob/bob-pw to run the demo on."),
+                              QStringLiteral("server")};
+    QCommandLineOption user{QStringLiteral("user"), QStringLiteral("User name (stored as RevControl.UserName)."),
+                            QStringLiteral("name")};
+    QCommandLineOption workspaceName{QStringLiteral("workspace-name"),
+                                     QStringLiteral("The server's name of the workspace (stored as RevControl.Workspace)."),
+                                     QStringLiteral("name")};
+    QCommandLineOption demo{QStringLiteral("demo"),
+                            QStringLiteral("Run the scripted tour through the window on a new demo depot, printing "
+                                           "a transcript (with --batch: the demo without a window).")};
+    QCommandLineOption batch{QStringLiteral("batch"), QStringLiteral("No window and no dialog: a script-driven run.")};
+    QCommandLineOption shots{QStringLiteral("shots"),
+                             QStringLiteral("With --demo on the offscreen platform: write pictures of the window "
+                                            "into <dir> (default: hbrc-studio-tour in the current folder)."),
+                             QStringLiteral("dir")};
+    QCommandLineOption language{QStringLiteral("lang"),
+                                QStringLiteral("Language of the dialogs (e.g. de); the system's by default."),
+                                QStringLiteral("language")};
+};
+
+// --server, --user and --workspace-name update the stored account.
+void storeAccountOptions(const QCommandLineParser& parser, const Options& options, hbrc::studio::StudioSession& session)
+{
+    hbrc::studio::Account account = session.StoredAccount();
+    if (parser.isSet(options.server))
+        account.server = parser.value(options.server).toStdString();
+    if (parser.isSet(options.user))
+        account.userName = parser.value(options.user).toStdString();
+    if (parser.isSet(options.workspaceName))
+        account.workspaceName = parser.value(options.workspaceName).toStdString();
+    session.StoreAccount(account);
+}
+
+}  // namespace
 
 int main(int argc, char** argv)
 {
@@ -16,27 +67,44 @@ int main(int argc, char** argv)
     parser.setApplicationDescription(QStringLiteral("Reference host for the revision-control plug-in"));
     parser.addHelpOption();
     parser.addVersionOption();
-    const QCommandLineOption demo(QStringLiteral("demo"), QStringLiteral("Run the batch demo on an embedded depot."));
-    const QCommandLineOption server(QStringLiteral("server"),
-                                    QStringLiteral("Run the demo against the Subversion repository at <url> (users "
-                                                   "alice/alice-pw and bob/bob-pw) instead of an embedded depot."),
-                                    QStringLiteral("url"));
-    parser.addOption(demo);
-    const QCommandLineOption language(QStringLiteral("lang"),
-                                      QStringLiteral("Language of the dialogs (e.g. de); the system's by default."),
-                                      QStringLiteral("language"));
-    parser.addOption(language);
-    parser.addOption(server);
+    const Options options;
+    parser.addOptions({options.workspace, options.server, options.user, options.workspaceName, options.demo,
+                       options.batch, options.shots, options.language});
     parser.process(app);
 
     // The plug-in installs its own translation for the default locale when it is loaded.
-    if (parser.isSet(language))
-        QLocale::setDefault(QLocale(parser.value(language)));
+    if (parser.isSet(options.language))
+        QLocale::setDefault(QLocale(parser.value(options.language)));
     InstallQtExtentionTranslator();
 
     QTextStream out(stdout);
-    if (parser.isSet(demo))
-        return hbrc::studio::RunDemo(out, parser.value(server).toStdString());
-    out << "Nothing to do: run with --demo (the interactive studio is not built yet)\n";
-    return 2;
+    const bool batch = parser.isSet(options.batch);
+    if (parser.isSet(options.demo) && batch)
+        return hbrc::studio::RunDemo(out, parser.value(options.server).toStdString());
+    if (batch) {
+        out << "Nothing to do: --batch runs the demo (--demo --batch)\n";
+        return 2;
+    }
+
+    auto* style = new QtlomDarkStyleTarn;
+    QApplication::setStyle(style);  // the application owns it
+    QApplication::setPalette(style->standardPalette());
+    if (parser.isSet(options.demo)) {
+        const QString shots = parser.isSet(options.shots) ? parser.value(options.shots)
+                                                          : QDir::current().filePath(QStringLiteral("hbrc-studio-tour"));
+        return hbrc::studio::RunTour(out, shots, parser.value(options.server).toStdString());
+    }
+
+    hbrc::studio::StudioSession session(hbrc::host::PrefManager::DefaultFilePath());
+    std::string error;
+    if (!session.Start(error)) {
+        out << "Cannot start: " << QString::fromStdString(error) << "\n";
+        return 1;
+    }
+    storeAccountOptions(parser, options, session);
+    hbrc::studio::MainWindow window(session);
+    window.show();
+    if (parser.isSet(options.workspace))
+        window.openWorkspace(parser.value(options.workspace));
+    return QApplication::exec();
 }

@@ -152,6 +152,18 @@ TEST_F(PainterOnImage, EveryClipGuardFormReplacesTheClipAndGivesTheOuterOneBack)
     }
 }
 
+// A delegate paints cell after cell with one painter: a guard used where nothing was clipped must
+// leave nothing clipped, or every later cell is cut away.
+TEST_F(PainterOnImage, AClipGuardOnAnUnclippedPainterLeavesItUnclipped)
+{
+    ASSERT_FALSE(painter.hasClipping());
+    {
+        ClipGuard guard(&painter, QRect(10, 10, 5, 5));
+        EXPECT_TRUE(painter.hasClipping());
+    }
+    EXPECT_FALSE(painter.hasClipping());
+}
+
 }  // namespace
 
 #include "tst_guards.moc"

@@ -112,6 +112,7 @@ ClipGuard::ClipGuard(QPainter* painter, const QRectF& rect) : ClipGuard(painter,
 
 ClipGuard::~ClipGuard()
 {
-    m_painter->setClipping(m_clipping);
+    // Setting a region turns clipping on: give the region back first, then the clipping state.
     m_painter->setClipRegion(m_region, Qt::ReplaceClip);
+    m_painter->setClipping(m_clipping);
 }

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <kel4/kelhandle.h>
+
+#include <QWidget>
+
+class LMRQLiveSearchWidget;
+class QSortFilterProxyModel;
+class QTreeView;
+
+namespace hbrc::studio {
+
+class AssetBrowserModel;
+
+// The asset browser pane: the live search field over a sorted, filtered view of the assets.
+// The current row is the selected asset that the other panes follow.
+class AssetBrowser : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit AssetBrowser(AssetBrowserModel& model, QWidget* parent = nullptr);
+
+    KELHandle<kel4::IDbObject> currentAsset() const;
+    void selectAsset(const KELHandleBase& asset);
+
+    QTreeView* view() const { return m_view; }
+    LMRQLiveSearchWidget* searchField() const { return m_search; }
+
+signals:
+    void currentAssetChanged();
+
+private:
+    AssetBrowserModel& m_model;
+    QSortFilterProxyModel* m_proxy = nullptr;
+    LMRQLiveSearchWidget* m_search = nullptr;
+    QTreeView* m_view = nullptr;
+};
+
+}  // namespace hbrc::studio

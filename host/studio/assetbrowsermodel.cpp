@@ -1,0 +1,212 @@
+#include "assetbrowsermodel.h"
+
+#include <hbrcdatamodel/workspace.h>
+#include <kel4/revisionstatus.h>
+
+#include <QApplication>
+#include <QStyle>
+
+#include <algorithm>
+
+namespace hbrc::studio {
+
+using namespace kel4;  // the status bits
+
+namespace {
+
+using host::ObjectStore;
+
+constexpr unsigned kHeldByOthers =
+    eStatusCheckedOutByOthers | eStatusMarkedForAddByOthers | eStatusMarkedForDeleteByOthers | eStatusLockedByOthers;
+constexpr unsigned kOpenedHere = eStatusCheckedOut | eStatusMarkedForAdd | eStatusMarkedForDelete;
+
+QIcon statusIcon(unsigned word, bool known)
+{
+    QStyle* style = QApplication::style();
+    if (!known)
+        return style->standardIcon(QStyle::SP_BrowserReload);
+    if (word & eStatusIOError)
+        return style->standardIcon(QStyle::SP_MessageBoxCritical);
+    if (word & kHeldByOthers)
+        return style->standardIcon(QStyle::SP_MessageBoxWarning);
+    if (word & kOpenedHere)
+        return style->standardIcon(QStyle::SP_DialogApplyButton);
+    return style->standardIcon(QStyle::SP_FileIcon);
+}
+
+}  // namespace
+
+AssetBrowserModel::AssetBrowserModel(QObject* parent) : QAbstractTableModel(parent)
+{
+    connect(&m_query, &AssetStatusQuery::answered, this, &AssetBrowserModel::takeAnswer);
+}
+
+void AssetBrowserModel::setWorkspace(host::Workspace* workspace)
+{
+    beginResetModel();
+    m_workspace = workspace;
+    m_rows.clear();
+    m_askedIds.clear();
+    endResetModel();
+    reload();
+}
+
+void AssetBrowserModel::reload()
+{
+    std::vector<Row> rows;
+    if (m_workspace) {
+        const ObjectStore& store = m_workspace->Model().Store();
+        std::map<std::string, const Row*> known;
+        for (const Row& row : m_rows)
+            known[row.id] = &row;
+        store.ForEachLive([&](std::uint32_t slot) {
+            if (!store.IsAsset(slot))
+                return;
+            Row row{slot, store.IdOf(slot), {}, false};
+            if (auto found = known.find(row.id); found != known.end()) {
+                row.status = found->second->status;
+                row.known = found->second->known;
+            }
+            rows.push_back(std::move(row));
+        });
+    }
+    beginResetModel();
+    m_rows = std::move(rows);
+    endResetModel();
+}
+
+void AssetBrowserModel::refreshStatus(const std::string& server, const std::string& ticket)
+{
+    if (!m_workspace)
+        return;
+    AssetStatusQuery::FilesPerAsset files;
+    files.reserve(m_rows.size());
+    m_askedIds.clear();
+    const host::DataModelMgr& model = m_workspace->Model();
+    for (const Row& row : m_rows) {
+        const kel4::Set<std::string> assetFiles =
+            model.FilesOf(model.HandleOf(row.slot), true, kel4::closureId::Persistence);
+        files.emplace_back(assetFiles.begin(), assetFiles.end());
+        m_askedIds.push_back(row.id);
+    }
+    m_query.Ask(server, ticket, std::move(files));
+}
+
+void AssetBrowserModel::takeAnswer(const StatusAnswer& answer)
+{
+
+    if (answer.code >= 0 && answer.assets.size() == m_askedIds.size()) {
+        std::map<std::string, const AssetStatus*> byId;
+        for (std::size_t i = 0; i < m_askedIds.size(); ++i)
+            byId[m_askedIds[i]] = &answer.assets[i];
+        for (Row& row : m_rows) {
+            if (auto found = byId.find(row.id); found != byId.end()) {
+                row.status = *found->second;
+                row.known = true;
+            }
+        }
+        if (!m_rows.empty())
+            emit dataChanged(index(0, StatusColumn), index(int(m_rows.size()) - 1, ChangelistColumn));
+    }
+    emit statusRefreshed(answer.code, answer.error);
+}
+
+KELHandle<kel4::IDbObject> AssetBrowserModel::assetAt(int row) const
+{
+    if (!m_workspace || row < 0 || row >= int(m_rows.size()))
+        return {};
+    return m_workspace->Model().HandleOf(m_rows[std::size_t(row)].slot);
+}
+
+int AssetBrowserModel::rowOf(const KELHandleBase& asset) const
+{
+    if (!m_workspace || asset.IsNull())
+        return -1;
+    const std::uint32_t slot = m_workspace->Model().SlotOf(asset);
+    const auto found = std::find_if(m_rows.begin(), m_rows.end(), [slot](const Row& row) { return row.slot == slot; });
+    return found == m_rows.end() ? -1 : int(found - m_rows.begin());
+}
+
+int AssetBrowserModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+int AssetBrowserModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : ColumnCount;
+}
+
+QVariant AssetBrowserModel::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid() || !m_workspace || index.row() >= int(m_rows.size()))
+        return {};
+    const Row& row = m_rows[std::size_t(index.row())];
+    const ObjectStore& store = m_workspace->Model().Store();
+    if (!store.IsAsset(row.slot))
+        return {};
+    if (role == StatusWordRole)
+        return row.status.word;
+    if (role == StatusKnownRole)
+        return row.known;
+    if (role == StatusWordsRole)
+        return row.known ? statusWords(row.status.word, row.status.holders) : QStringList{tr("asking...")};
+    if (role == Qt::DecorationRole && index.column() == StatusColumn)
+        return statusIcon(row.status.word, row.known);
+    if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
+        return {};
+    const host::StoredAsset& asset = store.AssetAt(row.slot);
+    switch (index.column()) {
+    case NameColumn:
+        return QString::fromStdString(asset.record.name) + (store.DirtyAssets().count(row.slot) ? QStringLiteral(" *") : QString());
+    case TypeColumn:
+        return QString::fromStdString(asset.record.type);
+    case StatusColumn:
+        return row.known ? statusText(row.status.word, row.status.holders) : tr("asking...");
+    case HolderColumn:
+        return row.status.holders.join(QStringLiteral(", "));
+    case ChangelistColumn:
+        return row.status.opened ? (row.status.changelist.isEmpty() ? tr("default") : row.status.changelist) : QString();
+    case FilesColumn:
+        return int(1 + asset.record.externalFiles.size());
+    default:
+        return {};
+    }
+}
+
+QVariant AssetBrowserModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        return {};
+    switch (section) {
+    case NameColumn: return tr("Name");
+    case TypeColumn: return tr("Type");
+    case StatusColumn: return tr("Status");
+    case HolderColumn: return tr("Held by");
+    case ChangelistColumn: return tr("Changelist");
+    case FilesColumn: return tr("Files");
+    default: return {};
+    }
+}
+
+QStringList AssetBrowserModel::statusWords(unsigned word, const QStringList& holders)
+{
+    QStringList words;
+    if (word & eStatusCheckedOut)
+        words << tr("checked out");
+    if (word & eStatusMarkedForAdd)
+        words << tr("marked for add");
+    if (word & eStatusMarkedForDelete)
+        words << tr("marked for delete");
+    if (word & kHeldByOthers)
+        words << (holders.isEmpty() ? tr("held by another user") : tr("held by %1").arg(holders.join(QStringLiteral(", "))));
+    if (word & eStatusNotHeadRevision)
+        words << tr("not at head");
+    if (word & eStatusNotInDatabase)
+        words << tr("not in depot");
+    if (word & eStatusIOError)
+        words << tr("I/O error");
+    return words.isEmpty() ? QStringList{tr("up to date")} : words;
+}
+
+}  // namespace hbrc::studio

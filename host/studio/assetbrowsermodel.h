@@ -1,0 +1,78 @@
+#pragma once
+
+#include "assetstatusquery.h"
+
+#include <kel4/kelhandle.h>
+
+#include <QAbstractTableModel>
+
+#include <cstdint>
+#include <vector>
+
+namespace hbrc::host {
+class Workspace;
+}
+
+namespace hbrc::studio {
+
+// The assets of the open workspace, one row each, read from the data model when shown: name,
+// type, revision status, the users holding it, its changelist and its number of files. The
+// status columns come from one status question for all assets at once (AssetStatusQuery), asked
+// by refreshStatus without blocking the UI thread.
+class AssetBrowserModel : public QAbstractTableModel
+{
+    Q_OBJECT
+public:
+    enum Column { NameColumn, TypeColumn, StatusColumn, HolderColumn, ChangelistColumn, FilesColumn, ColumnCount };
+    // The status word of a row (UserRole + 1) and whether it is known yet (UserRole + 2).
+    static constexpr int StatusWordRole = Qt::UserRole + 1;
+    static constexpr int StatusKnownRole = Qt::UserRole + 2;
+    // The status as separate words (a QStringList), for badges.
+    static constexpr int StatusWordsRole = Qt::UserRole + 3;
+
+    explicit AssetBrowserModel(QObject* parent = nullptr);
+
+    // Shows workspace's assets (null: none); the status is unknown until refreshStatus answers.
+    void setWorkspace(host::Workspace* workspace);
+    // Re-reads the list of assets (after one was created, deleted or renamed); known statuses stay.
+    void reload();
+    // Asks the server about every asset's files once; statusRefreshed follows.
+    void refreshStatus(const std::string& server, const std::string& ticket);
+
+    KELHandle<kel4::IDbObject> assetAt(int row) const;
+    int rowOf(const KELHandleBase& asset) const;
+    const AssetStatusQuery& statusQuery() const { return m_query; }
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+
+    // The words a user reads for a status word ("checked out", "held by bob", ...).
+    static QStringList statusWords(unsigned word, const QStringList& holders);
+    static QString statusText(unsigned word, const QStringList& holders)
+    {
+        return statusWords(word, holders).join(QStringLiteral(", "));
+    }
+
+signals:
+    // The status question was answered: code < 0 when the server refused it (error says why).
+    void statusRefreshed(int code, const QString& error);
+
+private:
+    struct Row
+    {
+        std::uint32_t slot = 0;
+        std::string id;
+        AssetStatus status;
+        bool known = false;
+    };
+    void takeAnswer(const StatusAnswer& answer);
+
+    host::Workspace* m_workspace = nullptr;
+    std::vector<Row> m_rows;
+    std::vector<std::string> m_askedIds;  // the assets of the running question, in its order
+    AssetStatusQuery m_query;
+};
+
+}  // namespace hbrc::studio

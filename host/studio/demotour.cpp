@@ -1,0 +1,258 @@
+#include "demotour.h"
+
+#include "assetbrowser.h"
+#include "assetbrowsermodel.h"
+#include "demodepot.h"
+#include "logdock.h"
+#include "mainwindow.h"
+#include "propertypane.h"
+#include "studiosession.h"
+
+#include <hbrcdatamodel/workspace.h>
+#include <hbrcservices/revisioncontrolservices.h>
+#include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
+#include <log/log.h>
+#include <qtextention/qcolorcontrol.h>
+#include <qtextention/qfunctoraction.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QEventLoop>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <functional>
+
+namespace hbrc::studio {
+
+namespace {
+
+// Answers the next modal dialog as the tour scripted it, from the event loop that the dialog runs.
+class DialogAnswer : public QObject
+{
+public:
+    using Handler = std::function<void(QWidget* dialog)>;
+
+    explicit DialogAnswer(Handler handler) : m_handler(std::move(handler))
+    {
+        connect(&m_timer, &QTimer::timeout, this, [this] {
+            QWidget* modal = QApplication::activeModalWidget();
+            if (!modal || m_answered)
+                return;
+            m_answered = true;
+            m_timer.stop();
+            m_handler(modal);
+        });
+        m_timer.start(50);
+    }
+    bool answered() const { return m_answered; }
+
+private:
+    Handler m_handler;
+    QTimer m_timer;
+    bool m_answered = false;
+};
+
+class Tour
+{
+public:
+    Tour(QTextStream& out, const QString& shots, const std::string& server) : m_out(out), m_shots(shots), m_server(server) {}
+
+    int Run()
+    {
+        QTemporaryDir scratch;
+        Expect(scratch.isValid(), "cannot create a scratch folder");
+        DemoServer depot(scratch.path(), m_server);
+        const int assets = SeedSampleWorkspace(depot);
+        step(QStringLiteral("A demo depot with alice and bob and a sample workspace of %1 assets in %2")
+                 .arg(assets)
+                 .arg(scratch.path()));
+
+        // The transcript says what happens; the host log shows in the window's log dock.
+        Log::Singleton::Instance().SetStderrEnabled(false);
+        StudioSession session(scratch.filePath(QStringLiteral("preferences.ini")));
+        std::string error;
+        Expect(session.Start(error), error);
+        session.StoreAccount({depot.Path(), "alice", depot.Workspace("alice"), {}});
+        session.SetPassword("alice-pw");
+        session.Host().Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
+        MainWindow window(session);
+        window.show();
+        m_window = &window;
+        m_session = &session;
+
+        step(QStringLiteral("alice opens her workspace"));
+        Expect(window.openWorkspace(depot.Folder("alice")), "cannot open alice's workspace");
+        waitForStatus();
+        m_out << "  " << window.model().rowCount() << " assets in the browser; session: " << window.sessionState()
+              << "\n";
+        printStatus({"Rock", "Sky", "Oak"});
+        shot("tour-1-open.png");
+
+        step(QStringLiteral("bob checks Rock out in his own workspace"));
+        ExpectDepot(depot.Bob().edit(depot.BobTicket(), {depot.FolderPath("bob") + "/Rock.kel"}, ""), "bob edits Rock");
+        window.refreshStatus();
+        waitForStatus();
+        printStatus({"Rock"});
+        shot("tour-2-bob-holds-rock.png");
+
+        step(QStringLiteral("alice's settings: check out without asking, into her changelist \"look dev\""));
+        std::string changelist;
+        Expect(session.Services().dataControl->CreateChangeList("look dev", changelist, error).IsSuccess(), error);
+        session.Settings()->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
+        session.Settings()->SetChangeListToUseWhenAutoCheckingOut(changelist);
+        m_out << "  pending changelist " << QString::fromStdString(changelist) << "\n";
+
+        step(QStringLiteral("alice edits Rock's colour: the plug-in cannot check it out and names bob"));
+        select("Rock");
+        DialogAnswer refusal([this](QWidget* dialog) {
+            auto* box = qobject_cast<QMessageBox*>(dialog);
+            Expect(box, "expected a message box");
+            m_out << "  \"" << box->windowTitle() << "\" box:\n";
+            for (const QString& line : box->text().split('\n', Qt::SkipEmptyParts))
+                m_out << "    " << line << "\n";
+            shotOf(box, "tour-3-rock-refused.png");
+            m_out << "  alice presses Cancel\n";
+            box->button(QMessageBox::Cancel)->click();
+        });
+        editColour("#b0483a");
+        Expect(refusal.answered(), "no dialog asked about Rock");
+        m_out << "  Rock's colour is still " << colourShown() << "\n";
+        waitForStatus();
+
+        step(QStringLiteral("alice edits Sky's colour: checked out into \"look dev\" without a dialog"));
+        select("Sky");
+        editColour("#ff8c42");
+        waitForStatus();
+        m_out << "  Sky's colour is " << colourShown() << "; Edit menu: "
+              << window.action(QStringLiteral("undo"))->text().remove('&') << "\n";
+        printStatus({"Sky"});
+        shot("tour-4-sky-checked-out.png");
+
+        step(QStringLiteral("alice saves (Ctrl+S): the save hooks run"));
+        Expect(window.save(), "the save failed");
+        waitForStatus();
+        m_out << "  " << lastLogLine() << "\n";
+        printStatus({"Sky"});
+
+        step(QStringLiteral("alice creates Meadow and marks it for add"));
+        Expect(window.newAsset(QStringLiteral("Meadow")), "cannot create Meadow");
+        waitForStatus();
+        printStatus({"Meadow"});
+        window.action(QStringLiteral("markForAdd"))->trigger();
+        waitForStatus();
+        m_out << "  " << lastLogLine() << "\n";
+        Expect(window.save(), "the save of Meadow failed");
+        waitForStatus();
+        m_out << "  " << lastLogLine() << "\n";
+        printStatus({"Meadow"});
+        shot("tour-5-meadow-marked-for-add.png");
+
+        step(QStringLiteral("done"));
+        m_out << "Status questions asked: " << m_statusAnswers << ", round trips for them: "
+              << window.model().statusQuery().RoundTrips() << "\n";
+        if (!m_written.isEmpty())
+            m_out << "Pictures of the window:\n  " << m_written.join(QStringLiteral("\n  ")) << "\n";
+        window.close();
+        Log::Singleton::Instance().SetStderrEnabled(true);
+        return 0;
+    }
+
+private:
+    void step(const QString& title) { m_out << "\n== " << title << "\n" << Qt::flush; }
+
+    void waitForStatus()
+    {
+        QEventLoop loop;
+        QObject::connect(m_window, &MainWindow::statusRefreshed, &loop, &QEventLoop::quit);
+        QTimer::singleShot(20000, &loop, &QEventLoop::quit);
+        if (m_window->model().statusQuery().IsPending())
+            loop.exec();
+        ++m_statusAnswers;
+    }
+
+    KELHandle<kel4::IAsset> asset(const char* name) const
+    {
+        const KELHandle<kel4::IAsset> found = m_session->CurrentWorkspace()->FindAsset(name);
+        Expect(!found.IsNull(), std::string("no asset ") + name);
+        return found;
+    }
+
+    void select(const char* name)
+    {
+        m_window->browser().selectAsset(asset(name));
+        QApplication::processEvents();
+    }
+
+    QColorControl* colourControl() const
+    {
+        auto* control = qobject_cast<QColorControl*>(m_window->propertyPane().editor(QStringLiteral("colour")));
+        Expect(control, "the property pane shows no colour field");
+        return control;
+    }
+
+    // Types the colour into the selected asset's colour field and confirms it with Return.
+    void editColour(const QString& colour)
+    {
+        QLineEdit* name = colourControl()->nameEdit();
+        name->setFocus();
+        name->setText(colour);
+        emit name->editingFinished();
+        QApplication::processEvents();
+    }
+
+    QString colourShown() const { return colourControl()->color().name(); }
+
+    void printStatus(std::initializer_list<const char*> names)
+    {
+        const AssetBrowserModel& model = m_window->model();
+        for (const char* name : names)
+            m_out << "  " << name << ": "
+                  << model.data(model.index(model.rowOf(asset(name)), AssetBrowserModel::StatusColumn)).toString()
+                  << "\n";
+    }
+
+    QString lastLogLine() const
+    {
+        QListWidget* list = m_window->logDock().list();
+        return list->count() ? list->item(list->count() - 1)->text() : QString();
+    }
+
+    void shot(const char* file) { shotOf(m_window, file); }
+
+    void shotOf(QWidget* widget, const char* file)
+    {
+        if (m_shots.isEmpty() || QGuiApplication::platformName() != QLatin1String("offscreen"))
+            return;
+        QApplication::processEvents();
+        const QString path = QDir(m_shots).filePath(QString::fromLatin1(file));
+        if (QDir().mkpath(m_shots) && widget->grab().save(path))
+            m_written << path;
+    }
+
+    QTextStream& m_out;
+    QString m_shots;
+    std::string m_server;
+    MainWindow* m_window = nullptr;
+    StudioSession* m_session = nullptr;
+    QStringList m_written;
+    int m_statusAnswers = 0;
+};
+
+}  // namespace
+
+int RunTour(QTextStream& out, const QString& shotsFolder, const std::string& server)
+{
+    try {
+        return Tour(out, shotsFolder, server).Run();
+    } catch (const std::exception& error) {
+        out << "The tour stopped: " << error.what() << "\n";
+        return 1;
+    }
+}
+
+}  // namespace hbrc::studio

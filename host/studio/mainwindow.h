@@ -1,0 +1,112 @@
+#pragma once
+
+#include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
+#include <kel4/kelhandle.h>
+
+#include <QMainWindow>
+
+#include <map>
+#include <memory>
+
+class QFunctorAction;
+class QLabel;
+class QStackedWidget;
+
+namespace nrk::signalling {
+class IConnection;
+}
+
+namespace hbrc::studio {
+
+class AssetBrowser;
+class AssetBrowserModel;
+class LogDock;
+class PropertyPane;
+class StartPage;
+class StudioSession;
+
+// The studio's main window "TarnWindow": the start page, or the asset browser beside the property
+// pane for the open workspace; the File, Edit and Revision Control menus; the log dock and the
+// status bar (server, user, workspace, session state). It holds no revision-control logic: edits
+// ask the plug-in's CanEditObjects, revision commands call the plug-in or the host's services.
+class MainWindow : public QMainWindow, private IRevisionControlPropertiesMgr_Slot
+{
+    Q_OBJECT
+public:
+    explicit MainWindow(StudioSession& session, QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    bool openWorkspace(const QString& folder);
+    void closeWorkspace();
+    // Asks the server about every asset's status once, off the UI thread.
+    void refreshStatus();
+    // The edit of a field of the selected asset, as the property pane reports it: asks the plug-in
+    // first; a refusal leaves the field as it was, an accepted edit is one undo step.
+    bool editField(const QString& field, const QString& oldValue, const QString& newValue);
+    bool save();
+    // Creates an asset named name (a dialog asks when name is empty) and selects it.
+    bool newAsset(const QString& name = {});
+
+    // The action of that object name ("save", "undo", "checkOut", ...), or null.
+    QFunctorAction* action(const QString& name) const;
+    AssetBrowser& browser() const { return *m_browser; }
+    AssetBrowserModel& model() const { return *m_model; }
+    PropertyPane& propertyPane() const { return *m_properties; }
+    LogDock& logDock() const { return *m_log; }
+    QString sessionState() const;
+
+signals:
+    // The status question was answered (also when it failed).
+    void statusRefreshed();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void OnRevisionControlPropertiesChange(IRevisionControlPropertiesMgr* mgr) override;
+
+    void buildMenus();
+    QFunctorAction* addAction(QMenu* menu, const char* name, const QString& text, std::function<void()> run,
+                              std::function<bool()> condition = {});
+    void updateActions();
+    void updateStatusBar();
+    void showSelection();
+    void afterChange();  // an edit, undo or redo: model, pane and actions follow
+    KELHandle<kel4::IDbObject> selected() const;
+    bool mayEdit(const KELHandle<kel4::IDbObject>& asset, const QString& what);
+    bool askToKeepUnsaved();
+    void log(int level, const QString& text);
+
+    // The menu commands.
+    void openFolder();
+    void createDemoDepot();
+    void deleteAsset();
+    void renameAsset();
+    void addExternalFile();
+    void removeExternalFile();
+    void undo();
+    void redo();
+    void checkOut();
+    void makeWritable();
+    void markForAdd();
+    void showFiles(bool inFileBrowser);
+    void showSettings();
+
+    StudioSession& m_session;
+    std::unique_ptr<AssetBrowserModel> m_model;
+    QStackedWidget* m_pages = nullptr;
+    StartPage* m_start = nullptr;
+    AssetBrowser* m_browser = nullptr;
+    PropertyPane* m_properties = nullptr;
+    LogDock* m_log = nullptr;
+    QLabel* m_serverLabel = nullptr;
+    QLabel* m_userLabel = nullptr;
+    QLabel* m_workspaceLabel = nullptr;
+    QLabel* m_sessionLabel = nullptr;
+    std::map<QString, QFunctorAction*> m_actions;
+    std::unique_ptr<nrk::signalling::IConnection> m_settingsConnection;
+    QString m_sessionState;
+    bool m_editing = false;  // a dialog of an edit's check-out runs: further edits wait for it
+};
+
+}  // namespace hbrc::studio

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QDialog>
+
+class IRevisionControlPropertiesMgr;
+class QCheckBox;
+class QComboBox;
+class QLineEdit;
+
+namespace hbrc::studio {
+
+// The eight revision-control settings, read from and written through the plug-in's settings
+// manager (whose change signal then tells the window). OK writes what changed; the account is
+// written only when one of its three parts changed, since that drops the current session.
+class SettingsDialog : public QDialog
+{
+    Q_OBJECT
+public:
+    SettingsDialog(IRevisionControlPropertiesMgr& settings, QWidget* parent);
+
+    void accept() override;
+
+private:
+    QLineEdit* lineEdit(const char* name, const std::string& value);
+    QCheckBox* checkBox(const char* name, const QString& text, bool value);
+
+    IRevisionControlPropertiesMgr& m_settings;
+    QLineEdit* m_user = nullptr;
+    QLineEdit* m_server = nullptr;
+    QLineEdit* m_workspace = nullptr;
+    QComboBox* m_action = nullptr;
+    QCheckBox* m_alwaysUse = nullptr;
+    QLineEdit* m_changelist = nullptr;
+    QCheckBox* m_prompt = nullptr;
+    QCheckBox* m_useSource = nullptr;
+};
+
+}  // namespace hbrc::studio

@@ -1,0 +1,95 @@
+#include "studiosession.h"
+
+#include <hbrchost/pluginloader.h>
+#include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
+#include <kel4/irevisioncontroluihelper.h>
+
+#include <QDir>
+
+namespace hbrc::studio {
+
+namespace {
+constexpr const char* kServerKey = "RevControl.Server";
+constexpr const char* kUserKey = "RevControl.UserName";
+constexpr const char* kWorkspaceKey = "RevControl.Workspace";
+constexpr const char* kRecentKey = "Studio.RecentWorkspaces";
+constexpr int kRecentCount = 8;
+}  // namespace
+
+StudioSession::StudioSession(const QString& preferencesFile) : m_host(preferencesFile)
+{
+    m_host.AddWorkspaceSetup([this](host::Workspace& workspace) {
+        const Account account = StoredAccount();
+        m_loginError.clear();
+        m_services = host::InstallRevisionControlServices(
+            workspace, account.server, {account.userName, m_password, account.workspaceName}, m_loginError);
+    });
+}
+
+StudioSession::~StudioSession()
+{
+    m_host.CloseWorkspace();
+}
+
+bool StudioSession::Start(std::string& errorText)
+{
+    const std::string plugin = host::PluginLoader::DefaultPluginDirectory() + "/libhbrevisioncontrol.so";
+    if (!m_host.LoadPlugin(plugin, errorText))
+        return false;
+    m_helper = dynamic_cast<kel4::IRevisionControlUIHelper*>(m_host.StartComponent("RevisionControlUIHelper"));
+    m_settings = dynamic_cast<IRevisionControlPropertiesMgr*>(m_host.StartComponent("RevisionControlPropertiesMgr"));
+    if (!m_helper || !m_settings) {
+        errorText = "the plug-in " + plugin + " did not provide its helper and settings";
+        return false;
+    }
+    return true;
+}
+
+Account StudioSession::StoredAccount()
+{
+    Account account;
+    host::PrefManager& prefs = m_host.Preferences();
+    prefs.GetStringPref(kServerKey, "", account.server, 0);
+    prefs.GetStringPref(kUserKey, "", account.userName, 0);
+    prefs.GetStringPref(kWorkspaceKey, "", account.workspaceName, 0);
+    account.password = m_password;
+    return account;
+}
+
+void StudioSession::StoreAccount(const Account& account)
+{
+    // Straight into the preferences: the settings' setters would hand the data control an account
+    // without a session, and the next open logs in anyway.
+    host::PrefManager& prefs = m_host.Preferences();
+    prefs.SetStringPref(kServerKey, account.server, 1);
+    prefs.SetStringPref(kUserKey, account.userName, 1);
+    prefs.SetStringPref(kWorkspaceKey, account.workspaceName, 1);
+}
+
+host::Workspace* StudioSession::Open(const QString& folder, std::string& errorText)
+{
+    const QString absolute = QDir(folder).absolutePath();
+    host::Workspace* opened = m_host.OpenWorkspace(absolute, errorText);
+    if (!opened)
+        return nullptr;
+    QStringList recent = RecentWorkspaces();
+    recent.removeAll(absolute);
+    recent.prepend(absolute);
+    m_host.Preferences().SetStringPref(kRecentKey, recent.mid(0, kRecentCount).join('\n').toStdString(), 1);
+    return opened;
+}
+
+void StudioSession::Close()
+{
+    m_host.CloseWorkspace();
+    m_services = {};
+}
+
+QStringList StudioSession::RecentWorkspaces()
+{
+    std::string stored;
+    m_host.Preferences().GetStringPref(kRecentKey, "", stored, 0);
+    return QString::fromStdString(stored).split('\n', Qt::SkipEmptyParts);
+}
+
+}  // namespace hbrc::studio

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <hbrcservices/revisioncontrolservices.h>
+#include <hbrcsession/hostsession.h>
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <string>
+
+class IRevisionControlPropertiesMgr;
+namespace kel4 {
+class IRevisionControlUIHelper;
+}
+
+namespace hbrc::studio {
+
+// The account the studio logs in with: the "RevControl." preferences, plus a password that is
+// never stored (empty: the plug-in asks for it when the server wants a session).
+struct Account
+{
+    std::string server;
+    std::string userName;
+    std::string workspaceName;
+    std::string password;
+};
+
+// The host behind the studio's window: the reference host session with the revision-control
+// plug-in loaded and started, the open workspace and its revision-control services.
+class StudioSession
+{
+public:
+    explicit StudioSession(const QString& preferencesFile);
+    ~StudioSession();
+    StudioSession(const StudioSession&) = delete;
+    StudioSession& operator=(const StudioSession&) = delete;
+
+    // Loads the plug-in from the host's plug-in folder and starts its two components.
+    bool Start(std::string& errorText);
+
+    // The account as the preferences hold it (password empty).
+    Account StoredAccount();
+    // Writes the account's server, user and workspace name to the preferences.
+    void StoreAccount(const Account& account);
+    void SetPassword(std::string password) { m_password = std::move(password); }
+
+    // Opens folder with revision-control services for the stored account; the folder joins the
+    // recent workspaces. Null with errorText when the folder cannot be opened (a failed log-in
+    // still opens it: the services then answer -34 until the plug-in re-opens the session).
+    host::Workspace* Open(const QString& folder, std::string& errorText);
+    void Close();
+    QStringList RecentWorkspaces();
+
+    host::HostSession& Host() { return m_host; }
+    host::Workspace* CurrentWorkspace() const { return m_host.CurrentWorkspace(); }
+    const host::RevisionControlServices& Services() const { return m_services; }
+    kel4::IRevisionControlUIHelper* Helper() const { return m_helper; }
+    IRevisionControlPropertiesMgr* Settings() const { return m_settings; }
+    // Why the last log-in failed ("" when it succeeded).
+    const std::string& LoginError() const { return m_loginError; }
+
+private:
+    host::HostSession m_host;
+    host::RevisionControlServices m_services;
+    kel4::IRevisionControlUIHelper* m_helper = nullptr;
+    IRevisionControlPropertiesMgr* m_settings = nullptr;
+    std::string m_password;
+    std::string m_loginError;
+};
+
+}  // namespace hbrc::studio
