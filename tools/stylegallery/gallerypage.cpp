@@ -1,6 +1,7 @@
 #include "gallerypage.h"
 
 #include "stateswatches.h"
+#include "studiowidgets.h"
 
 #include <qtextention/qfilelistdialog.h>
 
@@ -196,6 +197,7 @@ GalleryPage::GalleryPage(const QString& styleName, const QStringList& files, QWi
     left->addWidget(buttons());
     left->addWidget(toolButtons());
     left->addWidget(checkBoxes());
+    left->addWidget(studioWidgets());
     left->addStretch();
 
     auto* right = new QVBoxLayout;
