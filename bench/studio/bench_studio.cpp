@@ -1,0 +1,179 @@
+// hbrc-studio's main window opening a workspace of 1,000 and of 10,000 submitted assets on the
+// embedded depot, with the plug-in loaded as the studio loads it:
+// - time from "open" to the first paint of the asset browser with its rows (manual time), and the
+//   ratio of the two sizes (goal: at most 11);
+// - the depot round trips that fill the status column (goal: 1, whatever the size);
+// - the longest the UI thread went without serving its event loop while opening, until the status
+//   column was filled (reported, not a goal).
+#include <ratioreporter.h>
+
+#include "mainwindow.h"
+#include "assetbrowser.h"
+#include "assetbrowsermodel.h"
+#include "studiosession.h"
+
+#include <depot/depot.h>
+#include <hbrcdatamodel/workspace.h>
+#include <hbrcservices/revisionserver.h>
+#include <log/log.h>
+
+#include <QTreeView>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <map>
+#include <memory>
+#include <stdexcept>
+
+using namespace hbrc;
+
+namespace {
+
+void expect(bool ok, const std::string& what)
+{
+    if (!ok)
+        throw std::runtime_error(what);
+}
+
+// A depot with alice's workspace of N submitted metadata assets, made once per size.
+class Depot
+{
+public:
+    static Depot& Get(int assets)
+    {
+        static std::map<int, std::unique_ptr<Depot>> depots;
+        std::unique_ptr<Depot>& depot = depots[assets];
+        if (!depot)
+            depot.reset(new Depot(assets));
+        return *depot;
+    }
+    QString Folder() const { return QDir(m_dir.filePath(QStringLiteral("alice"))).canonicalPath(); }
+    const std::string& Path() const { return m_path; }
+
+private:
+    explicit Depot(int assets) : m_path(m_dir.filePath(QStringLiteral("depot.db")).toStdString())
+    {
+        QDir(m_dir.path()).mkpath(QStringLiteral("alice"));
+        depot::DepotOptions options;
+        options.passwordHashCost = depot::PasswordHashCost::Minimal;
+        expect(depot::Depot::create(m_path).ok(), "cannot create the depot");
+        depot::Depot admin(m_path, options);
+        expect(admin.addUser("alice", "alice-pw").ok() &&
+                   admin.addWorkspace("alice-ws", "alice", QFile::encodeName(Folder()).toStdString()).ok(),
+               "cannot set up the depot");
+        std::string error;
+        const std::unique_ptr<host::Workspace> workspace = host::Workspace::Open(Folder(), error);
+        expect(bool(workspace), error);
+        for (int i = 0; i < assets; ++i) {
+            host::NewAsset asset;
+            asset.kind = host::AssetKind::Metadata;
+            asset.name = "Asset" + std::to_string(i);
+            asset.fields = {{"colour", "#808080"}, {"roughness", "0.50"}};
+            expect(!workspace->CreateAsset(asset, error).IsNull(), error);
+        }
+        const host::SaveReport saved = workspace->Save();
+        expect(saved.Succeeded(), "the save failed");
+        const std::unique_ptr<host::RevisionServer> alice = host::OpenRevisionServer(m_path, options);
+        std::string ticket;
+        depot::ChangelistId submitted;
+        expect(alice->login("alice", "alice-pw", "alice-ws", ticket).ok() &&
+                   alice->add(ticket, {saved.writtenFiles.begin(), saved.writtenFiles.end()}, "").ok() &&
+                   alice->submit(ticket, "", "assets", submitted).ok(),
+               "cannot submit the assets");
+    }
+
+    QTemporaryDir m_dir;
+    std::string m_path;
+};
+
+// Notes when the asset view first paints rows.
+class FirstPaint : public QObject
+{
+public:
+    explicit FirstPaint(studio::MainWindow& window) : m_window(window) {}
+    bool painted() const { return m_painted; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint && m_window.model().rowCount() > 0)
+            m_painted = true;
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    studio::MainWindow& m_window;
+    bool m_painted = false;
+};
+
+// The longest gap between two turns of the UI thread's event loop while it lives.
+class StallMeter : public QObject
+{
+public:
+    StallMeter()
+    {
+        connect(&m_tick, &QTimer::timeout, this, [this] {
+            m_longest = std::max(m_longest, m_clock.restart());
+        });
+        m_tick.start(1);
+        m_clock.start();
+    }
+    qint64 longestMs() const { return std::max(m_longest, m_clock.elapsed()); }
+
+private:
+    QTimer m_tick;
+    QElapsedTimer m_clock;
+    qint64 m_longest = 0;
+};
+
+void BM_OpenWorkspaceInWindow(benchmark::State& state)
+{
+    Depot& depot = Depot::Get(int(state.range(0)));
+    Log::Singleton::Instance().SetStderrEnabled(false);
+    QTemporaryDir scratch;
+    double roundTrips = 0, longestStall = 0;
+    for (auto _ : state) {
+        studio::StudioSession session(scratch.filePath(QStringLiteral("preferences.ini")));
+        std::string error;
+        expect(session.Start(error), error);
+        session.StoreAccount({depot.Path(), "alice", "alice-ws", {}});
+        session.SetPassword("alice-pw");
+        studio::MainWindow window(session);
+        window.show();
+        QCoreApplication::processEvents();
+        FirstPaint firstPaint(window);
+        window.browser().view()->viewport()->installEventFilter(&firstPaint);
+
+        QElapsedTimer clock;
+        clock.start();
+        std::unique_ptr<StallMeter> stalls = std::make_unique<StallMeter>();
+        expect(window.openWorkspace(depot.Folder()), "cannot open the workspace");
+        while (!firstPaint.painted())
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        state.SetIterationTime(double(clock.nsecsElapsed()) / 1e9);
+        while (window.model().statusQuery().IsPending())
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        longestStall = std::max(longestStall, double(stalls->longestMs()));
+        stalls.reset();
+        roundTrips = double(window.model().statusQuery().RoundTrips());
+        expect(window.sessionState() == QStringLiteral("logged in"), "the status question failed");
+        window.closeWorkspace();
+    }
+    state.counters["status_round_trips"] = roundTrips;
+    state.counters["longest_ui_stall_ms"] = longestStall;
+    Log::Singleton::Instance().SetStderrEnabled(true);
+}
+BENCHMARK(BM_OpenWorkspaceInWindow)->Arg(1000)->Arg(10000)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    RatioReporter reporter({{"first painted browser t(10,000) / t(1,000) (goal <= 11)",
+                             "BM_OpenWorkspaceInWindow/10000/iterations:3/manual_time",
+                             "BM_OpenWorkspaceInWindow/1000/iterations:3/manual_time"}});
+    return RunWidgetBenchmarks(argc, argv, reporter);
+}
