@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds in build/ and runs the studio's tour through its main window on
 # an embedded depot (offscreen: it writes pictures of the window into build/tour), or with --svn
-# the batch demo against a Subversion repository served by a local svnserve (a new repository with
-# the users alice and bob, on 127.0.0.1, stopped when the demo ends).
+# against a Subversion repository served by a local svnserve (a new repository with the users
+# alice and bob, on 127.0.0.1, stopped when the demo ends). Add --batch for the demo without a
+# window.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${HBRC_BUILD_DIR:-$root/build}
@@ -38,4 +39,4 @@ for attempt in 1 2 3 4 5 6 7 8 9 10; do
   server=""
 done
 [ -n "$server" ] || { echo "cannot start svnserve" >&2; exit 1; }
-"$build/bin/hbrc-studio" --demo --batch --server "svn://127.0.0.1:$port" "$@"
+"$build/bin/hbrc-studio" --demo --shots "$build/tour" --server "svn://127.0.0.1:$port" "$@"

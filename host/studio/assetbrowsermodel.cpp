@@ -46,7 +46,6 @@ void AssetBrowserModel::setWorkspace(host::Workspace* workspace)
     beginResetModel();
     m_workspace = workspace;
     m_rows.clear();
-    m_askedIds.clear();
     endResetModel();
     reload();
 }
@@ -75,30 +74,30 @@ void AssetBrowserModel::reload()
     endResetModel();
 }
 
-void AssetBrowserModel::refreshStatus(const std::string& server, const std::string& ticket)
+void AssetBrowserModel::refreshStatus(const AssetStatusQuery::Account& account)
 {
     if (!m_workspace)
         return;
     AssetStatusQuery::FilesPerAsset files;
     files.reserve(m_rows.size());
-    m_askedIds.clear();
+    std::vector<std::string> ids;
     const host::DataModelMgr& model = m_workspace->Model();
     for (const Row& row : m_rows) {
         const kel4::Set<std::string> assetFiles =
             model.FilesOf(model.HandleOf(row.slot), true, kel4::closureId::Persistence);
         files.emplace_back(assetFiles.begin(), assetFiles.end());
-        m_askedIds.push_back(row.id);
+        ids.push_back(row.id);
     }
-    m_query.Ask(server, ticket, std::move(files));
+    m_query.Ask(account, std::move(ids), std::move(files));
 }
 
 void AssetBrowserModel::takeAnswer(const StatusAnswer& answer)
 {
 
-    if (answer.code >= 0 && answer.assets.size() == m_askedIds.size()) {
+    if (answer.code >= 0 && answer.assets.size() == answer.keys.size()) {
         std::map<std::string, const AssetStatus*> byId;
-        for (std::size_t i = 0; i < m_askedIds.size(); ++i)
-            byId[m_askedIds[i]] = &answer.assets[i];
+        for (std::size_t i = 0; i < answer.keys.size(); ++i)
+            byId[answer.keys[i]] = &answer.assets[i];
         for (Row& row : m_rows) {
             if (auto found = byId.find(row.id); found != byId.end()) {
                 row.status = *found->second;

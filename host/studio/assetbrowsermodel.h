@@ -37,7 +37,7 @@ public:
     // Re-reads the list of assets (after one was created, deleted or renamed); known statuses stay.
     void reload();
     // Asks the server about every asset's files once; statusRefreshed follows.
-    void refreshStatus(const std::string& server, const std::string& ticket);
+    void refreshStatus(const AssetStatusQuery::Account& account);
 
     KELHandle<kel4::IDbObject> assetAt(int row) const;
     int rowOf(const KELHandleBase& asset) const;
@@ -71,7 +71,6 @@ private:
 
     host::Workspace* m_workspace = nullptr;
     std::vector<Row> m_rows;
-    std::vector<std::string> m_askedIds;  // the assets of the running question, in its order
     AssetStatusQuery m_query;
 };
 

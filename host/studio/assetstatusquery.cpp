@@ -27,33 +27,51 @@ AssetStatusQuery::~AssetStatusQuery()
     m_watcher.waitForFinished();
 }
 
-void AssetStatusQuery::Ask(const std::string& server, const std::string& ticket, FilesPerAsset files)
+void AssetStatusQuery::Ask(const Account& account, std::vector<std::string> keys, FilesPerAsset files)
 {
-    Question question{server, ticket, std::move(files)};
-    m_pending = true;
-    if (m_watcher.isRunning()) {
+    Question question{account, std::move(keys), std::move(files)};
+    // Not isRunning(): a question whose finished signal is still on its way is not answered yet.
+    if (m_pending) {
         m_waiting.clear();
         m_waiting.push_back(std::move(question));
         return;
     }
+    m_pending = true;
     Start(std::move(question));
 }
 
 void AssetStatusQuery::Start(Question question)
 {
-    m_watcher.setFuture(QtConcurrent::run([question = std::move(question)] { return AskServer(question); }));
+    m_watcher.setFuture(QtConcurrent::run(
+        [connection = m_connection, question = std::move(question)] { return AskServer(*connection, question); }));
 }
 
-StatusAnswer AssetStatusQuery::AskServer(const Question& question)
+StatusAnswer AssetStatusQuery::AskServer(Connection& connection, const Question& question)
 {
+    const Account& account = question.account;
+    if (!connection.revisionServer || connection.server != account.server) {
+        connection.server = account.server;
+        connection.revisionServer = host::OpenRevisionServer(account.server, {});
+        connection.ownTicket.clear();
+    }
+    host::RevisionServer& server = *connection.revisionServer;
+    const std::uint64_t roundTripsBefore = server.roundTrips();
     StatusAnswer answer;
+    answer.keys = question.keys;
+    depot::Result result;
+    std::string ticket = account.ticket;
+    if (host::IsSubversionUrl(account.server)) {
+        if (connection.ownTicket.empty() && !account.password.empty())
+            result = server.login(account.userName, account.password, account.workspace, connection.ownTicket);
+        ticket = connection.ownTicket;
+    }
     host::RevisionServer::Files files;
     for (const auto& assetFiles : question.files)
         files.insert(files.end(), assetFiles.begin(), assetFiles.end());
     std::vector<depot::FileStatus> statuses;
-    const std::unique_ptr<host::RevisionServer> server = host::OpenRevisionServer(question.server, {});
-    const depot::Result result = files.empty() ? depot::Result{} : server->status(question.ticket, files, statuses);
-    answer.roundTrips = server->roundTrips();
+    if (result.ok() && !files.empty())
+        result = server.status(ticket, files, statuses);
+    answer.roundTrips = server.roundTrips() - roundTripsBefore;
     answer.code = result.code;
     answer.error = QString::fromStdString(result.error);
     if (!result.ok() || statuses.size() != files.size())

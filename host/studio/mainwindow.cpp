@@ -246,8 +246,10 @@ void MainWindow::refreshStatus()
     const host::RevisionControlServices& services = m_session.Services();
     if (!m_session.CurrentWorkspace() || !services.dataControl)
         return;
-    const std::string ticket = host::UserParameters::TicketOf(services.dataControl->GetUserParameters().Get());
-    m_model->refreshStatus(services.connection->Server(), ticket);
+    const Account account = m_session.StoredAccount();
+    m_model->refreshStatus({services.connection->Server(),
+                            host::UserParameters::TicketOf(services.dataControl->GetUserParameters().Get()),
+                            account.userName, account.password, account.workspaceName});
 }
 
 KELHandle<kel4::IDbObject> MainWindow::selected() const

@@ -171,7 +171,7 @@ TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedChecksOutSkyUndoesAndSaves)
     EXPECT_EQ(window->propertyPane().asset(), KELHandle<kel4::IDbObject>(asset("Meadow")));
     QTest::keySequence(window.get(), QKeySequence::Save);
     waitForStatus();
-    EXPECT_EQ(status("Meadow"), "marked for add");
+    EXPECT_EQ(status("Meadow"), "marked for add") << window->sessionState().toStdString();
 }
 
 // Ignore in the check-out error lets the edit go ahead; a number is kept within its field's range.
