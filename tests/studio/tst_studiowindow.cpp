@@ -3,6 +3,8 @@
 // workspace, the plug-in's real dialogs answered by the dialog driver.
 #include "assetbrowser.h"
 #include "assetbrowsermodel.h"
+#include "fieldeditors.h"
+#include "logdock.h"
 #include "demodepot.h"
 #include "mainwindow.h"
 #include "propertypane.h"
@@ -18,7 +20,13 @@
 #include <qtextention/qfunctoraction.h>
 #include <qtextention/rangevalueeditwidget.h>
 
+#include <QApplication>
+#include <QClipboard>
 #include <QDoubleSpinBox>
+#include <QFileInfo>
+#include <QInputDialog>
+#include <QListWidget>
+#include <QStandardPaths>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -133,6 +141,7 @@ protected:
 TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedChecksOutSkyUndoesAndSaves)
 {
     EXPECT_EQ(status("Rock"), "up to date");
+    EXPECT_EQ(window->model().statusQuery().RoundTrips(), 1u) << "one status question for all assets";
     bobEdits("Rock");
     EXPECT_EQ(status("Rock"), "held by bob");
     checkOutWithoutAsking();
@@ -218,6 +227,148 @@ TEST_F(StudioWindow, SearchSettingsAndQuitAskAsAUserExpects)
     EXPECT_FALSE(window->close());
     driver.expectMessageBox(QStringLiteral("Unsaved Edits"), QMessageBox::Discard);
     EXPECT_TRUE(window->close());
+}
+
+// Rename (F2) asks for the name through a dialog and is an undoable edit; Delete asks first;
+// Make Writable and Check Out act on the selected asset's files through the plug-in (whose stored
+// action checks out without asking).
+TEST_F(StudioWindow, RenameDeleteMakeWritableAndCheckOutFromTheMenus)
+{
+    checkOutWithoutAsking();
+    select("Oak");
+    activate();
+    driver.expect(QStringLiteral("rename"), [](QWidget* dialog) {
+        auto* input = qobject_cast<QInputDialog*>(dialog);
+        ASSERT_NE(input, nullptr);
+        input->setTextValue(QStringLiteral("OldOak"));
+        input->accept();
+    });
+    QTest::keyClick(window->browser().view(), Qt::Key_F2);
+    waitForStatus();
+    ASSERT_FALSE(asset("OldOak").IsNull());
+    EXPECT_EQ(status("OldOak"), "checked out") << "the rename asked CanEditObjects, which checked Oak out";
+    activate();
+    window->browser().view()->setFocus();
+    QTest::keySequence(window.get(), QKeySequence::Undo);
+    EXPECT_FALSE(asset("Oak").IsNull());
+
+    select("Fern");
+    driver.expectMessageBox(QStringLiteral("Delete Asset"), QMessageBox::No);
+    window->action(QStringLiteral("deleteAsset"))->trigger();
+    EXPECT_FALSE(asset("Fern").IsNull());
+    driver.expectMessageBox(QStringLiteral("Delete Asset"), QMessageBox::Yes);
+    window->action(QStringLiteral("deleteAsset"))->trigger();
+    EXPECT_TRUE(asset("Fern").IsNull());
+    EXPECT_EQ(window->model().rowCount(), 19);
+
+    select("Sand");
+    const QString sand = depot->Folder("alice") + QStringLiteral("/Sand.kel");
+    ASSERT_FALSE(QFileInfo(sand).permissions() & QFile::WriteOwner);
+    window->action(QStringLiteral("makeWritable"))->trigger();
+    EXPECT_TRUE(QFileInfo(sand).permissions() & QFile::WriteOwner);
+
+    select("Snow");
+    window->action(QStringLiteral("checkOut"))->trigger();
+    waitForStatus();
+    EXPECT_EQ(status("Snow"), "checked out");
+}
+
+// The status bar names the session's state as the last status question found it.
+TEST_F(StudioWindow, TheStatusBarTellsAnExpiredSessionFromAnUnreachableServer)
+{
+    EXPECT_EQ(window->sessionState(), "logged in");
+    std::string error;
+    ASSERT_TRUE(session->Services()
+                    .connection->ExpireSession(session->Services().dataControl->GetUserParameters().Get(), error)
+                    .IsSuccess())
+        << error;
+    window->refreshStatus();
+    waitForStatus();
+    EXPECT_EQ(window->sessionState(), "expired");
+    EXPECT_EQ(status("Rock"), "up to date") << "the last known status stays";
+
+    session->StoreAccount({depot->Path() + ".missing", "alice", depot->Workspace("alice"), {}});
+    window->closeWorkspace();
+    ASSERT_TRUE(window->openWorkspace(depot->Folder("alice")));
+    waitForStatus();
+    EXPECT_EQ(window->sessionState(), "unreachable");
+    EXPECT_EQ(status("Rock"), "asking...");
+}
+
+// The log dock lists the host log with each entry's level; Ctrl+C copies the selected entries.
+TEST_F(StudioWindow, TheLogDockShowsLevelsAndCopiesTheSelection)
+{
+    Log::Singleton::Instance().Write(Log::eError, "the depot is on fire");
+    Log::Singleton::Instance().Write(Log::eWarning, "smoke seen");
+    QListWidget* list = window->logDock().list();
+    ASSERT_TRUE(DialogDriver::waitUntil([list] { return list->count() >= 2; }));
+    QListWidgetItem* error = list->item(list->count() - 2);
+    EXPECT_EQ(error->text(), "the depot is on fire");
+    EXPECT_EQ(error->data(Qt::UserRole).toInt(), Log::eError);
+    EXPECT_FALSE(error->icon().isNull());
+    error->setSelected(true);
+    list->item(list->count() - 1)->setSelected(true);
+    activate();
+    list->setFocus();
+    QTest::keySequence(list, QKeySequence::Copy);
+    EXPECT_EQ(QApplication::clipboard()->text(), "the depot is on fire\nsmoke seen");
+}
+
+// The start page's "Create a demo depot" makes a depot that alice can find again: it opens as her
+// workspace and stays among the recent workspaces after it is closed.
+TEST_F(StudioWindow, TheStartPageCreatesADemoDepotThatStaysInTheRecentList)
+{
+    window->closeWorkspace();
+    const QString parent = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    auto* link = window->findChild<QWidget*>(QStringLiteral("createDemoLink"));
+    ASSERT_NE(link, nullptr);
+    ASSERT_TRUE(link->isVisible());
+    link->setFocus();
+    QTest::keyClick(link, Qt::Key_Return);
+    ASSERT_NE(session->CurrentWorkspace(), nullptr);
+    const QString folder = session->CurrentWorkspace()->Root();
+    EXPECT_TRUE(folder.startsWith(parent)) << folder.toStdString();
+    waitForStatus();
+    EXPECT_EQ(window->model().rowCount(), 20);
+    EXPECT_EQ(window->sessionState(), "logged in");
+    window->closeWorkspace();
+    EXPECT_EQ(session->RecentWorkspaces().value(0), folder);
+    QDir(QFileInfo(folder).path()).removeRecursively();
+}
+
+// What a user reads in the status column, and which editor a field gets.
+TEST(StudioTexts, StatusWordsAndFieldEditors)
+{
+    const struct {
+        unsigned word;
+        QStringList holders;
+        const char* text;
+    } statuses[] = {
+        {0x0, {}, "up to date"},
+        {0x1, {}, "checked out"},
+        {0x4, {}, "marked for add"},
+        {0x2, {"bob", "carol"}, "held by bob, carol"},
+        {0x20000, {}, "held by another user"},
+        {0x1 | 0x40, {}, "checked out, not at head"},
+        {0x80, {}, "not in depot"},
+        {0x8000 | 0x10, {}, "marked for delete, I/O error"},
+    };
+    for (const auto& row : statuses)
+        EXPECT_EQ(AssetBrowserModel::statusText(row.word, row.holders), row.text) << row.word;
+
+    const struct {
+        const char* field;
+        const char* value;
+        FieldKind kind;
+    } editors[] = {
+        {"colour", "#7a746c", FieldKind::Colour},   {"rimColor", "red", FieldKind::Colour},
+        {"colour", "sunset", FieldKind::Text},      {"roughness", "0.85", FieldKind::Number},
+        {"meshFile", "oak.geo", FieldKind::FileReference}, {"title", "Valley", FieldKind::Text},
+    };
+    for (const auto& row : editors)
+        EXPECT_EQ(KindOfField(QString::fromLatin1(row.field), QString::fromLatin1(row.value)), row.kind) << row.field;
+    EXPECT_EQ(RangeOfField(QStringLiteral("Roughness"), 0.5).maximum, 1.0);
+    EXPECT_EQ(RangeOfField(QStringLiteral("size"), 2048).maximum, 4096) << "an unknown field leaves room above its value";
 }
 
 }  // namespace
