@@ -22,8 +22,8 @@ struct Options
                                  QStringLiteral("dir")};
     QCommandLineOption server{QStringLiteral("server"),
                               QStringLiteral("Revision server: a depot file or a Subversion URL (stored as "
-                                             "RevControl.Server). With --demo --batch: the Subversion repository "
-                                             "with the users alice/alice-pw and bob/bob-pw to run the demo on."),
+                                             "RevControl.Server). With --demo: the Subversion repository with "
+                                             "the users alice/alice-pw and bob/bob-pw to run the demo on."),
                               QStringLiteral("server")};
     QCommandLineOption user{QStringLiteral("user"), QStringLiteral("User name (stored as RevControl.UserName)."),
                             QStringLiteral("name")};
