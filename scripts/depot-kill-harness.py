@@ -12,6 +12,7 @@ are counted apart. Prints one line per operation and exits 1 when any disagreeme
     python3 scripts/depot-kill-harness.py build/bin/hbdepot --files 1000 --kills 50
 """
 import argparse
+import hashlib
 import os
 import random
 import shutil
@@ -110,9 +111,9 @@ def disagreements(depot, user):
     have = dict(db.execute("SELECT path, rev FROM have WHERE workspace = ?", (workspace,)))
     opened = dict(db.execute("SELECT path, action FROM opened WHERE workspace = ?", (workspace,)))
     journal = db.execute("SELECT COUNT(*) FROM journal").fetchone()[0]
-    content = {}
-    for path, rev, data in db.execute("SELECT path, rev, content FROM revisions"):
-        content[(path, rev)] = data
+    # The depot keeps each content once, compressed, named by its SHA-256 digest.
+    digest = dict(((path, rev), data) for path, rev, data in db.execute(
+        "SELECT r.path, r.rev, c.digest FROM revisions r JOIN contents c ON c.id = r.content_id"))
     problems = []
     if journal:
         problems.append("%d journal rows left after the next command" % journal)
@@ -134,7 +135,7 @@ def disagreements(depot, user):
         elif key in have:
             with open(path, "rb") if exists else open(os.devnull, "rb") as f:
                 data = f.read()
-            ok = exists and not writable and data == content.get((key, have[key]))
+            ok = exists and not writable and hashlib.sha256(data).digest() == digest.get((key, have[key]))
         else:
             ok = not exists or writable  # a file of the user's own, unknown to the depot
         if not ok:

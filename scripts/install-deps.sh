@@ -2,7 +2,7 @@
 # Installs the Debian 12 packages the build, the tests and the demo need (as root), when missing.
 set -euo pipefail
 packages=(build-essential cmake pkg-config qt6-base-dev qt6-tools-dev qt6-l10n-tools libgl-dev libboost-dev libsqlite3-dev
-          libsodium-dev fonts-dejavu-core libgtest-dev libgmock-dev googletest libbenchmark-dev clang
+          libsodium-dev libzstd-dev fonts-dejavu-core libgtest-dev libgmock-dev googletest libbenchmark-dev clang
           python3 subversion libsvn-dev libapr1-dev xvfb xauth)
 missing=()
 for p in "${packages[@]}"; do

@@ -16,9 +16,9 @@ void Call::setSession(std::string user, WorkspaceView workspace)
     m_workspace.emplace(std::move(workspace));
 }
 
-void Call::schedule(FileStep::Kind kind, const std::string& key, std::int64_t revision, std::vector<char> content)
+void Call::schedule(FileStep::Kind kind, const std::string& key, std::int64_t revision)
 {
-    m_steps.push_back({kind, m_workspace->name(), key, m_workspace->localPathOf(key), revision, std::move(content), 0});
+    m_steps.push_back({kind, m_workspace->name(), key, m_workspace->localPathOf(key), revision, 0});
 }
 
 }  // namespace hbrc::depot

@@ -30,8 +30,7 @@ public:
     const WorkspaceView& workspace() const { return *m_workspace; }
 
     // A change of a workspace file, made after the commit (see filesteps.h).
-    void schedule(FileStep::Kind kind, const std::string& key, std::int64_t revision = 0,
-                  std::vector<char> content = {});
+    void schedule(FileStep::Kind kind, const std::string& key, std::int64_t revision = 0);
     std::vector<FileStep>& steps() { return m_steps; }
 
     // The answer of an operation that commits what it could and refuses the rest (a sync that

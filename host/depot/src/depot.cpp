@@ -34,7 +34,7 @@ void requireValidName(const char* what, const std::string& name)
 Result applySteps(Database& database, Call& call)
 {
     std::vector<std::int64_t> done;
-    const std::vector<std::string> failures = journal::apply(call.steps(), done);
+    const std::vector<std::string> failures = journal::apply(database, call.steps(), done);
     journal::forget(database, done);
     if (failures.empty())
         return call.outcome();

@@ -3,11 +3,11 @@
 
 #include <filesystem>
 
+#include "contentstore.h"
 #include "depoterror.h"
 #include "depotimpl.h"
 #include "filestate.h"
 #include "pendingchange.h"
-#include "workspacefiles.h"
 
 namespace hbrc::depot {
 
@@ -84,7 +84,8 @@ Result Depot::submit(const std::string& ticket, const ChangelistId& changelist, 
         Statement setHead(call.db(), "INSERT INTO files(path, head_rev, head_deleted) VALUES (?1, ?2, ?3) "
                                      "ON CONFLICT(path) DO UPDATE SET head_rev = excluded.head_rev, "
                                      "head_deleted = excluded.head_deleted");
-        Statement addRevision(call.db(), "INSERT INTO revisions(path, rev, change, action, content) "
+        ContentStore contents(call.db());
+        Statement addRevision(call.db(), "INSERT INTO revisions(path, rev, change, action, content_id) "
                                          "VALUES (?1, ?2, ?3, ?4, ?5)");
         Statement setHave(call.db(), "INSERT INTO have(workspace, path, rev) VALUES (?1, ?2, ?3) "
                                      "ON CONFLICT(workspace, path) DO UPDATE SET rev = excluded.rev");
@@ -101,7 +102,7 @@ Result Depot::submit(const std::string& ticket, const ChangelistId& changelist, 
                 dropHave.bind(1, workspace.name()).bind(2, file.key).run();
                 continue;
             }
-            addRevision.bindBlob(5, workspacefiles::read(workspace.localPathOf(file.key))).run();
+            addRevision.bind(5, contents.storeFile(workspace.localPathOf(file.key))).run();
             setHave.bind(1, workspace.name()).bind(2, file.key).bind(3, revision).run();
             call.schedule(FileStep::Kind::MakeReadOnly, file.key);
         }

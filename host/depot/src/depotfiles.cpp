@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "contentstore.h"
 #include "depoterror.h"
 #include "depotimpl.h"
 #include "filestate.h"
@@ -15,28 +16,6 @@ namespace hbrc::depot {
 namespace fs = std::filesystem;
 
 namespace {
-
-class RevisionContent
-{
-public:
-    explicit RevisionContent(Database& db) : m_select(db, "SELECT content FROM revisions WHERE path = ?1 AND rev = ?2")
-    {
-    }
-
-    std::vector<char> of(const std::string& key, std::int64_t revision)
-    {
-        m_select.bind(1, key).bind(2, revision);
-        if (!m_select.step())
-            throw DepotError(code::Failed, "The depot has lost revision #" + std::to_string(revision) + " of " +
-                                               depotPathOf(key));
-        std::vector<char> content = m_select.blob(0);
-        m_select.reset();
-        return content;
-    }
-
-private:
-    Statement m_select;
-};
 
 std::string joinLines(const std::vector<std::string>& lines)
 {
@@ -59,14 +38,15 @@ void forEachState(Call& call, const Depot::Files& files, Visit visit)
 // Whether sync may replace the workspace's copy of a file: a read-only or missing copy, or a
 // writable one that still holds the workspace's revision or already holds the new one. Anything
 // else is a local change made after "make writable", which only a forced sync overwrites.
-bool mayReplace(const fs::path& local, const FileState& state, const std::vector<char>* incoming,
-                RevisionContent& contents)
+bool mayReplace(const fs::path& local, const FileState& state, ContentStore& contents)
 {
     if (!fs::exists(local) || !workspacefiles::isWritable(local))
         return true;
-    const std::vector<char> present = workspacefiles::read(local);
-    return (state.haveRevision && present == contents.of(*state.key, *state.haveRevision)) ||
-           (incoming && present == *incoming);
+    const ContentFingerprint present = ContentStore::fingerprintOfFile(local);
+    const auto holds = [&](const std::optional<std::int64_t>& revision) {
+        return revision && present == contents.fingerprint(contents.ofRevision(*state.key, *revision));
+    };
+    return holds(state.haveRevision) || (state.live() && holds(state.headRevision));
 }
 
 }  // namespace
@@ -83,7 +63,7 @@ Result Depot::sync(const std::string& ticket, const Files& files, SyncMode mode,
             while (all.step())
                 wanted.push_back(workspace.localPathOf(all.text(0)).string());
         }
-        RevisionContent contents(call.db());
+        ContentStore contents(call.db());
         Statement setHave(call.db(), "INSERT INTO have(workspace, path, rev) VALUES (?1, ?2, ?3) "
                                      "ON CONFLICT(workspace, path) DO UPDATE SET rev = excluded.rev");
         Statement dropHave(call.db(), "DELETE FROM have WHERE workspace = ?1 AND path = ?2");
@@ -94,13 +74,10 @@ Result Depot::sync(const std::string& ticket, const Files& files, SyncMode mode,
             const fs::path local = workspace.localPathOf(*state.key);
             if (state.live() && state.haveIsHead() && fs::exists(local))
                 return;
-            std::vector<char> head;
-            if (state.live())
-                head = contents.of(*state.key, *state.headRevision);
             // A file that cannot be written is refused alone, before anything of it is recorded.
             try {
                 workspacefiles::requireReplaceable(local);
-                if (mode == SyncMode::Safe && !mayReplace(local, state, state.live() ? &head : nullptr, contents)) {
+                if (mode == SyncMode::Safe && !mayReplace(local, state, contents)) {
                     refusals.push_back("Can't clobber writable file " + local.string());
                     return;
                 }
@@ -110,7 +87,7 @@ Result Depot::sync(const std::string& ticket, const Files& files, SyncMode mode,
             }
             if (state.live()) {
                 setHave.bind(1, workspace.name()).bind(2, *state.key).bind(3, *state.headRevision).run();
-                call.schedule(FileStep::Kind::WriteRevision, *state.key, *state.headRevision, std::move(head));
+                call.schedule(FileStep::Kind::WriteRevision, *state.key, *state.headRevision);
             } else {
                 dropHave.bind(1, workspace.name()).bind(2, *state.key).run();
                 call.schedule(FileStep::Kind::Remove, *state.key);
@@ -226,7 +203,6 @@ Result Depot::revert(const std::string& ticket, const Files& files, const Cancel
 {
     return d->runInSession(Operation::Revert, Transaction::Kind::Write, ticket, cancel, [&](Call& call) {
         const WorkspaceView& workspace = call.workspace();
-        RevisionContent contents(call.db());
         Statement unopen(call.db(), "DELETE FROM opened WHERE workspace = ?1 AND path = ?2");
         std::vector<std::string> notOpened;
         forEachState(call, files, [&](const std::string& file, const FileState& state) {
@@ -236,8 +212,7 @@ Result Depot::revert(const std::string& ticket, const Files& files, const Cancel
             }
             unopen.bind(1, workspace.name()).bind(2, *state.key).run();
             if (state.mine->action != FileAction::Add && state.haveRevision)
-                call.schedule(FileStep::Kind::WriteRevision, *state.key, *state.haveRevision,
-                              contents.of(*state.key, *state.haveRevision));
+                call.schedule(FileStep::Kind::WriteRevision, *state.key, *state.haveRevision);
         });
         call.checkpoint();
         if (!notOpened.empty())
@@ -259,14 +234,15 @@ Result Depot::revertUnchanged(const std::string& ticket, const Files& files, std
                 while (mine.step())
                     wanted.push_back(workspace.localPathOf(mine.text(0)).string());
             }
-            RevisionContent contents(call.db());
+            ContentStore contents(call.db());
             Statement unopen(call.db(), "DELETE FROM opened WHERE workspace = ?1 AND path = ?2");
             forEachState(call, wanted, [&](const std::string&, const FileState& state) {
                 if (!state.mine || state.mine->action != FileAction::Edit || !state.haveRevision)
                     return;
                 const fs::path local = workspace.localPathOf(*state.key);
                 if (!workspacefiles::isReadableFile(local) ||
-                    workspacefiles::read(local) != contents.of(*state.key, *state.haveRevision))
+                    !(ContentStore::fingerprintOfFile(local) ==
+                      contents.fingerprint(contents.ofRevision(*state.key, *state.haveRevision))))
                     return;
                 unopen.bind(1, workspace.name()).bind(2, *state.key).run();
                 call.schedule(FileStep::Kind::MakeReadOnly, *state.key);

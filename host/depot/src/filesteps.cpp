@@ -1,5 +1,6 @@
 #include "filesteps.h"
 
+#include "contentstore.h"
 #include "depoterror.h"
 #include "sqlite.h"
 #include "workspacefiles.h"
@@ -24,12 +25,14 @@ FileStep::Kind kindNamed(const std::string& name)
     throw DepotError(code::Failed, "The depot's journal holds an unknown step '" + name + "'");
 }
 
-void applyOne(const FileStep& step)
+void applyOne(ContentStore& contents, const FileStep& step)
 {
     switch (step.kind) {
-    case FileStep::Kind::WriteRevision:
-        workspacefiles::writeReadOnly(step.local, step.content);
+    case FileStep::Kind::WriteRevision: {
+        const std::int64_t content = contents.ofRevision(step.key, step.revision);
+        workspacefiles::writeReadOnly(step.local, [&](std::ostream& out) { contents.copy(content, out); });
         break;
+    }
     case FileStep::Kind::Remove:
         workspacefiles::remove(step.local);
         break;
@@ -54,12 +57,13 @@ void record(Database& db, std::vector<FileStep>& steps)
     }
 }
 
-std::vector<std::string> apply(const std::vector<FileStep>& steps, std::vector<std::int64_t>& done)
+std::vector<std::string> apply(Database& db, const std::vector<FileStep>& steps, std::vector<std::int64_t>& done)
 {
     std::vector<std::string> failures;
+    ContentStore contents(db);
     for (const FileStep& step : steps) {
         try {
-            applyOne(step);
+            applyOne(contents, step);
             done.push_back(step.journalId);
         } catch (const DepotError& error) {
             failures.push_back(error.what());
@@ -92,19 +96,18 @@ void replay(Database& db)
     std::vector<FileStep> steps;
     {
         Transaction reading(db, Transaction::Kind::Read);
-        Statement select(db, "SELECT j.id, j.workspace, j.path, j.step, j.rev, w.root, r.content FROM journal j "
-                             "JOIN workspaces w ON w.name = j.workspace "
-                             "LEFT JOIN revisions r ON r.path = j.path AND r.rev = j.rev ORDER BY j.id");
+        Statement select(db, "SELECT j.id, j.workspace, j.path, j.step, j.rev, w.root FROM journal j "
+                             "JOIN workspaces w ON w.name = j.workspace ORDER BY j.id");
         while (select.step()) {
             FileStep step{kindNamed(select.text(3)), select.text(1), select.text(2),
                           std::filesystem::path(select.text(5)) / select.text(2), select.integer(4),
-                          select.blob(6), select.integer(0)};
+                          select.integer(0)};
             steps.push_back(std::move(step));
         }
         reading.commit();
     }
     std::vector<std::int64_t> done;
-    journal::apply(steps, done);
+    journal::apply(db, steps, done);
     forget(db, done);
 }
 

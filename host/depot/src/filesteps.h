@@ -24,7 +24,6 @@ struct FileStep
     std::string key;                 // the depot path below the workspace root
     std::filesystem::path local;
     std::int64_t revision = 0;       // WriteRevision: the stored revision written, read-only
-    std::vector<char> content;       // WriteRevision: that revision's content
     std::int64_t journalId = 0;      // the step's journal row, once recorded
 };
 
@@ -32,8 +31,9 @@ namespace journal {
 
 // Inserts one journal row per step (inside the caller's transaction) and notes their ids.
 void record(Database& db, std::vector<FileStep>& steps);
-// Applies the steps to the files; the texts of the steps that failed (their rows stay).
-std::vector<std::string> apply(const std::vector<FileStep>& steps, std::vector<std::int64_t>& done);
+// Applies the steps to the files, reading revisions from the depot; the texts of the steps that
+// failed (their rows stay).
+std::vector<std::string> apply(Database& db, const std::vector<FileStep>& steps, std::vector<std::int64_t>& done);
 // Removes the rows of finished steps, in a transaction of its own.
 void forget(Database& db, const std::vector<std::int64_t>& done);
 // True when an operation left steps behind: it died after its commit, or a step failed.

@@ -1,5 +1,9 @@
 #include "schema.h"
 
+#include <sstream>
+#include <vector>
+
+#include "contentstore.h"
 #include "depoterror.h"
 #include "sqlite.h"
 
@@ -7,7 +11,7 @@ namespace hbrc::depot {
 
 namespace {
 
-constexpr std::int64_t kSchemaVersion = 2;
+constexpr std::int64_t kSchemaVersion = 3;
 
 // Depot paths are relative to every workspace root ("art/ship.kel"); a missing change number on
 // an opened file is the workspace's default changelist.
@@ -22,8 +26,8 @@ CREATE TABLE changes (number INTEGER PRIMARY KEY AUTOINCREMENT, workspace TEXT N
                       time INTEGER NOT NULL DEFAULT 0);
 CREATE TABLE files (path TEXT PRIMARY KEY, head_rev INTEGER NOT NULL, head_deleted INTEGER NOT NULL);
 CREATE TABLE revisions (path TEXT NOT NULL REFERENCES files(path), rev INTEGER NOT NULL,
-                        change INTEGER NOT NULL REFERENCES changes(number), action TEXT NOT NULL, content BLOB,
-                        PRIMARY KEY (path, rev));
+                        change INTEGER NOT NULL REFERENCES changes(number), action TEXT NOT NULL,
+                        content_id INTEGER REFERENCES contents(id), PRIMARY KEY (path, rev));
 CREATE TABLE have (workspace TEXT NOT NULL REFERENCES workspaces(name), path TEXT NOT NULL, rev INTEGER NOT NULL,
                    PRIMARY KEY (workspace, path));
 CREATE TABLE opened (workspace TEXT NOT NULL REFERENCES workspaces(name), path TEXT NOT NULL, user TEXT NOT NULL,
@@ -31,6 +35,14 @@ CREATE TABLE opened (workspace TEXT NOT NULL REFERENCES workspaces(name), path T
                      PRIMARY KEY (workspace, path));
 CREATE INDEX opened_by_path ON opened(path);
 CREATE INDEX revisions_by_change ON revisions(change);
+)sql";
+
+// File contents, once per SHA-256 digest, as zstd frames of at most ContentStore::kChunkSize
+// bytes each (see contentstore.h). Version 2 depots kept each revision whole in revisions.content.
+constexpr const char* kContents = R"sql(
+CREATE TABLE contents (id INTEGER PRIMARY KEY, digest BLOB UNIQUE, size INTEGER NOT NULL);
+CREATE TABLE content_chunks (content INTEGER NOT NULL REFERENCES contents(id), seq INTEGER NOT NULL,
+                             data BLOB NOT NULL, PRIMARY KEY (content, seq));
 )sql";
 
 // Workspace file steps that are committed but not yet known to be done (see filesteps.h).
@@ -50,14 +62,25 @@ std::int64_t versionOf(Database& db)
     }
 }
 
-void addJournal(Database& db)
+void moveContentsOutOfRevisions(Database& db)
 {
-    Transaction transaction(db, Transaction::Kind::Write);
-    if (versionOf(db) == 1) {
-        db.execute(kJournal);
-        db.execute("UPDATE settings SET value = 2 WHERE key = 'schema_version'");
+    db.execute(kContents);
+    db.execute("ALTER TABLE revisions ADD COLUMN content_id INTEGER REFERENCES contents(id)");
+    std::vector<std::int64_t> rows;
+    Statement select(db, "SELECT rowid FROM revisions WHERE content IS NOT NULL");
+    while (select.step())
+        rows.push_back(select.integer(0));
+    ContentStore contents(db);
+    Statement old(db, "SELECT content FROM revisions WHERE rowid = ?1");
+    Statement link(db, "UPDATE revisions SET content_id = ?1 WHERE rowid = ?2");
+    for (std::int64_t row : rows) {
+        old.bind(1, row).step();
+        const std::vector<char> bytes = old.blob(0);
+        old.reset();
+        std::istringstream in(std::string(bytes.begin(), bytes.end()));
+        link.bind(1, contents.store(in)).bind(2, row).run();
     }
-    transaction.commit();
+    db.execute("ALTER TABLE revisions DROP COLUMN content");
 }
 
 // Changes carry their time (created, then submitted) since 0.2; older files get the column, with
@@ -68,11 +91,18 @@ bool hasChangeTimes(Database& db)
     return columns.step();
 }
 
-void addChangeTimes(Database& db)
+// Brings a depot of an earlier version up to this one, in one transaction.
+void upgrade(Database& db)
 {
     Transaction transaction(db, Transaction::Kind::Write);
+    const std::int64_t version = versionOf(db);
+    if (version == 1)
+        db.execute(kJournal);
+    if (version == 1 || version == 2)
+        moveContentsOutOfRevisions(db);
     if (!hasChangeTimes(db))
         db.execute("ALTER TABLE changes ADD COLUMN time INTEGER NOT NULL DEFAULT 0");
+    Statement(db, "UPDATE settings SET value = ?1 WHERE key = 'schema_version'").bind(1, kSchemaVersion).run();
     transaction.commit();
 }
 
@@ -81,6 +111,7 @@ void addChangeTimes(Database& db)
 void createSchema(Database& db, std::int64_t sessionLifetimeSeconds)
 {
     Transaction transaction(db, Transaction::Kind::Write);
+    db.execute(kContents);
     db.execute(kTables);
     db.execute(kJournal);
     Statement setting(db, "INSERT INTO settings(key, value) VALUES (?1, ?2)");
@@ -91,19 +122,19 @@ void createSchema(Database& db, std::int64_t sessionLifetimeSeconds)
 
 void checkSchema(Database& db)
 {
-    std::int64_t version = versionOf(db);
-    if (version == 1 && !db.readOnly()) {
-        addJournal(db);
-        version = versionOf(db);
-    }
-    if (version != kSchemaVersion)
+    const std::int64_t version = versionOf(db);
+    if (version == kSchemaVersion && hasChangeTimes(db))
+        return;
+    if (version > kSchemaVersion)
+        throw DepotError(code::SessionUnusable,
+                         "Cannot read the depot: it was made by a later version of hbdepot; use that version");
+    if (version < 1)
         throw DepotError(code::SessionUnusable, "Cannot reach the depot: the file is not a depot of this version");
-    if (!hasChangeTimes(db)) {
-        if (db.readOnly())
-            throw DepotError(code::SessionUnusable, "Cannot reach the depot: the file is of an older version and "
-                                                    "read-only; open it once with write permission");
-        addChangeTimes(db);
-    }
+    if (db.readOnly())
+        throw DepotError(code::SessionUnusable,
+                         "Cannot read the depot: it was made by an earlier version of hbdepot; open it once with "
+                         "write permission to the depot file and its folder, which upgrades it");
+    upgrade(db);
 }
 
 }  // namespace hbrc::depot

@@ -8,7 +8,8 @@ class Database;
 
 // Creates the tables of a new depot.
 void createSchema(Database& db, std::int64_t sessionLifetimeSeconds);
-// Throws DepotError(SessionUnusable) when the file is not a depot of this format.
+// Upgrades a depot of an earlier format; throws DepotError(SessionUnusable) when the file is not a
+// depot this version can use.
 void checkSchema(Database& db);
 
 }  // namespace hbrc::depot

@@ -160,10 +160,10 @@ Statement& Statement::bind(int index, const std::optional<std::string>& text)
     return *this;
 }
 
-Statement& Statement::bindBlob(int index, const std::vector<char>& bytes)
+Statement& Statement::bindBlob(int index, const void* bytes, std::size_t size)
 {
     prepareForBinding();
-    sqlite3_bind_blob64(m_stmt, index, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
+    sqlite3_bind_blob64(m_stmt, index, bytes, size, SQLITE_TRANSIENT);
     return *this;
 }
 

@@ -3,6 +3,7 @@
 // A thin RAII layer over the SQLite C API: one connection, prepared statements and transactions.
 // Every failure throws DepotError so that an operation unwinds into its transaction's rollback.
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -48,7 +49,7 @@ public:
     Statement& bind(int index, std::int64_t value);
     Statement& bind(int index, std::optional<std::int64_t> value);
     Statement& bind(int index, const std::optional<std::string>& text);
-    Statement& bindBlob(int index, const std::vector<char>& bytes);
+    Statement& bindBlob(int index, const void* bytes, std::size_t size);
 
     // True while a row is available; resets the statement when the rows are done.
     bool step();

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
 #include "depoterror.h"
@@ -40,18 +39,7 @@ std::uint64_t stableHash(const std::string& text)
 
 }  // namespace
 
-std::vector<char> read(const fs::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    if (!in || !fs::is_regular_file(path))
-        failOn(path, "read");
-    std::vector<char> content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (in.bad())
-        failOn(path, "read");
-    return content;
-}
-
-void writeReadOnly(const fs::path& path, const std::vector<char>& content)
+void writeReadOnly(const fs::path& path, const std::function<void(std::ostream&)>& write)
 {
     std::error_code error;
     fs::create_directories(path.parent_path(), error);
@@ -60,7 +48,13 @@ void writeReadOnly(const fs::path& path, const std::vector<char>& content)
     const fs::path temporary = temporaryFor(path);
     {
         std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        out.write(content.data(), static_cast<std::streamsize>(content.size()));
+        try {
+            write(out);
+        } catch (...) {
+            out.close();
+            fs::remove(temporary, error);
+            throw;
+        }
         if (!out.flush())
             failOn(temporary, "write");
     }

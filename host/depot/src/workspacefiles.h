@@ -4,14 +4,15 @@
 // workspace has open. Failures throw DepotError(IoError) naming the file.
 
 #include <filesystem>
-#include <vector>
+#include <functional>
+#include <ostream>
 
 namespace hbrc::depot::workspacefiles {
 
-std::vector<char> read(const std::filesystem::path& path);
-// Replaces the file (through a temporary beside it, so a failure leaves the old file) and makes it
-// read-only, creating missing folders. Doing it again gives the same result.
-void writeReadOnly(const std::filesystem::path& path, const std::vector<char>& content);
+// Replaces the file with what `write` puts out (through a temporary beside it, so a failure
+// leaves the old file) and makes it read-only, creating missing folders. Doing it again gives the
+// same result.
+void writeReadOnly(const std::filesystem::path& path, const std::function<void(std::ostream&)>& write);
 // The temporary writeReadOnly uses: a short name of its own in the file's folder, so that it fits
 // wherever the file's name fits, and the same for the same file (a rerun reuses a leftover).
 std::filesystem::path temporaryFor(const std::filesystem::path& path);
