@@ -115,14 +115,15 @@ Result Depot::status(const std::string& ticket, const Files& files, std::vector<
     std::vector<FileStatus> answer;
     answer.reserve(files.size());
     const Result result = d->runInSession(Operation::Status, Transaction::Kind::Read, ticket, cancel, [&](Call& call) {
-        forEachState(call, files, [&](const std::string&, const FileState& state) {
+        for (const FileState& state : readStates(call.db(), call.workspace(), files)) {
+            call.checkpoint();
             FileStatus fileStatus{statusWord(state), {}, holdersOf(state)};
             if (state.key && workspacefiles::hasIoError(call.workspace().localPathOf(*state.key)))
                 fileStatus.word |= status::IoError;
             if (state.mine)
                 fileStatus.changelist = changelistIdOf(state.mine->change);
             answer.push_back(std::move(fileStatus));
-        });
+        }
     });
     if (result.ok())
         statuses = std::move(answer);
@@ -134,8 +135,10 @@ Result Depot::holders(const std::string& ticket, const Files& files, std::vector
 {
     std::vector<std::vector<std::string>> answer;
     const Result result = d->runInSession(Operation::Holders, Transaction::Kind::Read, ticket, cancel, [&](Call& call) {
-        forEachState(call, files,
-                     [&](const std::string&, const FileState& state) { answer.push_back(holdersOf(state)); });
+        for (const FileState& state : readStates(call.db(), call.workspace(), files)) {
+            call.checkpoint();
+            answer.push_back(holdersOf(state));
+        }
     });
     if (result.ok())
         users = std::move(answer);

@@ -1,10 +1,43 @@
 #include "filestate.h"
 
 #include <algorithm>
+#include <cstdio>
 
 #include "workspaceview.h"
 
 namespace hbrc::depot {
+
+namespace {
+
+void addOpenRecord(FileState& state, const WorkspaceView& workspace, const Statement& row, int first)
+{
+    OpenRecord record{row.text(first), row.text(first + 1), actionFromName(row.text(first + 2)),
+                      row.optionalInteger(first + 3), row.integer(first + 4) != 0};
+    if (record.workspace == workspace.name())
+        state.mine = std::move(record);
+    else
+        state.others.push_back(std::move(record));
+}
+
+void appendJsonString(std::string& json, const std::string& text)
+{
+    json += '"';
+    for (const char c : text) {
+        if (c == '"' || c == '\\') {
+            json += '\\';
+            json += c;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            char escaped[8];
+            std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
+            json += escaped;
+        } else {
+            json += c;
+        }
+    }
+    json += '"';
+}
+
+}  // namespace
 
 FileStateReader::FileStateReader(Database& db, const WorkspaceView& workspace)
     : m_workspace(workspace),
@@ -29,15 +62,43 @@ FileState FileStateReader::read(const std::string& localPath)
         m_revisions.reset();
     }
     m_opened.bind(1, *state.key);
-    while (m_opened.step()) {
-        OpenRecord record{m_opened.text(0), m_opened.text(1), actionFromName(m_opened.text(2)),
-                          m_opened.optionalInteger(3), m_opened.integer(4) != 0};
-        if (record.workspace == m_workspace.name())
-            state.mine = std::move(record);
-        else
-            state.others.push_back(std::move(record));
-    }
+    while (m_opened.step())
+        addOpenRecord(state, m_workspace, m_opened, 0);
     return state;
+}
+
+std::vector<FileState> readStates(Database& db, const WorkspaceView& workspace, const std::vector<std::string>& localPaths)
+{
+    // The keys go in as one JSON array; a row per key and open record comes back, keyed by the
+    // key's place in that array.
+    std::vector<FileState> states(localPaths.size());
+    std::vector<std::size_t> asked;
+    std::string keys = "[";
+    for (std::size_t i = 0; i < localPaths.size(); ++i) {
+        states[i].key = workspace.keyOf(localPaths[i]);
+        if (!states[i].key)
+            continue;
+        if (!asked.empty())
+            keys += ',';
+        appendJsonString(keys, *states[i].key);
+        asked.push_back(i);
+    }
+    keys += ']';
+    Statement select(db, "SELECT a.key, f.head_rev, f.head_deleted, h.rev, o.workspace, o.user, o.action, o.change, "
+                         "o.locked FROM json_each(?1) a "
+                         "LEFT JOIN files f ON f.path = a.value "
+                         "LEFT JOIN have h ON h.workspace = ?2 AND h.path = a.value "
+                         "LEFT JOIN opened o ON o.path = a.value");
+    select.bind(1, keys).bind(2, workspace.name());
+    while (select.step()) {
+        FileState& state = states.at(asked.at(static_cast<std::size_t>(select.integer(0))));
+        state.headRevision = select.optionalInteger(1);
+        state.headDeleted = select.integer(2) != 0;
+        state.haveRevision = select.optionalInteger(3);
+        if (!select.isNull(4))
+            addOpenRecord(state, workspace, select, 4);
+    }
+    return states;
 }
 
 std::uint32_t statusWord(const FileState& state)

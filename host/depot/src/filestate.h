@@ -38,6 +38,7 @@ struct FileState
     bool haveIsHead() const { return haveRevision == headRevision; }
 };
 
+// Reads files one at a time, each seeing what the operation changed before it.
 class FileStateReader
 {
 public:
@@ -49,6 +50,9 @@ private:
     Statement m_revisions;
     Statement m_opened;
 };
+
+// The states of many files, in the order given, as one statement over all of them.
+std::vector<FileState> readStates(Database& db, const WorkspaceView& workspace, const std::vector<std::string>& localPaths);
 
 // The status bits, without the IO error bit which comes from the disk.
 std::uint32_t statusWord(const FileState& state);

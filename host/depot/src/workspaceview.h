@@ -25,6 +25,7 @@ private:
     std::string m_name;
     std::string m_owner;
     std::filesystem::path m_root;
+    std::string m_rootPrefix;  // the root with one trailing separator
 };
 
 // "//depot/" + key, as people read depot paths.
