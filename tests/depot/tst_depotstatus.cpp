@@ -93,19 +93,53 @@ INSTANTIATE_TEST_SUITE_P(Depot, DepotStatus, ::testing::ValuesIn(kCases),
 
 TEST_F(DepotFixture, StatusAndHoldersAnswerEveryFileInOrderInOneRoundTripEach)
 {
+    // Names that a list question must pass through unchanged, each submitted by bob.
+    const std::vector<std::string> oddNames = {
+        "quote\".kel", "back\\slash.kel", "line\nbreak.kel", "tab\t.kel", "control\x01.kel",
+        "\xff\xfe not utf-8.kel", "ünïcödé.kel", "[bracket],comma.kel",
+    };
+    for (const std::string& name : oddNames)
+        bobSubmitsNewFile("odd/" + name, name);
+    ok(m_bob->sync(m_bobTicket, {}));
+    ok(m_bob->edit(m_bobTicket, {bobFile("odd/" + oddNames.front())}, ""));
+    ok(m_alice->sync(m_aliceTicket, {}));
     write(aliceFile("new.kel"), "x");
     ok(m_bob->edit(m_bobTicket, {bobFile("shared.kel")}, ""));
-    const std::vector<std::string> files{aliceFile("new.kel"), aliceFile("shared.kel")};
+
+    struct Asked
+    {
+        std::string file;
+        std::uint32_t word;
+        std::vector<std::string> holders;
+    };
+    std::vector<Asked> asked = {
+        {aliceFile("new.kel"), status::NotInDepot, {}},
+        {aliceFile("shared.kel"), status::OpenedByOthers, {"bob"}},
+        {"shared.kel", status::OpenedByOthers, {"bob"}},  // relative to the workspace root
+        {aliceFile("odd/../shared.kel"), status::OpenedByOthers, {"bob"}},
+        {aliceFile("new.kel"), status::NotInDepot, {}},  // asked twice
+        {bobFile("shared.kel"), status::NotInDepot, {}},  // outside alice's workspace
+    };
+    for (const std::string& name : oddNames)
+        asked.push_back({aliceFile("odd/" + name), name == oddNames.front() ? status::OpenedByOthers : 0u,
+                         name == oddNames.front() ? std::vector<std::string>{"bob"} : std::vector<std::string>{}});
+    std::vector<std::string> files;
+    for (const Asked& row : asked)
+        files.push_back(row.file);
+
     const std::uint64_t before = m_alice->roundTrips();
     std::vector<FileStatus> statuses;
     ok(m_alice->status(m_aliceTicket, files, statuses));
     std::vector<std::vector<std::string>> holders;
     ok(m_alice->holders(m_aliceTicket, files, holders));
     EXPECT_EQ(m_alice->roundTrips() - before, 2u);
-    ASSERT_EQ(statuses.size(), 2u);
-    EXPECT_EQ(statuses[0].word, status::NotInDepot);
-    EXPECT_EQ(statuses[1].word, status::OpenedByOthers);
-    EXPECT_EQ(holders, (std::vector<std::vector<std::string>>{{}, {"bob"}}));
+    ASSERT_EQ(statuses.size(), asked.size());
+    ASSERT_EQ(holders.size(), asked.size());
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+        EXPECT_EQ(statuses[i].word, asked[i].word) << asked[i].file;
+        EXPECT_EQ(statuses[i].holders, asked[i].holders) << asked[i].file;
+        EXPECT_EQ(holders[i], asked[i].holders) << asked[i].file;
+    }
 }
 
 }  // namespace
