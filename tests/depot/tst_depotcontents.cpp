@@ -104,68 +104,46 @@ TEST_F(DepotContents, EveryByteComesBackAndIdenticalContentIsKeptOnce)
               0);
 }
 
-// The tables of the previous format, which kept every revision whole in revisions.content.
-constexpr const char* kPreviousFormat = R"sql(
-CREATE TABLE settings (key TEXT PRIMARY KEY, value INTEGER NOT NULL);
-CREATE TABLE users (name TEXT PRIMARY KEY, password_hash TEXT);
-CREATE TABLE workspaces (name TEXT PRIMARY KEY, owner TEXT NOT NULL REFERENCES users(name), root TEXT NOT NULL);
-CREATE TABLE sessions (ticket_digest TEXT PRIMARY KEY, user TEXT NOT NULL REFERENCES users(name),
-                       workspace TEXT NOT NULL REFERENCES workspaces(name), expires_at INTEGER NOT NULL);
-CREATE TABLE changes (number INTEGER PRIMARY KEY AUTOINCREMENT, workspace TEXT NOT NULL REFERENCES workspaces(name),
-                      user TEXT NOT NULL, description TEXT NOT NULL, submitted INTEGER NOT NULL DEFAULT 0);
-CREATE TABLE files (path TEXT PRIMARY KEY, head_rev INTEGER NOT NULL, head_deleted INTEGER NOT NULL);
-CREATE TABLE revisions (path TEXT NOT NULL REFERENCES files(path), rev INTEGER NOT NULL,
-                        change INTEGER NOT NULL REFERENCES changes(number), action TEXT NOT NULL, content BLOB,
-                        PRIMARY KEY (path, rev));
-CREATE TABLE have (workspace TEXT NOT NULL REFERENCES workspaces(name), path TEXT NOT NULL, rev INTEGER NOT NULL,
-                   PRIMARY KEY (workspace, path));
-CREATE TABLE opened (workspace TEXT NOT NULL REFERENCES workspaces(name), path TEXT NOT NULL, user TEXT NOT NULL,
-                     action TEXT NOT NULL, change INTEGER REFERENCES changes(number), locked INTEGER NOT NULL DEFAULT 0,
-                     PRIMARY KEY (workspace, path));
-CREATE INDEX opened_by_path ON opened(path);
-CREATE INDEX revisions_by_change ON revisions(change);
-CREATE TABLE journal (id INTEGER PRIMARY KEY, workspace TEXT NOT NULL, path TEXT NOT NULL, step TEXT NOT NULL,
-                      rev INTEGER NOT NULL);
-INSERT INTO settings VALUES ('schema_version', 2), ('session_lifetime', 3600);
-INSERT INTO users VALUES ('carol', NULL);
-INSERT INTO changes VALUES (1, 'carol-ws', 'carol', 'old', 1), (2, 'carol-ws', 'carol', 'older', 1);
-INSERT INTO files VALUES ('old.kel', 2, 0), ('gone.kel', 2, 1), ('same.kel', 1, 0);
-INSERT INTO revisions VALUES ('old.kel', 1, 1, 'add', 'first'), ('old.kel', 2, 2, 'edit', 'second'),
-                             ('gone.kel', 1, 1, 'add', 'second'), ('gone.kel', 2, 2, 'delete', NULL),
-                             ('same.kel', 1, 1, 'add', 'first');
+// Turns the depot back into the previous format, which kept every revision whole in the revisions
+// table: shared.kel#1 "v1", shared.kel#2 "v2" and ship.kel#1 "v1".
+constexpr const char* kBackToThePreviousFormat = R"sql(
+ALTER TABLE revisions ADD COLUMN content BLOB;
+UPDATE revisions SET content = CAST(CASE WHEN path = 'shared.kel' AND rev = 2 THEN 'v2' ELSE 'v1' END AS BLOB);
+ALTER TABLE revisions DROP COLUMN content_id;
+DROP TABLE content_chunks;
+DROP TABLE contents;
+UPDATE settings SET value = 2 WHERE key = 'schema_version';
 )sql";
 
 TEST_F(DepotContents, ADepotOfThePreviousFormatIsUpgradedOnItsFirstWritableOpening)
 {
-    const std::string old = path("old.db");
-    const std::string root = path("carol");
-    execute(old, kPreviousFormat);
-    execute(old, ("INSERT INTO workspaces VALUES ('carol-ws', 'carol', '" + root + "')").c_str());
-    const std::string readOnlyCopy = path("old-readonly.db");
-    fs::copy_file(old, readOnlyCopy);
+    bobSubmitsNewFile("ship.kel", "v1");
+    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
+    write(aliceFile("shared.kel"), "v2");
+    ok(submit(*m_alice, m_aliceTicket, "v2"));
+    m_alice.reset();
+    m_bob.reset();
+    execute(m_depotPath, kBackToThePreviousFormat);
+    const std::string readOnlyCopy = path("readonly.db");
+    fs::copy_file(m_depotPath, readOnlyCopy);
     fs::permissions(readOnlyCopy, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
 
-    Depot readOnly(readOnlyCopy);
     std::string ticket;
-    const Result refused = readOnly.login("carol", "", "carol-ws", ticket);
+    const Result refused = Depot(readOnlyCopy).login("bob", "bob-pw", "bob-ws", ticket);
     EXPECT_EQ(refused.code, code::SessionUnusable);
     EXPECT_NE(refused.error.find("open it once with write permission"), std::string::npos) << refused.error;
 
-    Depot upgraded(old);
-    ok(upgraded.login("carol", "", "carol-ws", ticket));
+    Depot upgraded(m_depotPath);
+    ok(upgraded.login("bob", "bob-pw", "bob-ws", ticket));
     ok(upgraded.sync(ticket, {}));
-    EXPECT_EQ(read(path("carol/old.kel")), "second");
-    EXPECT_EQ(read(path("carol/same.kel")), "first");
-    EXPECT_FALSE(fs::exists(path("carol/gone.kel")));
-    EXPECT_EQ(count(old, "SELECT value FROM settings WHERE key = 'schema_version'"), 3);
-    EXPECT_EQ(count(old, "SELECT COUNT(*) FROM contents"), 2) << "'first' and 'second', each once";
+    EXPECT_EQ(read(bobFile("shared.kel")), "v2");
+    EXPECT_EQ(count(m_depotPath, "SELECT value FROM settings WHERE key = 'schema_version'"), 3);
+    EXPECT_EQ(count(m_depotPath, "SELECT COUNT(*) FROM contents"), 2) << "'v1' and 'v2', each once";
 
-    ok(upgraded.edit(ticket, {path("carol/old.kel")}, ""));
-    write(path("carol/old.kel"), "third");
-    ok(submit(upgraded, ticket, "after the upgrade"));
-    ok(upgraded.edit(ticket, {path("carol/old.kel")}, ""));
-    ok(upgraded.revert(ticket, {path("carol/old.kel")}));
-    EXPECT_EQ(read(path("carol/old.kel")), "third");
+    ok(upgraded.edit(ticket, {bobFile("ship.kel")}, ""));
+    write(bobFile("ship.kel"), "scribbles");
+    ok(upgraded.revert(ticket, {bobFile("ship.kel")}));
+    EXPECT_EQ(read(bobFile("ship.kel")), "v1");
 }
 
 }  // namespace
