@@ -8,7 +8,7 @@ in fresh repositories each run: add every file, submit them, status of the clean
 files (Subversion: lock them; git has no such step), status after editing those 100 files, and a
 fresh workspace (hbdepot: a second user's sync; svn checkout; git clone over file://). Reports
 medians, each tool's growth from the smallest to the largest size, the repository sizes, the
-fresh workspace's peak memory, and a one-file status with a kept ticket against one that logs in
+peak memory of the submit and the fresh workspace, and a one-file status with a kept ticket against one that logs in
 with a password.
 
     python3 bench/peers/peers.py --hbdepot build/bin/hbdepot              # 1,000 and 10,000 files
@@ -283,8 +283,9 @@ def report(count, total, tools, samples):
     sizes = {tool: median_of(samples[tool], lambda s: s[2]) for tool in tools}
     print("%-24s" % "repository MB" + "".join(cell(sizes[tool] / 1e6, 10, 1) for tool in tools) +
           "".join(cell(ratio(sizes["hbdepot"], sizes[peer]), 13, 2) for peer in peers))
-    memory = {tool: median_of(samples[tool], lambda s: s[1].get("fresh workspace")) for tool in tools}
-    print("%-24s" % "fresh workspace peak MiB" + "".join(cell(memory[tool], 10, 1) for tool in tools))
+    for operation in ("submit", "fresh workspace"):
+        memory = {tool: median_of(samples[tool], lambda s: s[1].get(operation)) for tool in tools}
+        print("%-24s" % (operation + " peak MiB") + "".join(cell(memory[tool], 10, 1) for tool in tools))
     ticket = median_of(samples["hbdepot"], lambda s: s[3]["ticket"])
     password = median_of(samples["hbdepot"], lambda s: s[3]["password"])
     print("hbdepot one-file status: %.1f ms with the kept ticket, %.1f ms logging in with a password" % (
