@@ -30,8 +30,9 @@ struct Context
     std::vector<std::string> files() const
     {
         std::vector<std::string> paths;
+        const std::filesystem::path folder = std::filesystem::current_path();
         for (const std::string& word : args.words())
-            paths.push_back(std::filesystem::absolute(word).lexically_normal().string());
+            paths.push_back((folder / word).lexically_normal().string());
         return paths;
     }
     std::string word(std::size_t index) const { return args.words().at(index); }

@@ -72,6 +72,7 @@ const StatusCase kCases[] = {
     {"PathOutsideTheWorkspace", [](DepotFixture&) {}, status::NotInDepot, {}, {}, "bob/shared.kel"},
     {"FolderWhereAFileShouldBe", [](DepotFixture& f) { std::filesystem::create_directories(f.aliceFile("folder.kel")); },
      status::NotInDepot | status::IoError, {}, {}, "alice/folder.kel"},
+    {"BelowAFile", [](DepotFixture&) {}, status::NotInDepot, {}, {}, "alice/shared.kel/inner.kel"},
 };
 
 class DepotStatus : public DepotFixture, public ::testing::WithParamInterface<StatusCase>

@@ -115,10 +115,11 @@ Result Depot::status(const std::string& ticket, const Files& files, std::vector<
     std::vector<FileStatus> answer;
     answer.reserve(files.size());
     const Result result = d->runInSession(Operation::Status, Transaction::Kind::Read, ticket, cancel, [&](Call& call) {
+        workspacefiles::TypeProbe disk;
         for (const FileState& state : readStates(call.db(), call.workspace(), files)) {
             call.checkpoint();
             FileStatus fileStatus{statusWord(state), {}, holdersOf(state)};
-            if (state.key && workspacefiles::hasIoError(call.workspace().localPathOf(*state.key)))
+            if (state.key && disk.hasIoError(call.workspace().localFileOf(*state.key)))
                 fileStatus.word |= status::IoError;
             if (state.mine)
                 fileStatus.changelist = changelistIdOf(state.mine->change);

@@ -4,10 +4,13 @@
 #include <cstdint>
 #include <cstdio>
 #include <fstream>
+#include <string_view>
 #include <system_error>
 
 #include "depoterror.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace hbrc::depot::workspacefiles {
@@ -120,13 +123,28 @@ bool isReadableFile(const fs::path& path)
     return fs::is_regular_file(path, error) && std::ifstream(path, std::ios::binary).good();
 }
 
-bool hasIoError(const fs::path& path)
+TypeProbe::~TypeProbe()
 {
-    std::error_code error;
-    const fs::file_status state = fs::status(path, error);
-    if (state.type() == fs::file_type::not_found)
-        return false;
-    return error || state.type() != fs::file_type::regular;
+    if (m_folderFd >= 0)
+        ::close(m_folderFd);
+}
+
+bool TypeProbe::hasIoError(const std::string& path)
+{
+    const std::size_t slash = path.rfind('/');
+    const std::string_view folder(path.data(), slash == std::string::npos ? 0 : slash);
+    if (!folder.empty() && folder != m_folder) {
+        if (m_folderFd >= 0)
+            ::close(m_folderFd);
+        m_folder = folder;
+        m_folderFd = ::open(m_folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    }
+    struct stat info{};
+    const int rc = folder.empty() || m_folderFd < 0 ? ::stat(path.c_str(), &info)
+                                                   : ::fstatat(m_folderFd, path.c_str() + slash + 1, &info, 0);
+    if (rc != 0)
+        return errno != ENOENT && errno != ENOTDIR;
+    return !S_ISREG(info.st_mode);
 }
 
 }  // namespace hbrc::depot::workspacefiles

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <ostream>
+#include <string>
 
 namespace hbrc::depot::workspacefiles {
 
@@ -23,8 +24,24 @@ bool isWritable(const std::filesystem::path& path);
 void setWritable(const std::filesystem::path& path, bool writable);
 void remove(const std::filesystem::path& path);
 bool isReadableFile(const std::filesystem::path& path);
-// True when the path cannot be examined or names something other than a regular file; a file that
-// is simply missing is no error.
-bool hasIoError(const std::filesystem::path& path);
+
+// Tells of many files whether each cannot be examined or is something other than a regular file (a
+// file that is simply missing is no error), with one stat each: relative to the previous file's
+// folder when the file is in the same one, so that files asked about folder by folder cost no
+// walk along their whole path.
+class TypeProbe
+{
+public:
+    TypeProbe() = default;
+    ~TypeProbe();
+    TypeProbe(const TypeProbe&) = delete;
+    TypeProbe& operator=(const TypeProbe&) = delete;
+
+    bool hasIoError(const std::string& path);
+
+private:
+    std::string m_folder;
+    int m_folderFd = -1;
+};
 
 }  // namespace hbrc::depot::workspacefiles

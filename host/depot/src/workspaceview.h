@@ -20,6 +20,8 @@ public:
     // when the path lies outside the root.
     std::optional<std::string> keyOf(const std::string& localPath) const;
     std::filesystem::path localPathOf(const std::string& key) const;
+    // The same as text, without taking the path apart.
+    std::string localFileOf(const std::string& key) const { return m_rootPrefix + key; }
 
 private:
     std::string m_name;
