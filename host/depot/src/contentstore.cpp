@@ -3,6 +3,7 @@
 #include <sodium.h>
 #include <zstd.h>
 
+#include <algorithm>
 #include <fstream>
 #include <memory>
 #include <vector>
@@ -42,7 +43,7 @@ private:
     crypto_hash_sha256_state m_state{};
 };
 
-// Calls `consume` with each piece of at most kChunkSize bytes; the total size.
+// Calls `consume` with each piece of at most the buffer's size; answers the total size.
 template <typename Consume>
 std::int64_t readInChunks(std::istream& in, std::vector<char>& buffer, Consume consume)
 {

@@ -11,7 +11,6 @@
 #include <istream>
 #include <memory>
 #include <ostream>
-#include <vector>
 
 #include "sqlite.h"
 
