@@ -38,8 +38,18 @@ def log(text):
     print(text, file=sys.stderr, flush=True)
 
 
+# A process forked from this script counts this script's memory as its own until it runs the
+# command, so peak memory is taken by time(1) where it is installed.
+TIME = shutil.which("time", path="/usr/bin:/bin")
+
+
 def run(command, cwd, env, stdin=None, check=True):
     """Runs one command; answers its wall time in seconds and its peak memory in MiB."""
+    peak = None
+    if TIME:
+        peak = tempfile.NamedTemporaryFile(prefix="peak-", delete=False)
+        peak.close()
+        command = [TIME, "-q", "-f", "%M", "-o", peak.name] + command
     started = time.perf_counter()
     process = subprocess.Popen(command, cwd=cwd, env=env, stdin=subprocess.PIPE if stdin else subprocess.DEVNULL,
                                stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
@@ -51,9 +61,14 @@ def run(command, cwd, env, stdin=None, check=True):
     elapsed = time.perf_counter() - started
     process.returncode = os.waitstatus_to_exitcode(status)
     if check and process.returncode != 0:
-        raise RuntimeError("%s failed (%d): %s" % (" ".join(command[:3]), process.returncode,
+        raise RuntimeError("%s failed (%d): %s" % (" ".join(command[:8]), process.returncode,
                                                    errors.decode(errors="replace")[-2000:]))
-    return elapsed, usage.ru_maxrss / 1024.0
+    kib = usage.ru_maxrss
+    if peak:
+        with open(peak.name) as figures:
+            kib = int(figures.read().split()[-1])
+        os.unlink(peak.name)
+    return elapsed, kib / 1024.0
 
 
 def folder_size(path):
@@ -283,6 +298,8 @@ def report(count, total, tools, samples):
     sizes = {tool: median_of(samples[tool], lambda s: s[2]) for tool in tools}
     print("%-24s" % "repository MB" + "".join(cell(sizes[tool] / 1e6, 10, 1) for tool in tools) +
           "".join(cell(ratio(sizes["hbdepot"], sizes[peer]), 13, 2) for peer in peers))
+    if not TIME:
+        print("(peak memory below includes this script's own, about 18 MiB: install time(1) for exact figures)")
     for operation in ("submit", "fresh workspace"):
         memory = {tool: median_of(samples[tool], lambda s: s[1].get(operation)) for tool in tools}
         print("%-24s" % (operation + " peak MiB") + "".join(cell(memory[tool], 10, 1) for tool in tools))
