@@ -44,12 +44,13 @@ TIME = shutil.which("time", path="/usr/bin:/bin")
 
 
 def run(command, cwd, env, stdin=None, check=True):
-    """Runs one command; answers its wall time in seconds and its peak memory in MiB."""
+    """Runs one command; answers its wall time and CPU time (user and system, its children's too) in
+    seconds, and its peak memory in MiB."""
     peak = None
     if TIME:
         peak = tempfile.NamedTemporaryFile(prefix="peak-", delete=False)
         peak.close()
-        command = [TIME, "-q", "-f", "%M", "-o", peak.name] + command
+        command = [TIME, "-q", "-f", "%U %S %M", "-o", peak.name] + command
     started = time.perf_counter()
     process = subprocess.Popen(command, cwd=cwd, env=env, stdin=subprocess.PIPE if stdin else subprocess.DEVNULL,
                                stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
@@ -63,12 +64,13 @@ def run(command, cwd, env, stdin=None, check=True):
     if check and process.returncode != 0:
         raise RuntimeError("%s failed (%d): %s" % (" ".join(command[:8]), process.returncode,
                                                    errors.decode(errors="replace")[-2000:]))
-    kib = usage.ru_maxrss
+    cpu, kib = usage.ru_utime + usage.ru_stime, usage.ru_maxrss
     if peak:
         with open(peak.name) as figures:
-            kib = int(figures.read().split()[-1])
+            user, system, kib = figures.read().split()[-3:]
+        cpu, kib = float(user) + float(system), int(kib)
         os.unlink(peak.name)
-    return elapsed, kib / 1024.0
+    return elapsed, cpu, kib / 1024.0
 
 
 def folder_size(path):
@@ -150,7 +152,7 @@ class Scenario:
         return run(command, cwd or self.base, self.env, stdin)
 
     def timed(self, operation, files, edited):
-        """Runs one operation; answers (seconds, peak MiB)."""
+        """Runs one operation; answers what run() does."""
         ws = self.workspace
         if self.tool == "hbdepot":
             commands = {
@@ -202,24 +204,24 @@ def edit_files(root, files):
 def one_run(tool, base, hbdepot, tree, files, edited):
     scenario = Scenario(tool, base, hbdepot)
     shutil.copytree(tree, scenario.prepare(), dirs_exist_ok=True)
-    times, memory = {}, {}
+    times, cpu, memory = {}, {}, {}
     for operation in OPERATIONS:
         if operation == "status after 100 edits":
             edit_files(scenario.workspace, edited)
         measured = scenario.timed(operation, files, edited)
         if measured:
-            times[operation], memory[operation] = measured
+            times[operation], cpu[operation], memory[operation] = measured
         if operation == "submit":
             size = scenario.repository_size()
     extra = {}
     if tool == "hbdepot":
         one = [files[0]]
-        extra["ticket"] = scenario.call(scenario.depot("bench", "status", *one), cwd=scenario.workspace)[0]
+        extra["ticket"] = scenario.call(scenario.depot("bench", "status", *one), cwd=scenario.workspace)
         scenario.env["HBDEPOT_TICKETS"] += "-none"
         extra["password"] = scenario.call(scenario.depot("bench", "--password-stdin", "status", *one),
-                                          cwd=scenario.workspace, stdin=PASSWORD + "\n")[0]
+                                          cwd=scenario.workspace, stdin=PASSWORD + "\n")
     shutil.rmtree(base, ignore_errors=True)
-    return times, memory, size, extra
+    return {"wall": times, "cpu": cpu}, memory, size, extra
 
 
 def ensure_peers(install):
@@ -287,14 +289,16 @@ def median_of(samples, pick):
 
 def report(count, total, tools, samples):
     peers = [tool for tool in tools if tool != "hbdepot"]
-    print("\n%d files, %.1f MB (every fifth binary); seconds, medians of %d runs" % (
+    print("\n%d files, %.1f MB (every fifth binary); medians of %d runs" % (
         count, total / 1e6, len(samples["hbdepot"])))
-    print("%-24s" % "operation" + "".join(tool.rjust(10) for tool in tools) +
-          "".join(("hbdepot/" + peer).rjust(13) for peer in peers))
-    for operation in OPERATIONS:
-        medians = {tool: median_of(samples[tool], lambda s: s[0].get(operation)) for tool in tools}
-        print("%-24s" % operation + "".join(cell(medians[tool]) for tool in tools) +
-              "".join(cell(ratio(medians["hbdepot"], medians[peer]), 13, 2) for peer in peers))
+    # CPU time stays comparable while other processes share the machine; wall time is what a user waits.
+    for clock, title in (("wall", "wall seconds"), ("cpu", "CPU seconds")):
+        print("%-24s" % title + "".join(tool.rjust(10) for tool in tools) +
+              "".join(("hbdepot/" + peer).rjust(13) for peer in peers))
+        for operation in OPERATIONS:
+            medians = {tool: median_of(samples[tool], lambda s: s[0][clock].get(operation)) for tool in tools}
+            print("%-24s" % operation + "".join(cell(medians[tool]) for tool in tools) +
+                  "".join(cell(ratio(medians["hbdepot"], medians[peer]), 13, 2) for peer in peers))
     sizes = {tool: median_of(samples[tool], lambda s: s[2]) for tool in tools}
     print("%-24s" % "repository MB" + "".join(cell(sizes[tool] / 1e6, 10, 1) for tool in tools) +
           "".join(cell(ratio(sizes["hbdepot"], sizes[peer]), 13, 2) for peer in peers))
@@ -303,22 +307,23 @@ def report(count, total, tools, samples):
     for operation in ("submit", "fresh workspace"):
         memory = {tool: median_of(samples[tool], lambda s: s[1].get(operation)) for tool in tools}
         print("%-24s" % (operation + " peak MiB") + "".join(cell(memory[tool], 10, 1) for tool in tools))
-    ticket = median_of(samples["hbdepot"], lambda s: s[3]["ticket"])
-    password = median_of(samples["hbdepot"], lambda s: s[3]["password"])
-    print("hbdepot one-file status: %.1f ms with the kept ticket, %.1f ms logging in with a password" % (
-        ticket * 1000, password * 1000))
+    for way, text in (("ticket", "with the kept ticket"), ("password", "logging in with a password")):
+        wall, cpu, peak = (median_of(samples["hbdepot"], lambda s: s[3][way][i]) for i in range(3))
+        print("hbdepot one-file status %s: %.1f ms wall, %.1f ms CPU, %.1f MiB peak" % (
+            text, wall * 1000, cpu * 1000, peak))
 
 
 def report_growth(sizes, tools, results):
     low, high = sizes[0], sizes[-1]
     print("\ngrowth from %d to %d files (time at %d / time at %d)" % (low, high, high, low))
-    print("%-24s" % "operation" + "".join(tool.rjust(10) for tool in tools))
-    for operation in OPERATIONS:
-        row = []
-        for tool in tools:
-            at = [median_of(results[size][1][tool], lambda s: s[0].get(operation)) for size in (low, high)]
-            row.append(cell(ratio(at[1], at[0]), 10, 2))
-        print("%-24s" % operation + "".join(row))
+    for clock in ("wall", "cpu"):
+        print("%-24s" % (clock + " time") + "".join(tool.rjust(10) for tool in tools))
+        for operation in OPERATIONS:
+            row = []
+            for tool in tools:
+                at = [median_of(results[size][1][tool], lambda s: s[0][clock].get(operation)) for size in (low, high)]
+                row.append(cell(ratio(at[1], at[0]), 10, 2))
+            print("%-24s" % operation + "".join(row))
 
 
 if __name__ == "__main__":
