@@ -41,6 +41,12 @@ void ItemLibrary::CreateItemAccessStateChanged(const ItemID& item, long accessSt
     });
 }
 
+void ItemLibrary::Reserve(std::size_t items)
+{
+    m_itemById.reserve(m_itemById.size() + items);
+    m_idByItem.reserve(m_idByItem.size() + items);
+}
+
 ItemID ItemLibrary::Bind(const std::string& dbUid)
 {
     const auto [entry, added] = m_itemById.emplace(dbUid, m_nextItem);

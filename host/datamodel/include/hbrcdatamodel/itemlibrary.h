@@ -28,6 +28,8 @@ public:
     ItemLibraryContext& Context() { return m_context; }
     borax::datamodel::ItemLibraryAccessor Accessor() { return m_context.Accessor(); }
 
+    // Makes room for this many more items before they are bound.
+    void Reserve(std::size_t items);
     // Binds a new item to the object id (or answers the item already bound to it).
     borax::datamodel::ItemID Bind(const std::string& dbUid);
     void Unbind(const std::string& dbUid);
