@@ -6,6 +6,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace hbrc::host {
 class DataModelMgr;
@@ -43,9 +44,9 @@ public:
 private:
     const DataModelMgr& m_model;
     ItemLibraryContext m_context{this, 0};
-    std::uint64_t m_nextItem = 1;
     std::unordered_map<std::string, std::uint64_t> m_itemById;
-    std::unordered_map<std::uint64_t, std::string> m_idByItem;
+    // Item n's id at n - 1 (the key held by m_itemById); null once the item is unbound.
+    std::vector<const std::string*> m_idByItem;
 };
 
 }  // namespace hbrc::host
