@@ -1,16 +1,13 @@
-// Cost of the services' list questions against the embedded depot: the status of 10,000 files in
-// one call, a 1,000-object status question asked as one list or object by object, and the first
+// Cost of the services' list questions against the embedded depot: the status of 10,000 submitted
+// files (a realistic tree, on disk and in the depot) in one call, a 1,000-object status question asked as one list or object by object, and the first
 // per-object question after a change in workspaces of 1,000 and 10,000 assets. Reports round
 // trips per question and, in a summary line, the ratios measured side by side in this run.
-#include <hbrcservices/revisioncontrolservices.h>
-
-#include <hbrcdatamodel/workspace.h>
+#include <depotworkspace.h>
+#include <realistictree.h>
 
 #include <benchmark/benchmark.h>
 
-#include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 
 #include <chrono>
 #include <cstdio>
@@ -18,6 +15,8 @@
 #include <map>
 #include <memory>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 using namespace hbrc::host;
 
@@ -25,7 +24,8 @@ namespace {
 
 constexpr kel4::closureId kPersistence = kel4::closureId::Persistence;
 
-// A depot with one user and a workspace of 1,000 unsaved assets, with the services logged in.
+// A depot with one user whose workspace holds 10,000 submitted files and 1,000 unsaved assets,
+// with the services logged in.
 class Scene
 {
 public:
@@ -35,51 +35,31 @@ public:
         return scene;
     }
 
-    DataControl& Data() { return *m_services.dataControl; }
-    FileVersionControl& Files() { return *m_services.fileVersionControl; }
-    DepotConnection& Connection() { return *m_services.connection; }
+    DataControl& Data() { return m_depot.Data(); }
+    FileVersionControl& Files() { return m_depot.Files(); }
+    DepotConnection& Connection() { return m_depot.Connection(); }
     const kel4::IDataControl::ObjectList& Objects() const { return m_objects; }
-    kel4::List<std::string> FileNames(int count) const
-    {
-        kel4::List<std::string> files;
-        for (int i = 0; i < count; ++i)
-            files.push_back(m_root + "/files/f" + std::to_string(i) + ".kel");
-        return files;
-    }
+    kel4::List<std::string> FileNames(int count) const { return {m_files.begin(), m_files.begin() + count}; }
 
 private:
     Scene()
     {
-        QDir(m_dir.path()).mkpath(QStringLiteral("ws"));
-        m_root = QFile::encodeName(QDir(m_dir.filePath(QStringLiteral("ws"))).canonicalPath()).toStdString();
-        const std::string depotPath = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
-        hbrc::depot::DepotOptions options;
-        options.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
-        hbrc::depot::Depot admin(depotPath, options);
-        if (!hbrc::depot::Depot::create(depotPath).ok() || !admin.addUser("bench", "pw").ok() ||
-            !admin.addWorkspace("bench-ws", "bench", m_root).ok())
-            throw std::runtime_error("cannot set up the depot");
+        const QStringList files = hbrc::bench::makeRealisticTree(QFile::decodeName(m_depot.Root().c_str()) + "/files", 10000);
+        if (files.isEmpty())
+            throw std::runtime_error("cannot write the benchmark files");
+        for (const QString& file : files)
+            m_files.push_back(QFile::encodeName(file).toStdString());
+        m_depot.Submit(m_files);
         std::string error;
-        m_workspace = Workspace::Open(QString::fromStdString(m_root), error);
-        if (!m_workspace)
-            throw std::runtime_error(error);
-        ConnectionOptions connection;
-        connection.depot = options;
-        m_services = InstallRevisionControlServices(*m_workspace, depotPath, {"bench", "pw", "bench-ws"}, error,
-                                                    connection);
-        if (!error.empty())
-            throw std::runtime_error(error);
         for (int i = 0; i < 1000; ++i) {
             NewAsset asset;
             asset.name = "Asset" + std::to_string(i);
-            m_objects.emplace_back(m_workspace->CreateAsset(asset, error));
+            m_objects.emplace_back(m_depot.Space().CreateAsset(asset, error));
         }
     }
 
-    QTemporaryDir m_dir;
-    std::string m_root;
-    std::unique_ptr<Workspace> m_workspace;
-    RevisionControlServices m_services;
+    hbrc::bench::DepotWorkspace m_depot;
+    std::vector<std::string> m_files;
     kel4::IDataControl::ObjectList m_objects;
 };
 
@@ -173,54 +153,32 @@ public:
         return *scene;
     }
 
-    DepotConnection& Connection() { return *m_services.connection; }
-    DataControl& Data() { return *m_services.dataControl; }
+    DepotConnection& Connection() { return m_depot.Connection(); }
+    DataControl& Data() { return m_depot.Data(); }
     const kel4::IDataControl::ObjectList& Objects() const { return m_objects; }
     void ChangeTheFirstAsset()
     {
         std::string error;
-        if (m_services.fileVersionControl->Revert(Data().GetUserParameters().Get(), m_firstFiles, error, 0, 0)
-                .IsFailure())
+        if (m_depot.Files().Revert(m_depot.Session(), m_firstFiles, error, 0, 0).IsFailure())
             throw std::runtime_error(error);
     }
 
 private:
     explicit ChangedWorkspace(int assets)
     {
-        QDir(m_dir.path()).mkpath(QStringLiteral("ws"));
-        const std::string root =
-            QFile::encodeName(QDir(m_dir.filePath(QStringLiteral("ws"))).canonicalPath()).toStdString();
-        const std::string depotPath = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
-        hbrc::depot::DepotOptions options;
-        options.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
-        hbrc::depot::Depot admin(depotPath, options);
-        if (!hbrc::depot::Depot::create(depotPath).ok() || !admin.addUser("bench", "pw").ok() ||
-            !admin.addWorkspace("bench-ws", "bench", root).ok())
-            throw std::runtime_error("cannot set up the depot");
         std::string error;
-        m_workspace = Workspace::Open(QString::fromStdString(root), error);
-        if (!m_workspace)
-            throw std::runtime_error(error);
-        ConnectionOptions connection;
-        connection.depot = options;
-        m_services = InstallRevisionControlServices(*m_workspace, depotPath, {"bench", "pw", "bench-ws"}, error,
-                                                    connection);
-        if (!error.empty())
-            throw std::runtime_error(error);
         for (int i = 0; i < assets; ++i) {
             NewAsset asset;
             asset.name = "Stone" + std::to_string(i);
-            m_objects.emplace_back(m_workspace->CreateAsset(asset, error));
+            m_objects.emplace_back(m_depot.Space().CreateAsset(asset, error));
         }
-        m_workspace->Save();
+        m_depot.Space().Save();
         kel4::Set<std::string> files;
         Data().GetFiles(m_objects.front(), true, kPersistence, "", files);
         m_firstFiles.assign(files.begin(), files.end());
     }
 
-    QTemporaryDir m_dir;
-    std::unique_ptr<Workspace> m_workspace;
-    RevisionControlServices m_services;
+    hbrc::bench::DepotWorkspace m_depot;
     kel4::IDataControl::ObjectList m_objects;
     kel4::List<std::string> m_firstFiles;
 };

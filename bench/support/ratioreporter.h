@@ -1,7 +1,8 @@
 #pragma once
 
 // A console reporter that also keeps each benchmark run's time per iteration and, after the run,
-// prints one "ratio <label>: <value>" line per requested pair of runs measured side by side.
+// prints one "ratio <label>: <value>" line per requested pair of runs measured side by side. For a
+// benchmark run with repetitions it takes the median of the repetitions.
 // Header-only; benchmark folders link the interface target hbrc_benchsupport.
 
 #include <benchmark/benchmark.h>
@@ -34,9 +35,11 @@ public:
     void ReportRuns(const std::vector<Run>& runs) override
     {
         for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
-                m_times[run.benchmark_name()] =
-                    m_clock == Clock::Real ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
+            const double time = m_clock == Clock::Real ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
+            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median")
+                m_medians[run.run_name.str()] = time;
+            else if (run.run_type == Run::RT_Iteration && run.iterations > 0)
+                m_times[run.benchmark_name()] = time;
         }
         ConsoleReporter::ReportRuns(runs);
     }
@@ -45,17 +48,27 @@ public:
     {
         ConsoleReporter::Finalize();
         for (const Ratio& ratio : m_ratios) {
-            const double top = m_times[ratio.numerator];
-            const double bottom = m_times[ratio.denominator];
+            const double top = timeOf(ratio.numerator);
+            const double bottom = timeOf(ratio.denominator);
             if (top > 0 && bottom > 0)
                 std::printf("ratio %s: %.2f\n", ratio.label.c_str(), top / bottom);
         }
     }
 
 private:
+    double timeOf(const std::string& run) const
+    {
+        for (const auto* times : {&m_medians, &m_times}) {
+            if (const auto found = times->find(run); found != times->end())
+                return found->second;
+        }
+        return 0;
+    }
+
     std::vector<Ratio> m_ratios;
     Clock m_clock;
     std::map<std::string, double> m_times;
+    std::map<std::string, double> m_medians;
 };
 
 // The main of a benchmark that needs widgets: one QApplication (offscreen unless the caller chose

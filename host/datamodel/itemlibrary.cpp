@@ -24,8 +24,9 @@ bool ItemLibrary::FindItemByDbUid(const std::string& dbUid, ItemID& item) const
 
 DbObjectId ItemLibrary::GetItemDbUid(const ItemID& item) const
 {
-    const auto found = m_idByItem.find(item.GetValue());
-    return found == m_idByItem.end() ? DbObjectId() : DbObjectId(found->second);
+    const std::uint64_t value = item.GetValue();
+    const std::string* id = value >= 1 && value <= m_idByItem.size() ? m_idByItem[value - 1] : nullptr;
+    return id ? DbObjectId(*id) : DbObjectId();
 }
 
 std::string ItemLibrary::GetItemName(const ItemID& item) const
@@ -41,11 +42,17 @@ void ItemLibrary::CreateItemAccessStateChanged(const ItemID& item, long accessSt
     });
 }
 
+void ItemLibrary::Reserve(std::size_t items)
+{
+    m_itemById.reserve(m_itemById.size() + items);
+    m_idByItem.reserve(m_idByItem.size() + items);
+}
+
 ItemID ItemLibrary::Bind(const std::string& dbUid)
 {
-    const auto [entry, added] = m_itemById.emplace(dbUid, m_nextItem);
+    const auto [entry, added] = m_itemById.emplace(dbUid, m_idByItem.size() + 1);
     if (added)
-        m_idByItem.emplace(m_nextItem++, dbUid);
+        m_idByItem.push_back(&entry->first);
     return ItemID(entry->second);
 }
 
@@ -54,7 +61,7 @@ void ItemLibrary::Unbind(const std::string& dbUid)
     const auto found = m_itemById.find(dbUid);
     if (found == m_itemById.end())
         return;
-    m_idByItem.erase(found->second);
+    m_idByItem[found->second - 1] = nullptr;  // item numbers are never reused
     m_itemById.erase(found);
 }
 

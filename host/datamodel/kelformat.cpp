@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cctype>
-#include <set>
 #include <sstream>
+#include <string_view>
+#include <utility>
 
 namespace hbrc::host {
 
@@ -48,7 +49,7 @@ int hexDigit(char c)
     return -1;
 }
 
-bool unescape(const std::string& text, std::string& out)
+bool unescape(std::string_view text, std::string& out)
 {
     out.clear();
     out.reserve(text.size());
@@ -78,47 +79,74 @@ bool unescape(const std::string& text, std::string& out)
     return true;
 }
 
-bool isToken(const std::string& text)
+bool isToken(std::string_view text)
 {
     return !text.empty()
            && std::none_of(text.begin(), text.end(), [](unsigned char c) { return std::isspace(c) || c == '\\'; });
 }
 
-// Reads the record line by line; every failure names the line.
+bool isSpace(char c)
+{
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
+}
+
+void skipSpace(std::string_view& text)
+{
+    text.remove_prefix(std::size_t(std::find_if_not(text.begin(), text.end(), isSpace) - text.begin()));
+}
+
+// The next whitespace-separated word of text, taken off its front ("" when there is none).
+std::string_view takeWord(std::string_view& text)
+{
+    skipSpace(text);
+    const std::string_view word = text.substr(0, std::size_t(std::find_if(text.begin(), text.end(), isSpace) - text.begin()));
+    text.remove_prefix(word.size());
+    return word;
+}
+
+// Reads the record line by line; every failure names the line. It works on views of the text and
+// copies only what the record keeps.
 class Parser
 {
 public:
     Parser(AssetRecord& record, std::string& errorText) : m_record(record), m_error(errorText) {}
 
-    bool Run(const std::string& text)
+    bool Run(std::string_view text)
     {
-        std::istringstream lines(text);
-        std::string line;
-        while (std::getline(lines, line)) {
+        std::size_t start = 0;
+        while (start < text.size()) {
+            const std::size_t end = std::min(text.find('\n', start), text.size());
+            std::string_view line = text.substr(start, end - start);
+            start = end + 1;
             ++m_lineNumber;
             if (!line.empty() && line.back() == '\r')
-                line.pop_back();
+                line.remove_suffix(1);
             const auto control = std::find_if(line.begin(), line.end(), [](char c) { return isControl(static_cast<unsigned char>(c)); });
             if (control != line.end())
                 return FailAt(control - line.begin(), static_cast<unsigned char>(*control));
             if (line.empty() || line.front() == '#')
                 continue;
             const std::size_t space = line.find(' ');
-            const std::string key = line.substr(0, space);
-            const std::string value = space == std::string::npos ? std::string() : line.substr(space + 1);
+            const std::string_view key = line.substr(0, space);
+            const std::string_view value = space == std::string_view::npos ? std::string_view() : line.substr(space + 1);
             if (!m_sawHeader ? !ReadHeader(key, value) : !ReadEntry(key, value))
                 return false;
         }
         if (!m_sawHeader)
             return Fail("the file is empty or has no \"kel 1\" header", false);
-        for (const char* required : {"id", "kind", "type", "name", "version"}) {
-            if (!m_seen.count(required))
+        for (const auto& [required, bit] : kRequired) {
+            if (!(m_seen & bit))
                 return Fail(std::string("the entry \"") + required + "\" is missing", false);
         }
         return true;
     }
 
 private:
+    // The entries that stand at most once, one bit each.
+    enum Once : unsigned { kId = 1, kKind = 2, kType = 4, kName = 8, kVersion = 16, kPersistable = 32 };
+    static constexpr std::pair<const char*, unsigned> kRequired[] = {
+        {"id", kId}, {"kind", kKind}, {"type", kType}, {"name", kName}, {"version", kVersion}};
+
     bool Fail(const std::string& reason, bool withLine = true)
     {
         m_error = withLine ? "line " + std::to_string(m_lineNumber) + ": " + reason : reason;
@@ -134,53 +162,55 @@ private:
         return false;
     }
 
-    bool ReadHeader(const std::string& key, const std::string& value)
+    bool ReadHeader(std::string_view key, std::string_view value)
     {
         if (key != "kel")
             return Fail("expected the header \"kel 1\"");
         if (value != std::to_string(KelFormat::kVersion))
-            return Fail("unsupported format version \"" + value + "\"");
+            return Fail("unsupported format version \"" + std::string(value) + "\"");
         m_sawHeader = true;
         return true;
     }
 
-    bool Once(const std::string& key)
+    bool Once(std::string_view key, unsigned bit)
     {
-        if (!m_seen.insert(key).second)
-            return Fail("the entry \"" + key + "\" appears twice");
+        if (m_seen & bit)
+            return Fail("the entry \"" + std::string(key) + "\" appears twice");
+        m_seen |= bit;
         return true;
     }
 
-    bool ReadText(const std::string& key, const std::string& value, std::string& out)
+    bool ReadText(std::string_view key, std::string_view value, std::string& out)
     {
         if (!unescape(value, out))
-            return Fail("bad escape sequence in \"" + key + "\"");
+            return Fail("bad escape sequence in \"" + std::string(key) + "\"");
         return true;
     }
 
-    bool ReadToken(const std::string& key, const std::string& value, std::string& out)
+    bool ReadToken(std::string_view key, std::string_view value, std::string& out)
     {
         if (!isToken(value))
-            return Fail("\"" + key + "\" needs one word without spaces");
-        out = value;
+            return Fail("\"" + std::string(key) + "\" needs one word without spaces");
+        out.assign(value);
         return true;
     }
 
-    bool ReadEntry(const std::string& key, const std::string& value)
+    bool ReadEntry(std::string_view key, std::string_view value)
     {
         if (key == "id")
-            return Once(key) && ReadToken(key, value, m_record.id);
+            return Once(key, kId) && ReadToken(key, value, m_record.id);
         if (key == "type")
-            return Once(key) && ReadToken(key, value, m_record.type);
+            return Once(key, kType) && ReadToken(key, value, m_record.type);
         if (key == "name")
-            return Once(key) && ReadText(key, value, m_record.name);
+            return Once(key, kName) && ReadText(key, value, m_record.name);
         if (key == "kind") {
-            if (!Once(key))
+            if (!Once(key, kKind))
                 return false;
-            return AssetKindFromName(value, m_record.kind) || Fail("unknown kind \"" + value + "\"");
+            return AssetKindFromName(std::string(value), m_record.kind)
+                   || Fail("unknown kind \"" + std::string(value) + "\"");
         }
         if (key == "persistable") {
-            if (!Once(key))
+            if (!Once(key, kPersistable))
                 return false;
             if (value != "yes" && value != "no")
                 return Fail("\"persistable\" must be yes or no");
@@ -188,58 +218,57 @@ private:
             return true;
         }
         if (key == "version")
-            return Once(key) && ReadVersion(value);
+            return Once(key, kVersion) && ReadVersion(value);
         if (key == "field")
             return ReadField(value);
         if (key == "external")
-            return ReadExternal(value);
+            return ReadExternal(std::string(value));
         if (key == "part")
             return ReadPart(value);
-        return Fail("unknown entry \"" + key + "\"");
+        return Fail("unknown entry \"" + std::string(key) + "\"");
     }
 
-    bool ReadVersion(const std::string& value)
+    bool ReadVersion(std::string_view value)
     {
         if (value.empty() || value.size() > 18 || !std::all_of(value.begin(), value.end(), ::isdigit))
             return Fail("\"version\" must be a whole number");
-        m_record.version = std::stoull(value);
+        m_record.version = std::stoull(std::string(value));
         return true;
     }
 
-    bool ReadField(const std::string& value)
+    bool ReadField(std::string_view value)
     {
         const std::size_t separator = value.find(" = ");
-        const std::string name = value.substr(0, separator);
-        if (separator == std::string::npos || !isToken(name))
+        const std::string_view name = value.substr(0, separator);
+        if (separator == std::string_view::npos || !isToken(name))
             return Fail("a field reads \"field <name> = <value>\"");
         std::string text;
         if (!ReadText("field", value.substr(separator + 3), text))
             return false;
-        if (!m_record.fields.emplace(name, text).second)
-            return Fail("the field \"" + name + "\" appears twice");
+        if (!m_record.fields.emplace(name, std::move(text)).second)
+            return Fail("the field \"" + std::string(name) + "\" appears twice");
         return true;
     }
 
-    bool ReadExternal(const std::string& value)
+    bool ReadExternal(std::string value)
     {
         if (!KelFormat::IsValidExternalFileName(value))
             return Fail("\"" + value + "\" is not a file name inside the asset's folder");
         if (std::find(m_record.externalFiles.begin(), m_record.externalFiles.end(), value) != m_record.externalFiles.end())
             return Fail("the external file \"" + value + "\" appears twice");
-        m_record.externalFiles.push_back(value);
+        m_record.externalFiles.push_back(std::move(value));
         return true;
     }
 
-    bool ReadPart(const std::string& value)
+    bool ReadPart(std::string_view value)
     {
-        std::istringstream words(value);
         PartRecord part;
-        words >> part.id >> part.type;
-        std::string name;
-        std::getline(words >> std::ws, name);
+        part.id = takeWord(value);
+        part.type = takeWord(value);
+        skipSpace(value);  // the name is the rest of the line
         if (!isToken(part.id) || !isToken(part.type))
             return Fail("a part reads \"part <id> <type> <name>\"");
-        if (!ReadText("part", name, part.name))
+        if (!ReadText("part", value, part.name))
             return false;
         m_record.parts.push_back(std::move(part));
         return true;
@@ -249,7 +278,7 @@ private:
     std::string& m_error;
     int m_lineNumber = 0;
     bool m_sawHeader = false;
-    std::set<std::string> m_seen;
+    unsigned m_seen = 0;
 };
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <hbrcdatamodel/objectquery.h>
 #include <hbrcdatamodel/objectstore.h>
 
+#include <algorithm>
+
 namespace hbrc::host {
 
 namespace {
@@ -52,20 +54,28 @@ void ObjectStore::Free(std::uint32_t slot)
     --m_live;
 }
 
+void ObjectStore::Reserve(std::size_t assets)
+{
+    // Most assets have a few parts; the object tables grow past this only for richer ones.
+    constexpr std::size_t kObjectsPerAsset = 3;
+    m_slots.reserve(m_slots.size() + assets * kObjectsPerAsset);
+    m_byId.reserve(m_byId.size() + assets * kObjectsPerAsset);
+    m_kelPaths.reserve(m_kelPaths.size() + assets);
+}
+
 std::uint32_t ObjectStore::AddAsset(AssetRecord record, std::string kelPath)
 {
-    std::set<std::string> ids{record.id};
-    for (const PartRecord& part : record.parts)
-        ids.insert(part.id);
-    if (ids.size() != record.parts.size() + 1)
+    // Every id new and distinct: the parts of one asset are few, so compare them pairwise.
+    const auto taken = [this](const std::string& id) { return m_byId.count(id) != 0; };
+    if (taken(record.id))
         return kNoSlot;
-    for (const std::string& id : ids) {
-        if (m_byId.count(id))
+    for (auto part = record.parts.begin(); part != record.parts.end(); ++part) {
+        if (part->id == record.id || taken(part->id)
+            || std::any_of(record.parts.begin(), part, [&](const PartRecord& earlier) { return earlier.id == part->id; }))
             return kNoSlot;
     }
-    if (m_kelPaths.count(kelPath))
+    if (!m_kelPaths.insert(kelPath).second)
         return kNoSlot;
-    m_kelPaths.insert(kelPath);
     auto asset = std::make_unique<StoredAsset>();
     asset->kelPath = std::move(kelPath);
     if (record.version > 0)

@@ -63,6 +63,7 @@ std::unique_ptr<Workspace> Workspace::Open(const QString& folder, std::string& e
     std::unique_ptr<Workspace> workspace(new Workspace(info.canonicalFilePath()));
     ObjectStore& store = workspace->m_model->Store();
     workspace->m_loaded = WorkspaceLoader::Load(workspace->Root(), store);
+    workspace->m_library->Reserve(store.LiveCount());
     store.ForEachLive([&](std::uint32_t slot) { workspace->m_library->Bind(store.IdOf(slot)); });
     Log::Singleton::Instance().GetStream(Log::eMessage)
         << "Opened workspace " << QFile::encodeName(workspace->Root()).toStdString() << ": "

@@ -122,6 +122,27 @@ TEST_F(TarnCheckBox, IsPaintedOncePerKeyAndBlittedFromTheCacheAfterwards)
     EXPECT_NE(first, draw(hovered));
 }
 
+TEST_F(TarnCheckBox, WithThePixmapCacheSwitchedOffIsPaintedStraightOntoTheDeviceAlike)
+{
+    const QStyle::State states[] = {QStyle::State_Enabled | QStyle::State_On, QStyle::State_Enabled,
+                                    QStyle::State_Enabled | QStyle::State_MouseOver | QStyle::State_Sunken};
+    const int limit = QPixmapCache::cacheLimit();
+    for (const QStyle::State state : states) {
+        QStyleOptionButton button = option(state);
+        button.rect.translate(3, 2);  // away from the device's origin
+        const auto paint = [&] {
+            return paintedImage(kIndicator + QSize(5, 4), kSentinel,
+                                [&](QPainter& p) { m_style.drawPrimitive(QStyle::PE_IndicatorCheckBox, &button, &p); });
+        };
+        QPixmapCache::clear();
+        const QImage cached = paint();
+        QPixmapCache::setCacheLimit(0);
+        const QImage direct = paint();
+        QPixmapCache::setCacheLimit(limit);
+        EXPECT_EQ(direct, cached) << int(state);
+    }
+}
+
 // In an item view the box sits on Base (42), where the button's border (38) would vanish: its
 // border is a grey between Text and Base that stands out at better than 3:1.
 TEST_F(TarnCheckBox, InAnItemViewTheUncheckedBoxHasABorderThatStandsOutFromBase)

@@ -159,6 +159,43 @@ TEST_F(FileListTest, ThreeTitledColumnsListingTheFilesFlatInAscendingOrder)
                                                 "y1: 0.25 x2: 0.5, y2: 0.75, stop: 0 #444444, stop: 0.7 #555555 );}"));
 }
 
+// The disk is asked about a file when its row is painted or its data asked for, not when the row
+// goes in, and asked again after a refresh.
+TEST_F(FileListTest, FileStatesAreAskedWhenRowsAreFirstShownAndAgainAfterARefresh)
+{
+    QStringList files;
+    for (int i = 199; i >= 0; --i) {  // given in descending order
+        files << temp.filePath(QStringLiteral("f%1.txt").arg(i, 3, 10, QLatin1Char('0')));
+        ASSERT_TRUE(QFile(files.back()).open(QIODevice::WriteOnly));
+    }
+    QFileListWidget list(files);
+    list.AddFiles({temp.filePath(QStringLiteral("added.txt"))});
+    ASSERT_EQ(list.topLevelItemCount(), 201);
+    EXPECT_EQ(list.topLevelItem(0)->text(0), temp.filePath(QStringLiteral("added.txt")));
+    EXPECT_EQ(list.topLevelItem(1)->text(0), files.last()) << "rows go in sorted by path";
+    EXPECT_EQ(list.topLevelItem(200)->text(0), files.first());
+
+    ASSERT_TRUE(QFile::remove(files.last()));  // gone before its row is first shown
+    list.resize(400, 200);
+    list.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&list));
+    list.viewport()->repaint();
+    for (const QString& file : std::as_const(files))
+        QFile::remove(file);
+
+    const auto missing = [&](int row) {
+        const QTreeWidgetItem* item = list.topLevelItem(row);
+        const bool grey = item->data(0, Qt::ForegroundRole) == QVariant(QBrush(Qt::darkGray));
+        EXPECT_EQ(item->checkState(1), grey ? Qt::Checked : Qt::Unchecked) << "a missing file is not writable";
+        return grey;
+    };
+    EXPECT_TRUE(missing(1)) << "removed before it was shown";
+    EXPECT_FALSE(missing(2)) << "shown while the file was there";
+    EXPECT_TRUE(missing(200)) << "never shown, asked after the removal";
+    list.RefreshFileStates();
+    EXPECT_TRUE(missing(2));
+}
+
 TEST_F(FileListTest, OnlyControlCCopiesTheSelectedPaths)
 {
     const std::tuple<const char*, int, Qt::KeyboardModifiers, bool> rows[] = {  // name, rows selected, keys, copies

@@ -12,6 +12,10 @@ class QMouseEvent;
 /// check box that the user can see but not change ("Read Only", checked when the file cannot be
 /// written). Ctrl+C copies the selected paths; the right-button menu reveals them in the file
 /// browser or copies them. The rows are the data: the widget keeps no list of its own.
+///
+/// Rows are added without touching the disk and sorted by path. A file's state (missing, read-only)
+/// is asked of the file system when its row is first shown or its data is first asked for, and kept
+/// until RefreshFileStates().
 class QTEXTENTION_EXPORT QFileListWidget : public QTreeWidget
 {
     Q_OBJECT
@@ -27,6 +31,9 @@ public slots:
     void ShowFiles();
     /// Puts the selected paths on the clipboard, each followed by "\n"; nothing selected empties it.
     void CopyToClipboard();
+    /// Forgets every file's state, so that shown rows are checked again now and the others when
+    /// they are next shown or asked for.
+    void RefreshFileStates();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -12,31 +12,87 @@
 #include <QMenu>
 #include <QMouseEvent>
 
+#include <optional>
+#include <utility>
+
 namespace {
 
 enum Column { PathColumn = 0, ReadOnlyColumn = 1, ColumnCount = 3 };
 
 constexpr int RowHeight = 18;
 
+// One file's row. Only the path is kept up front; whether the file exists and can be written is
+// asked of the file system when the view (or a caller) first needs it, so that listing many files
+// costs no disk work for rows nobody looks at.
+class FileRow final : public QTreeWidgetItem
+{
+public:
+    static constexpr int Type = QTreeWidgetItem::UserType + 1;
+
+    explicit FileRow(QString absolutePath) : QTreeWidgetItem(Type), m_path(std::move(absolutePath))
+    {
+        // Selectable but not user-checkable: the read-only box is shown, never edited.
+        setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
+    }
+
+    QVariant data(int column, int role) const override
+    {
+        if (column == PathColumn) {
+            switch (role) {
+            case Qt::DisplayRole:
+            case Qt::EditRole:
+                return m_path;
+            case Qt::SizeHintRole:
+                return QSize(0, RowHeight);
+            case Qt::ForegroundRole:
+                return fileState().exists ? QVariant() : QVariant(QBrush(Qt::darkGray, Qt::SolidPattern));
+            case Qt::ToolTipRole:
+                // The view elides long paths in the middle; the tooltip keeps the whole path and says
+                // why a row is grey.
+                return fileState().exists ? m_path : QFileListWidget::tr("%1\nThis file does not exist.").arg(m_path);
+            default:
+                break;
+            }
+        } else if (column == ReadOnlyColumn && role == Qt::CheckStateRole) {
+            return fileState().writable ? Qt::Unchecked : Qt::Checked;
+        }
+        return QTreeWidgetItem::data(column, role);
+    }
+
+    bool operator<(const QTreeWidgetItem& other) const override
+    {
+        const int column = treeWidget() ? treeWidget()->sortColumn() : PathColumn;
+        if (column == PathColumn && other.type() == Type)
+            return m_path < static_cast<const FileRow&>(other).m_path;
+        return QTreeWidgetItem::operator<(other);
+    }
+
+    // The next question asks the file system again.
+    void forgetFileState() { m_state.reset(); }
+
+private:
+    struct FileState
+    {
+        bool exists = false;
+        bool writable = false;
+    };
+
+    const FileState& fileState() const
+    {
+        if (!m_state) {
+            const QFileInfo info(m_path);
+            m_state = FileState{info.exists(), info.isWritable()};
+        }
+        return *m_state;
+    }
+
+    QString m_path;
+    mutable std::optional<FileState> m_state;
+};
+
 QTreeWidgetItem* createFileItem(const QString& path)
 {
-    const QFileInfo info(path);
-    auto* item = new QTreeWidgetItem;
-    // Selectable but not user-checkable: the read-only box is shown, never edited.
-    item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
-    item->setText(PathColumn, info.absoluteFilePath());
-    item->setSizeHint(PathColumn, QSize(0, RowHeight));
-    // The view elides long paths in the middle; the tooltip keeps the whole path and says why a
-    // row is grey.
-    if (!info.exists()) {
-        item->setForeground(PathColumn, QBrush(Qt::darkGray, Qt::SolidPattern));
-        item->setToolTip(PathColumn,
-                         QFileListWidget::tr("%1\nThis file does not exist.").arg(info.absoluteFilePath()));
-    } else {
-        item->setToolTip(PathColumn, info.absoluteFilePath());
-    }
-    item->setCheckState(ReadOnlyColumn, info.isWritable() ? Qt::Unchecked : Qt::Checked);
-    return item;
+    return new FileRow(QFileInfo(path).absoluteFilePath());  // no disk access: the path is only made absolute
 }
 
 }  // namespace
@@ -70,6 +126,9 @@ QFileListWidget::QFileListWidget(const QStringList& files, QWidget* parent) : QT
     columns->setDefaultAlignment(Qt::AlignLeft);
     columns->setSectionResizeMode(PathColumn, QHeaderView::Stretch);
     columns->setSectionResizeMode(ReadOnlyColumn, QHeaderView::ResizeToContents);
+    // The read-only box has one width for every row: measure only the rows on screen, which
+    // leaves the files of the others unasked.
+    columns->setResizeContentsPrecision(0);
     columns->setStretchLastSection(false);
 
     AddFiles(files);
@@ -83,7 +142,23 @@ void QFileListWidget::AddFiles(const QStringList& files)
     items.reserve(files.size());
     for (const QString& path : files)
         items.append(createFileItem(path));
+    // With sorting on, the view would place the rows one by one; off during the batch, it sorts
+    // them once when it is switched back on.
+    const bool sorted = isSortingEnabled();
+    setSortingEnabled(false);
     addTopLevelItems(items);
+    setSortingEnabled(sorted);
+}
+
+void QFileListWidget::RefreshFileStates()
+{
+    const int rows = topLevelItemCount();
+    for (int row = 0; row < rows; ++row) {
+        if (QTreeWidgetItem* item = topLevelItem(row); item->type() == FileRow::Type)
+            static_cast<FileRow*>(item)->forgetFileState();
+    }
+    if (rows > 0)
+        emit model()->dataChanged(model()->index(0, PathColumn), model()->index(rows - 1, ReadOnlyColumn));
 }
 
 void QFileListWidget::AddFile(const QString& path)

@@ -29,12 +29,20 @@ void tlomDarkStyleDrawGradient(QPainter* painter, const QRect& rect, const QColo
 // Draws the pixmap cached under key at rect's top-left corner. On a miss, a transparent pixmap of
 // rect's size is handed to paint(QPainter&, const QRect& pixmapRect) and then cached. The pixmap
 // has the painted device's pixel ratio, so that a high-density screen gets every device pixel;
-// each ratio other than 1 has its own cache entry (the key with "@<ratio>x" appended).
+// each ratio other than 1 has its own cache entry (the key with "@<ratio>x" appended). With the
+// pixmap cache switched off (a limit of 0) the element is painted straight onto the device.
 template <typename Paint>
 void drawCachedPixmap(QPainter* painter, const QString& key, const QRect& rect, Paint paint)
 {
     if (rect.isEmpty())
         return;
+    if (QPixmapCache::cacheLimit() <= 0) {
+        painter->save();
+        painter->translate(rect.topLeft());
+        paint(*painter, QRect(QPoint(0, 0), rect.size()));
+        painter->restore();
+        return;
+    }
     const qreal ratio = painter->device() ? painter->device()->devicePixelRatio() : 1.0;
     const QString keyAtRatio = ratio == 1.0 ? key : key + QStringLiteral("@%1x").arg(ratio);
     QPixmap pixmap;

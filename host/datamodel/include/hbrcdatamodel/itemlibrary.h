@@ -6,6 +6,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace hbrc::host {
 class DataModelMgr;
@@ -28,6 +29,8 @@ public:
     ItemLibraryContext& Context() { return m_context; }
     borax::datamodel::ItemLibraryAccessor Accessor() { return m_context.Accessor(); }
 
+    // Makes room for this many more items before they are bound.
+    void Reserve(std::size_t items);
     // Binds a new item to the object id (or answers the item already bound to it).
     borax::datamodel::ItemID Bind(const std::string& dbUid);
     void Unbind(const std::string& dbUid);
@@ -41,9 +44,9 @@ public:
 private:
     const DataModelMgr& m_model;
     ItemLibraryContext m_context{this, 0};
-    std::uint64_t m_nextItem = 1;
     std::unordered_map<std::string, std::uint64_t> m_itemById;
-    std::unordered_map<std::uint64_t, std::string> m_idByItem;
+    // Item n's id at n - 1 (the key held by m_itemById); null once the item is unbound.
+    std::vector<const std::string*> m_idByItem;
 };
 
 }  // namespace hbrc::host

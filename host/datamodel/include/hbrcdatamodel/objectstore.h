@@ -57,6 +57,8 @@ class ObjectStore
 public:
     static constexpr std::uint32_t kNoSlot = 0xffffffffu;
 
+    // Makes room for this many more assets (and a few parts each) before a load adds them.
+    void Reserve(std::size_t assets);
     // Adds the asset and its parts. Fails (kNoSlot) when one of the ids or the file is taken.
     std::uint32_t AddAsset(AssetRecord record, std::string kelPath);
     // Adds a part to an asset; kNoSlot when the id is taken or assetSlot is no asset.

@@ -1,0 +1,83 @@
+#pragma once
+
+// A benchmark's revision-control set-up on the embedded depot: a depot with one user and one
+// workspace over a fresh folder, the folder opened as a data-model workspace, and the services
+// installed and logged in (the cheapest password hash, so that set-up stays short). Throws
+// std::runtime_error when a step fails. Header-only; the benchmark links hbrc_services.
+
+#include <hbrcdatamodel/workspace.h>
+#include <hbrcservices/revisioncontrolservices.h>
+#include <hbrcservices/revisionserver.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace hbrc::bench {
+
+class DepotWorkspace
+{
+public:
+    DepotWorkspace()
+    {
+        using namespace hbrc::host;
+        QDir(m_dir.path()).mkpath(QStringLiteral("ws"));
+        m_root = QFile::encodeName(QDir(m_dir.filePath(QStringLiteral("ws"))).canonicalPath()).toStdString();
+        const std::string depotPath = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
+        ConnectionOptions connection;
+        connection.depot.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+        hbrc::depot::Depot admin(depotPath, connection.depot);
+        if (!hbrc::depot::Depot::create(depotPath).ok() || !admin.addUser("bench", "pw").ok()
+            || !admin.addWorkspace("bench-ws", "bench", m_root).ok())
+            throw std::runtime_error("cannot set up the depot");
+        std::string error;
+        m_workspace = Workspace::Open(QString::fromStdString(m_root), error);
+        if (!m_workspace)
+            throw std::runtime_error(error);
+        m_services = InstallRevisionControlServices(*m_workspace, depotPath, {"bench", "pw", "bench-ws"}, error,
+                                                    connection);
+        if (!error.empty())
+            throw std::runtime_error(error);
+    }
+
+    // The workspace folder, canonical and in the file-name encoding.
+    const std::string& Root() const { return m_root; }
+    hbrc::host::Workspace& Space() { return *m_workspace; }
+    hbrc::host::DataControl& Data() { return *m_services.dataControl; }
+    hbrc::host::FileVersionControl& Files() { return *m_services.fileVersionControl; }
+    hbrc::host::DepotConnection& Connection() { return *m_services.connection; }
+    const kel4::IUserParameters* Session() const { return m_services.dataControl->GetUserParameters().Get(); }
+
+    // Marks files (absolute paths below Root(), on disk) for add and submits them in one change.
+    void Submit(const std::vector<std::string>& files)
+    {
+        using hbrc::host::RevisionServer;
+        run([&](RevisionServer& server, const std::string& ticket, const hbrc::depot::CancelCheck&) {
+            return server.add(ticket, files, "");
+        });
+        run([&](RevisionServer& server, const std::string& ticket, const hbrc::depot::CancelCheck&) {
+            hbrc::depot::ChangelistId submitted;
+            return server.submit(ticket, "", "benchmark files", submitted);
+        });
+    }
+
+private:
+    void run(const hbrc::host::DepotConnection::Operation& operation)
+    {
+        std::string error;
+        if (Connection().Run(Session(), operation, error).IsFailure())
+            throw std::runtime_error(error);
+    }
+
+    QTemporaryDir m_dir;
+    std::string m_root;
+    std::unique_ptr<hbrc::host::Workspace> m_workspace;
+    hbrc::host::RevisionControlServices m_services;
+};
+
+}  // namespace hbrc::bench
