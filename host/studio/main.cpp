@@ -4,6 +4,7 @@
 #include "demotour.h"
 #include "mainwindow.h"
 #include "studiosession.h"
+#include "studiotranslation.h"
 
 #include <hbrchost/prefmanager.h>
 #include <qtextention/qtlomdarkstyletarn.h>
@@ -76,6 +77,7 @@ int main(int argc, char** argv)
     if (parser.isSet(options.language))
         QLocale::setDefault(QLocale(parser.value(options.language)));
     InstallQtExtentionTranslator();
+    hbrc::studio::InstallStudioTranslator();
 
     QTextStream out(stdout);
     const bool batch = parser.isSet(options.batch);

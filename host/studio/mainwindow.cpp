@@ -44,6 +44,8 @@ QString fromStd(const std::string& text)
     return QString::fromStdString(text);
 }
 
+constexpr int kMessageTimeoutMs = 5000;
+
 }  // namespace
 
 MainWindow::MainWindow(StudioSession& session, QWidget* parent)
@@ -198,9 +200,11 @@ QString MainWindow::sessionState() const
     return m_sessionState;
 }
 
+// Each outcome also shows in the status bar for a while, so that it replaces an earlier step's.
 void MainWindow::log(int level, const QString& text)
 {
     Log::Singleton::Instance().Write(level, toStd(text));
+    statusBar()->showMessage(text, kMessageTimeoutMs);
 }
 
 bool MainWindow::openWorkspace(const QString& folder)
@@ -290,7 +294,6 @@ bool MainWindow::mayEdit(const KELHandle<kel4::IDbObject>& asset, const QString&
     if (!allowed) {
         m_properties->addHistory(asset, tr("refused: %1").arg(what));
         log(Log::eWarning, tr("Refused: %1").arg(what));
-        statusBar()->showMessage(tr("Refused: %1").arg(what), 5000);
     }
     return allowed;
 }
@@ -410,7 +413,7 @@ void MainWindow::removeExternalFile()
     for (const std::string& name : model.Store().AssetAt(model.SlotOf(asset)).record.externalFiles)
         names << fromStd(name);
     if (names.isEmpty()) {
-        statusBar()->showMessage(tr("%1 has no external file").arg(fromStd(asset.GetName())), 5000);
+        statusBar()->showMessage(tr("%1 has no external file").arg(fromStd(asset.GetName())), kMessageTimeoutMs);
         return;
     }
     bool ok = false;

@@ -9,6 +9,7 @@
 #include "mainwindow.h"
 #include "propertypane.h"
 #include "studiosession.h"
+#include "studiotranslation.h"
 
 #include <dialogdriver.h>
 
@@ -151,6 +152,7 @@ TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedChecksOutSkyUndoesAndSaves)
     typeColour(QStringLiteral("#b0483a"));
     EXPECT_EQ(colourShown(), "#7a746c");
     EXPECT_EQ(field("Rock", "colour"), "#7a746c");
+    EXPECT_TRUE(window->statusBar()->currentMessage().startsWith("Refused: colour of Rock"));
     const nrk::fwk::ICommand* lastStep = session->Host().Commands().GetUndoCommand();
     EXPECT_TRUE(!lastStep || std::string(lastStep->GetCommandIdentifier()) != "editAssetField");
 
@@ -159,6 +161,8 @@ TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedChecksOutSkyUndoesAndSaves)
     waitForStatus();
     EXPECT_EQ(field("Sky", "colour"), "#ff8c42");
     EXPECT_EQ(status("Sky"), "checked out");
+    EXPECT_TRUE(window->statusBar()->currentMessage().startsWith("Edited colour of Sky"))
+        << "the refusal of Rock is no longer news";
     EXPECT_EQ(window->action(QStringLiteral("undo"))->text(), "&Undo Edit colour of Sky");
 
     // Back in the browser (in the colour field, Ctrl+Z would undo its text).
@@ -336,9 +340,19 @@ TEST_F(StudioWindow, TheStartPageCreatesADemoDepotThatStaysInTheRecentList)
     QDir(QFileInfo(folder).path()).removeRecursively();
 }
 
-// What a user reads in the status column, and which editor a field gets.
+// What a user reads in the status column (in German with the studio's translation, which has no
+// Japanese), and which editor a field gets.
 TEST(StudioTexts, StatusWordsAndFieldEditors)
 {
+    {
+        std::unique_ptr<QTranslator> german = LoadStudioTranslator(QLocale(QLocale::German));
+        ASSERT_NE(german, nullptr);
+        EXPECT_EQ(LoadStudioTranslator(QLocale(QLocale::Japanese)), nullptr);
+        QCoreApplication::installTranslator(german.get());
+        EXPECT_EQ(AssetBrowserModel::statusText(0x1 | 0x40, {}), "ausgecheckt, nicht aktuell");
+        QCoreApplication::removeTranslator(german.get());
+    }
+
     const struct {
         unsigned word;
         QStringList holders;

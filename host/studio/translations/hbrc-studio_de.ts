@@ -1,0 +1,539 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de">
+<context>
+    <name>QObject</name>
+    <message>
+        <source>...</source>
+        <translation>...</translation>
+    </message>
+    <message>
+        <source>Choose a file</source>
+        <translation>Datei wählen</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Datei</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::AssetBrowser</name>
+    <message>
+        <source>Search assets</source>
+        <translation>Assets suchen</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::AssetBrowserModel</name>
+    <message>
+        <source>asking...</source>
+        <translation>wird erfragt...</translation>
+    </message>
+    <message>
+        <source>default</source>
+        <translation>Standard</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>Typ</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Held by</source>
+        <translation>Gehalten von</translation>
+    </message>
+    <message>
+        <source>Changelist</source>
+        <translation>Changelist</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>checked out</source>
+        <translation>ausgecheckt</translation>
+    </message>
+    <message>
+        <source>marked for add</source>
+        <translation>zum Hinzufügen markiert</translation>
+    </message>
+    <message>
+        <source>marked for delete</source>
+        <translation>zum Löschen markiert</translation>
+    </message>
+    <message>
+        <source>held by another user</source>
+        <translation>von anderem Benutzer gehalten</translation>
+    </message>
+    <message>
+        <source>held by %1</source>
+        <translation>gehalten von %1</translation>
+    </message>
+    <message>
+        <source>not at head</source>
+        <translation>nicht aktuell</translation>
+    </message>
+    <message>
+        <source>not in depot</source>
+        <translation>nicht im Depot</translation>
+    </message>
+    <message>
+        <source>I/O error</source>
+        <translation>E/A-Fehler</translation>
+    </message>
+    <message>
+        <source>up to date</source>
+        <translation>aktuell</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::LogDock</name>
+    <message>
+        <source>Log</source>
+        <translation>Protokoll</translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>&amp;Kopieren</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::MainWindow</name>
+    <message>
+        <source>hbrc-studio</source>
+        <translation>hbrc-studio</translation>
+    </message>
+    <message>
+        <source>logged in</source>
+        <translation>angemeldet</translation>
+    </message>
+    <message>
+        <source>unreachable</source>
+        <translation>nicht erreichbar</translation>
+    </message>
+    <message>
+        <source>expired</source>
+        <translation>abgelaufen</translation>
+    </message>
+    <message>
+        <source>The status of the assets is unknown: %1</source>
+        <translation>Der Status der Assets ist unbekannt: %1</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Open Workspace...</source>
+        <translation>Arbeitsbereich ö&amp;ffnen...</translation>
+    </message>
+    <message>
+        <source>&amp;New Asset...</source>
+        <translation>&amp;Neues Asset...</translation>
+    </message>
+    <message>
+        <source>&amp;Delete Asset</source>
+        <translation>Asset &amp;löschen</translation>
+    </message>
+    <message>
+        <source>&amp;Rename...</source>
+        <translation>&amp;Umbenennen...</translation>
+    </message>
+    <message>
+        <source>&amp;Add External File...</source>
+        <translation>Externe Datei &amp;hinzufügen...</translation>
+    </message>
+    <message>
+        <source>Re&amp;move External File...</source>
+        <translation>Externe Datei &amp;entfernen...</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Speichern</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>S&amp;chließen</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>&amp;Rückgängig</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>&amp;Revision Control</source>
+        <translation>&amp;Versionsverwaltung</translation>
+    </message>
+    <message>
+        <source>&amp;Check Out</source>
+        <translation>&amp;Auschecken</translation>
+    </message>
+    <message>
+        <source>Make &amp;Writable</source>
+        <translation>&amp;Beschreibbar machen</translation>
+    </message>
+    <message>
+        <source>Mark for &amp;Add</source>
+        <translation>Zum &amp;Hinzufügen markieren</translation>
+    </message>
+    <message>
+        <source>Show &amp;Files</source>
+        <translation>&amp;Dateien anzeigen</translation>
+    </message>
+    <message>
+        <source>Reveal in File &amp;Browser</source>
+        <translation>Im Datei&amp;browser zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Refresh Status</source>
+        <translation>Status &amp;aktualisieren</translation>
+    </message>
+    <message>
+        <source>&amp;Settings...</source>
+        <translation>&amp;Einstellungen...</translation>
+    </message>
+    <message>
+        <source>&amp;Undo %1</source>
+        <translation>%1 &amp;rückgängig machen</translation>
+    </message>
+    <message>
+        <source>Server: %1</source>
+        <translation>Server: %1</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>keiner</translation>
+    </message>
+    <message>
+        <source>User: %1</source>
+        <translation>Benutzer: %1</translation>
+    </message>
+    <message>
+        <source>Workspace: %1</source>
+        <translation>Arbeitsbereich: %1</translation>
+    </message>
+    <message>
+        <source>no workspace</source>
+        <translation>kein Arbeitsbereich</translation>
+    </message>
+    <message>
+        <source>Session: %1</source>
+        <translation>Sitzung: %1</translation>
+    </message>
+    <message>
+        <source>Cannot open the workspace %1: %2</source>
+        <translation>Der Arbeitsbereich %1 lässt sich nicht öffnen: %2</translation>
+    </message>
+    <message>
+        <source>Not logged in: %1</source>
+        <translation>Nicht angemeldet: %1</translation>
+    </message>
+    <message>
+        <source>asking...</source>
+        <translation>wird erfragt...</translation>
+    </message>
+    <message>
+        <source>Opened %1 (%2 assets)</source>
+        <translation>%1 geöffnet (%2 Assets)</translation>
+    </message>
+    <message>
+        <source>%1 - hbrc-studio</source>
+        <translation>%1 - hbrc-studio</translation>
+    </message>
+    <message>
+        <source>refused: %1</source>
+        <translation>abgelehnt: %1</translation>
+    </message>
+    <message>
+        <source>Refused: %1</source>
+        <translation>Abgelehnt: %1</translation>
+    </message>
+    <message>
+        <source>%1 of %2: %3 -&gt; %4</source>
+        <translation>%1 von %2: %3 -&gt; %4</translation>
+    </message>
+    <message>
+        <source>failed: %1</source>
+        <translation>fehlgeschlagen: %1</translation>
+    </message>
+    <message>
+        <source>Edited %1</source>
+        <translation>Bearbeitet: %1</translation>
+    </message>
+    <message>
+        <source>Cannot edit %1</source>
+        <translation>Nicht bearbeitet: %1</translation>
+    </message>
+    <message numerus="yes">
+        <source>Saved %n file(s)</source>
+        <translation>
+            <numerusform>%n Datei gespeichert</numerusform>
+            <numerusform>%n Dateien gespeichert</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The save did not complete: %1</source>
+        <translation>Das Speichern wurde nicht abgeschlossen: %1</translation>
+    </message>
+    <message>
+        <source>New Asset</source>
+        <translation>Neues Asset</translation>
+    </message>
+    <message>
+        <source>Name:</source>
+        <translation>Name:</translation>
+    </message>
+    <message>
+        <source>Cannot create %1: %2</source>
+        <translation>%1 lässt sich nicht anlegen: %2</translation>
+    </message>
+    <message>
+        <source>Created %1 (saved with the next save)</source>
+        <translation>%1 angelegt (wird beim nächsten Speichern gesichert)</translation>
+    </message>
+    <message>
+        <source>Delete Asset</source>
+        <translation>Asset löschen</translation>
+    </message>
+    <message>
+        <source>Delete %1? The next save removes its files.</source>
+        <translation>%1 löschen? Das nächste Speichern entfernt seine Dateien.</translation>
+    </message>
+    <message>
+        <source>delete %1</source>
+        <translation>%1 löschen</translation>
+    </message>
+    <message>
+        <source>Deleted %1</source>
+        <translation>%1 gelöscht</translation>
+    </message>
+    <message>
+        <source>Rename</source>
+        <translation>Umbenennen</translation>
+    </message>
+    <message>
+        <source>New name:</source>
+        <translation>Neuer Name:</translation>
+    </message>
+    <message>
+        <source>Add External File</source>
+        <translation>Externe Datei hinzufügen</translation>
+    </message>
+    <message>
+        <source>Cannot read %1</source>
+        <translation>%1 lässt sich nicht lesen</translation>
+    </message>
+    <message>
+        <source>add %1 to %2</source>
+        <translation>%1 zu %2 hinzufügen</translation>
+    </message>
+    <message>
+        <source>Added %1</source>
+        <translation>%1 hinzugefügt</translation>
+    </message>
+    <message>
+        <source>%1 has no external file</source>
+        <translation>%1 hat keine externe Datei</translation>
+    </message>
+    <message>
+        <source>Remove External File</source>
+        <translation>Externe Datei entfernen</translation>
+    </message>
+    <message>
+        <source>File:</source>
+        <translation>Datei:</translation>
+    </message>
+    <message>
+        <source>remove %1 from %2</source>
+        <translation>%1 aus %2 entfernen</translation>
+    </message>
+    <message>
+        <source>Removed %1</source>
+        <translation>%1 entfernt</translation>
+    </message>
+    <message>
+        <source>Undid %1</source>
+        <translation>Rückgängig gemacht: %1</translation>
+    </message>
+    <message>
+        <source>Redid the last undone step</source>
+        <translation>Letzten rückgängig gemachten Schritt wiederholt</translation>
+    </message>
+    <message>
+        <source>Checked out %1</source>
+        <translation>%1 ausgecheckt</translation>
+    </message>
+    <message>
+        <source>Made %1 writable</source>
+        <translation>%1 beschreibbar gemacht</translation>
+    </message>
+    <message>
+        <source>%1 is not saved yet: the next save marks it for add</source>
+        <translation>%1 ist noch nicht gespeichert: das nächste Speichern markiert es zum Hinzufügen</translation>
+    </message>
+    <message>
+        <source>Marked %1 for add</source>
+        <translation>%1 zum Hinzufügen markiert</translation>
+    </message>
+    <message>
+        <source>Cannot mark %1 for add: %2</source>
+        <translation>%1 lässt sich nicht zum Hinzufügen markieren: %2</translation>
+    </message>
+    <message>
+        <source>Open Workspace</source>
+        <translation>Arbeitsbereich öffnen</translation>
+    </message>
+    <message>
+        <source>Created a demo depot in %1 (users alice and bob, passwords alice-pw and bob-pw)</source>
+        <translation>Demo-Depot in %1 angelegt (Benutzer alice und bob, Passwörter alice-pw und bob-pw)</translation>
+    </message>
+    <message>
+        <source>Cannot create a demo depot: %1</source>
+        <translation>Das Demo-Depot lässt sich nicht anlegen: %1</translation>
+    </message>
+    <message>
+        <source>Unsaved Edits</source>
+        <translation>Ungespeicherte Änderungen</translation>
+    </message>
+    <message>
+        <source>The workspace has unsaved edits. Save them?</source>
+        <translation>Der Arbeitsbereich hat ungespeicherte Änderungen. Speichern?</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::PropertyPane</name>
+    <message>
+        <source>Properties</source>
+        <translation>Eigenschaften</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>History</source>
+        <translation>Verlauf</translation>
+    </message>
+    <message>
+        <source>%1 (read-only)</source>
+        <translation>%1 (schreibgeschützt)</translation>
+    </message>
+    <message>
+        <source>Select an asset to see its properties.</source>
+        <translation>Wählen Sie ein Asset, um seine Eigenschaften zu sehen.</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>Typ</translation>
+    </message>
+    <message>
+        <source>Kind</source>
+        <translation>Art</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::SettingsDialog</name>
+    <message>
+        <source>Revision Control Settings</source>
+        <translation>Einstellungen der Versionsverwaltung</translation>
+    </message>
+    <message>
+        <source>Use revision control</source>
+        <translation>Versionsverwaltung verwenden</translation>
+    </message>
+    <message>
+        <source>&amp;Server:</source>
+        <translation>&amp;Server:</translation>
+    </message>
+    <message>
+        <source>&amp;User:</source>
+        <translation>&amp;Benutzer:</translation>
+    </message>
+    <message>
+        <source>&amp;Workspace:</source>
+        <translation>&amp;Arbeitsbereich:</translation>
+    </message>
+    <message>
+        <source>Do nothing</source>
+        <translation>Nichts tun</translation>
+    </message>
+    <message>
+        <source>Ask</source>
+        <translation>Fragen</translation>
+    </message>
+    <message>
+        <source>Check out</source>
+        <translation>Auschecken</translation>
+    </message>
+    <message>
+        <source>Make writable</source>
+        <translation>Beschreibbar machen</translation>
+    </message>
+    <message>
+        <source>When editing a read-only &amp;asset:</source>
+        <translation>Beim Bearbeiten eines schreibgeschützten &amp;Assets:</translation>
+    </message>
+    <message>
+        <source>Always use this setting</source>
+        <translation>Diese Einstellung immer verwenden</translation>
+    </message>
+    <message>
+        <source>&amp;Changelist for automatic check-outs:</source>
+        <translation>&amp;Changelist für automatisches Auschecken:</translation>
+    </message>
+    <message>
+        <source>Ask for a changelist when checking out</source>
+        <translation>Beim Auschecken nach einer Changelist fragen</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::StartPage</name>
+    <message>
+        <source>Start</source>
+        <translation>Start</translation>
+    </message>
+    <message>
+        <source>Open a workspace folder...</source>
+        <translation>Arbeitsbereichsordner öffnen...</translation>
+    </message>
+    <message>
+        <source>Create a demo depot</source>
+        <translation>Demo-Depot anlegen</translation>
+    </message>
+    <message>
+        <source>A depot with the users alice and bob and a sample workspace of about twenty assets</source>
+        <translation>Ein Depot mit den Benutzern alice und bob und einem Beispiel-Arbeitsbereich mit etwa zwanzig Assets</translation>
+    </message>
+    <message>
+        <source>Recent workspaces</source>
+        <translation>Zuletzt verwendete Arbeitsbereiche</translation>
+    </message>
+    <message>
+        <source>(none yet)</source>
+        <translation>(noch keine)</translation>
+    </message>
+</context>
+</TS>
