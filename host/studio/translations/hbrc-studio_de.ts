@@ -47,7 +47,7 @@
     </message>
     <message>
         <source>Held by</source>
-        <translation>Gehalten von</translation>
+        <translation>Inhaber</translation>
     </message>
     <message>
         <source>Changelist</source>
@@ -63,7 +63,7 @@
     </message>
     <message>
         <source>marked for add</source>
-        <translation>zum Hinzufügen markiert</translation>
+        <translation>als neu markiert</translation>
     </message>
     <message>
         <source>marked for delete</source>
