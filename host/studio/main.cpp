@@ -40,7 +40,8 @@ struct Options
                                             "into <dir> (default: hbrc-studio-tour in the current folder)."),
                              QStringLiteral("dir")};
     QCommandLineOption language{QStringLiteral("lang"),
-                                QStringLiteral("Language of the window and its dialogs (e.g. de); the system's by default."),
+                                QStringLiteral("Language of the window and its dialogs (e.g. de); the system's by "
+                                               "default."),
                                 QStringLiteral("language")};
 };
 

@@ -14,7 +14,8 @@ std::unique_ptr<QTranslator> LoadStudioTranslator(const QLocale& locale)
 {
     registerTranslationResources();
     auto translator = std::make_unique<QTranslator>();
-    if (!translator->load(locale, QStringLiteral("hbrc-studio"), QStringLiteral("_"), QStringLiteral(":/hbrc-studio/i18n")))
+    if (!translator->load(locale, QStringLiteral("hbrc-studio"), QStringLiteral("_"),
+                          QStringLiteral(":/hbrc-studio/i18n")))
         return nullptr;
     return translator;
 }
