@@ -1,6 +1,6 @@
 #include "studiotranslation.h"
 
-#include <QCoreApplication>
+#include <qtextention/translations.h>
 
 // The translations are resources of a static library: referring to them keeps them in the link.
 static void registerTranslationResources()
@@ -13,22 +13,12 @@ namespace hbrc::studio {
 std::unique_ptr<QTranslator> LoadStudioTranslator(const QLocale& locale)
 {
     registerTranslationResources();
-    auto translator = std::make_unique<QTranslator>();
-    if (!translator->load(locale, QStringLiteral("hbrc-studio"), QStringLiteral("_"),
-                          QStringLiteral(":/hbrc-studio/i18n")))
-        return nullptr;
-    return translator;
+    return LoadTranslation(locale, QStringLiteral("hbrc-studio"), QStringLiteral(":/hbrc-studio/i18n"));
 }
 
 void InstallStudioTranslator()
 {
-    QCoreApplication* application = QCoreApplication::instance();
-    if (!application)
-        return;
-    if (std::unique_ptr<QTranslator> translator = LoadStudioTranslator(QLocale())) {
-        translator->setParent(application);
-        QCoreApplication::installTranslator(translator.release());
-    }
+    InstallTranslation(LoadStudioTranslator(QLocale()));
 }
 
 }  // namespace hbrc::studio

@@ -1,5 +1,7 @@
 #include "plugintranslation.h"
 
+#include <qtextention/translations.h>
+
 #include <QCoreApplication>
 #include <QTranslator>
 
@@ -15,23 +17,15 @@ HBRC_INTERNAL_NAMESPACE_BEGIN
 std::unique_ptr<QTranslator> LoadPluginTranslator(const QLocale& locale)
 {
     registerTranslationResources();
-    auto translator = std::make_unique<QTranslator>();
-    if (!translator->load(locale, QStringLiteral("hbrevisioncontrol"), QStringLiteral("_"),
-                          QStringLiteral(":/hbrevisioncontrol/i18n")))
-        return nullptr;
-    return translator;
+    return LoadTranslation(locale, QStringLiteral("hbrevisioncontrol"), QStringLiteral(":/hbrevisioncontrol/i18n"));
 }
 
 void InstallPluginTranslator()
 {
     static bool installed = false;
-    QCoreApplication* application = QCoreApplication::instance();
-    if (installed || !application)
+    if (installed || !QCoreApplication::instance())
         return;
-    if (std::unique_ptr<QTranslator> translator = LoadPluginTranslator(QLocale())) {
-        translator->setParent(application);
-        QCoreApplication::installTranslator(translator.release());
-    }
+    InstallTranslation(LoadPluginTranslator(QLocale()));
     installed = true;
 }
 

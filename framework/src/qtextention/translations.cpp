@@ -3,15 +3,24 @@
 #include <QCoreApplication>
 #include <QTranslator>
 
-bool InstallQtExtentionTranslator(const QLocale& locale)
+std::unique_ptr<QTranslator> LoadTranslation(const QLocale& locale, const QString& name, const QString& folder)
+{
+    auto translator = std::make_unique<QTranslator>();
+    if (!translator->load(locale, name, QStringLiteral("_"), folder))
+        return nullptr;
+    return translator;
+}
+
+bool InstallTranslation(std::unique_ptr<QTranslator> translator)
 {
     QCoreApplication* application = QCoreApplication::instance();
-    if (!application)
+    if (!translator || !application)
         return false;
-    auto* translator = new QTranslator(application);
-    if (!translator->load(locale, QStringLiteral("qtextention"), QStringLiteral("_"), QStringLiteral(":/qtextention/i18n"))) {
-        delete translator;
-        return false;
-    }
-    return QCoreApplication::installTranslator(translator);
+    translator->setParent(application);
+    return QCoreApplication::installTranslator(translator.release());
+}
+
+bool InstallQtExtentionTranslator(const QLocale& locale)
+{
+    return InstallTranslation(LoadTranslation(locale, QStringLiteral("qtextention"), QStringLiteral(":/qtextention/i18n")));
 }
