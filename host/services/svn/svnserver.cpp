@@ -224,6 +224,11 @@ public:
         return finish(err);
     }
     Result finish(svn_error_t* err) const { return SvnResult(err, m_server.m_url); }
+    // The working copy's nodes, the repository not asked.
+    Result walkLocally(SvnStatusMap& nodes) const
+    {
+        return finish(SvnWalkStatus(m_server.m_client, m_session->workingCopy, false, nodes, pool()));
+    }
 
 private:
     SvnServer& m_server;
@@ -483,8 +488,7 @@ Result SvnServer::submit(const std::string& ticket, const depot::ChangelistId& c
     // The changelist's open files: a commit takes the changed ones (with the folders added for
     // them) and gives up their locks; the locks of unchanged ones are given up on their own.
     SvnStatusMap nodes;
-    if (Result walked = call.finish(SvnWalkStatus(m_client, call.session().workingCopy, false, nodes, call.pool()));
-        !walked.ok())
+    if (Result walked = call.walkLocally(nodes); !walked.ok())
         return walked;
     std::set<std::string> commit;
     Files unlockOnly;
@@ -585,8 +589,7 @@ Result SvnServer::pendingChangelists(const std::string& ticket, std::vector<depo
     if (Result begun = call.begin(depot::Operation::Pending, &ticket); !begun.ok())
         return begun;
     SvnStatusMap nodes;
-    if (Result walked = call.finish(SvnWalkStatus(m_client, call.session().workingCopy, false, nodes, call.pool()));
-        !walked.ok())
+    if (Result walked = call.walkLocally(nodes); !walked.ok())
         return walked;
     const Session& session = call.session();
     const auto changelist = [&](const depot::ChangelistId& id, const std::string& description) {
@@ -639,8 +642,7 @@ Result SvnServer::deleteChangelist(const std::string& ticket, const depot::Chang
     if (!records.exists(changelist))
         return {code::Failed, "Change " + changelist + " unknown."};
     SvnStatusMap nodes;
-    if (Result walked = call.finish(SvnWalkStatus(m_client, call.session().workingCopy, false, nodes, call.pool()));
-        !walked.ok())
+    if (Result walked = call.walkLocally(nodes); !walked.ok())
         return walked;
     const auto open = std::count_if(nodes.begin(), nodes.end(), [&](const auto& entry) {
         return !entry.second.directory && entry.second.changelist == changelist;
@@ -678,8 +680,7 @@ Result SvnServer::revertUnchanged(const std::string& ticket, const Files& files,
     if (Result begun = call.begin(depot::Operation::RevertUnchanged, &ticket); !begun.ok())
         return begun;
     SvnStatusMap nodes;
-    if (Result walked = call.finish(SvnWalkStatus(m_client, call.session().workingCopy, false, nodes, call.pool()));
-        !walked.ok())
+    if (Result walked = call.walkLocally(nodes); !walked.ok())
         return walked;
     std::set<std::string> wanted;
     for (const std::string& file : files)
