@@ -84,4 +84,32 @@ depot::Result DepotServer::changelistExists(const std::string& ticket, const dep
     return m_depot.changelistExists(ticket, changelist, exists);
 }
 
+depot::Result DepotServer::pendingChangelists(const std::string& ticket, std::vector<depot::PendingChangelist>& pending)
+{
+    return m_depot.pending(ticket, pending);
+}
+
+depot::Result DepotServer::setDescription(const std::string& ticket, const depot::ChangelistId& changelist,
+                                          const std::string& description)
+{
+    return m_depot.setDescription(ticket, changelist, description);
+}
+
+depot::Result DepotServer::deleteChangelist(const std::string& ticket, const depot::ChangelistId& changelist)
+{
+    return m_depot.deleteChangelist(ticket, changelist);
+}
+
+depot::Result DepotServer::reopen(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
+                                  const depot::CancelCheck& cancel)
+{
+    return m_depot.reopen(ticket, files, changelist, cancel);
+}
+
+depot::Result DepotServer::revertUnchanged(const std::string& ticket, const Files& files,
+                                           std::vector<std::string>& reverted, const depot::CancelCheck& cancel)
+{
+    return m_depot.revertUnchanged(ticket, files, reverted, cancel);
+}
+
 }  // namespace hbrc::host

@@ -37,6 +37,14 @@ public:
                                    depot::ChangelistId& created) override;
     depot::Result changelistExists(const std::string& ticket, const depot::ChangelistId& changelist,
                                    bool& exists) override;
+    depot::Result pendingChangelists(const std::string& ticket, std::vector<depot::PendingChangelist>& pending) override;
+    depot::Result setDescription(const std::string& ticket, const depot::ChangelistId& changelist,
+                                 const std::string& description) override;
+    depot::Result deleteChangelist(const std::string& ticket, const depot::ChangelistId& changelist) override;
+    depot::Result reopen(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
+                         const depot::CancelCheck& cancel) override;
+    depot::Result revertUnchanged(const std::string& ticket, const Files& files, std::vector<std::string>& reverted,
+                                  const depot::CancelCheck& cancel) override;
     std::uint64_t roundTrips() const override { return m_depot.roundTrips(); }
     depot::FaultInjector& faults() override { return m_depot.faults(); }
 

@@ -33,7 +33,9 @@ TEST_P(StatusRules, FollowFromTheFilesStatusesAndPermissions)
     unsigned expectedWord = 0;
     for (std::size_t i = 0; i < row.words.size(); ++i) {
         files.push_back(std::string(1, char('a' + i)));
-        statuses.push_back(FileStatus{row.words[i], {}, {}});
+        FileStatus fileStatus;
+        fileStatus.word = row.words[i];
+        statuses.push_back(fileStatus);
         expectedWord |= row.words[i];
     }
     const auto readOnly = [&](const std::string& file) { return row.readOnlyFiles.count(file) != 0; };

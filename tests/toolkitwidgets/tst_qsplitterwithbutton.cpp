@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -92,4 +93,27 @@ TEST(QSplitterWithButton, RightButtonOnlyOnHandlesCreatedWhileAskedForAndButtons
     ASSERT_EQ(late->height(), 300);
     EXPECT_EQ(late->leftButton()->geometry(), QRect(-20, 33, w + 20, 60));
     EXPECT_EQ(late->rightButton()->geometry(), QRect(0, 207, w + 20, 60));
+}
+
+// Opt-in animation: the panes pass through sizes between the old and the new ones and end where
+// the instant toggle puts them; a second click mid-way starts from where the first was going.
+TEST(QSplitterWithButton, AnimatedCollapseMovesThroughAndEndsWhereTheInstantOneDoes)
+{
+    TwoPanes panes;
+    panes.splitter->setAnimated(true);
+    QList<QList<int>> seen;
+    panes.clickLeft();
+    while (panes.sizes() != QList<int>({0, 500})) {
+        seen.append(panes.sizes());
+        QTest::qWait(5);
+        ASSERT_LT(seen.size(), 1000) << "the collapse never ends";
+    }
+    EXPECT_TRUE(std::any_of(seen.begin(), seen.end(), [](const QList<int>& s) { return s[0] > 0 && s[0] < 100; }))
+        << "no step between 100 and 0";
+    EXPECT_FLOAT_EQ(panes.splitter->collapsedRatios().value(0), 0.25f);
+
+    panes.clickLeft();
+    panes.clickLeft();  // mid-way: the expansion lands first, then the pane collapses again
+    ASSERT_TRUE(QTest::qWaitFor([&] { return panes.sizes() == QList<int>({0, 500}); }));
+    EXPECT_FLOAT_EQ(panes.splitter->collapsedRatios().value(0), 0.25f);
 }

@@ -8,6 +8,7 @@
 
 class QResizeEvent;
 class QShowEvent;
+class QValueAnimator;
 
 /// A splitter whose handles carry small buttons that collapse the pane next to them and expand it
 /// again. A collapsed pane's size is remembered as a ratio of the space of all other panes, so that
@@ -28,6 +29,11 @@ public:
     /// Collapses or expands the pane on the given side of handle handleIndex and applies the sizes.
     /// When that leaves every pane collapsed, the neighbour on the clicked side is expanded.
     void ToggleCollapse(int handleIndex, bool left);
+
+    /// Whether the buttons' collapse and expand move the panes smoothly (off at construction: sizes
+    /// change at once). A click while panes move first puts them where they were going.
+    void setAnimated(bool animated);
+    bool isAnimated() const { return m_animated; }
 
     /// Change sizes in place; the caller applies them with setSizes.
     void Collapse(QList<int>& sizes, int index);
@@ -55,6 +61,12 @@ protected:
 private:
     void updateHandleArrows();
 
+    void applySizes(const QList<int>& sizes);
+
     QMap<int, float> m_collapsedRatios;
     bool m_showOnlyLeftButton = true;
+    bool m_animated = false;
+    QValueAnimator* m_animator = nullptr;  // child; made when animation is switched on
+    QList<int> m_animateFrom;
+    QList<int> m_animateTo;
 };

@@ -1,6 +1,7 @@
 #include <qtextention/qsplitterwithbutton.h>
 
 #include <qtextention/qsplitterhandlewithbutton.h>
+#include <qtextention/qvalueanimator.h>
 
 #include <QResizeEvent>
 #include <QShowEvent>
@@ -75,8 +76,37 @@ int QSplitterWithButton::getHandleIndex(const QSplitterHandle* handle) const
     return -1;
 }
 
+void QSplitterWithButton::setAnimated(bool animated)
+{
+    m_animated = animated;
+    if (!animated || m_animator)
+        return;
+    m_animator = new QValueAnimator(this);
+    connect(m_animator, &QValueAnimator::valueChanged, this, [this](qreal progress) {
+        QList<int> sizes = m_animateTo;
+        for (int i = 0; i < sizes.size() && i < m_animateFrom.size(); ++i)
+            sizes[i] = qRound(m_animateFrom[i] + (m_animateTo[i] - m_animateFrom[i]) * progress);
+        setSizes(sizes);
+        updateHandleArrows();
+    });
+}
+
+void QSplitterWithButton::applySizes(const QList<int>& sizes)
+{
+    if (!m_animated || !isVisible()) {
+        setSizes(sizes);
+        return;
+    }
+    m_animateFrom = this->sizes();
+    m_animateTo = sizes;
+    m_animator->setValue(0);
+    m_animator->animateTo(1);
+}
+
 void QSplitterWithButton::ToggleCollapse(int handleIndex, bool left)
 {
+    if (m_animator)
+        m_animator->finish();
     QList<int> sizes = this->sizes();
     const int index = left ? handleIndex - 1 : handleIndex;
     if (index < 0 || index >= sizes.size()) {
@@ -93,7 +123,7 @@ void QSplitterWithButton::ToggleCollapse(int handleIndex, bool left)
     if (getListCount(sizes, -1) == 0)
         Expand(sizes, left ? index + 1 : index - 1);
 
-    setSizes(sizes);
+    applySizes(sizes);
     updateHandleArrows();
 }
 

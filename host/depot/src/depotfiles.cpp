@@ -118,7 +118,14 @@ Result Depot::status(const std::string& ticket, const Files& files, std::vector<
         workspacefiles::TypeProbe disk;
         for (const FileState& state : readStates(call.db(), call.workspace(), files)) {
             call.checkpoint();
-            FileStatus fileStatus{statusWord(state), {}, holdersOf(state)};
+            FileStatus fileStatus;
+            fileStatus.word = statusWord(state);
+            fileStatus.holders = holdersOf(state);
+            for (const OpenRecord& other : state.others)
+                fileStatus.heldBy.push_back(
+                    {other.user, other.workspace, other.action, changelistIdOf(other.change), other.locked});
+            fileStatus.haveRevision = state.haveRevision.value_or(0);
+            fileStatus.headRevision = state.headRevision.value_or(0);
             if (state.key && disk.hasIoError(call.workspace().localFileOf(*state.key)))
                 fileStatus.word |= status::IoError;
             if (state.mine)

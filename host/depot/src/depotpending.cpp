@@ -1,11 +1,14 @@
-// Rearranging a workspace's pending work: moving opened files between its changelists, and the
+// A workspace's pending work: listing it, moving opened files between its changelists, and the
 // description and removal of a numbered changelist.
 #include <depot/depot.h>
+
+#include <map>
 
 #include "depoterror.h"
 #include "depotimpl.h"
 #include "filestate.h"
 #include "pendingchange.h"
+#include "workspaceview.h"
 
 namespace hbrc::depot {
 
@@ -21,6 +24,38 @@ std::int64_t numberedPendingChange(Call& call, const ChangelistId& changelist, c
 }
 
 }  // namespace
+
+Result Depot::pending(const std::string& ticket, std::vector<PendingChangelist>& pending)
+{
+    std::vector<PendingChangelist> answer;
+    const Result result = d->runInSession(Operation::Pending, Transaction::Kind::Read, ticket, {}, [&](Call& call) {
+        const WorkspaceView& workspace = call.workspace();
+        answer.push_back({{{}, {}, call.user(), workspace.name(), ChangelistState::Pending, {}, 0}, {}});
+        std::map<std::int64_t, std::size_t> byNumber;
+        Statement changes(call.db(), "SELECT number, description, user, time FROM changes "
+                                     "WHERE submitted = 0 AND workspace = ?1 ORDER BY number");
+        changes.bind(1, workspace.name());
+        while (changes.step()) {
+            byNumber[changes.integer(0)] = answer.size();
+            answer.push_back({{std::to_string(changes.integer(0)), changes.text(1), changes.text(2), workspace.name(),
+                               ChangelistState::Pending, {}, changes.integer(3)},
+                              {}});
+        }
+        Statement files(call.db(), "SELECT path, action, change, locked, user FROM opened WHERE workspace = ?1 ORDER BY path");
+        files.bind(1, workspace.name());
+        while (files.step()) {
+            const std::optional<std::int64_t> change = files.optionalInteger(2);
+            const auto found = change ? byNumber.find(*change) : byNumber.end();
+            PendingChangelist& owner = found == byNumber.end() ? answer.front() : answer[found->second];
+            owner.files.push_back({depotPathOf(files.text(0)), workspace.localPathOf(files.text(0)).string(),
+                                   actionFromName(files.text(1)), changelistIdOf(change), files.text(4),
+                                   workspace.name(), files.integer(3) != 0});
+        }
+    });
+    if (result.ok())
+        pending = std::move(answer);
+    return result;
+}
 
 Result Depot::reopen(const std::string& ticket, const Files& files, const ChangelistId& changelist,
                      const CancelCheck& cancel)

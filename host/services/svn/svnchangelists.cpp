@@ -82,6 +82,12 @@ depot::Result SvnChangelists::create(const std::string& description, depot::Chan
     return saved;
 }
 
+depot::Result SvnChangelists::setDescription(const depot::ChangelistId& id, const std::string& description)
+{
+    m_descriptions[IdNumber(id)] = description;
+    return save();
+}
+
 depot::Result SvnChangelists::erase(const depot::ChangelistId& id)
 {
     m_descriptions.erase(IdNumber(id));

@@ -23,6 +23,7 @@ public:
     const std::map<int, std::string>& pending() const { return m_descriptions; }
 
     depot::Result create(const std::string& description, depot::ChangelistId& created);
+    depot::Result setDescription(const depot::ChangelistId& id, const std::string& description);
     depot::Result erase(const depot::ChangelistId& id);
 
 private:

@@ -53,6 +53,32 @@ bool IsLocalChange(svn_wc_status_kind kind)
     return kind == svn_wc_status_added || kind == svn_wc_status_deleted || kind == svn_wc_status_replaced;
 }
 
+// Opened in this working copy: locked here (checked out) or scheduled for add or delete.
+bool IsOpenHere(const SvnNodeStatus& node)
+{
+    return !node.localLockToken.empty() || IsLocalChange(node.local);
+}
+
+depot::FileAction ActionOf(const SvnNodeStatus& node)
+{
+    if (node.local == svn_wc_status_added || node.local == svn_wc_status_replaced)
+        return depot::FileAction::Add;
+    if (node.local == svn_wc_status_deleted)
+        return depot::FileAction::Delete;
+    return depot::FileAction::Edit;
+}
+
+// The open files of a walk in path order, leaving out the folders added for them.
+std::vector<std::pair<std::string, const SvnNodeStatus*>> OpenFiles(const SvnStatusMap& nodes)
+{
+    std::vector<std::pair<std::string, const SvnNodeStatus*>> open;
+    for (const auto& [path, node] : nodes)
+        if (!node.directory && IsOpenHere(node))
+            open.emplace_back(path, &node);
+    std::sort(open.begin(), open.end());
+    return open;
+}
+
 // The status word of a file for the session's user; the mapping README.md tables.
 depot::FileStatus FileStatusOf(const SvnNodeStatus* node, bool askedRepository, const std::string& file)
 {
@@ -72,10 +98,14 @@ depot::FileStatus FileStatusOf(const SvnNodeStatus* node, bool askedRepository, 
         } else if (!node->repositoryLockOwner.empty()) {
             result.word |= status::OpenedByOthers | status::LockedByOthers;
             result.holders.push_back(node->repositoryLockOwner);
+            // Others' working copies and changelists are theirs alone: a lock says who, not where.
+            result.heldBy.push_back({node->repositoryLockOwner, {}, depot::FileAction::Edit, {}, true});
         }
         if (node->repository != svn_wc_status_none && node->repository != svn_wc_status_normal)
             result.word |= status::NotAtHead;
         result.changelist = node->changelist;
+        result.haveRevision = node->changedRevision;
+        result.headRevision = askedRepository ? node->headChangedRevision : node->changedRevision;
     }
     if (IsUnreadable(file))
         result.word |= status::IoError;
@@ -194,6 +224,11 @@ public:
         return finish(err);
     }
     Result finish(svn_error_t* err) const { return SvnResult(err, m_server.m_url); }
+    // The working copy's nodes, the repository not asked.
+    Result walkLocally(SvnStatusMap& nodes) const
+    {
+        return finish(SvnWalkStatus(m_server.m_client, m_session->workingCopy, false, nodes, pool()));
+    }
 
 private:
     SvnServer& m_server;
@@ -453,14 +488,12 @@ Result SvnServer::submit(const std::string& ticket, const depot::ChangelistId& c
     // The changelist's open files: a commit takes the changed ones (with the folders added for
     // them) and gives up their locks; the locks of unchanged ones are given up on their own.
     SvnStatusMap nodes;
-    if (Result walked = call.finish(SvnWalkStatus(m_client, call.session().workingCopy, false, nodes, call.pool()));
-        !walked.ok())
+    if (Result walked = call.walkLocally(nodes); !walked.ok())
         return walked;
     std::set<std::string> commit;
     Files unlockOnly;
     for (const auto& [path, node] : nodes) {
-        const bool open = !node.localLockToken.empty() || IsLocalChange(node.local);
-        if (!open || node.changelist != changelist)
+        if (!IsOpenHere(node) || node.changelist != changelist)
             continue;
         if (node.local == svn_wc_status_normal) {
             unlockOnly.push_back(path);
@@ -547,6 +580,126 @@ Result SvnServer::changelistExists(const std::string& ticket, const depot::Chang
     if (Result begun = call.begin(depot::Operation::ChangelistExists, &ticket); !begun.ok())
         return begun;
     exists = call.session().changelists->exists(changelist);
+    return {};
+}
+
+Result SvnServer::pendingChangelists(const std::string& ticket, std::vector<depot::PendingChangelist>& pending)
+{
+    Call call(*this, {});
+    if (Result begun = call.begin(depot::Operation::Pending, &ticket); !begun.ok())
+        return begun;
+    SvnStatusMap nodes;
+    if (Result walked = call.walkLocally(nodes); !walked.ok())
+        return walked;
+    const Session& session = call.session();
+    const auto changelist = [&](const depot::ChangelistId& id, const std::string& description) {
+        depot::PendingChangelist entry;
+        entry.changelist = {id, description, session.credentials.user, session.workingCopy,
+                            depot::ChangelistState::Pending, {}, 0};
+        return entry;
+    };
+    std::vector<depot::PendingChangelist> answer{changelist({}, {})};
+    std::map<std::string, std::size_t> byId;
+    for (const auto& [number, text] : session.changelists->pending()) {
+        byId[std::to_string(number)] = answer.size();
+        answer.push_back(changelist(std::to_string(number), text));
+    }
+    for (const auto& [path, node] : OpenFiles(nodes)) {
+        // A file in a changelist without a record (made by another client) counts as the default's.
+        const auto found = byId.find(node->changelist);
+        depot::PendingChangelist& owner = found == byId.end() ? answer.front() : answer[found->second];
+        owner.files.push_back({node->repositoryPath, path, ActionOf(*node), owner.changelist.id,
+                               session.credentials.user, session.workingCopy, !node->localLockToken.empty()});
+    }
+    pending = std::move(answer);
+    return {};
+}
+
+Result SvnServer::setDescription(const std::string& ticket, const depot::ChangelistId& changelist,
+                                 const std::string& description)
+{
+    Call call(*this, {});
+    if (Result begun = call.begin(depot::Operation::SetDescription, &ticket); !begun.ok())
+        return begun;
+    SvnChangelists& records = *call.session().changelists;
+    if (changelist.empty())
+        return {code::Failed, "The default changelist has no description to change."};
+    if (!records.exists(changelist))
+        return {code::Failed, "Change " + changelist + " unknown."};
+    if (description.empty())
+        return {code::Failed, "A changelist's description cannot be empty."};
+    return records.setDescription(changelist, description);
+}
+
+Result SvnServer::deleteChangelist(const std::string& ticket, const depot::ChangelistId& changelist)
+{
+    Call call(*this, {});
+    if (Result begun = call.begin(depot::Operation::DeleteChangelist, &ticket); !begun.ok())
+        return begun;
+    SvnChangelists& records = *call.session().changelists;
+    if (changelist.empty())
+        return {code::Failed, "The default changelist cannot be deleted."};
+    if (!records.exists(changelist))
+        return {code::Failed, "Change " + changelist + " unknown."};
+    SvnStatusMap nodes;
+    if (Result walked = call.walkLocally(nodes); !walked.ok())
+        return walked;
+    const auto open = std::count_if(nodes.begin(), nodes.end(), [&](const auto& entry) {
+        return !entry.second.directory && entry.second.changelist == changelist;
+    });
+    if (open > 0)
+        return {code::Failed, "Change " + changelist + " has " + std::to_string(open) +
+                                  " open file(s); move them to another changelist or revert them first."};
+    return records.erase(changelist);
+}
+
+Result SvnServer::reopen(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
+                         const depot::CancelCheck& cancel)
+{
+    Call call(*this, cancel);
+    if (Result begun = call.begin(depot::Operation::Reopen, &ticket); !begun.ok())
+        return begun;
+    if (!call.session().changelists->exists(changelist))
+        return {code::Failed, "Change " + changelist + " unknown."};
+    std::vector<depot::FileStatus> statuses;
+    if (Result walked = statusWords(call, files, false, statuses); !walked.ok())
+        return walked;
+    std::string refusals;
+    for (std::size_t i = 0; i < files.size(); ++i)
+        if (!(statuses[i].word & kOpenHere))
+            refusals += "\n" + files[i] + " is not opened in workspace " + call.session().workingCopy;
+    if (!refusals.empty())
+        return {code::Failed, "Cannot move to another changelist:" + refusals};
+    return call.finish(MoveToChangelist(call.context(), call.paths(files), changelist, call.pool()));
+}
+
+Result SvnServer::revertUnchanged(const std::string& ticket, const Files& files, std::vector<std::string>& reverted,
+                                  const depot::CancelCheck& cancel)
+{
+    Call call(*this, cancel);
+    if (Result begun = call.begin(depot::Operation::RevertUnchanged, &ticket); !begun.ok())
+        return begun;
+    SvnStatusMap nodes;
+    if (Result walked = call.walkLocally(nodes); !walked.ok())
+        return walked;
+    std::set<std::string> wanted;
+    for (const std::string& file : files)
+        wanted.insert(Canonical(file, call.pool()));
+    // A checked-out file whose text and properties are the working copy's revision: only its lock
+    // and changelist make it open.
+    Files unchanged;
+    for (const auto& [path, node] : OpenFiles(nodes))
+        if ((files.empty() || wanted.count(path)) && node->local == svn_wc_status_normal)
+            unchanged.push_back(path);
+    if (!unchanged.empty()) {
+        if (Result unlocked = call.ask(svn_client_unlock(call.paths(unchanged), FALSE, call.context(), call.pool()));
+            !unlocked.ok())
+            return unlocked;
+        if (Result moved = call.finish(MoveToChangelist(call.context(), call.paths(unchanged), {}, call.pool()));
+            !moved.ok())
+            return moved;
+    }
+    reverted = std::move(unchanged);
     return {};
 }
 

@@ -8,6 +8,12 @@ svn_error_t* Record(void* baton, const char* path, const svn_client_status_t* st
 {
     SvnNodeStatus node;
     node.versioned = status->versioned;
+    node.directory = status->kind == svn_node_dir;
+    if (status->repos_relpath)
+        node.repositoryPath = std::string("^/") + status->repos_relpath;
+    node.changedRevision = SVN_IS_VALID_REVNUM(status->changed_rev) ? status->changed_rev : 0;
+    node.headChangedRevision =
+        SVN_IS_VALID_REVNUM(status->ood_changed_rev) ? status->ood_changed_rev : node.changedRevision;
     node.local = status->node_status;
     node.repository = status->repos_node_status;
     if (status->lock && status->lock->token)

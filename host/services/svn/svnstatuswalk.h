@@ -11,12 +11,16 @@ namespace hbrc::host {
 struct SvnNodeStatus
 {
     bool versioned = false;
+    bool directory = false;
     svn_wc_status_kind local = svn_wc_status_none;
     svn_wc_status_kind repository = svn_wc_status_none;  // a change committed since this node's revision
     std::string localLockToken;                           // the lock this working copy holds
     std::string repositoryLockToken;                      // the lock the repository knows of
     std::string repositoryLockOwner;
     std::string changelist;
+    std::string repositoryPath;                           // "^/" and the path in the repository
+    long changedRevision = 0;                             // the last change this node has
+    long headChangedRevision = 0;                         // the repository's last change (when asked)
 };
 
 // The status of every node of a working copy by absolute path, from one walk: local only, or with

@@ -79,7 +79,7 @@ public:
     // other files are synced and recorded. `report`, when given, receives what was synced.
     Result sync(const std::string& ticket, const Files& files, SyncMode mode = SyncMode::Safe,
                 const CancelCheck& cancel = {}, SyncReport* report = nullptr);
-    // One status per file, in the order asked.
+    // One status per file, in the order asked, with the revisions and other workspaces' holds.
     Result status(const std::string& ticket, const Files& files, std::vector<FileStatus>& statuses,
                   const CancelCheck& cancel = {});
     // Users of other workspaces holding the files (open or locked), sorted, per file.
@@ -125,6 +125,9 @@ public:
     // only an empty one allows.
     Result setDescription(const std::string& ticket, const ChangelistId& changelist, const std::string& description);
     Result deleteChangelist(const std::string& ticket, const ChangelistId& changelist);
+    // The default changelist, then this workspace's numbered pending ones (oldest first), each
+    // with the files open in it; one question for all of the session's pending work.
+    Result pending(const std::string& ticket, std::vector<PendingChangelist>& pending);
     // True for "" and for this workspace's pending changelists; false for submitted or unknown ones.
     Result changelistExists(const std::string& ticket, const ChangelistId& changelist, bool& exists);
 

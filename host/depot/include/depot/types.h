@@ -47,11 +47,25 @@ enum class FileAction { Edit, Add, Delete };
 // Pending changelists are named by their number as text; the empty string is the default one.
 using ChangelistId = std::string;
 
+// Another workspace's hold on a file: what it has the file open for, in which of its
+// changelists, and whether it locked it.
+struct FileHolder
+{
+    std::string user;
+    std::string workspace;
+    FileAction action = FileAction::Edit;
+    ChangelistId changelist;
+    bool locked = false;
+};
+
 struct FileStatus
 {
     std::uint32_t word = 0;
     ChangelistId changelist;           // where this workspace has the file open ("" = default)
     std::vector<std::string> holders;  // users of other workspaces that have it open or locked, sorted
+    std::vector<FileHolder> heldBy;    // the same holds in detail, by user
+    std::int64_t haveRevision = 0;     // the revision in this workspace; 0 for none
+    std::int64_t headRevision = 0;     // the latest revision (also a deletion); 0 for none
 };
 
 struct OpenedFile
@@ -87,6 +101,13 @@ struct Changelist
     std::int64_t time = 0;
 };
 
+// A pending changelist of a session's workspace with the files open in it.
+struct PendingChangelist
+{
+    Changelist changelist;          // id "" for the default changelist
+    std::vector<OpenedFile> files;  // in path order
+};
+
 // What a sync did, by depot path: files written ("//depot/ship.kel#3") and files removed.
 struct SyncReport
 {
@@ -105,7 +126,7 @@ struct WorkspaceInfo
 enum class Operation {
     Administer, Login, Logout, Sync, Status, Holders, Edit, Add, Delete, Revert, Lock, Submit,
     Opened, Changelists, Describe, CreateChangelist, ChangelistExists, Session, Reopen, DeleteChangelist,
-    SetDescription, RevertUnchanged, Unlock, Workspaces
+    SetDescription, RevertUnchanged, Unlock, Workspaces, Pending
 };
 
 enum class PasswordHashCost { Interactive, Minimal };

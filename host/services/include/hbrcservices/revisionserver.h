@@ -32,6 +32,8 @@ public:
     virtual depot::Result expireSession(const std::string& ticket) = 0;
 
     virtual depot::Result sync(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel = {}) = 0;
+    // One status per file, in the order asked: the word, this session's changelist, the other
+    // users' holds and the have and head revisions, for any number of files in one question.
     virtual depot::Result status(const std::string& ticket, const Files& files,
                                  std::vector<depot::FileStatus>& statuses, const depot::CancelCheck& cancel = {}) = 0;
     virtual depot::Result holders(const std::string& ticket, const Files& files,
@@ -57,6 +59,25 @@ public:
                                            depot::ChangelistId& created) = 0;
     virtual depot::Result changelistExists(const std::string& ticket, const depot::ChangelistId& changelist,
                                            bool& exists) = 0;
+
+    // The session's pending work: the default changelist first, then the numbered ones, each with
+    // the files open in it (by local path).
+    virtual depot::Result pendingChangelists(const std::string& ticket,
+                                             std::vector<depot::PendingChangelist>& pending) = 0;
+    // A numbered pending changelist's new description, which cannot be empty; its removal, which
+    // only an empty one allows. The default changelist refuses both.
+    virtual depot::Result setDescription(const std::string& ticket, const depot::ChangelistId& changelist,
+                                         const std::string& description) = 0;
+    virtual depot::Result deleteChangelist(const std::string& ticket, const depot::ChangelistId& changelist) = 0;
+    // Moves files open in this session into another of its pending changelists, all or none.
+    virtual depot::Result reopen(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
+                                 const depot::CancelCheck& cancel = {}) = 0;
+    // Reverts the files opened for edit whose content is still the revision they were opened at
+    // (every open file when files is empty) and leaves the others open; reverted names those
+    // reverted, as the server names files (depot paths; working-copy paths on Subversion).
+    virtual depot::Result revertUnchanged(const std::string& ticket, const Files& files,
+                                          std::vector<std::string>& reverted,
+                                          const depot::CancelCheck& cancel = {}) = 0;
 
     // Questions that reached the server through this object.
     virtual std::uint64_t roundTrips() const = 0;
