@@ -46,25 +46,14 @@ void AssetStatusQuery::Start(Question question)
         [connection = m_connection, question = std::move(question)] { return AskServer(*connection, question); }));
 }
 
-StatusAnswer AssetStatusQuery::AskServer(Connection& connection, const Question& question)
+StatusAnswer AssetStatusQuery::AskServer(WorkerConnection& connection, const Question& question)
 {
-    const Account& account = question.account;
-    if (!connection.revisionServer || connection.server != account.server) {
-        connection.server = account.server;
-        connection.revisionServer = host::OpenRevisionServer(account.server, {});
-        connection.ownTicket.clear();
-    }
-    host::RevisionServer& server = *connection.revisionServer;
+    std::string ticket;
+    depot::Result result = connection.Prepare(question.account, ticket);
+    host::RevisionServer& server = connection.Server();
     const std::uint64_t roundTripsBefore = server.roundTrips();
     StatusAnswer answer;
     answer.keys = question.keys;
-    depot::Result result;
-    std::string ticket = account.ticket;
-    if (host::IsSubversionUrl(account.server)) {
-        if (connection.ownTicket.empty() && !account.password.empty())
-            result = server.login(account.userName, account.password, account.workspace, connection.ownTicket);
-        ticket = connection.ownTicket;
-    }
     host::RevisionServer::Files files;
     for (const auto& assetFiles : question.files)
         files.insert(files.end(), assetFiles.begin(), assetFiles.end());
@@ -80,7 +69,13 @@ StatusAnswer AssetStatusQuery::AskServer(Connection& connection, const Question&
     for (const auto& assetFiles : question.files) {
         AssetStatus status;
         for (std::size_t i = 0; i < assetFiles.size(); ++i, ++file) {
+            if (i == 0) {
+                status.haveRevision = file->haveRevision;
+                status.headRevision = file->headRevision;
+            }
+            status.behind = status.behind || file->haveRevision < file->headRevision;
             status.word |= file->word;
+            status.heldBy.insert(status.heldBy.end(), file->heldBy.begin(), file->heldBy.end());
             for (const std::string& holder : file->holders)
                 if (!status.holders.contains(QString::fromStdString(holder)))
                     status.holders << QString::fromStdString(holder);

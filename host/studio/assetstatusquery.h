@@ -1,6 +1,8 @@
 #pragma once
 
-#include <hbrcservices/revisionserver.h>
+#include "workerconnection.h"
+
+#include <depot/types.h>
 
 #include <QFutureWatcher>
 #include <QObject>
@@ -14,14 +16,19 @@
 
 namespace hbrc::studio {
 
-// The revision status of one asset: its files' words OR-ed, the other users holding any of them,
-// and the changelist the first file opened here is in.
+// The revision status of one asset: its files' words OR-ed, the other users holding any of them
+// (by name, and each hold in detail), the changelist the first file opened here is in, and the
+// have and head revisions of its first file (its .kel file).
 struct AssetStatus
 {
     unsigned word = 0;
     QStringList holders;
+    std::vector<depot::FileHolder> heldBy;
     QString changelist;
     bool opened = false;
+    std::int64_t haveRevision = 0;
+    std::int64_t headRevision = 0;
+    bool behind = false;  // some file of it has a newer revision on the server than here
 };
 
 struct StatusAnswer
@@ -34,13 +41,9 @@ struct StatusAnswer
 };
 
 // Asks the revision server about every file of many assets in one status question, on a worker
-// thread with a server connection of its own (kept from one question to the next), and delivers
-// the answer on the UI thread. A new question while one runs is kept and asked when the running one
-// ends; only its answer is delivered.
-//
-// On the embedded depot the question uses the services' session (its ticket). A Subversion
-// session belongs to the connection that opened it, so there the worker's connection logs in
-// itself, once, with the account's password; without one the question is refused (-34).
+// thread with a server connection of its own (a WorkerConnection), and delivers the answer on the
+// UI thread. A new question while one runs is kept and asked when the running one ends; only its
+// answer is delivered.
 class AssetStatusQuery : public QObject
 {
     Q_OBJECT
@@ -50,16 +53,7 @@ public:
     explicit AssetStatusQuery(QObject* parent = nullptr);
     ~AssetStatusQuery() override;
 
-    // The account the question is asked for: the server setting, the services' ticket, and what a
-    // Subversion connection logs in with.
-    struct Account
-    {
-        std::string server;
-        std::string ticket;
-        std::string userName;
-        std::string password;
-        std::string workspace;
-    };
+    using Account = ServerAccount;
 
     // keys name the assets for the caller; files lists each one's files, in the same order.
     void Ask(const Account& account, std::vector<std::string> keys, FilesPerAsset files);
@@ -78,17 +72,10 @@ private:
         std::vector<std::string> keys;
         FilesPerAsset files;
     };
-    // The worker's connection; used by one question at a time.
-    struct Connection
-    {
-        std::string server;
-        std::unique_ptr<host::RevisionServer> revisionServer;
-        std::string ownTicket;
-    };
     void Start(Question question);
-    static StatusAnswer AskServer(Connection& connection, const Question& question);
+    static StatusAnswer AskServer(WorkerConnection& connection, const Question& question);
 
-    std::shared_ptr<Connection> m_connection = std::make_shared<Connection>();
+    std::shared_ptr<WorkerConnection> m_connection = std::make_shared<WorkerConnection>();
     QFutureWatcher<StatusAnswer> m_watcher;
     std::vector<Question> m_waiting;  // at most one
     bool m_pending = false;

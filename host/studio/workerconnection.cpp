@@ -1,0 +1,22 @@
+#include "workerconnection.h"
+
+namespace hbrc::studio {
+
+depot::Result WorkerConnection::Prepare(const ServerAccount& account, std::string& ticket)
+{
+    if (!m_server || m_serverSetting != account.server) {
+        m_serverSetting = account.server;
+        m_server = host::OpenRevisionServer(account.server, {});
+        m_ownTicket.clear();
+    }
+    ticket = account.ticket;
+    if (!host::IsSubversionUrl(account.server))
+        return {};
+    depot::Result result;
+    if (m_ownTicket.empty() && !account.password.empty())
+        result = m_server->login(account.userName, account.password, account.workspace, m_ownTicket);
+    ticket = m_ownTicket;
+    return result;
+}
+
+}  // namespace hbrc::studio

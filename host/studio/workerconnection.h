@@ -1,0 +1,42 @@
+#pragma once
+
+#include <hbrcservices/revisionserver.h>
+
+#include <memory>
+#include <string>
+
+namespace hbrc::studio {
+
+// The account a worker thread's questions are asked for: the server setting, the services' ticket,
+// and what a Subversion connection logs in with.
+struct ServerAccount
+{
+    std::string server;
+    std::string ticket;
+    std::string userName;
+    std::string password;
+    std::string workspace;
+};
+
+// A revision-server connection of a worker thread's own, kept from one question to the next so
+// that the UI thread's services never wait for it. Used by one thread at a time.
+//
+// On the embedded depot the questions use the services' session (their ticket). A Subversion
+// session belongs to the connection that opened it, so there this connection logs in itself, once,
+// with the account's password; without one its questions are refused (-34).
+class WorkerConnection
+{
+public:
+    // Opens the server the account names (again, when it names another one) and answers the ticket
+    // to ask with; fails when a Subversion log-in fails.
+    depot::Result Prepare(const ServerAccount& account, std::string& ticket);
+    // The server of the last Prepare.
+    host::RevisionServer& Server() const { return *m_server; }
+
+private:
+    std::string m_serverSetting;
+    std::unique_ptr<host::RevisionServer> m_server;
+    std::string m_ownTicket;
+};
+
+}  // namespace hbrc::studio
