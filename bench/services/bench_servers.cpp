@@ -1,8 +1,9 @@
 // The services on both revision servers side by side in one run: the embedded depot and a
 // Subversion repository served by svnserve on 127.0.0.1, each with one workspace of 10,000
 // submitted files. Measures a status question about 1,000 and 10,000 files and a check-out of 100
-// files (reverted between iterations); reports round trips per question and, in a summary, the
-// ratio between the servers and the growth from 1,000 to 10,000 files on each.
+// files (reverted between iterations); reports round trips per question, the ratios between the
+// servers and the growth from 1,000 to 10,000 files on each.
+#include <ratioreporter.h>
 #include <svnrepositoryfixture.h>
 
 #include <hbrcservices/revisioncontrolservices.h>
@@ -16,8 +17,6 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <chrono>
-#include <cstdio>
 #include <memory>
 #include <stdexcept>
 
@@ -159,45 +158,19 @@ void BM_CheckOut100(benchmark::State& state)
 }
 BENCHMARK(BM_CheckOut100)->Arg(kDepot)->Arg(kSvn)->Unit(benchmark::kMillisecond);
 
-template <class F>
-double Seconds(F&& run)
-{
-    constexpr int kRepeats = 3;
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < kRepeats; ++i)
-        run();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() / kRepeats;
-}
-
-// Measured side by side in this run.
-void PrintSummary()
-{
-    double status1k[2] = {};
-    double status10k[2] = {};
-    double checkOut[2] = {};
-    for (int server : {kDepot, kSvn}) {
-        Scene& scene = Scene::Get(server);
-        const auto thousand = scene.FileNames(1000);
-        const auto all = scene.FileNames(kFiles);
-        const auto hundred = scene.FileNames(100);
-        status1k[server] = Seconds([&] { Status(scene, thousand); });
-        status10k[server] = Seconds([&] { Status(scene, all); });
-        checkOut[server] = Seconds([&] { CheckOutAndRevert(scene, hundred); });
-        std::printf("summary: %s: status of 10,000 files takes %.1fx the time of 1,000\n", kServerNames[server],
-                    status10k[server] / status1k[server]);
-    }
-    std::printf("summary: svnserve / depot: status of 1,000 files %.1fx, of 10,000 files %.1fx, "
-                "check-out and revert of 100 files %.1fx\n",
-                status1k[kSvn] / status1k[kDepot], status10k[kSvn] / status10k[kDepot], checkOut[kSvn] / checkOut[kDepot]);
-}
-
 }  // namespace
 
 int main(int argc, char** argv)
 {
+    RatioReporter reporter({
+        {"depot: status of 10,000 files / of 1,000", "BM_Status/0/10000", "BM_Status/0/1000"},
+        {"svnserve: status of 10,000 files / of 1,000", "BM_Status/1/10000", "BM_Status/1/1000"},
+        {"svnserve / depot: status of 1,000 files", "BM_Status/1/1000", "BM_Status/0/1000"},
+        {"svnserve / depot: status of 10,000 files", "BM_Status/1/10000", "BM_Status/0/10000"},
+        {"svnserve / depot: check-out and revert of 100 files", "BM_CheckOut100/1", "BM_CheckOut100/0"},
+    });
     benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    PrintSummary();
+    benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
     return 0;
 }

@@ -1,16 +1,15 @@
 // Cost of the services' list questions against the embedded depot: the status of 10,000 submitted
 // files (a realistic tree, on disk and in the depot) in one call, a 1,000-object status question asked as one list or object by object, and the first
 // per-object question after a change in workspaces of 1,000 and 10,000 assets. Reports round
-// trips per question and, in a summary line, the ratios measured side by side in this run.
+// trips per question and the ratio of the two ways of asking, measured side by side in this run.
 #include <depotworkspace.h>
+#include <ratioreporter.h>
 #include <realistictree.h>
 
 #include <benchmark/benchmark.h>
 
 #include <QFile>
 
-#include <chrono>
-#include <cstdio>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -205,42 +204,14 @@ void BM_FirstNeedsActionAfterChange(benchmark::State& state)
 BENCHMARK_TEMPLATE(BM_FirstNeedsActionAfterChange, true)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_FirstNeedsActionAfterChange, false)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 
-template <class F>
-double Seconds(F&& run)
-{
-    const auto start = std::chrono::steady_clock::now();
-    run();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-// Measured side by side in this run: a list question against the same question object by object.
-void PrintSummary()
-{
-    Scene& scene = Scene::Get();
-    const auto before = scene.Connection().RoundTrips();
-    kel4::List<unsigned> statuses;
-    std::string error;
-    const double asList =
-        Seconds([&] { scene.Data().GetStatus(scene.Objects(), true, kPersistence, true, statuses, error); });
-    const auto listTrips = scene.Connection().RoundTrips() - before;
-    const double oneByOne = Seconds([&] {
-        for (const auto& object : scene.Objects())
-            scene.Data().GetStatus({object}, true, kPersistence, true, statuses, error);
-    });
-    std::printf("summary: 1,000-object status question: %llu round trip(s) as one list, %llu object by object; "
-                "object by object takes %.1fx the time of one list\n",
-                static_cast<unsigned long long>(listTrips),
-                static_cast<unsigned long long>(scene.Connection().RoundTrips() - before - listTrips),
-                oneByOne / asList);
-}
-
 }  // namespace
 
 int main(int argc, char** argv)
 {
+    RatioReporter reporter({{"1,000-object status, object by object / as one list", "BM_ObjectStatusOneByOne",
+                             "BM_ObjectStatusAsOneList"}});
     benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    PrintSummary();
+    benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
     return 0;
 }
