@@ -4,7 +4,9 @@
 //   ratio of the two sizes (goal: at most 11);
 // - the depot round trips that fill the status column (goal: 1, whatever the size);
 // - the longest the UI thread went without serving its event loop while opening, until the status
-//   column was filled (reported, not a goal).
+//   column was filled (reported, not a goal);
+// - a status refresh of the open workspace: its depot round trips (goal: 1) and the longest the UI
+//   thread went without serving its event loop from the request until the answer (goal: < 50 ms).
 #include <ratioreporter.h>
 
 #include "mainwindow.h"
@@ -168,12 +170,66 @@ void BM_OpenWorkspaceInWindow(benchmark::State& state)
 }
 BENCHMARK(BM_OpenWorkspaceInWindow)->Arg(1000)->Arg(10000)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
 
+// The window of alice's session on the depot of that size, with the workspace open and its first
+// status answer in.
+struct OpenWindow
+{
+    explicit OpenWindow(Depot& depot, const QString& preferences) : session(preferences)
+    {
+        std::string error;
+        expect(session.Start(error), error);
+        session.StoreAccount({depot.Path(), "alice", "alice-ws", {}});
+        session.SetPassword("alice-pw");
+        session.SetStatusRefreshSeconds(0);
+        window = std::make_unique<studio::MainWindow>(session);
+        window->show();
+        expect(window->openWorkspace(depot.Folder()), "cannot open the workspace");
+        waitForStatus();
+    }
+    void waitForStatus() const
+    {
+        while (window->model().statusQuery().IsPending())
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    }
+
+    studio::StudioSession session;
+    std::unique_ptr<studio::MainWindow> window;
+};
+
+void BM_RefreshStatus(benchmark::State& state)
+{
+    Depot& depot = Depot::Get(int(state.range(0)));
+    Log::Singleton::Instance().SetStderrEnabled(false);
+    QTemporaryDir scratch;
+    OpenWindow open(depot, scratch.filePath(QStringLiteral("preferences.ini")));
+    const studio::AssetStatusQuery& query = open.window->model().statusQuery();
+    double roundTrips = 0, longestStall = 0;
+    for (auto _ : state) {
+        const std::uint64_t before = query.RoundTrips();
+        QElapsedTimer clock;
+        clock.start();
+        StallMeter stalls;
+        open.window->refreshStatus();
+        open.waitForStatus();
+        state.SetIterationTime(double(clock.nsecsElapsed()) / 1e9);
+        longestStall = std::max(longestStall, double(stalls.longestMs()));
+        roundTrips = double(query.RoundTrips() - before);
+        expect(open.window->sessionState() == QStringLiteral("logged in"), "the status question failed");
+    }
+    state.counters["status_round_trips"] = roundTrips;
+    state.counters["longest_ui_stall_ms"] = longestStall;
+    Log::Singleton::Instance().SetStderrEnabled(true);
+}
+BENCHMARK(BM_RefreshStatus)->Arg(1000)->Arg(10000)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
+
 }  // namespace
 
 int main(int argc, char** argv)
 {
     RatioReporter reporter({{"first painted browser t(10,000) / t(1,000) (goal <= 11)",
                              "BM_OpenWorkspaceInWindow/10000/iterations:3/manual_time",
-                             "BM_OpenWorkspaceInWindow/1000/iterations:3/manual_time"}});
+                             "BM_OpenWorkspaceInWindow/1000/iterations:3/manual_time"},
+                            {"status refresh t(10,000) / t(1,000)", "BM_RefreshStatus/10000/iterations:5/manual_time",
+                             "BM_RefreshStatus/1000/iterations:5/manual_time"}});
     return RunWidgetBenchmarks(argc, argv, reporter);
 }

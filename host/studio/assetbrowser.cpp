@@ -35,7 +35,8 @@ AssetBrowser::AssetBrowser(AssetBrowserModel& model, QWidget* parent) : QWidget(
     m_view->setItemDelegateForColumn(AssetBrowserModel::StatusColumn, new StatusDelegate(m_view));
     static const std::pair<int, int> widths[] = {{AssetBrowserModel::NameColumn, 120}, {AssetBrowserModel::TypeColumn, 80},
                                                  {AssetBrowserModel::StatusColumn, 175}, {AssetBrowserModel::HolderColumn, 70},
-                                                 {AssetBrowserModel::ChangelistColumn, 80}, {AssetBrowserModel::FilesColumn, 40}};
+                                                 {AssetBrowserModel::ChangelistColumn, 80}, {AssetBrowserModel::RevisionColumn, 70},
+                                                 {AssetBrowserModel::FilesColumn, 40}};
     for (const auto& [column, width] : widths)
         m_view->header()->resizeSection(column, width);
     auto* layout = new QVBoxLayout(this);

@@ -1,5 +1,7 @@
 #include "assetbrowsermodel.h"
 
+#include "statuschange.h"
+
 #include <hbrcdatamodel/workspace.h>
 #include <kel4/revisionstatus.h>
 
@@ -32,6 +34,24 @@ QIcon statusIcon(unsigned word, bool known)
     if (word & kOpenedHere)
         return style->standardIcon(QStyle::SP_DialogApplyButton);
     return style->standardIcon(QStyle::SP_FileIcon);
+}
+
+QIcon holderIcon(const AssetStatus& status)
+{
+    if (status.heldBy.empty())
+        return {};
+    const bool locked = std::any_of(status.heldBy.begin(), status.heldBy.end(),
+                                    [](const depot::FileHolder& hold) { return hold.locked; });
+    return QApplication::style()->standardIcon(locked ? QStyle::SP_MessageBoxCritical : QStyle::SP_MessageBoxWarning);
+}
+
+QString holdsText(const AssetStatus& status)
+{
+    QStringList lines;
+    for (const depot::FileHolder& hold : status.heldBy)
+        lines << StatusChange::describeHold(hold);
+    lines.removeDuplicates();
+    return lines.join(QLatin1Char('\n'));
 }
 
 }  // namespace
@@ -93,21 +113,28 @@ void AssetBrowserModel::refreshStatus(const AssetStatusQuery::Account& account)
 
 void AssetBrowserModel::takeAnswer(const StatusAnswer& answer)
 {
-
     if (answer.code >= 0 && answer.assets.size() == answer.keys.size()) {
         std::map<std::string, const AssetStatus*> byId;
         for (std::size_t i = 0; i < answer.keys.size(); ++i)
             byId[answer.keys[i]] = &answer.assets[i];
+        QStringList changes;
         for (Row& row : m_rows) {
             if (auto found = byId.find(row.id); found != byId.end()) {
+                if (row.known) {
+                    if (const QString change = StatusChange::describe(name(row), row.status, *found->second);
+                        !change.isEmpty())
+                        changes << change;
+                }
                 row.status = *found->second;
                 row.known = true;
             }
         }
         if (!m_rows.empty())
-            emit dataChanged(index(0, StatusColumn), index(int(m_rows.size()) - 1, ChangelistColumn));
+            emit dataChanged(index(0, StatusColumn), index(int(m_rows.size()) - 1, RevisionColumn));
+        if (!changes.isEmpty())
+            emit changesSeen(changes);
     }
-    emit statusRefreshed(answer.code, answer.error);
+    emit statusRefreshed(answer);
 }
 
 KELHandle<kel4::IDbObject> AssetBrowserModel::assetAt(int row) const
@@ -115,6 +142,18 @@ KELHandle<kel4::IDbObject> AssetBrowserModel::assetAt(int row) const
     if (!m_workspace || row < 0 || row >= int(m_rows.size()))
         return {};
     return m_workspace->Model().HandleOf(m_rows[std::size_t(row)].slot);
+}
+
+const AssetStatus* AssetBrowserModel::statusAt(int row) const
+{
+    if (row < 0 || row >= int(m_rows.size()) || !m_rows[std::size_t(row)].known)
+        return nullptr;
+    return &m_rows[std::size_t(row)].status;
+}
+
+QString AssetBrowserModel::name(const Row& row) const
+{
+    return QString::fromStdString(m_workspace->Model().Store().AssetAt(row.slot).record.name);
 }
 
 int AssetBrowserModel::rowOf(const KELHandleBase& asset) const
@@ -152,12 +191,21 @@ QVariant AssetBrowserModel::data(const QModelIndex& index, int role) const
         return row.known ? statusWords(row.status.word, row.status.holders) : QStringList{tr("asking...")};
     if (role == Qt::DecorationRole && index.column() == StatusColumn)
         return statusIcon(row.status.word, row.known);
+    if (role == Qt::DecorationRole && index.column() == HolderColumn)
+        return holderIcon(row.status);
+    if (role == Qt::DecorationRole && index.column() == RevisionColumn && row.status.behind)
+        return QApplication::style()->standardIcon(QStyle::SP_ArrowDown);
+    if (role == Qt::ForegroundRole && index.column() == RevisionColumn && row.status.behind)
+        return QColor(0xc0, 0x7a, 0x12);
+    if (role == Qt::ToolTipRole && (index.column() == StatusColumn || index.column() == HolderColumn) &&
+        !row.status.heldBy.empty())
+        return holdsText(row.status);
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
         return {};
     const host::StoredAsset& asset = store.AssetAt(row.slot);
     switch (index.column()) {
     case NameColumn:
-        return QString::fromStdString(asset.record.name) + (store.DirtyAssets().count(row.slot) ? QStringLiteral(" *") : QString());
+        return name(row) + (store.DirtyAssets().count(row.slot) ? QStringLiteral(" *") : QString());
     case TypeColumn:
         return QString::fromStdString(asset.record.type);
     case StatusColumn:
@@ -166,6 +214,14 @@ QVariant AssetBrowserModel::data(const QModelIndex& index, int role) const
         return row.status.holders.join(QStringLiteral(", "));
     case ChangelistColumn:
         return row.status.opened ? (row.status.changelist.isEmpty() ? tr("default") : row.status.changelist) : QString();
+    case RevisionColumn:
+        if (!row.known || row.status.headRevision == 0)
+            return QString();
+        if (role == Qt::ToolTipRole && row.status.behind)
+            return tr("A newer revision is on the server: you have #%1 of #%2")
+                .arg(row.status.haveRevision)
+                .arg(row.status.headRevision);
+        return tr("#%1/#%2").arg(row.status.haveRevision).arg(row.status.headRevision);
     case FilesColumn:
         return int(1 + asset.record.externalFiles.size());
     default:
@@ -183,6 +239,7 @@ QVariant AssetBrowserModel::headerData(int section, Qt::Orientation orientation,
     case StatusColumn: return tr("Status");
     case HolderColumn: return tr("Held by");
     case ChangelistColumn: return tr("Changelist");
+    case RevisionColumn: return tr("Revision");
     case FilesColumn: return tr("Files");
     default: return {};
     }

@@ -16,14 +16,24 @@ class Workspace;
 namespace hbrc::studio {
 
 // The assets of the open workspace, one row each, read from the data model when shown: name,
-// type, revision status, the users holding it, its changelist and its number of files. The
+// type, revision status, the users holding it, its changelist, its have and head revisions and its
+// number of files. The
 // status columns come from one status question for all assets at once (AssetStatusQuery), asked
 // by refreshStatus without blocking the UI thread.
 class AssetBrowserModel : public QAbstractTableModel
 {
     Q_OBJECT
 public:
-    enum Column { NameColumn, TypeColumn, StatusColumn, HolderColumn, ChangelistColumn, FilesColumn, ColumnCount };
+    enum Column {
+        NameColumn,
+        TypeColumn,
+        StatusColumn,
+        HolderColumn,
+        ChangelistColumn,
+        RevisionColumn,
+        FilesColumn,
+        ColumnCount
+    };
     // The status word of a row (UserRole + 1) and whether it is known yet (UserRole + 2).
     static constexpr int StatusWordRole = Qt::UserRole + 1;
     static constexpr int StatusKnownRole = Qt::UserRole + 2;
@@ -40,6 +50,8 @@ public:
     void refreshStatus(const AssetStatusQuery::Account& account);
 
     KELHandle<kel4::IDbObject> assetAt(int row) const;
+    // The last answered status of row, or null while it is unknown.
+    const AssetStatus* statusAt(int row) const;
     int rowOf(const KELHandleBase& asset) const;
     const AssetStatusQuery& statusQuery() const { return m_query; }
 
@@ -56,8 +68,11 @@ public:
     }
 
 signals:
-    // The status question was answered: code < 0 when the server refused it (error says why).
-    void statusRefreshed(int code, const QString& error);
+    // The status question was answered: its code is < 0 when the server refused it.
+    void statusRefreshed(const hbrc::studio::StatusAnswer& answer);
+    // What an answer changed about other users' holds and newer revisions, one line per asset
+    // (never for the first answer about an asset); sent before statusRefreshed.
+    void changesSeen(const QStringList& lines);
 
 private:
     struct Row
@@ -68,6 +83,7 @@ private:
         bool known = false;
     };
     void takeAnswer(const StatusAnswer& answer);
+    QString name(const Row& row) const;
 
     host::Workspace* m_workspace = nullptr;
     std::vector<Row> m_rows;

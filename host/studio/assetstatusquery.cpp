@@ -2,55 +2,31 @@
 
 #include <hbrcservices/revisionserver.h>
 
-#include <QtConcurrent/QtConcurrentRun>
-
 namespace hbrc::studio {
 
-AssetStatusQuery::AssetStatusQuery(QObject* parent) : QObject(parent)
+bool StatusAnswer::unreachable() const
 {
-    connect(&m_watcher, &QFutureWatcher<StatusAnswer>::finished, this, [this] {
-        const StatusAnswer answer = m_watcher.result();
-        m_roundTrips += answer.roundTrips;
-        if (!m_waiting.empty()) {
-            Question next = std::move(m_waiting.front());
-            m_waiting.clear();
-            Start(std::move(next));
-            return;
-        }
-        m_pending = false;
-        emit answered(answer);
-    });
+    return code == depot::code::SessionUnusable && error.startsWith(QLatin1String("Cannot reach"));
 }
 
-AssetStatusQuery::~AssetStatusQuery()
-{
-    m_watcher.waitForFinished();
-}
+AssetStatusQuery::AssetStatusQuery(QObject* parent) : QObject(parent) {}
+
+AssetStatusQuery::~AssetStatusQuery() = default;
 
 void AssetStatusQuery::Ask(const Account& account, std::vector<std::string> keys, FilesPerAsset files)
 {
-    Question question{account, std::move(keys), std::move(files)};
-    // Not isRunning(): a question whose finished signal is still on its way is not answered yet.
-    if (m_pending) {
-        m_waiting.clear();
-        m_waiting.push_back(std::move(question));
-        return;
-    }
-    m_pending = true;
-    Start(std::move(question));
+    m_scheduler.schedule<StatusAnswer>(
+        [this, question = Question{account, std::move(keys), std::move(files)}](const depot::CancelCheck& cancelled) {
+            return AskServer(question, cancelled);
+        },
+        [this](const StatusAnswer& answer) { emit answered(answer); });
 }
 
-void AssetStatusQuery::Start(Question question)
-{
-    m_watcher.setFuture(QtConcurrent::run(
-        [connection = m_connection, question = std::move(question)] { return AskServer(*connection, question); }));
-}
-
-StatusAnswer AssetStatusQuery::AskServer(WorkerConnection& connection, const Question& question)
+StatusAnswer AssetStatusQuery::AskServer(const Question& question, const depot::CancelCheck& cancelled)
 {
     std::string ticket;
-    depot::Result result = connection.Prepare(question.account, ticket);
-    host::RevisionServer& server = connection.Server();
+    depot::Result result = m_connection.Prepare(question.account, ticket);
+    host::RevisionServer& server = m_connection.Server();
     const std::uint64_t roundTripsBefore = server.roundTrips();
     StatusAnswer answer;
     answer.keys = question.keys;
@@ -59,8 +35,11 @@ StatusAnswer AssetStatusQuery::AskServer(WorkerConnection& connection, const Que
         files.insert(files.end(), assetFiles.begin(), assetFiles.end());
     std::vector<depot::FileStatus> statuses;
     if (result.ok() && !files.empty())
-        result = server.status(ticket, files, statuses);
+        result = server.status(ticket, files, statuses, cancelled);
     answer.roundTrips = server.roundTrips() - roundTripsBefore;
+    m_roundTrips += answer.roundTrips;
+    if (result.code == depot::code::SessionUnusable)
+        m_connection.Forget();  // the next question opens the server again
     answer.code = result.code;
     answer.error = QString::fromStdString(result.error);
     if (!result.ok() || statuses.size() != files.size())

@@ -4,13 +4,14 @@
 
 #include <depot/types.h>
 
-#include <QFutureWatcher>
+#include <qtextention/qasyncscheduler.h>
+
 #include <QObject>
 #include <QString>
 #include <QStringList>
 
+#include <atomic>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -38,12 +39,15 @@ struct StatusAnswer
     std::vector<std::string> keys;    // the caller's names of the assets asked about, in order
     std::vector<AssetStatus> assets;  // in the order asked, when code >= 0
     std::uint64_t roundTrips = 0;
+
+    // The server could not be reached at all (as opposed to refusing this session).
+    bool unreachable() const;
 };
 
 // Asks the revision server about every file of many assets in one status question, on a worker
 // thread with a server connection of its own (a WorkerConnection), and delivers the answer on the
-// UI thread. A new question while one runs is kept and asked when the running one ends; only its
-// answer is delivered.
+// UI thread. A new question replaces a waiting one and cancels a running one, so only the answer
+// to the newest question is delivered.
 class AssetStatusQuery : public QObject
 {
     Q_OBJECT
@@ -58,9 +62,9 @@ public:
     // keys name the assets for the caller; files lists each one's files, in the same order.
     void Ask(const Account& account, std::vector<std::string> keys, FilesPerAsset files);
     // True from Ask until its answer was delivered.
-    bool IsPending() const { return m_pending; }
-    // Round trips of every question answered so far.
-    std::uint64_t RoundTrips() const { return m_roundTrips; }
+    bool IsPending() const { return m_scheduler.isBusy(); }
+    // Round trips of every question asked so far, also of those whose answer was dropped.
+    std::uint64_t RoundTrips() const { return m_roundTrips.load(); }
 
 signals:
     void answered(const hbrc::studio::StatusAnswer& answer);
@@ -72,14 +76,13 @@ private:
         std::vector<std::string> keys;
         FilesPerAsset files;
     };
-    void Start(Question question);
-    static StatusAnswer AskServer(WorkerConnection& connection, const Question& question);
+    StatusAnswer AskServer(const Question& question, const depot::CancelCheck& cancelled);
 
-    std::shared_ptr<WorkerConnection> m_connection = std::make_shared<WorkerConnection>();
-    QFutureWatcher<StatusAnswer> m_watcher;
-    std::vector<Question> m_waiting;  // at most one
-    bool m_pending = false;
-    std::uint64_t m_roundTrips = 0;
+    // Used by the scheduler's worker only, one question at a time.
+    WorkerConnection m_connection;
+    std::atomic<std::uint64_t> m_roundTrips{0};
+    // Last: its destructor waits for the running question, which uses the members above.
+    QAsyncScheduler m_scheduler;
 };
 
 }  // namespace hbrc::studio

@@ -29,6 +29,7 @@
 #include <QStackedWidget>
 #include <QStandardPaths>
 #include <QStatusBar>
+#include <QTimer>
 
 namespace hbrc::studio {
 
@@ -45,6 +46,7 @@ QString fromStd(const std::string& text)
 }
 
 constexpr int kMessageTimeoutMs = 5000;
+constexpr qint64 kActivationRefreshGapMs = 5000;
 
 }  // namespace
 
@@ -82,19 +84,15 @@ MainWindow::MainWindow(StudioSession& session, QWidget* parent)
     connect(m_start, &StartPage::createDemoRequested, this, &MainWindow::createDemoDepot);
     connect(m_browser, &AssetBrowser::currentAssetChanged, this, &MainWindow::showSelection);
     connect(m_properties, &PropertyPane::fieldEdited, this, &MainWindow::editField);
-    connect(m_model.get(), &AssetBrowserModel::statusRefreshed, this, [this](int code, const QString& error) {
-        if (code >= 0)
-            m_sessionState = tr("logged in");
-        else if (error.contains(QLatin1String("Cannot reach")))
-            m_sessionState = tr("unreachable");
-        else
-            m_sessionState = tr("expired");
-        if (code < 0)
-            log(Log::eWarning, tr("The status of the assets is unknown: %1").arg(error));
-        updateStatusBar();
-        showSelection();
-        emit statusRefreshed();
+    connect(m_model.get(), &AssetBrowserModel::statusRefreshed, this, &MainWindow::takeStatus);
+    connect(m_model.get(), &AssetBrowserModel::changesSeen, this, [](const QStringList& lines) {
+        for (const QString& line : lines)
+            Log::Singleton::Instance().Write(Log::eMessage, toStd(line));
     });
+    splitter->setAnimated(true);
+    m_refreshTimer = new QTimer(this);
+    connect(m_refreshTimer, &QTimer::timeout, this, &MainWindow::refreshUnlessEditing);
+    applyRefreshInterval();
 
     if (IRevisionControlPropertiesMgr* settings = m_session.Settings()) {
         nrk::signalling::IConnection* connection = nullptr;
@@ -224,7 +222,6 @@ bool MainWindow::openWorkspace(const QString& folder)
     m_model->setWorkspace(workspace);
     m_pages->setCurrentIndex(1);
     m_sessionState = tr("asking...");
-    log(Log::eMessage, tr("Opened %1 (%2 assets)").arg(workspace->Root()).arg(m_model->rowCount()));
     setWindowTitle(tr("%1 - hbrc-studio").arg(QFileInfo(workspace->Root()).fileName()));
     updateStatusBar();
     updateActions();
@@ -250,10 +247,53 @@ void MainWindow::refreshStatus()
     const host::RevisionControlServices& services = m_session.Services();
     if (!m_session.CurrentWorkspace() || !services.dataControl)
         return;
+    m_lastRefresh.start();
     const Account account = m_session.StoredAccount();
     m_model->refreshStatus({services.connection->Server(),
                             host::UserParameters::TicketOf(services.dataControl->GetUserParameters().Get()),
                             account.userName, account.password, account.workspaceName});
+}
+
+void MainWindow::takeStatus(const StatusAnswer& answer)
+{
+    const QString before = m_sessionState;
+    if (answer.code >= 0)
+        m_sessionState = tr("logged in");
+    else if (answer.unreachable())
+        m_sessionState = tr("unreachable");
+    else
+        m_sessionState = tr("expired");
+    // The timer asks again and again: a failure is news once.
+    if (answer.code < 0 && m_sessionState != before)
+        log(Log::eWarning, tr("The status of the assets is unknown: %1").arg(answer.error));
+    updateStatusBar();
+    showSelection();
+    emit statusRefreshed();
+}
+
+// An edit's check-out asks in a dialog of its own; the edit refreshes when it is done.
+void MainWindow::refreshUnlessEditing()
+{
+    if (!m_editing)
+        refreshStatus();
+}
+
+void MainWindow::applyRefreshInterval()
+{
+    const int seconds = m_session.StatusRefreshSeconds();
+    if (seconds > 0)
+        m_refreshTimer->start(std::chrono::seconds(seconds));
+    else
+        m_refreshTimer->stop();
+}
+
+void MainWindow::changeEvent(QEvent* event)
+{
+    // Back from another application: what others did meanwhile shows, unless it was just asked.
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() &&
+        (!m_lastRefresh.isValid() || m_lastRefresh.hasExpired(kActivationRefreshGapMs)))
+        refreshUnlessEditing();
+    QMainWindow::changeEvent(event);
 }
 
 KELHandle<kel4::IDbObject> MainWindow::selected() const
@@ -487,8 +527,9 @@ void MainWindow::showFiles(bool inFileBrowser)
 void MainWindow::showSettings()
 {
     if (IRevisionControlPropertiesMgr* settings = m_session.Settings()) {
-        SettingsDialog dialog(*settings, this);
+        SettingsDialog dialog(*settings, m_session, this);
         dialog.exec();
+        applyRefreshInterval();
     }
 }
 

@@ -3,6 +3,7 @@
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <kel4/kelhandle.h>
 
+#include <QElapsedTimer>
 #include <QMainWindow>
 
 #include <map>
@@ -11,6 +12,7 @@
 class QFunctorAction;
 class QLabel;
 class QStackedWidget;
+class QTimer;
 
 namespace nrk::signalling {
 class IConnection;
@@ -24,6 +26,7 @@ class LogDock;
 class PropertyPane;
 class StartPage;
 class StudioSession;
+struct StatusAnswer;
 
 // The studio's main window "TarnWindow": the start page, or the asset browser beside the property
 // pane for the open workspace; the File, Edit and Revision Control menus; the log dock and the
@@ -38,7 +41,8 @@ public:
 
     bool openWorkspace(const QString& folder);
     void closeWorkspace();
-    // Asks the server about every asset's status once, off the UI thread.
+    // Asks the server about every asset's status once, off the UI thread. The window also asks by
+    // itself: when it is activated (at most every few seconds) and every StatusRefreshSeconds.
     void refreshStatus();
     // The edit of a field of the selected asset, as the property pane reports it: asks the plug-in
     // first; a refusal leaves the field as it was, an accepted edit is one undo step.
@@ -61,6 +65,7 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void OnRevisionControlPropertiesChange(IRevisionControlPropertiesMgr* mgr) override;
@@ -70,6 +75,9 @@ private:
                               std::function<bool()> condition = {});
     void updateActions();
     void updateStatusBar();
+    void takeStatus(const StatusAnswer& answer);
+    void applyRefreshInterval();
+    void refreshUnlessEditing();
     void showSelection();
     void afterChange();  // an edit, undo or redo: model, pane and actions follow
     KELHandle<kel4::IDbObject> selected() const;
@@ -106,6 +114,8 @@ private:
     std::map<QString, QFunctorAction*> m_actions;
     std::unique_ptr<nrk::signalling::IConnection> m_settingsConnection;
     QString m_sessionState;
+    QTimer* m_refreshTimer = nullptr;
+    QElapsedTimer m_lastRefresh;  // since the last status question
     bool m_editing = false;  // a dialog of an edit's check-out runs: further edits wait for it
 };
 

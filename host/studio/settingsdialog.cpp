@@ -1,5 +1,7 @@
 #include "settingsdialog.h"
 
+#include "studiosession.h"
+
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 
 #include <QCheckBox>
@@ -8,13 +10,14 @@
 #include <QFormLayout>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSpinBox>
 
 namespace hbrc::studio {
 
 using Settings = IRevisionControlPropertiesMgr;
 
-SettingsDialog::SettingsDialog(IRevisionControlPropertiesMgr& settings, QWidget* parent)
-    : QDialog(parent), m_settings(settings)
+SettingsDialog::SettingsDialog(IRevisionControlPropertiesMgr& settings, StudioSession& session, QWidget* parent)
+    : QDialog(parent), m_settings(settings), m_session(session)
 {
     setObjectName(QStringLiteral("settingsDialog"));
     setWindowTitle(tr("Revision Control Settings"));
@@ -48,6 +51,13 @@ SettingsDialog::SettingsDialog(IRevisionControlPropertiesMgr& settings, QWidget*
     form->addRow(tr("&Changelist for automatic check-outs:"), m_changelist);
     m_prompt = checkBox("promptForChangeList", tr("Ask for a changelist when checking out"), prompt);
     form->addRow(m_prompt);
+    m_refresh = new QSpinBox(this);
+    m_refresh->setObjectName(QStringLiteral("statusRefreshSeconds"));
+    m_refresh->setRange(0, 24 * 60 * 60);
+    m_refresh->setSuffix(tr(" s"));
+    m_refresh->setSpecialValueText(tr("never"));
+    m_refresh->setValue(m_session.StatusRefreshSeconds());
+    form->addRow(tr("&Refresh status every:"), m_refresh);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     for (QAbstractButton* button : buttons->buttons())
         button->setFocusPolicy(Qt::StrongFocus);  // the dark styles leave buttons out of the Tab chain
@@ -85,6 +95,7 @@ void SettingsDialog::accept()
     m_settings.SetAlwaysUseSetting(m_alwaysUse->isChecked());
     m_settings.SetChangeListToUseWhenAutoCheckingOut(m_changelist->text().toStdString());
     m_settings.SetPromptForChangeListWhenCheckingOut(m_prompt->isChecked());
+    m_session.SetStatusRefreshSeconds(m_refresh->value());
     QDialog::accept();
 }
 

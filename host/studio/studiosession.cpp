@@ -6,6 +6,8 @@
 
 #include <QDir>
 
+#include <algorithm>
+
 namespace hbrc::studio {
 
 namespace {
@@ -14,6 +16,8 @@ constexpr const char* kUserKey = "RevControl.UserName";
 constexpr const char* kWorkspaceKey = "RevControl.Workspace";
 constexpr const char* kRecentKey = "Studio.RecentWorkspaces";
 constexpr int kRecentCount = 8;
+constexpr const char* kRefreshKey = "Studio.StatusRefreshSeconds";
+constexpr int kDefaultRefreshSeconds = 60;
 }  // namespace
 
 StudioSession::StudioSession(const QString& preferencesFile) : m_host(preferencesFile)
@@ -90,6 +94,18 @@ QStringList StudioSession::RecentWorkspaces()
     std::string stored;
     m_host.Preferences().GetStringPref(kRecentKey, "", stored, 0);
     return QString::fromStdString(stored).split('\n', Qt::SkipEmptyParts);
+}
+
+int StudioSession::StatusRefreshSeconds()
+{
+    int seconds = kDefaultRefreshSeconds;
+    m_host.Preferences().GetIntPref(kRefreshKey, kDefaultRefreshSeconds, seconds, 0);
+    return std::max(seconds, 0);
+}
+
+void StudioSession::SetStatusRefreshSeconds(int seconds)
+{
+    m_host.Preferences().SetIntPref(kRefreshKey, std::max(seconds, 0), 1);
 }
 
 }  // namespace hbrc::studio

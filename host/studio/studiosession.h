@@ -51,6 +51,9 @@ public:
     host::Workspace* Open(const QString& folder, std::string& errorText);
     void Close();
     QStringList RecentWorkspaces();
+    // How often the window asks the server about the assets' status by itself (0: never).
+    int StatusRefreshSeconds();
+    void SetStatusRefreshSeconds(int seconds);
 
     host::HostSession& Host() { return m_host; }
     host::Workspace* CurrentWorkspace() const { return m_host.CurrentWorkspace(); }

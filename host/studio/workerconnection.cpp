@@ -19,4 +19,10 @@ depot::Result WorkerConnection::Prepare(const ServerAccount& account, std::strin
     return result;
 }
 
+void WorkerConnection::Forget()
+{
+    m_server.reset();
+    m_ownTicket.clear();
+}
+
 }  // namespace hbrc::studio

@@ -30,6 +30,9 @@ public:
     // Opens the server the account names (again, when it names another one) and answers the ticket
     // to ask with; fails when a Subversion log-in fails.
     depot::Result Prepare(const ServerAccount& account, std::string& ticket);
+    // Drops the server and its session, after the server could not be reached or refused the
+    // session; the next Prepare opens it again.
+    void Forget();
     // The server of the last Prepare.
     host::RevisionServer& Server() const { return *m_server; }
 

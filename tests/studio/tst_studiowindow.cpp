@@ -3,6 +3,7 @@
 // workspace, the plug-in's real dialogs answered by the dialog driver.
 #include "assetbrowser.h"
 #include "assetbrowsermodel.h"
+#include "statuschange.h"
 #include "fieldeditors.h"
 #include "logdock.h"
 #include "demodepot.h"
@@ -13,6 +14,7 @@
 
 #include <dialogdriver.h>
 
+#include <depot/depot.h>
 #include <hbrcdatamodel/workspace.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <log/log.h>
@@ -31,6 +33,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QSignalSpy>
+#include <QSpinBox>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
@@ -88,10 +92,32 @@ protected:
         ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->model().statusQuery().IsPending(); }, 20000));
     }
     KELHandle<kel4::IAsset> asset(const char* name) const { return session->CurrentWorkspace()->FindAsset(name); }
-    QString status(const char* name) const
+    QString status(const char* name) const { return cell(name, AssetBrowserModel::StatusColumn); }
+    QString cell(const char* name, int column, int role = Qt::DisplayRole) const
     {
         const AssetBrowserModel& model = window->model();
-        return model.data(model.index(model.rowOf(asset(name)), AssetBrowserModel::StatusColumn)).toString();
+        return model.data(model.index(model.rowOf(asset(name)), column), role).toString();
+    }
+    bool logged(const QString& line) const
+    {
+        return !window->logDock().list()->findItems(line, Qt::MatchExactly).isEmpty();
+    }
+    QString sessionLabel() const
+    {
+        return window->statusBar()->findChild<QLabel*>(QStringLiteral("sessionState"))->text();
+    }
+    // Sets "Refresh status every" in the settings dialog, from the keyboard.
+    void setRefreshSeconds(int seconds)
+    {
+        driver.expect(QStringLiteral("settings"), [seconds](QWidget* dialog) {
+            auto* every = dialog->findChild<QSpinBox*>(QStringLiteral("statusRefreshSeconds"));
+            ASSERT_NE(every, nullptr);
+            every->setFocus();
+            every->selectAll();
+            QTest::keyClicks(every, QString::number(seconds));
+            QTest::keyClick(every, Qt::Key_Return);
+        });
+        window->action(QStringLiteral("settings"))->trigger();
     }
     std::string field(const char* name, const char* key) const
     {
@@ -267,6 +293,71 @@ TEST_F(StudioWindow, RenameDeleteMakeWritableAndCheckOutFromTheMenus)
     EXPECT_EQ(status("Snow"), "checked out");
 }
 
+// Before alice collides with bob: bob, from his own connection, opens Rock for edit in a numbered
+// changelist and locks it; alice's window asks by itself on the timer she set, and her browser
+// names bob, his workspace and changelist, and the lock; the log says what changed. When bob
+// submits, Rock shows as behind ("#1/#2") and the log says so. The first answer after opening
+// logs no per-asset line.
+TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
+{
+    EXPECT_EQ(cell("Rock", AssetBrowserModel::RevisionColumn), "#1/#1");
+    EXPECT_EQ(window->logDock().list()->findItems(QStringLiteral("Opened"), Qt::MatchContains).size(), 1)
+        << "opening is logged once";
+    setRefreshSeconds(1);
+    EXPECT_EQ(session->StatusRefreshSeconds(), 1);
+
+    const std::unique_ptr<hbrc::host::RevisionServer> bob = hbrc::host::OpenRevisionServer(depot->Path(), {});
+    std::string ticket;
+    ASSERT_TRUE(bob->login("bob", "bob-pw", depot->Workspace("bob"), ticket).ok());
+    hbrc::depot::ChangelistId changelist;
+    ASSERT_TRUE(bob->createChangelist(ticket, "rougher rock", changelist).ok());
+    const std::string rock = depot->FolderPath("bob") + "/Rock.kel";
+    ASSERT_TRUE(bob->edit(ticket, {rock}, changelist).ok());
+    hbrc::depot::Depot bobsLocks(depot->Path());
+    std::string lockTicket;
+    ASSERT_TRUE(bobsLocks.login("bob", "bob-pw", depot->Workspace("bob"), lockTicket).ok());
+    ASSERT_TRUE(bobsLocks.lock(lockTicket, {rock}).ok());
+
+    const QString cl = QString::fromStdString(changelist);
+    const QString opened = QStringLiteral("Rock: bob opened it for edit in changelist %1; bob locked it").arg(cl);
+    ASSERT_TRUE(DialogDriver::waitUntil([&] { return logged(opened); }, 10000)) << "nobody asked for a refresh";
+    EXPECT_EQ(cell("Rock", AssetBrowserModel::HolderColumn), "bob");
+    EXPECT_EQ(cell("Rock", AssetBrowserModel::HolderColumn, Qt::ToolTipRole),
+              QStringLiteral("bob (bob-ws): open for edit in changelist %1, locked").arg(cl));
+    const AssetBrowserModel& model = window->model();
+    const int row = model.rowOf(asset("Rock"));
+    EXPECT_FALSE(model.data(model.index(row, AssetBrowserModel::HolderColumn), Qt::DecorationRole)
+                     .value<QIcon>()
+                     .isNull());
+    EXPECT_TRUE(cell("Sky", AssetBrowserModel::HolderColumn, Qt::ToolTipRole).isEmpty());
+
+    hbrc::depot::ChangelistId submitted;
+    ASSERT_TRUE(bob->submit(ticket, changelist, "", submitted).ok());
+    ASSERT_TRUE(DialogDriver::waitUntil(
+        [&] { return cell("Rock", AssetBrowserModel::RevisionColumn) == QLatin1String("#1/#2"); }, 10000));
+    ASSERT_NE(model.statusAt(row), nullptr);
+    EXPECT_TRUE(model.statusAt(row)->behind);
+    EXPECT_EQ(status("Rock"), "not at head");
+    EXPECT_TRUE(cell("Rock", AssetBrowserModel::HolderColumn).isEmpty());
+    EXPECT_TRUE(logged(QStringLiteral("Rock: bob no longer holds it; revision #2 is on the server (you have #1)")));
+    EXPECT_FALSE(model.statusAt(model.rowOf(asset("Sky")))->behind);
+
+    setRefreshSeconds(0);
+    const std::uint64_t roundTrips = model.statusQuery().RoundTrips();
+    QTest::qWait(1500);
+    EXPECT_EQ(model.statusQuery().RoundTrips(), roundTrips) << "0 turns the timer off";
+
+    QListWidget* log = window->logDock().list();
+    const int before = log->count();
+    window->closeWorkspace();
+    ASSERT_TRUE(window->openWorkspace(depot->Folder("alice")));
+    waitForStatus();
+    EXPECT_EQ(cell("Rock", AssetBrowserModel::RevisionColumn), "#1/#2");
+    ASSERT_TRUE(DialogDriver::waitUntil([&] { return log->count() > before; }));
+    for (int i = before; i < log->count(); ++i)
+        EXPECT_FALSE(log->item(i)->text().startsWith("Rock:")) << log->item(i)->text().toStdString();
+}
+
 // The status bar names the session's state as the last status question found it.
 TEST_F(StudioWindow, TheStatusBarTellsAnExpiredSessionFromAnUnreachableServer)
 {
@@ -285,8 +376,18 @@ TEST_F(StudioWindow, TheStatusBarTellsAnExpiredSessionFromAnUnreachableServer)
     window->closeWorkspace();
     ASSERT_TRUE(window->openWorkspace(depot->Folder("alice")));
     waitForStatus();
-    EXPECT_EQ(window->sessionState(), "unreachable");
+    EXPECT_EQ(sessionLabel(), "Session: unreachable");
     EXPECT_EQ(status("Rock"), "asking...");
+
+    // The question runs off the UI thread, and the timer asks again: once the depot is there, the
+    // answer comes from it (the session that failed to open stays unusable).
+    setRefreshSeconds(1);
+    window->refreshStatus();
+    EXPECT_TRUE(window->model().statusQuery().IsPending()) << "refreshStatus returned before the answer";
+    waitForStatus();
+    EXPECT_EQ(sessionLabel(), "Session: unreachable");
+    ASSERT_TRUE(QFile::link(QString::fromStdString(depot->Path()), QString::fromStdString(depot->Path() + ".missing")));
+    ASSERT_TRUE(DialogDriver::waitUntil([this] { return window->sessionState() == "expired"; }, 10000));
 }
 
 // The log dock lists the host log with each entry's level; Ctrl+C copies the selected entries.
@@ -328,6 +429,57 @@ TEST_F(StudioWindow, TheStartPageCreatesADemoDepotThatStaysInTheRecentList)
     window->closeWorkspace();
     EXPECT_EQ(session->RecentWorkspaces().value(0), folder);
     QDir(QFileInfo(folder).path()).removeRecursively();
+}
+
+// What the log says about an asset between two status answers, and how a hold reads.
+TEST(StudioTexts, StatusChangesAndHolds)
+{
+    using hbrc::depot::FileAction;
+    using hbrc::depot::FileHolder;
+    const auto held = [](std::vector<FileHolder> holds) {
+        AssetStatus status;
+        status.heldBy = std::move(holds);
+        return status;
+    };
+    const auto revisions = [](std::int64_t have, std::int64_t head) {
+        AssetStatus status;
+        status.haveRevision = have;
+        status.headRevision = head;
+        status.behind = have < head;
+        return status;
+    };
+    const FileHolder bobEdits{"bob", "bob-ws", FileAction::Edit, "12", false};
+    const FileHolder bobLocks{"bob", "bob-ws", FileAction::Edit, "12", true};
+    const FileHolder bobMoved{"bob", "bob-ws", FileAction::Edit, "14", false};
+    const FileHolder carolAdds{"carol", "carol-ws", FileAction::Add, "", false};
+    const FileHolder aliceElsewhere{"alice", "alice-laptop", FileAction::Delete, "3", false};
+    const struct {
+        const char* name;
+        AssetStatus before;
+        AssetStatus after;
+        const char* line;
+    } changes[] = {
+        {"nothing changed", held({bobEdits}), held({bobEdits}), ""},
+        {"opened", held({}), held({bobEdits}), "Rock: bob opened it for edit in changelist 12"},
+        {"opened and locked", held({}), held({bobLocks}),
+         "Rock: bob opened it for edit in changelist 12; bob locked it"},
+        {"locked later", held({bobEdits}), held({bobLocks}), "Rock: bob locked it"},
+        {"unlocked", held({bobLocks}), held({bobEdits}), "Rock: bob unlocked it"},
+        {"moved", held({bobEdits}), held({bobMoved}), "Rock: bob opened it for edit in changelist 14"},
+        {"released", held({bobEdits, carolAdds}), held({carolAdds}), "Rock: bob no longer holds it"},
+        {"added by another, two files", held({}), held({carolAdds, carolAdds}),
+         "Rock: carol opened it for add in the default changelist"},
+        {"the same user elsewhere", held({}), held({aliceElsewhere}),
+         "Rock: alice opened it for delete in changelist 3"},
+        {"newer revision", revisions(2, 2), revisions(2, 3), "Rock: revision #3 is on the server (you have #2)"},
+        {"synced", revisions(2, 3), revisions(3, 3), ""},
+        {"submitted here", revisions(2, 2), revisions(3, 3), ""},
+    };
+    for (const auto& row : changes)
+        EXPECT_EQ(StatusChange::describe(QStringLiteral("Rock"), row.before, row.after), row.line) << row.name;
+
+    EXPECT_EQ(StatusChange::describeHold(bobLocks), "bob (bob-ws): open for edit in changelist 12, locked");
+    EXPECT_EQ(StatusChange::describeHold(carolAdds), "carol (carol-ws): open for add in the default changelist");
 }
 
 // What a user reads in the status column (in German with the studio's translation, which has no

@@ -1,0 +1,66 @@
+#include "statuschange.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+namespace hbrc::studio {
+
+namespace {
+
+QString fromStd(const std::string& text)
+{
+    return QString::fromStdString(text);
+}
+
+const depot::FileHolder* findHold(const std::vector<depot::FileHolder>& holds, const depot::FileHolder& hold)
+{
+    const auto found = std::find_if(holds.begin(), holds.end(), [&hold](const depot::FileHolder& other) {
+        return other.user == hold.user && other.workspace == hold.workspace;
+    });
+    return found == holds.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+QString StatusChange::purpose(const depot::FileHolder& hold)
+{
+    const QString changelist =
+        hold.changelist.empty() ? tr("the default changelist") : tr("changelist %1").arg(fromStd(hold.changelist));
+    switch (hold.action) {
+    case depot::FileAction::Add: return tr("for add in %1").arg(changelist);
+    case depot::FileAction::Delete: return tr("for delete in %1").arg(changelist);
+    case depot::FileAction::Edit: break;
+    }
+    return tr("for edit in %1").arg(changelist);
+}
+
+QString StatusChange::describeHold(const depot::FileHolder& hold)
+{
+    const QString text = tr("%1 (%2): open %3").arg(fromStd(hold.user), fromStd(hold.workspace), purpose(hold));
+    return hold.locked ? tr("%1, locked").arg(text) : text;
+}
+
+QString StatusChange::describe(const QString& asset, const AssetStatus& before, const AssetStatus& after)
+{
+    QStringList changes;
+    for (const depot::FileHolder& hold : after.heldBy) {
+        const QString user = fromStd(hold.user);
+        const depot::FileHolder* was = findHold(before.heldBy, hold);
+        if (!was || was->action != hold.action || was->changelist != hold.changelist)
+            changes << tr("%1 opened it %2").arg(user, purpose(hold));
+        if (hold.locked && !(was && was->locked))
+            changes << tr("%1 locked it").arg(user);
+        else if (!hold.locked && was && was->locked)
+            changes << tr("%1 unlocked it").arg(user);
+    }
+    for (const depot::FileHolder& hold : before.heldBy)
+        if (!findHold(after.heldBy, hold))
+            changes << tr("%1 no longer holds it").arg(fromStd(hold.user));
+    if (after.headRevision > before.headRevision && after.behind)
+        changes << tr("revision #%1 is on the server (you have #%2)").arg(after.headRevision).arg(after.haveRevision);
+    changes.removeDuplicates();  // the holds of an asset's several files
+    return changes.isEmpty() ? QString() : tr("%1: %2").arg(asset, changes.join(QStringLiteral("; ")));
+}
+
+}  // namespace hbrc::studio
