@@ -46,7 +46,7 @@ QString fromStd(const std::string& text)
 }
 
 constexpr int kMessageTimeoutMs = 5000;
-constexpr qint64 kActivationRefreshGapMs = 5000;
+constexpr qint64 kActivationRefreshGapMs = 3000;
 
 }  // namespace
 

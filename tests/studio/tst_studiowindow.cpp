@@ -342,10 +342,18 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
     EXPECT_TRUE(logged(QStringLiteral("Rock: bob no longer holds it; revision #2 is on the server (you have #1)")));
     EXPECT_FALSE(model.statusAt(model.rowOf(asset("Sky")))->behind);
 
+    // With the timer off, coming back to the window asks (not more often than every 3 s).
     setRefreshSeconds(0);
     const std::uint64_t roundTrips = model.statusQuery().RoundTrips();
-    QTest::qWait(1500);
+    ASSERT_TRUE(bob->edit(ticket, {depot->FolderPath("bob") + "/Sky.kel"}, "").ok());
+    QTest::qWait(3100);
     EXPECT_EQ(model.statusQuery().RoundTrips(), roundTrips) << "0 turns the timer off";
+    QWidget elsewhere;
+    elsewhere.show();
+    elsewhere.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&elsewhere));
+    activate();
+    ASSERT_TRUE(DialogDriver::waitUntil([&] { return cell("Sky", AssetBrowserModel::HolderColumn) == "bob"; }));
 
     QListWidget* log = window->logDock().list();
     const int before = log->count();
