@@ -147,6 +147,32 @@ KELHandle<kel4::IDbObject> Workspace::AddPart(const KELHandleBase& asset, const 
     return m_model->HandleOf(part);
 }
 
+EditResult Workspace::ReloadFromDisk(const KELHandleBase& asset)
+{
+    EditResult result;
+    const std::uint32_t slot = AssetSlot(asset, result.error);
+    if (slot == ObjectStore::kNoSlot)
+        return result;
+    StoredAsset& stored = m_model->Store().AssetAt(slot);
+    if (m_model->Store().DirtyAssets().count(slot))
+        return {"\"" + stored.record.name + "\" has unsaved edits"};
+    QFile file(QFile::decodeName(QByteArray::fromStdString(m_model->AbsolutePath(stored.kelPath))));
+    if (!file.open(QIODevice::ReadOnly))
+        return {"Cannot read " + stored.kelPath + ": " + file.errorString().toStdString()};
+    AssetRecord record;
+    std::string error;
+    if (!KelFormat::Parse(file.readAll().toStdString(), record, error))
+        return {stored.kelPath + ": " + error};
+    const auto samePart = [](const PartRecord& a, const PartRecord& b) { return a.id == b.id; };
+    if (record.id != stored.record.id ||
+        !std::equal(record.parts.begin(), record.parts.end(), stored.record.parts.begin(), stored.record.parts.end(),
+                    samePart))
+        return {stored.kelPath + " now holds other objects; open the workspace again"};
+    stored.record = std::move(record);
+    stored.ancestor = VersionId(std::to_string(stored.record.version));
+    return result;
+}
+
 EditResult Workspace::SetField(const KELHandleBase& asset, const std::string& field, const std::string& value)
 {
     EditResult result;

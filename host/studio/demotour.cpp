@@ -5,7 +5,9 @@
 #include "demodepot.h"
 #include "logdock.h"
 #include "mainwindow.h"
+#include "pendingchangespane.h"
 #include "propertypane.h"
+#include "revisionoperations.h"
 #include "studiosession.h"
 
 #include <hbrcdatamodel/workspace.h>
@@ -24,6 +26,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QTreeView>
 
 #include <functional>
 
@@ -152,6 +155,21 @@ public:
         printStatus({"Meadow"});
         shot("tour-5-meadow-marked-for-add.png");
 
+        step(QStringLiteral("the Pending Changes pane: \"look dev\" holds Sky and Meadow"));
+        waitForOperations();
+        const PendingChangesModel& pending = window.pendingChanges().model();
+        for (int row = 0; row < pending.rowCount(); ++row) {
+            const QModelIndex changelist = pending.index(row, 0);
+            m_out << "  " << changelist.data().toString() << "\n";
+            for (int file = 0; file < pending.rowCount(changelist); ++file)
+                m_out << "    " << pending.index(file, PendingChangesModel::NameColumn, changelist).data().toString()
+                      << " (" << pending.index(file, PendingChangesModel::ActionColumn, changelist).data().toString()
+                      << ", " << pending.index(file, PendingChangesModel::AssetColumn, changelist).data().toString()
+                      << ")\n";
+        }
+        window.pendingChanges().view()->setCurrentIndex(pending.fileIndex(depot.FolderPath("alice") + "/Sky.kel"));
+        shot("tour-6-pending-changes.png");
+
         step(QStringLiteral("done"));
         m_out << "Status questions asked: " << m_statusAnswers << ", round trips for them: "
               << window.model().statusQuery().RoundTrips() << "\n";
@@ -173,6 +191,16 @@ private:
         if (m_window->model().statusQuery().IsPending())
             loop.exec();
         ++m_statusAnswers;
+    }
+
+    void waitForOperations()
+    {
+        QEventLoop loop;
+        QObject::connect(&m_window->operations(), &RevisionOperations::busyChanged, &loop, &QEventLoop::quit);
+        QTimer::singleShot(20000, &loop, &QEventLoop::quit);
+        if (m_window->operations().IsBusy())
+            loop.exec();
+        waitForStatus();
     }
 
     KELHandle<kel4::IAsset> asset(const char* name) const

@@ -2,10 +2,13 @@
 
 #include "assetbrowser.h"
 #include "assetbrowsermodel.h"
+#include "changelistwork.h"
 #include "demodepot.h"
 #include "fieldeditcommand.h"
 #include "logdock.h"
+#include "pendingchangespane.h"
 #include "propertypane.h"
+#include "revisionoperations.h"
 #include "settingsdialog.h"
 #include "startpage.h"
 #include "studiosession.h"
@@ -30,6 +33,8 @@
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QTimer>
+
+#include <set>
 
 namespace hbrc::studio {
 
@@ -71,6 +76,12 @@ MainWindow::MainWindow(StudioSession& session, QWidget* parent)
     m_log = new LogDock(this);
     addDockWidget(Qt::BottomDockWidgetArea, m_log);
     resizeDocks({m_log}, {140}, Qt::Vertical);
+    m_operations = std::make_unique<RevisionOperations>([this] { return serverAccount(); });
+    m_pending = new PendingChangesPane(*m_operations, this);
+    addDockWidget(Qt::RightDockWidgetArea, m_pending);
+    resizeDocks({m_pending}, {360}, Qt::Horizontal);
+    connect(m_pending, &PendingChangesPane::message, this, &MainWindow::log);
+    connect(m_operations.get(), &RevisionOperations::finished, this, &MainWindow::afterOperation);
 
     for (QLabel** label : {&m_serverLabel, &m_userLabel, &m_workspaceLabel, &m_sessionLabel}) {
         *label = new QLabel(this);
@@ -156,6 +167,10 @@ void MainWindow::buildMenus()
     addAction(revision, "checkOut", tr("&Check Out"), [this] { checkOut(); }, selection);
     addAction(revision, "makeWritable", tr("Make &Writable"), [this] { makeWritable(); }, selection);
     addAction(revision, "markForAdd", tr("Mark for &Add"), [this] { markForAdd(); }, selection);
+    addAction(revision, "getLatest", tr("&Get Latest"), [this] { getLatest(); }, [this] {
+        const AssetStatus* status = m_model->statusAt(m_model->rowOf(selected()));
+        return status && status->behind;
+    });
     revision->addSeparator();
     addAction(revision, "showFiles", tr("Show &Files"), [this] { showFiles(false); }, selection);
     addAction(revision, "revealInFileBrowser", tr("Reveal in File &Browser"), [this] { showFiles(true); }, selection);
@@ -220,6 +235,7 @@ bool MainWindow::openWorkspace(const QString& folder)
     if (!m_session.LoginError().empty())
         log(Log::eWarning, tr("Not logged in: %1").arg(fromStd(m_session.LoginError())));
     m_model->setWorkspace(workspace);
+    m_pending->setWorkspace(workspace);
     m_pages->setCurrentIndex(1);
     m_sessionState = tr("asking...");
     setWindowTitle(tr("%1 - hbrc-studio").arg(QFileInfo(workspace->Root()).fileName()));
@@ -233,6 +249,7 @@ void MainWindow::closeWorkspace()
 {
     m_properties->showAsset(nullptr, {}, {});
     m_model->setWorkspace(nullptr);
+    m_pending->setWorkspace(nullptr);
     m_session.Close();
     m_session.Host().Commands().Clear();
     m_pages->setCurrentIndex(0);
@@ -244,14 +261,63 @@ void MainWindow::closeWorkspace()
 
 void MainWindow::refreshStatus()
 {
+    askStatus();
+    m_pending->refresh();
+}
+
+ServerAccount MainWindow::serverAccount() const
+{
     const host::RevisionControlServices& services = m_session.Services();
-    if (!m_session.CurrentWorkspace() || !services.dataControl)
+    if (!services.dataControl)
+        return {};
+    const Account account = m_session.StoredAccount();
+    return {services.connection->Server(),
+            host::UserParameters::TicketOf(services.dataControl->GetUserParameters().Get()), account.userName,
+            account.password, account.workspaceName};
+}
+
+void MainWindow::askStatus()
+{
+    if (!m_session.CurrentWorkspace() || !m_session.Services().dataControl)
         return;
     m_lastRefresh.start();
-    const Account account = m_session.StoredAccount();
-    m_model->refreshStatus({services.connection->Server(),
-                            host::UserParameters::TicketOf(services.dataControl->GetUserParameters().Get()),
-                            account.userName, account.password, account.workspaceName});
+    m_model->refreshStatus(serverAccount());
+}
+
+void MainWindow::afterOperation(const OperationOutcome& outcome)
+{
+    if (outcome.what.isEmpty())
+        return;  // a refresh of the pane: the status question runs beside it
+    if (outcome.result.ok())
+        log(Log::eMessage, outcome.done);
+    else
+        log(Log::eError, tr("%1 refused: %2").arg(outcome.what, fromStd(outcome.result.error)));
+    if (!m_session.CurrentWorkspace())
+        return;
+    if (m_session.Services().connection)
+        m_session.Services().connection->Cache().Invalidate();
+    reloadFromDisk(outcome.changedOnDisk);
+    askStatus();
+}
+
+// Only assets without unsaved edits are read again (the workspace refuses the others): what the
+// user edited stays in memory.
+void MainWindow::reloadFromDisk(const std::vector<std::string>& files)
+{
+    host::Workspace* workspace = m_session.CurrentWorkspace();
+    if (files.empty())
+        return;
+    std::set<std::string> done;
+    for (const KELHandle<kel4::IAsset>& asset : workspace->Model().AssetsOwningFiles({files.begin(), files.end()})) {
+        if (asset.IsNull() || !done.insert(asset.GetName()).second)
+            continue;
+        if (const host::EditResult read = workspace->ReloadFromDisk(asset); !read)
+            log(Log::eWarning, tr("%1 was not read again: %2").arg(fromStd(asset.GetName()), fromStd(read.error)));
+    }
+    const KELHandle<kel4::IDbObject> current = selected();
+    m_model->reload();
+    m_browser->selectAsset(current);
+    m_properties->showValues();
 }
 
 void MainWindow::takeStatus(const StatusAnswer& answer)
@@ -517,6 +583,19 @@ void MainWindow::markForAdd()
     else
         log(Log::eError, tr("Cannot mark %1 for add: %2").arg(fromStd(asset.GetName()), fromStd(error)));
     afterChange();
+}
+
+void MainWindow::getLatest()
+{
+    const KELHandle<kel4::IDbObject> asset = selected();
+    const QString name = fromStd(asset.GetName());
+    const host::DataModelMgr& model = m_session.CurrentWorkspace()->Model();
+    if (model.IsDirty(asset)) {
+        log(Log::eWarning, tr("Get Latest refused: %1 has unsaved edits. Save or undo them first.").arg(name));
+        return;
+    }
+    const kel4::Set<std::string> files = model.FilesOf(asset, true, kel4::closureId::Persistence);
+    m_operations->Run(tr("Get Latest"), ChangelistWork::GetLatest({files.begin(), files.end()}, name));
 }
 
 void MainWindow::showFiles(bool inFileBrowser)

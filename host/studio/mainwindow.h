@@ -8,6 +8,8 @@
 
 #include <map>
 #include <memory>
+#include <string>
+#include <vector>
 
 class QFunctorAction;
 class QLabel;
@@ -23,6 +25,10 @@ namespace hbrc::studio {
 class AssetBrowser;
 class AssetBrowserModel;
 class LogDock;
+class PendingChangesPane;
+class RevisionOperations;
+struct OperationOutcome;
+struct ServerAccount;
 class PropertyPane;
 class StartPage;
 class StudioSession;
@@ -57,6 +63,8 @@ public:
     AssetBrowserModel& model() const { return *m_model; }
     PropertyPane& propertyPane() const { return *m_properties; }
     LogDock& logDock() const { return *m_log; }
+    PendingChangesPane& pendingChanges() const { return *m_pending; }
+    RevisionOperations& operations() const { return *m_operations; }
     QString sessionState() const;
 
 signals:
@@ -84,6 +92,12 @@ private:
     bool mayEdit(const KELHandle<kel4::IDbObject>& asset, const QString& what);
     bool askToKeepUnsaved();
     void log(int level, const QString& text);
+    ServerAccount serverAccount() const;
+    void askStatus();
+    // After each revision operation: the services forget the statuses they knew, assets whose
+    // files it rewrote are read again, the browser asks again.
+    void afterOperation(const OperationOutcome& outcome);
+    void reloadFromDisk(const std::vector<std::string>& files);
 
     // The menu commands.
     void openFolder();
@@ -99,6 +113,7 @@ private:
     void markForAdd();
     void showFiles(bool inFileBrowser);
     void showSettings();
+    void getLatest();
 
     StudioSession& m_session;
     std::unique_ptr<AssetBrowserModel> m_model;
@@ -107,6 +122,8 @@ private:
     AssetBrowser* m_browser = nullptr;
     PropertyPane* m_properties = nullptr;
     LogDock* m_log = nullptr;
+    std::unique_ptr<RevisionOperations> m_operations;
+    PendingChangesPane* m_pending = nullptr;
     QLabel* m_serverLabel = nullptr;
     QLabel* m_userLabel = nullptr;
     QLabel* m_workspaceLabel = nullptr;

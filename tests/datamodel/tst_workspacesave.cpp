@@ -252,4 +252,35 @@ TEST_F(WorkspaceSave, NewAssetsGetDistinctFilesInTheirFolder)
               (std::vector<KELHandle<kel4::IAsset>>{second, first, {}}));
 }
 
+// A revert or a sync rewrites an asset's file: the asset takes the file's content again unless
+// alice has unsaved edits on it (they stay) or the file now holds other objects.
+TEST_F(WorkspaceSave, ReloadFromDiskTakesTheFileUnlessEditsWouldBeLost)
+{
+    const auto steel = Create(AssetKind::Metadata, "steel", {{"roughness", "0.4"}});
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    const QByteArray saved = ReadFile("steel.kel");
+    ASSERT_TRUE(saved.contains("roughness = 0.4"));
+    const auto roughness = [&] { return workspace->Model().Store().AssetAt(steel.GetCacheIndex()).record.fields.at("roughness"); };
+
+    WriteFile("steel.kel", QByteArray(saved).replace("roughness = 0.4", "roughness = 0.7"));
+    EXPECT_TRUE(workspace->ReloadFromDisk(steel));
+    EXPECT_EQ(roughness(), "0.7");
+    EXPECT_FALSE(workspace->HasUnsavedChanges());
+
+    ASSERT_TRUE(workspace->SetField(steel, "roughness", "0.9"));
+    WriteFile("steel.kel", saved);
+    EXPECT_EQ(workspace->ReloadFromDisk(steel).error, "\"steel\" has unsaved edits");
+    EXPECT_EQ(roughness(), "0.9");
+    ASSERT_TRUE(workspace->Save().Succeeded());
+
+    const auto rock = Create(AssetKind::Data, "rock");
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    WriteFile("steel.kel", ReadFile("rock.kel"));
+    EXPECT_EQ(workspace->ReloadFromDisk(steel).error, "steel.kel now holds other objects; open the workspace again");
+    EXPECT_EQ(roughness(), "0.9");
+    ASSERT_TRUE(QFile::remove(QString::fromStdString(PathOf("rock.kel"))));
+    EXPECT_EQ(workspace->ReloadFromDisk(rock).error.rfind("Cannot read rock.kel: ", 0), 0u);
+    EXPECT_FALSE(workspace->FindAsset("rock").IsNull());
+}
+
 }  // namespace

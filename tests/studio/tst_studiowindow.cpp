@@ -3,12 +3,15 @@
 // workspace, the plug-in's real dialogs answered by the dialog driver.
 #include "assetbrowser.h"
 #include "assetbrowsermodel.h"
+#include "changelistwork.h"
 #include "statuschange.h"
 #include "fieldeditors.h"
 #include "logdock.h"
 #include "demodepot.h"
 #include "mainwindow.h"
+#include "pendingchangespane.h"
 #include "propertypane.h"
+#include "revisionoperations.h"
 #include "studiosession.h"
 #include "studiotranslation.h"
 
@@ -19,12 +22,20 @@
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <log/log.h>
 #include <qtextention/lmrqlivesearchwidget.h>
+#include <qtextention/qlistviewdragdrop.h>
 #include <qtextention/qcolorcontrol.h>
 #include <qtextention/qfunctoraction.h>
 #include <qtextention/rangevalueeditwidget.h>
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDialogButtonBox>
+#include <QDropEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRegularExpression>
 #include <QDoubleSpinBox>
 #include <QFileInfo>
 #include <QInputDialog>
@@ -152,6 +163,58 @@ protected:
     void checkOutWithoutAsking()
     {
         session->Settings()->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
+    }
+    void waitForOperations()
+    {
+        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->operations().IsBusy(); }, 20000));
+        waitForStatus();
+    }
+    PendingChangesModel& pending() const { return window->pendingChanges().model(); }
+    std::string aliceFile(const char* name) const { return depot->FolderPath("alice") + "/" + name + ".kel"; }
+    QModelIndex pendingFile(const char* name) const { return pending().fileIndex(aliceFile(name)); }
+    QStringList pendingAssets(const std::string& changelist) const
+    {
+        QStringList names;
+        if (const auto* list = pending().changelist(changelist))
+            for (const hbrc::depot::OpenedFile& file : list->files)
+                names << pending().fileIndex(file.localPath).siblingAtColumn(PendingChangesModel::AssetColumn).data().toString();
+        return names;
+    }
+    void selectPending(const QModelIndex& index)
+    {
+        window->pendingChanges().view()->selectionModel()->setCurrentIndex(
+            index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    }
+    // Expects the description dialog: proves that OK refuses a blank text, then enters text.
+    void expectDescription(const QString& title, const QString& offered, const QString& text)
+    {
+        driver.expect(title, [=](QWidget* dialog) {
+            EXPECT_EQ(dialog->windowTitle(), title);
+            auto* edit = dialog->findChild<QPlainTextEdit*>(QStringLiteral("description"));
+            QPushButton* ok = dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
+            ASSERT_TRUE(edit && ok);
+            EXPECT_EQ(edit->toPlainText(), offered);
+            edit->setPlainText(QStringLiteral("  "));
+            EXPECT_FALSE(ok->isEnabled()) << "a blank description";
+            QTest::keyClicks(edit, text);
+            ASSERT_TRUE(ok->isEnabled());
+            ok->click();
+        });
+    }
+    // Drags the selected rows of the pane onto an item, as QListViewDragDrop's own drag delivers it.
+    bool dragSelectedOnto(const QModelIndex& target)
+    {
+        QTreeView* view = window->pendingChanges().view();
+        auto* dragDrop = window->pendingChanges().findChild<QListViewDragDrop*>();
+        const std::unique_ptr<QMimeData> mime(dragDrop ? dragDrop->mimeData(view) : nullptr);
+        if (!mime)
+            return false;
+        const QPoint at = view->visualRect(target).center();
+        QDragEnterEvent enter(at, Qt::MoveAction, mime.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(view->viewport(), &enter);
+        QDropEvent drop(at, Qt::MoveAction, mime.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(view->viewport(), &drop);
+        return drop.isAccepted();
     }
 
     QTemporaryDir m_dir;
@@ -533,6 +596,251 @@ TEST(StudioTexts, StatusWordsAndFieldEditors)
         EXPECT_EQ(KindOfField(QString::fromLatin1(row.field), QString::fromLatin1(row.value)), row.kind) << row.field;
     EXPECT_EQ(RangeOfField(QStringLiteral("Roughness"), 0.5).maximum, 1.0);
     EXPECT_EQ(RangeOfField(QStringLiteral("size"), 2048).maximum, 4096) << "an unknown field leaves room above its value";
+}
+
+// Alice's pending work from check-out to submit: the pane lists what she opened in the default
+// changelist with the assets it belongs to; she makes a changelist, drags one file into it and
+// moves another with the menu; Revert Unchanged reverts only the untouched one; Revert refuses an
+// asset with unsaved edits, and a cancelled Revert changes nothing; her submit (the dialog refuses
+// a blank description) reaches bob, whose sync through his own connection brings her file; an empty
+// changelist is described anew and deleted. Bob's next change reaches her by Get Latest, which
+// reads the asset again from disk.
+TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
+{
+    checkOutWithoutAsking();
+    for (const char* name : {"Sky", "Snow"}) {
+        select(name);
+        window->action(QStringLiteral("checkOut"))->trigger();
+    }
+    select("Sky");
+    typeColour(QStringLiteral("#ff8c42"));
+    QTest::keySequence(window.get(), QKeySequence::Save);
+    waitForOperations();
+    EXPECT_EQ(pendingAssets(""), (QStringList{"Sky", "Snow"}));
+    EXPECT_EQ(pending().rowCount(), 1) << "the default changelist only";
+
+    expectDescription(QStringLiteral("New Changelist"), {}, QStringLiteral("Warmer sky"));
+    window->pendingChanges().action(QStringLiteral("newChangelist"))->trigger();
+    waitForOperations();
+    ASSERT_EQ(pending().pending().size(), 2u);
+    const std::string warmer = pending().pending()[1].changelist.id;
+    EXPECT_EQ(pending().pending()[1].changelist.description, "Warmer sky");
+
+    // Dropping onto the file's own changelist is no move; onto the new one (or a file of it) it is.
+    selectPending(pendingFile("Sky"));
+    EXPECT_FALSE(dragSelectedOnto(pending().changelistIndex("")));
+    EXPECT_TRUE(dragSelectedOnto(pending().changelistIndex(warmer)));
+    EXPECT_TRUE(window->operations().IsBusy());
+    EXPECT_FALSE(window->pendingChanges().action(QStringLiteral("submit"))->isEnabled()) << "busy";
+    waitForOperations();
+    EXPECT_EQ(pendingAssets(warmer), QStringList{"Sky"});
+
+    selectPending(pendingFile("Snow"));
+    QMenu menu;
+    window->pendingChanges().fillMoveMenu(menu);
+    EXPECT_EQ(menu.findChild<QAction*>(QStringLiteral("moveTo-default")), nullptr) << "Snow is there already";
+    QAction* moveToWarmer = menu.findChild<QAction*>(QStringLiteral("moveTo-%1").arg(QString::fromStdString(warmer)));
+    ASSERT_NE(moveToWarmer, nullptr);
+    moveToWarmer->trigger();
+    waitForOperations();
+    EXPECT_EQ(pendingAssets(warmer), (QStringList{"Sky", "Snow"}));
+    EXPECT_EQ(pendingAssets(""), QStringList{});
+
+    window->pendingChanges().action(QStringLiteral("revertUnchanged"))->trigger();
+    waitForOperations();
+    EXPECT_EQ(pendingAssets(warmer), QStringList{"Sky"});
+    EXPECT_TRUE(window->statusBar()->currentMessage().startsWith("Reverted 1 unchanged file(s): //depot/"))
+        << window->statusBar()->currentMessage().toStdString();
+    EXPECT_FALSE(QFileInfo(depot->Folder("alice") + "/Snow.kel").permissions() & QFile::WriteOwner);
+    EXPECT_EQ(status("Snow"), "up to date");
+
+    ASSERT_TRUE(pending().setData(pending().changelistIndex(warmer), Qt::Checked, Qt::CheckStateRole));
+    EXPECT_EQ(pending().checkedFiles(), std::vector<std::string>{aliceFile("Sky")});
+    // An unsaved edit keeps Sky from being reverted: nothing is asked and nothing lost.
+    select("Sky");
+    typeColour(QStringLiteral("#ffaa00"));
+    waitForOperations();
+    window->pendingChanges().action(QStringLiteral("revert"))->trigger();
+    EXPECT_TRUE(window->statusBar()->currentMessage().startsWith("Not reverted: Sky has unsaved edits"));
+    EXPECT_EQ(field("Sky", "colour"), "#ffaa00");
+    activate();
+    window->browser().view()->setFocus();
+    QTest::keySequence(window.get(), QKeySequence::Undo);
+    QTest::keySequence(window.get(), QKeySequence::Save);
+    waitForOperations();
+
+    driver.expectMessageBox(QStringLiteral("Revert"), QMessageBox::Cancel, QStringLiteral("Sky.kel"));
+    window->pendingChanges().action(QStringLiteral("revert"))->trigger();
+    EXPECT_FALSE(window->operations().IsBusy()) << "nothing asked of the server";
+    EXPECT_EQ(pendingAssets(warmer), QStringList{"Sky"});
+    EXPECT_EQ(field("Sky", "colour"), "#ff8c42");
+
+    selectPending(pending().changelistIndex(warmer));
+    expectDescription(QStringLiteral("Submit"), QStringLiteral("Warmer sky"), QStringLiteral("Warmer sky at dusk"));
+    window->pendingChanges().action(QStringLiteral("submit"))->trigger();
+    waitForOperations();
+    EXPECT_TRUE(window->statusBar()->currentMessage().contains(QRegularExpression("^Submitted change \\d+ \\(1 file\\(s\\)\\)$")))
+        << window->statusBar()->currentMessage().toStdString();
+    EXPECT_EQ(pending().pending().size(), 1u) << "the submitted changelist is gone";
+    EXPECT_EQ(status("Sky"), "up to date");
+
+    // An empty changelist is described anew, then deleted.
+    expectDescription(QStringLiteral("New Changelist"), {}, QStringLiteral("Spare"));
+    window->pendingChanges().action(QStringLiteral("newChangelist"))->trigger();
+    waitForOperations();
+    ASSERT_EQ(pending().pending().size(), 2u);
+    selectPending(pending().changelistIndex(pending().pending()[1].changelist.id));
+    expectDescription(QStringLiteral("Edit Description"), QStringLiteral("Spare"), QStringLiteral("Spare parts"));
+    window->pendingChanges().action(QStringLiteral("editDescription"))->trigger();
+    waitForOperations();
+    EXPECT_EQ(pending().pending()[1].changelist.description, "Spare parts");
+    window->pendingChanges().action(QStringLiteral("deleteChangelist"))->trigger();
+    waitForOperations();
+    EXPECT_EQ(pending().pending().size(), 1u);
+
+    const std::string bobSky = depot->FolderPath("bob") + "/Sky.kel";
+    ASSERT_TRUE(depot->Bob().sync(depot->BobTicket(), {bobSky}).ok());
+    QFile synced(QString::fromStdString(bobSky));
+    ASSERT_TRUE(synced.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(synced.readAll().contains("#ff8c42"));
+
+    // Bob's Rock reaches alice's browser and memory through Get Latest.
+    const std::string bobRock = depot->FolderPath("bob") + "/Rock.kel";
+    hbrc::depot::ChangelistId submitted;
+    ASSERT_TRUE(depot->Bob().edit(depot->BobTicket(), {bobRock}, "").ok());
+    QFile rock(QString::fromStdString(bobRock));
+    ASSERT_TRUE(rock.open(QIODevice::ReadOnly));
+    const QByteArray rockText = rock.readAll().replace("#7a746c", "#5a544c");
+    rock.close();
+    ASSERT_TRUE(rock.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    rock.write(rockText);
+    rock.close();
+    ASSERT_TRUE(depot->Bob().submit(depot->BobTicket(), "", "darker rock", submitted).ok());
+    select("Rock");
+    EXPECT_FALSE(window->action(QStringLiteral("getLatest"))->isEnabled());
+    window->refreshStatus();
+    waitForOperations();
+    window->action(QStringLiteral("getLatest"))->updateEnabled();
+    ASSERT_TRUE(window->action(QStringLiteral("getLatest"))->isEnabled());
+    window->action(QStringLiteral("getLatest"))->trigger();
+    waitForOperations();
+    EXPECT_EQ(field("Rock", "colour"), "#5a544c");
+    EXPECT_EQ(status("Rock"), "up to date");
+}
+
+// What submitting the checked files of a changelist does first: the unchecked files of a
+// numbered one go back to the default changelist, the checked ones of the default go into a new one.
+hbrc::depot::PendingChangelist changelist(const char* id, const std::vector<std::string>& paths)
+{
+    hbrc::depot::PendingChangelist list;
+    list.changelist.id = id;
+    for (const std::string& path : paths) {
+        hbrc::depot::OpenedFile file;
+        file.depotPath = "//depot/" + path;
+        file.localPath = path;
+        list.files.push_back(file);
+    }
+    return list;
+}
+
+TEST(StudioPendingChanges, SubmitPlans)
+{
+    using Files = ChangelistWork::Files;
+    const struct {
+        const char* name;
+        hbrc::depot::PendingChangelist pending;
+        Files checked;
+        std::string submitted;
+        Files toDefault, intoNew;
+        std::size_t count;
+    } rows[] = {
+        {"all of a numbered one", changelist("7", {"a", "b"}), {"a", "b"}, "7", {}, {}, 2},
+        {"part of a numbered one", changelist("7", {"a", "b", "c"}), {"b"}, "7", {"a", "c"}, {}, 1},
+        {"part of the default one", changelist("", {"a", "b"}), {"b", "elsewhere"}, "", {}, {"b"}, 1},
+    };
+    for (const auto& row : rows) {
+        const ChangelistWork::SubmitPlan plan = ChangelistWork::PlanSubmit(row.pending, row.checked);
+        EXPECT_EQ(plan.changelist, row.submitted) << row.name;
+        EXPECT_EQ(plan.toDefault, row.toDefault) << row.name;
+        EXPECT_EQ(plan.intoNew, row.intoNew) << row.name;
+        EXPECT_EQ(plan.fileCount, row.count) << row.name;
+    }
+}
+
+// A changelist's box shows whether none, some or all of its files are checked and checks or
+// unchecks them all; the checked files stay checked when a newer answer moves them.
+TEST(StudioPendingChanges, ChangelistBoxesFollowTheirFilesAndChecksSurviveANewAnswer)
+{
+    PendingChangesModel model;
+    model.setPending({changelist("", {"a", "b"}), changelist("7", {"c"})}, {}, {});
+    const auto box = [&](const char* id) { return model.changelistIndex(id).data(Qt::CheckStateRole).toInt(); };
+    const struct {
+        const char* name;
+        std::string file;  // "" to click the changelist's box
+        const char* changelist;
+        Qt::CheckState state;
+        std::vector<std::string> checked;
+        Qt::CheckState defaultBox;
+    } clicks[] = {
+        {"one file", "a", "", Qt::Checked, {"a"}, Qt::PartiallyChecked},
+        {"the default changelist", "", "", Qt::Checked, {"a", "b"}, Qt::Checked},
+        {"a file unchecked", "b", "", Qt::Unchecked, {"a"}, Qt::PartiallyChecked},
+        {"a partial changelist", "", "", Qt::Checked, {"a", "b"}, Qt::Checked},
+        {"another changelist", "", "7", Qt::Checked, {"a", "b", "c"}, Qt::Checked},
+        {"the default unchecked", "", "", Qt::Unchecked, {"c"}, Qt::Unchecked},
+    };
+    for (const auto& click : clicks) {
+        const QModelIndex at = click.file.empty() ? model.changelistIndex(click.changelist) : model.fileIndex(click.file);
+        ASSERT_TRUE(model.setData(at, click.state, Qt::CheckStateRole)) << click.name;
+        EXPECT_EQ(model.checkedFiles(), click.checked) << click.name;
+        EXPECT_EQ(box(""), click.defaultBox) << click.name;
+    }
+    EXPECT_EQ(box("7"), Qt::Checked);
+
+    model.setPending({changelist("", {"b", "c"})}, {}, {});
+    EXPECT_EQ(model.checkedFiles(), std::vector<std::string>{"c"});
+    EXPECT_EQ(box(""), Qt::PartiallyChecked);
+    EXPECT_FALSE(model.changelistIndex("7").isValid());
+}
+
+// Operations run one at a time in the order asked, none dropped: a refusal does not stop the next,
+// and each outcome carries the pending changelists as that operation left them. A refresh asked
+// while an operation waits in the queue adds nothing.
+TEST_F(StudioWindow, RevisionOperationsRunInOrderAndReportEachOutcome)
+{
+    waitForOperations();
+    RevisionOperations& operations = window->operations();
+    std::vector<OperationOutcome> outcomes;
+    QList<bool> busy;
+    QObject::connect(&operations, &RevisionOperations::finished, [&](const OperationOutcome& outcome) {
+        outcomes.push_back(outcome);
+    });
+    QObject::connect(&operations, &RevisionOperations::busyChanged, [&](bool now) { busy << now; });
+    operations.Run(QStringLiteral("first"), ChangelistWork::NewChangelist("first", {}));
+    operations.Run(QStringLiteral("bad move"), ChangelistWork::Reopen({aliceFile("Rock")}, "999"));
+    operations.Run(QStringLiteral("second"), ChangelistWork::NewChangelist("second", {}));
+    operations.RefreshPending();
+    EXPECT_TRUE(operations.IsBusy());
+    waitForOperations();
+
+    EXPECT_EQ(busy, (QList<bool>{true, false}));
+    ASSERT_EQ(outcomes.size(), 3u);
+    const auto descriptions = [](const OperationOutcome& outcome) {
+        std::vector<std::string> texts;
+        for (const hbrc::depot::PendingChangelist& list : outcome.pending)
+            texts.push_back(list.changelist.description);
+        return texts;
+    };
+    EXPECT_EQ(outcomes[0].what, "first");
+    EXPECT_TRUE(outcomes[0].result.ok());
+    EXPECT_EQ(descriptions(outcomes[0]), (std::vector<std::string>{"", "first"}));
+    EXPECT_EQ(outcomes[1].what, "bad move");
+    EXPECT_FALSE(outcomes[1].result.ok());
+    EXPECT_FALSE(outcomes[1].result.error.empty());
+    EXPECT_TRUE(window->logDock().selectedText().contains(
+        QStringLiteral("bad move refused: %1").arg(QString::fromStdString(outcomes[1].result.error))));
+    EXPECT_EQ(descriptions(outcomes[2]), (std::vector<std::string>{"", "first", "second"}));
+    EXPECT_EQ(pending().pending().size(), 3u) << "the pane shows the last outcome";
 }
 
 }  // namespace

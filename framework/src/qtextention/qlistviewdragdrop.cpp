@@ -97,6 +97,19 @@ bool QListViewDragDrop::handleDrag(QAbstractItemView* target, QEvent* event)
 
 bool QListViewDragDrop::eventFilter(QObject* watched, QEvent* event)
 {
+    // Only the mouse and drag events look for their view: others also reach the viewport while its
+    // view is being destroyed, when it is no item view any more.
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseMove:
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+        break;
+    default:
+        return QObject::eventFilter(watched, event);
+    }
     QAbstractItemView* view = viewOf(watched);
     if (!view)
         return QObject::eventFilter(watched, event);

@@ -69,6 +69,11 @@ public:
     // Drops an external file from the asset; the save removes it from disk.
     EditResult RemoveExternalFile(const KELHandleBase& asset, const std::string& fileName);
 
+    // Reads the asset's .kel file again after revision control changed it on disk (a revert, a sync).
+    // Refused for an asset with unsaved edits (they would be lost) and when the file no longer holds
+    // the same asset and parts: those need the workspace opened again.
+    EditResult ReloadFromDisk(const KELHandleBase& asset);
+
     // The first asset of that name, or a null handle.
     KELHandle<kel4::IAsset> FindAsset(const std::string& name) const;
     bool HasUnsavedChanges() const { return m_model->Store().HasUnsavedChanges(); }

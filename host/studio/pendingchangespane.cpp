@@ -1,0 +1,324 @@
+#include "pendingchangespane.h"
+
+#include "changelistwork.h"
+#include "descriptiondialog.h"
+#include "revisionoperations.h"
+
+#include <hbrcdatamodel/workspace.h>
+#include <log/log.h>
+#include <qtextention/qfunctoraction.h>
+#include <qtextention/qlistviewdragdrop.h>
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QToolBar>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace hbrc::studio {
+
+namespace {
+
+QString fromStd(const std::string& text)
+{
+    return QString::fromStdString(text);
+}
+
+}  // namespace
+
+PendingChangesPane::PendingChangesPane(RevisionOperations& operations, QWidget* parent)
+    : QDockWidget(tr("Pending Changes"), parent), m_operations(operations)
+{
+    setObjectName(QStringLiteral("pendingChanges"));
+    auto* content = new QWidget(this);
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins(2, 2, 2, 2);
+    // Two rows of commands: the files', then the changelists'.
+    auto* tools = new QToolBar(content);
+    auto* changelistTools = new QToolBar(content);
+    m_busy = new QLabel(tr("Working..."), content);
+    m_busy->setObjectName(QStringLiteral("pendingBusy"));
+    m_busy->hide();
+    m_view = new QTreeView(content);
+    m_view->setObjectName(QStringLiteral("pendingView"));
+    m_view->setModel(&m_model);
+    m_view->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_view->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_view->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_view->header()->setStretchLastSection(false);
+    m_view->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    m_view->header()->setSectionResizeMode(PendingChangesModel::NameColumn, QHeaderView::Stretch);
+    layout->addWidget(tools);
+    layout->addWidget(changelistTools);
+    layout->addWidget(m_busy);
+    layout->addWidget(m_view);
+    setWidget(content);
+
+    for (QToolBar* bar : {tools, changelistTools})
+        bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    auto numbered = [this] { return idle() && !currentChangelist().empty(); };
+    tools->addAction(addCommand("submit", tr("&Submit..."), [this] { submit(); }, [this] {
+        const depot::PendingChangelist* list = m_model.changelist(currentChangelist());
+        return idle() && list && !list->files.empty();
+    }));
+    tools->addAction(addCommand("revert", tr("&Revert..."), [this] { revert(); },
+                                [this] { return idle() && !m_model.checkedFiles().empty(); }));
+    tools->addAction(addCommand("revertUnchanged", tr("Revert &Unchanged"), [this] { revertUnchanged(); }, [this] {
+        return idle() && std::any_of(m_model.pending().begin(), m_model.pending().end(),
+                                     [](const depot::PendingChangelist& list) { return !list.files.empty(); });
+    }));
+    changelistTools->addAction(addCommand("newChangelist", tr("&New Changelist..."), [this] { newChangelist(); },
+                                [this] { return idle() && m_workspace; }));
+    changelistTools->addAction(addCommand("deleteChangelist", tr("&Delete Changelist"), [this] { deleteChangelist(); }, [this] {
+        const depot::PendingChangelist* list = m_model.changelist(currentChangelist());
+        return idle() && list && !list->changelist.id.empty() && list->files.empty();
+    }));
+    changelistTools->addAction(addCommand("editDescription", tr("&Edit Description..."), [this] { editDescription(); }, numbered));
+
+    m_dragDrop = new QListViewDragDrop([this](const QListViewDragDrop::Drop& drop) {
+        if (!idle() || !drop.targetIndex.isValid() || drop.items.isEmpty())
+            return false;
+        const std::string target = PendingChangesModel::changelistOf(drop.targetIndex);
+        std::vector<std::string> files;
+        for (const QPersistentModelIndex& item : drop.items) {
+            if (!PendingChangesModel::isFile(item))
+                return false;
+            if (PendingChangesModel::changelistOf(item) != target)
+                files.push_back(PendingChangesModel::pathOf(item));
+        }
+        if (files.empty())
+            return false;
+        if (!drop.hovering)
+            moveFiles(files, target);
+        return true;
+    }, this);
+    m_dragDrop->addView(m_view);
+
+    connect(m_view, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
+        QMenu menu(this);
+        QMenu* move = menu.addMenu(tr("&Move to Changelist"));
+        fillMoveMenu(*move);
+        move->setEnabled(!move->isEmpty());
+        menu.addSeparator();
+        for (const char* name : {"submit", "revert", "revertUnchanged", "newChangelist", "deleteChangelist",
+                                 "editDescription"})
+            menu.addAction(action(QString::fromLatin1(name)));
+        menu.exec(m_view->viewport()->mapToGlobal(at));
+    });
+    connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this, &PendingChangesPane::updateCommands);
+    connect(&m_model, &QAbstractItemModel::dataChanged, this, &PendingChangesPane::updateCommands);
+    connect(&m_operations, &RevisionOperations::busyChanged, this, [this](bool busy) {
+        m_busy->setVisible(busy);
+        updateCommands();
+    });
+    connect(&m_operations, &RevisionOperations::finished, this, &PendingChangesPane::takeOutcome);
+    updateCommands();
+}
+
+PendingChangesPane::~PendingChangesPane() = default;
+
+QFunctorAction* PendingChangesPane::addCommand(const char* name, const QString& text, std::function<void()> run,
+                                               std::function<bool()> condition)
+{
+    auto* command = new QFunctorAction(text, std::move(run), this);
+    command->setObjectName(QString::fromLatin1(name));
+    command->setCondition(std::move(condition));
+    return command;
+}
+
+QFunctorAction* PendingChangesPane::action(const QString& name) const
+{
+    return findChild<QFunctorAction*>(name, Qt::FindDirectChildrenOnly);
+}
+
+void PendingChangesPane::updateCommands()
+{
+    for (QFunctorAction* command : findChildren<QFunctorAction*>(QString(), Qt::FindDirectChildrenOnly))
+        command->updateEnabled();
+}
+
+bool PendingChangesPane::idle() const
+{
+    return m_workspace && !m_operations.IsBusy();
+}
+
+void PendingChangesPane::setWorkspace(host::Workspace* workspace)
+{
+    m_workspace = workspace;
+    m_model.setPending({}, {}, {});
+    updateCommands();
+}
+
+void PendingChangesPane::refresh()
+{
+    if (m_workspace)
+        m_operations.RefreshPending();
+}
+
+void PendingChangesPane::takeOutcome(const OperationOutcome& outcome)
+{
+    if (!outcome.pendingKnown || !m_workspace)
+        return;
+    const std::string current = currentChangelist();
+    std::vector<std::string> paths;
+    for (const depot::PendingChangelist& list : outcome.pending)
+        for (const depot::OpenedFile& file : list.files)
+            paths.push_back(file.localPath);
+    const host::DataModelMgr& data = m_workspace->Model();
+    const auto owners = data.AssetsOwningFiles({paths.begin(), paths.end()});
+    std::map<std::string, QString> assets;
+    auto owner = owners.begin();
+    for (std::size_t i = 0; i < paths.size() && owner != owners.end(); ++i, ++owner)
+        if (!owner->IsNull())
+            assets[paths[i]] = fromStd(owner->GetName());
+    m_model.setPending(outcome.pending, m_workspace->Root(), assets);
+    m_view->expandAll();
+    if (const QModelIndex changelist = m_model.changelistIndex(current); changelist.isValid())
+        m_view->setCurrentIndex(changelist);
+    updateCommands();
+}
+
+std::string PendingChangesPane::currentChangelist() const
+{
+    const QModelIndex current = m_view->currentIndex();
+    return current.isValid() ? PendingChangesModel::changelistOf(current) : std::string();
+}
+
+std::vector<std::string> PendingChangesPane::selectedFiles() const
+{
+    std::vector<std::string> files;
+    for (const QModelIndex& index : m_view->selectionModel()->selectedRows())
+        if (PendingChangesModel::isFile(index))
+            files.push_back(PendingChangesModel::pathOf(index));
+    return files;
+}
+
+QStringList PendingChangesPane::unsavedAssets(const std::vector<std::string>& files) const
+{
+    QStringList names;
+    const host::DataModelMgr& data = m_workspace->Model();
+    for (const KELHandle<kel4::IAsset>& asset : data.AssetsOwningFiles({files.begin(), files.end()})) {
+        if (!asset.IsNull() && data.IsDirty(asset) && !names.contains(fromStd(asset.GetName())))
+            names << fromStd(asset.GetName());
+    }
+    return names;
+}
+
+QString PendingChangesPane::fileNames(const std::vector<std::string>& files) const
+{
+    QStringList names;
+    for (const std::string& file : files)
+        names << m_model.fileIndex(file).data().toString();
+    return names.join(QLatin1Char('\n'));
+}
+
+bool PendingChangesPane::confirmRevert(const std::vector<std::string>& files)
+{
+    return QMessageBox::question(this, tr("Revert"),
+                                 tr("Revert these files? Their edits are lost.\n\n%1").arg(fileNames(files)),
+                                 QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel) == QMessageBox::Yes;
+}
+
+void PendingChangesPane::submit()
+{
+    const depot::PendingChangelist* list = m_model.changelist(currentChangelist());
+    if (!list)
+        return;
+    const std::vector<std::string> checked = m_model.checkedFiles(list->changelist.id);
+    if (checked.empty()) {
+        emit message(Log::eWarning, tr("Check the files to submit"));
+        return;
+    }
+    const QString description = DescriptionDialog::ask(this, tr("Submit"), tr("Describe the change:"),
+                                                       fromStd(list->changelist.description));
+    if (description.isEmpty())
+        return;
+    m_operations.Run(tr("Submit"), ChangelistWork::Submit(ChangelistWork::PlanSubmit(*list, checked),
+                                                          description.toStdString()));
+}
+
+// An asset with unsaved edits keeps its files open: reverting them would leave its edits in memory
+// over an older file, and saving them would bring the reverted content back unasked.
+void PendingChangesPane::revert()
+{
+    const std::vector<std::string> files = m_model.checkedFiles();
+    if (files.empty())
+        return;
+    if (const QStringList unsaved = unsavedAssets(files); !unsaved.isEmpty()) {
+        emit message(Log::eWarning, tr("Not reverted: %1 has unsaved edits. Save or undo them first.")
+                                        .arg(unsaved.join(QStringLiteral(", "))));
+        return;
+    }
+    if (confirmRevert(files))
+        m_operations.Run(tr("Revert"), ChangelistWork::Revert(files));
+}
+
+void PendingChangesPane::revertUnchanged()
+{
+    m_operations.Run(tr("Revert Unchanged"), ChangelistWork::RevertUnchanged(m_model.checkedFiles()));
+}
+
+void PendingChangesPane::newChangelist()
+{
+    moveToNewChangelist({});
+}
+
+void PendingChangesPane::deleteChangelist()
+{
+    m_operations.Run(tr("Delete Changelist"), ChangelistWork::DeleteChangelist(currentChangelist()));
+}
+
+void PendingChangesPane::editDescription()
+{
+    const depot::PendingChangelist* list = m_model.changelist(currentChangelist());
+    if (!list || list->changelist.id.empty())
+        return;
+    const QString description = DescriptionDialog::ask(this, tr("Edit Description"), tr("Description:"),
+                                                       fromStd(list->changelist.description));
+    if (!description.isEmpty())
+        m_operations.Run(tr("Edit Description"),
+                         ChangelistWork::SetDescription(list->changelist.id, description.toStdString()));
+}
+
+void PendingChangesPane::fillMoveMenu(QMenu& menu)
+{
+    const std::vector<std::string> files = selectedFiles();
+    if (files.empty() || !idle())
+        return;
+    std::set<std::string> from;
+    for (const std::string& file : files)
+        from.insert(PendingChangesModel::changelistOf(m_model.fileIndex(file)));
+    for (int row = 0; row < m_model.rowCount(); ++row) {
+        const QModelIndex changelist = m_model.index(row, 0);
+        const std::string id = PendingChangesModel::changelistOf(changelist);
+        if (from.size() == 1 && from.count(id))
+            continue;
+        QAction* move = menu.addAction(changelist.data().toString());
+        move->setObjectName(QStringLiteral("moveTo-%1").arg(id.empty() ? QStringLiteral("default") : fromStd(id)));
+        connect(move, &QAction::triggered, this, [this, files, id] { moveFiles(files, id); });
+    }
+    menu.addSeparator();
+    QAction* create = menu.addAction(tr("New Changelist..."));
+    create->setObjectName(QStringLiteral("moveToNew"));
+    connect(create, &QAction::triggered, this, [this, files] { moveToNewChangelist(files); });
+}
+
+void PendingChangesPane::moveFiles(const std::vector<std::string>& files, const std::string& changelist)
+{
+    m_operations.Run(tr("Move to Changelist"), ChangelistWork::Reopen(files, changelist));
+}
+
+void PendingChangesPane::moveToNewChangelist(const std::vector<std::string>& files)
+{
+    const QString description = DescriptionDialog::ask(this, tr("New Changelist"), tr("Description:"), {});
+    if (!description.isEmpty())
+        m_operations.Run(tr("New Changelist"), ChangelistWork::NewChangelist(description.toStdString(), files));
+}
+
+}  // namespace hbrc::studio

@@ -1,0 +1,69 @@
+#include "revisionoperations.h"
+
+#include <hbrcservices/revisionserver.h>
+
+#include <QtConcurrent/QtConcurrentRun>
+
+namespace hbrc::studio {
+
+RevisionOperations::RevisionOperations(AccountSource account, QObject* parent)
+    : QObject(parent), m_account(std::move(account))
+{
+    connect(&m_watcher, &QFutureWatcher<OperationOutcome>::finished, this, [this] {
+        const OperationOutcome outcome = m_watcher.result();
+        m_queue.pop_front();
+        // Still busy while the outcome is delivered: an operation its receivers ask for queues.
+        emit finished(outcome);
+        if (!m_queue.empty()) {
+            StartNext();
+            return;
+        }
+        m_running = false;
+        emit busyChanged(false);
+    });
+}
+
+RevisionOperations::~RevisionOperations()
+{
+    m_watcher.waitForFinished();
+}
+
+void RevisionOperations::Run(const QString& what, Work work)
+{
+    m_queue.push_back({m_account(), what, std::move(work)});
+    if (m_running)
+        return;
+    m_running = true;
+    emit busyChanged(true);
+    StartNext();
+}
+
+void RevisionOperations::RefreshPending()
+{
+    // The running operation may have asked before what changed; one queued behind it asks after.
+    if (m_queue.size() <= 1)
+        Run({}, [](host::RevisionServer&, const std::string&, OperationOutcome&) { return depot::Result{}; });
+}
+
+void RevisionOperations::StartNext()
+{
+    m_watcher.setFuture(QtConcurrent::run([connection = m_connection, job = m_queue.front()] {
+        return Execute(*connection, job);
+    }));
+}
+
+OperationOutcome RevisionOperations::Execute(WorkerConnection& connection, const Job& job)
+{
+    OperationOutcome outcome;
+    outcome.what = job.what;
+    std::string ticket;
+    outcome.result = connection.Prepare(job.account, ticket);
+    if (outcome.result.ok())
+        outcome.result = job.work(connection.Server(), ticket, outcome);
+    // Also after a refusal: part of a multi-step operation may have happened.
+    if (connection.Server().pendingChangelists(ticket, outcome.pending).ok())
+        outcome.pendingKnown = true;
+    return outcome;
+}
+
+}  // namespace hbrc::studio
