@@ -165,6 +165,7 @@ void PendingChangesPane::takeOutcome(const OperationOutcome& outcome)
 {
     if (!outcome.pendingKnown || !m_workspace)
         return;
+    const bool hadCurrent = m_view->currentIndex().isValid();
     const std::string current = currentChangelist();
     std::vector<std::string> paths;
     for (const depot::PendingChangelist& list : outcome.pending)
@@ -179,7 +180,7 @@ void PendingChangesPane::takeOutcome(const OperationOutcome& outcome)
             assets[paths[i]] = fromStd(owner->GetName());
     m_model.setPending(outcome.pending, m_workspace->Root(), assets);
     m_view->expandAll();
-    if (const QModelIndex changelist = m_model.changelistIndex(current); changelist.isValid())
+    if (const QModelIndex changelist = m_model.changelistIndex(current); hadCurrent && changelist.isValid())
         m_view->setCurrentIndex(changelist);
     updateCommands();
 }
