@@ -19,6 +19,7 @@
 
 #include <depot/depot.h>
 #include <hbrcdatamodel/workspace.h>
+#include <hbrcservices/revisionserver.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <log/log.h>
 #include <qtextention/lmrqlivesearchwidget.h>
@@ -841,6 +842,59 @@ TEST_F(StudioWindow, RevisionOperationsRunInOrderAndReportEachOutcome)
         QStringLiteral("bad move refused: %1").arg(QString::fromStdString(outcomes[1].result.error))));
     EXPECT_EQ(descriptions(outcomes[2]), (std::vector<std::string>{"", "first", "second"}));
     EXPECT_EQ(pending().pending().size(), 3u) << "the pane shows the last outcome";
+}
+
+// Submitting part of a changelist on the depot: from the default changelist the checked files go
+// into a new numbered changelist and are submitted; from a numbered one the unchecked files go back
+// to the default changelist first. Either way only the checked files are submitted.
+TEST(StudioPendingChanges, SubmitWorkSubmitsOnlyTheCheckedFiles)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    DemoServer depot(dir.path());
+    SeedSampleWorkspace(depot);
+    const std::unique_ptr<hbrc::host::RevisionServer> alice = hbrc::host::OpenRevisionServer(depot.Path(), {});
+    std::string ticket;
+    ASSERT_TRUE(alice->login("alice", "alice-pw", depot.Workspace("alice"), ticket).ok());
+    const auto file = [&](const char* name) { return depot.FolderPath("alice") + "/" + name + ".kel"; };
+    const auto pendingFiles = [&] {
+        std::vector<hbrc::depot::PendingChangelist> pending;
+        EXPECT_TRUE(alice->pendingChangelists(ticket, pending).ok());
+        std::vector<std::vector<std::string>> files;
+        for (const hbrc::depot::PendingChangelist& list : pending) {
+            files.emplace_back();
+            for (const hbrc::depot::OpenedFile& opened : list.files)
+                files.back().push_back(opened.localPath);
+        }
+        return files;
+    };
+    ASSERT_TRUE(alice->edit(ticket, {file("Rock"), file("Sky"), file("Snow")}, "").ok());
+    hbrc::depot::ChangelistId numbered;
+    ASSERT_TRUE(alice->createChangelist(ticket, "props", numbered).ok());
+    ASSERT_TRUE(alice->edit(ticket, {file("Oak"), file("Sand")}, numbered).ok());
+
+    const struct {
+        const char* name;
+        std::string changelist;
+        ChangelistWork::Files checked;
+        std::vector<std::vector<std::string>> pendingAfter;
+    } submits[] = {
+        {"from the default changelist", "", {file("Rock"), file("Snow")}, {{file("Sky")}, {file("Oak"), file("Sand")}}},
+        {"from a numbered changelist", numbered, {file("Sand")}, {{file("Oak"), file("Sky")}}},
+    };
+    for (const auto& submit : submits) {
+        std::vector<hbrc::depot::PendingChangelist> pending;
+        ASSERT_TRUE(alice->pendingChangelists(ticket, pending).ok());
+        const auto list = std::find_if(pending.begin(), pending.end(),
+                                       [&](const auto& each) { return each.changelist.id == submit.changelist; });
+        ASSERT_NE(list, pending.end()) << submit.name;
+        OperationOutcome outcome;
+        const hbrc::depot::Result result = ChangelistWork::Submit(ChangelistWork::PlanSubmit(*list, submit.checked),
+                                                                  "part of it")(*alice, ticket, outcome);
+        ASSERT_TRUE(result.ok()) << submit.name << ": " << result.error;
+        EXPECT_TRUE(outcome.done.endsWith(QStringLiteral("(%1 file(s))").arg(submit.checked.size()))) << submit.name;
+        EXPECT_EQ(pendingFiles(), submit.pendingAfter) << submit.name;
+    }
 }
 
 }  // namespace
