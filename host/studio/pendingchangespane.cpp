@@ -113,8 +113,8 @@ PendingChangesPane::PendingChangesPane(RevisionOperations& operations, QWidget* 
     });
     connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this, &PendingChangesPane::updateCommands);
     connect(&m_model, &QAbstractItemModel::dataChanged, this, &PendingChangesPane::updateCommands);
-    connect(&m_operations, &RevisionOperations::busyChanged, this, [this](bool busy) {
-        m_busy->setVisible(busy);
+    connect(&m_operations, &RevisionOperations::workingChanged, this, [this](bool working) {
+        m_busy->setVisible(working);
         updateCommands();
     });
     connect(&m_operations, &RevisionOperations::finished, this, &PendingChangesPane::takeOutcome);
@@ -145,7 +145,7 @@ void PendingChangesPane::updateCommands()
 
 bool PendingChangesPane::idle() const
 {
-    return m_workspace && !m_operations.IsBusy();
+    return m_workspace && !m_operations.IsWorking();
 }
 
 void PendingChangesPane::setWorkspace(host::Workspace* workspace)

@@ -4,6 +4,8 @@
 
 #include <QtConcurrent/QtConcurrentRun>
 
+#include <algorithm>
+
 namespace hbrc::studio {
 
 RevisionOperations::RevisionOperations(AccountSource account, QObject* parent)
@@ -14,6 +16,7 @@ RevisionOperations::RevisionOperations(AccountSource account, QObject* parent)
         m_queue.pop_front();
         // Still busy while the outcome is delivered: an operation its receivers ask for queues.
         emit finished(outcome);
+        UpdateWorking();
         if (!m_queue.empty()) {
             StartNext();
             return;
@@ -31,6 +34,7 @@ RevisionOperations::~RevisionOperations()
 void RevisionOperations::Run(const QString& what, Work work)
 {
     m_queue.push_back({m_account(), what, std::move(work)});
+    UpdateWorking();
     if (m_running)
         return;
     m_running = true;
@@ -43,6 +47,16 @@ void RevisionOperations::RefreshPending()
     // The running operation may have asked before what changed; one queued behind it asks after.
     if (m_queue.size() <= 1)
         Run({}, [](host::RevisionServer&, const std::string&, OperationOutcome&) { return depot::Result{}; });
+}
+
+void RevisionOperations::UpdateWorking()
+{
+    const bool working =
+        std::any_of(m_queue.begin(), m_queue.end(), [](const Job& job) { return !job.what.isEmpty(); });
+    if (working == m_working)
+        return;
+    m_working = working;
+    emit workingChanged(working);
 }
 
 void RevisionOperations::StartNext()

@@ -49,10 +49,15 @@ public:
     // Asks only for the pending changelists, unless an operation waits in the queue: its outcome
     // brings them anyway.
     void RefreshPending();
+    // Something runs or waits, a refresh included.
     bool IsBusy() const { return m_running; }
+    // An operation that changes the server runs or waits (refreshes do not count): what a user
+    // sees as working, so that a timer's refresh does not make the commands flicker.
+    bool IsWorking() const { return m_working; }
 
 signals:
     void busyChanged(bool busy);
+    void workingChanged(bool working);
     void finished(const hbrc::studio::OperationOutcome& outcome);
 
 private:
@@ -63,6 +68,7 @@ private:
         Work work;
     };
     void StartNext();
+    void UpdateWorking();
     static OperationOutcome Execute(WorkerConnection& connection, const Job& job);
 
     AccountSource m_account;
@@ -70,6 +76,7 @@ private:
     QFutureWatcher<OperationOutcome> m_watcher;
     std::deque<Job> m_queue;
     bool m_running = false;
+    bool m_working = false;
 };
 
 }  // namespace hbrc::studio

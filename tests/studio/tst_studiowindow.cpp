@@ -806,7 +806,7 @@ TEST(StudioPendingChanges, ChangelistBoxesFollowTheirFilesAndChecksSurviveANewAn
 
 // Operations run one at a time in the order asked, none dropped: a refusal does not stop the next,
 // and each outcome carries the pending changelists as that operation left them. A refresh asked
-// while an operation waits in the queue adds nothing.
+// while an operation waits in the queue adds nothing; one on its own shows no work in the pane.
 TEST_F(StudioWindow, RevisionOperationsRunInOrderAndReportEachOutcome)
 {
     waitForOperations();
@@ -817,6 +817,8 @@ TEST_F(StudioWindow, RevisionOperationsRunInOrderAndReportEachOutcome)
         outcomes.push_back(outcome);
     });
     QObject::connect(&operations, &RevisionOperations::busyChanged, [&](bool now) { busy << now; });
+    QList<bool> working;
+    QObject::connect(&operations, &RevisionOperations::workingChanged, [&](bool now) { working << now; });
     operations.Run(QStringLiteral("first"), ChangelistWork::NewChangelist("first", {}));
     operations.Run(QStringLiteral("bad move"), ChangelistWork::Reopen({aliceFile("Rock")}, "999"));
     operations.Run(QStringLiteral("second"), ChangelistWork::NewChangelist("second", {}));
@@ -825,7 +827,14 @@ TEST_F(StudioWindow, RevisionOperationsRunInOrderAndReportEachOutcome)
     waitForOperations();
 
     EXPECT_EQ(busy, (QList<bool>{true, false}));
-    ASSERT_EQ(outcomes.size(), 3u);
+    EXPECT_EQ(working, (QList<bool>{true, false}));
+    // A refresh on its own, as the status timer asks for it, is not work the pane shows.
+    operations.RefreshPending();
+    EXPECT_TRUE(operations.IsBusy());
+    EXPECT_FALSE(operations.IsWorking());
+    waitForOperations();
+    EXPECT_EQ(working.size(), 2);
+    ASSERT_EQ(outcomes.size(), 4u);
     const auto descriptions = [](const OperationOutcome& outcome) {
         std::vector<std::string> texts;
         for (const hbrc::depot::PendingChangelist& list : outcome.pending)
