@@ -2,6 +2,67 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de">
 <context>
+    <name>ChangelistWork</name>
+    <message numerus="yes">
+        <source>Submitted change %1 (%n file(s))</source>
+        <translation>
+            <numerusform>Change %1 übergeben (%n Datei)</numerusform>
+            <numerusform>Change %1 übergeben (%n Dateien)</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Moved %n file(s) to the default changelist</source>
+        <translation>
+            <numerusform>%n Datei in die Standard-Changelist verschoben</numerusform>
+            <numerusform>%n Dateien in die Standard-Changelist verschoben</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Moved %n file(s) to change %1</source>
+        <translation>
+            <numerusform>%n Datei nach Change %1 verschoben</numerusform>
+            <numerusform>%n Dateien nach Change %1 verschoben</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Created change %1 with %n file(s)</source>
+        <translation>
+            <numerusform>Change %1 mit %n Datei angelegt</numerusform>
+            <numerusform>Change %1 mit %n Dateien angelegt</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Deleted change %1</source>
+        <translation>Change %1 gelöscht</translation>
+    </message>
+    <message>
+        <source>Changed the description of change %1</source>
+        <translation>Beschreibung von Change %1 geändert</translation>
+    </message>
+    <message numerus="yes">
+        <source>Reverted %n file(s)</source>
+        <translation>
+            <numerusform>%n Datei zurückgesetzt</numerusform>
+            <numerusform>%n Dateien zurückgesetzt</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>No unchanged file to revert</source>
+        <translation>Keine unveränderte Datei zum Zurücksetzen</translation>
+    </message>
+    <message numerus="yes">
+        <source>Reverted %n unchanged file(s): %1</source>
+        <translation>
+            <numerusform>%n unveränderte Datei zurückgesetzt: %1</numerusform>
+            <numerusform>%n unveränderte Dateien zurückgesetzt: %1</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Got the latest revision of %1</source>
+        <translation>Neueste Revision von %1 geholt</translation>
+    </message>
+</context>
+<context>
     <name>QObject</name>
     <message>
         <source>...</source>
@@ -14,6 +75,61 @@
     <message>
         <source>File</source>
         <translation>Datei</translation>
+    </message>
+</context>
+<context>
+    <name>StatusChange</name>
+    <message>
+        <source>the default changelist</source>
+        <translation>der Standard-Changelist</translation>
+    </message>
+    <message>
+        <source>changelist %1</source>
+        <translation>Changelist %1</translation>
+    </message>
+    <message>
+        <source>for add in %1</source>
+        <translation>zum Hinzufügen in %1</translation>
+    </message>
+    <message>
+        <source>for delete in %1</source>
+        <translation>zum Löschen in %1</translation>
+    </message>
+    <message>
+        <source>for edit in %1</source>
+        <translation>zum Bearbeiten in %1</translation>
+    </message>
+    <message>
+        <source>%1 (%2): open %3</source>
+        <translation>%1 (%2): %3 geöffnet</translation>
+    </message>
+    <message>
+        <source>%1, locked</source>
+        <translation>%1, gesperrt</translation>
+    </message>
+    <message>
+        <source>%1 opened it %2</source>
+        <translation>%1 hat es %2 geöffnet</translation>
+    </message>
+    <message>
+        <source>%1 locked it</source>
+        <translation>%1 hat es gesperrt</translation>
+    </message>
+    <message>
+        <source>%1 unlocked it</source>
+        <translation>%1 hat es entsperrt</translation>
+    </message>
+    <message>
+        <source>%1 no longer holds it</source>
+        <translation>%1 hält es nicht mehr</translation>
+    </message>
+    <message>
+        <source>revision #%1 is on the server (you have #%2)</source>
+        <translation>Revision #%1 ist auf dem Server (Sie haben #%2)</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
     </message>
 </context>
 <context>
@@ -92,6 +208,18 @@
     <message>
         <source>up to date</source>
         <translation>aktuell</translation>
+    </message>
+    <message>
+        <source>A newer revision is on the server: you have #%1 of #%2</source>
+        <translation>Eine neuere Revision ist auf dem Server: Sie haben #%1 von #%2</translation>
+    </message>
+    <message>
+        <source>#%1/#%2</source>
+        <translation>#%1/#%2</translation>
+    </message>
+    <message>
+        <source>Revision</source>
+        <translation>Revision</translation>
     </message>
 </context>
 <context>
@@ -250,10 +378,6 @@
     <message>
         <source>asking...</source>
         <translation>wird erfragt...</translation>
-    </message>
-    <message>
-        <source>Opened %1 (%2 assets)</source>
-        <translation>%1 geöffnet (%2 Assets)</translation>
     </message>
     <message>
         <source>%1 - hbrc-studio</source>
@@ -418,6 +542,156 @@
         <source>The workspace has unsaved edits. Save them?</source>
         <translation>Der Arbeitsbereich hat ungespeicherte Änderungen. Speichern?</translation>
     </message>
+    <message>
+        <source>&amp;Get Latest</source>
+        <translation>&amp;Neueste Revision holen</translation>
+    </message>
+    <message>
+        <source>%1 refused: %2</source>
+        <translation>%1 abgelehnt: %2</translation>
+    </message>
+    <message>
+        <source>%1 was not read again: %2</source>
+        <translation>%1 wurde nicht neu gelesen: %2</translation>
+    </message>
+    <message>
+        <source>Get Latest refused: %1 has unsaved edits. Save or undo them first.</source>
+        <translation>Neueste Revision holen abgelehnt: %1 hat ungespeicherte Änderungen. Speichern Sie sie oder machen Sie sie zuerst rückgängig.</translation>
+    </message>
+    <message>
+        <source>Get Latest</source>
+        <translation>Neueste Revision holen</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::PendingChangesModel</name>
+    <message>
+        <source>Changelist / File</source>
+        <translation>Changelist / Datei</translation>
+    </message>
+    <message>
+        <source>Action</source>
+        <translation>Aktion</translation>
+    </message>
+    <message>
+        <source>Asset</source>
+        <translation>Asset</translation>
+    </message>
+    <message>
+        <source>Default</source>
+        <translation>Standard</translation>
+    </message>
+    <message>
+        <source>Change %1: %2</source>
+        <translation>Change %1: %2</translation>
+    </message>
+    <message>
+        <source>add</source>
+        <translation>hinzufügen</translation>
+    </message>
+    <message>
+        <source>delete</source>
+        <translation>löschen</translation>
+    </message>
+    <message>
+        <source>edit</source>
+        <translation>bearbeiten</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::PendingChangesPane</name>
+    <message>
+        <source>Pending Changes</source>
+        <translation>Offene Änderungen</translation>
+    </message>
+    <message>
+        <source>Working...</source>
+        <translation>In Arbeit...</translation>
+    </message>
+    <message>
+        <source>&amp;Submit...</source>
+        <translation>&amp;Übergeben...</translation>
+    </message>
+    <message>
+        <source>&amp;Revert...</source>
+        <translation>&amp;Zurücksetzen...</translation>
+    </message>
+    <message>
+        <source>Revert &amp;Unchanged</source>
+        <translation>&amp;Unveränderte zurücksetzen</translation>
+    </message>
+    <message>
+        <source>&amp;New Changelist...</source>
+        <translation>&amp;Neue Changelist...</translation>
+    </message>
+    <message>
+        <source>&amp;Delete Changelist</source>
+        <translation>Changelist &amp;löschen</translation>
+    </message>
+    <message>
+        <source>&amp;Edit Description...</source>
+        <translation>Beschreibung &amp;bearbeiten...</translation>
+    </message>
+    <message>
+        <source>&amp;Move to Changelist</source>
+        <translation>In Changelist &amp;verschieben</translation>
+    </message>
+    <message>
+        <source>Revert</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Revert these files? Their edits are lost.
+
+%1</source>
+        <translation>Diese Dateien zurücksetzen? Ihre Änderungen gehen verloren.
+
+%1</translation>
+    </message>
+    <message>
+        <source>Check the files to submit</source>
+        <translation>Haken Sie die zu übergebenden Dateien an</translation>
+    </message>
+    <message>
+        <source>Submit</source>
+        <translation>Übergeben</translation>
+    </message>
+    <message>
+        <source>Describe the change:</source>
+        <translation>Beschreiben Sie die Änderung:</translation>
+    </message>
+    <message>
+        <source>Not reverted: %1 has unsaved edits. Save or undo them first.</source>
+        <translation>Nicht zurückgesetzt: %1 hat ungespeicherte Änderungen. Speichern Sie sie oder machen Sie sie zuerst rückgängig.</translation>
+    </message>
+    <message>
+        <source>Revert Unchanged</source>
+        <translation>Unveränderte zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Delete Changelist</source>
+        <translation>Changelist löschen</translation>
+    </message>
+    <message>
+        <source>Edit Description</source>
+        <translation>Beschreibung bearbeiten</translation>
+    </message>
+    <message>
+        <source>Description:</source>
+        <translation>Beschreibung:</translation>
+    </message>
+    <message>
+        <source>New Changelist...</source>
+        <translation>Neue Changelist...</translation>
+    </message>
+    <message>
+        <source>Move to Changelist</source>
+        <translation>In Changelist verschieben</translation>
+    </message>
+    <message>
+        <source>New Changelist</source>
+        <translation>Neue Changelist</translation>
+    </message>
 </context>
 <context>
     <name>hbrc::studio::PropertyPane</name>
@@ -507,6 +781,18 @@
     <message>
         <source>Ask for a changelist when checking out</source>
         <translation>Beim Auschecken nach einer Changelist fragen</translation>
+    </message>
+    <message>
+        <source> s</source>
+        <translation> s</translation>
+    </message>
+    <message>
+        <source>never</source>
+        <translation>nie</translation>
+    </message>
+    <message>
+        <source>&amp;Refresh status every:</source>
+        <translation>Status &amp;aktualisieren alle:</translation>
     </message>
 </context>
 <context>

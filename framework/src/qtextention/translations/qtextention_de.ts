@@ -25,6 +25,21 @@
     </message>
 </context>
 <context>
+    <name>QColorControl</name>
+    <message>
+        <source>...</source>
+        <translation>...</translation>
+    </message>
+    <message>
+        <source>Choose a colour</source>
+        <translation>Farbe wählen</translation>
+    </message>
+    <message>
+        <source>Colour</source>
+        <translation>Farbe</translation>
+    </message>
+</context>
+<context>
     <name>QFileListDialog</name>
     <message>
         <source>OK</source>
@@ -54,6 +69,13 @@ Diese Datei existiert nicht.</translation>
     <message>
         <source>Copy to clipboard</source>
         <translation>In die Zwischenablage kopieren</translation>
+    </message>
+</context>
+<context>
+    <name>QTabWidgetEx</name>
+    <message>
+        <source>%1 (%2)</source>
+        <translation>%1 (%2)</translation>
     </message>
 </context>
 </TS>
