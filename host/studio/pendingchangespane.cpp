@@ -9,11 +9,12 @@
 #include <qtextention/qfunctoraction.h>
 #include <qtextention/qlistviewdragdrop.h>
 
+#include <QGridLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
-#include <QToolBar>
+#include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -39,9 +40,9 @@ PendingChangesPane::PendingChangesPane(RevisionOperations& operations, QWidget* 
     auto* content = new QWidget(this);
     auto* layout = new QVBoxLayout(content);
     layout->setContentsMargins(2, 2, 2, 2);
-    // Two rows of commands: the files', then the changelists'.
-    auto* tools = new QToolBar(content);
-    auto* changelistTools = new QToolBar(content);
+    // The commands in two columns, the files' beside the changelists', each button as wide as the
+    // longest: a tool bar would hide what does not fit behind its extension arrow.
+    auto* commands = new QGridLayout;
     m_busy = new QLabel(tr("Working..."), content);
     m_busy->setObjectName(QStringLiteral("pendingBusy"));
     m_busy->hide();
@@ -54,32 +55,37 @@ PendingChangesPane::PendingChangesPane(RevisionOperations& operations, QWidget* 
     m_view->header()->setStretchLastSection(false);
     m_view->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_view->header()->setSectionResizeMode(PendingChangesModel::NameColumn, QHeaderView::Stretch);
-    layout->addWidget(tools);
-    layout->addWidget(changelistTools);
+    layout->addLayout(commands);
     layout->addWidget(m_busy);
     layout->addWidget(m_view);
     setWidget(content);
 
-    for (QToolBar* bar : {tools, changelistTools})
-        bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    const auto addButton = [this, commands, content](int row, int column, QFunctorAction* command) {
+        auto* button = new QToolButton(content);
+        button->setDefaultAction(command);
+        button->setAutoRaise(true);
+        button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        button->setFocusPolicy(Qt::StrongFocus);  // the dark styles leave buttons out of the Tab chain
+        commands->addWidget(button, row, column);
+    };
     auto numbered = [this] { return idle() && !currentChangelist().empty(); };
-    tools->addAction(addCommand("submit", tr("&Submit..."), [this] { submit(); }, [this] {
+    addButton(0, 0, addCommand("submit", tr("&Submit..."), [this] { submit(); }, [this] {
         const depot::PendingChangelist* list = m_model.changelist(currentChangelist());
         return idle() && list && !list->files.empty();
     }));
-    tools->addAction(addCommand("revert", tr("&Revert..."), [this] { revert(); },
+    addButton(1, 0, addCommand("revert", tr("&Revert..."), [this] { revert(); },
                                 [this] { return idle() && !m_model.checkedFiles().empty(); }));
-    tools->addAction(addCommand("revertUnchanged", tr("Revert &Unchanged"), [this] { revertUnchanged(); }, [this] {
+    addButton(2, 0, addCommand("revertUnchanged", tr("Revert &Unchanged"), [this] { revertUnchanged(); }, [this] {
         return idle() && std::any_of(m_model.pending().begin(), m_model.pending().end(),
                                      [](const depot::PendingChangelist& list) { return !list.files.empty(); });
     }));
-    changelistTools->addAction(addCommand("newChangelist", tr("&New Changelist..."), [this] { newChangelist(); },
+    addButton(0, 1, addCommand("newChangelist", tr("&New Changelist..."), [this] { newChangelist(); },
                                 [this] { return idle() && m_workspace; }));
-    changelistTools->addAction(addCommand("deleteChangelist", tr("&Delete Changelist"), [this] { deleteChangelist(); }, [this] {
+    addButton(1, 1, addCommand("deleteChangelist", tr("&Delete Changelist"), [this] { deleteChangelist(); }, [this] {
         const depot::PendingChangelist* list = m_model.changelist(currentChangelist());
         return idle() && list && !list->changelist.id.empty() && list->files.empty();
     }));
-    changelistTools->addAction(addCommand("editDescription", tr("&Edit Description..."), [this] { editDescription(); }, numbered));
+    addButton(2, 1, addCommand("editDescription", tr("&Edit Description..."), [this] { editDescription(); }, numbered));
 
     m_dragDrop = new QListViewDragDrop([this](const QListViewDragDrop::Drop& drop) {
         if (!idle() || !drop.targetIndex.isValid() || drop.items.isEmpty())
