@@ -33,6 +33,7 @@
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QTimer>
+#include <QTreeView>
 
 #include <set>
 
@@ -180,6 +181,20 @@ void MainWindow::buildMenus()
     addAction(revision, "settings", tr("&Settings..."), [this] { showSettings(); });
     for (QMenu* menu : {file, edit, revision})
         connect(menu, &QMenu::aboutToShow, this, &MainWindow::updateActions);
+
+    // The asset commands also on a right click in the browser (the click makes the row current).
+    QTreeView* assets = m_browser->view();
+    assets->setContextMenuPolicy(Qt::ActionsContextMenu);
+    for (const char* name : {"checkOut", "makeWritable", "markForAdd", "getLatest", "", "showFiles",
+                             "revealInFileBrowser", "", "renameAsset", "deleteAsset"}) {
+        if (*name) {
+            assets->addAction(action(QString::fromLatin1(name)));
+            continue;
+        }
+        auto* separator = new QAction(assets);
+        separator->setSeparator(true);
+        assets->addAction(separator);
+    }
 }
 
 QFunctorAction* MainWindow::action(const QString& name) const
