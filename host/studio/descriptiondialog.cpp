@@ -22,6 +22,8 @@ DescriptionDialog::DescriptionDialog(const QString& title, const QString& prompt
     m_text->setTabChangesFocus(true);
     label->setBuddy(m_text);
     m_buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    for (QAbstractButton* button : m_buttons->buttons())
+        button->setFocusPolicy(Qt::StrongFocus);  // the dark styles leave buttons out of the Tab chain
     layout->addWidget(label);
     layout->addWidget(m_text);
     layout->addWidget(m_buttons);
