@@ -168,10 +168,12 @@ void MainWindow::buildMenus()
     addAction(revision, "checkOut", tr("&Check Out"), [this] { checkOut(); }, selection);
     addAction(revision, "makeWritable", tr("Make &Writable"), [this] { makeWritable(); }, selection);
     addAction(revision, "markForAdd", tr("Mark for &Add"), [this] { markForAdd(); }, selection);
-    addAction(revision, "getLatest", tr("&Get Latest"), [this] { getLatest(); }, [this] {
+    addAction(revision, "getLatest", tr("&Get Latest"), [this] { getLatest({selected()}); }, [this] {
         const AssetStatus* status = m_model->statusAt(m_model->rowOf(selected()));
         return status && status->behind;
     });
+    addAction(revision, "getLatestAll", tr("Get Latest of A&ll Assets"), [this] { getLatest(assetsBehind()); },
+              [this] { return !assetsBehind().empty(); });
     revision->addSeparator();
     addAction(revision, "showFiles", tr("Show &Files"), [this] { showFiles(false); }, selection);
     addAction(revision, "revealInFileBrowser", tr("Reveal in File &Browser"), [this] { showFiles(true); }, selection);
@@ -600,17 +602,39 @@ void MainWindow::markForAdd()
     afterChange();
 }
 
-void MainWindow::getLatest()
+void MainWindow::getLatest(const std::vector<KELHandle<kel4::IDbObject>>& assets)
 {
-    const KELHandle<kel4::IDbObject> asset = selected();
-    const QString name = fromStd(asset.GetName());
     const host::DataModelMgr& model = m_session.CurrentWorkspace()->Model();
-    if (model.IsDirty(asset)) {
-        log(Log::eWarning, tr("Get Latest refused: %1 has unsaved edits. Save or undo them first.").arg(name));
-        return;
+    QStringList names;
+    QStringList unsaved;
+    std::vector<std::string> files;
+    for (const KELHandle<kel4::IDbObject>& asset : assets) {
+        if (model.IsDirty(asset)) {
+            unsaved << fromStd(asset.GetName());
+            continue;
+        }
+        const kel4::Set<std::string> own = model.FilesOf(asset, true, kel4::closureId::Persistence);
+        files.insert(files.end(), own.begin(), own.end());
+        names << fromStd(asset.GetName());
     }
-    const kel4::Set<std::string> files = model.FilesOf(asset, true, kel4::closureId::Persistence);
-    m_operations->Run(tr("Get Latest"), ChangelistWork::GetLatest({files.begin(), files.end()}, name));
+    if (!unsaved.isEmpty())
+        log(Log::eWarning, tr("Not brought up to date because of unsaved edits: %1. Save or undo them first.")
+                               .arg(unsaved.join(QStringLiteral(", "))));
+    if (files.empty())
+        return;
+    constexpr int kNamesShown = 5;
+    const QString what = names.size() <= kNamesShown ? names.join(QStringLiteral(", "))
+                                                     : tr("%n asset(s)", nullptr, int(names.size()));
+    m_operations->Run(tr("Get Latest"), ChangelistWork::GetLatest(std::move(files), what));
+}
+
+std::vector<KELHandle<kel4::IDbObject>> MainWindow::assetsBehind() const
+{
+    std::vector<KELHandle<kel4::IDbObject>> behind;
+    for (int row = 0; row < m_model->rowCount(); ++row)
+        if (const AssetStatus* status = m_model->statusAt(row); status && status->behind)
+            behind.push_back(m_model->assetAt(row));
+    return behind;
 }
 
 void MainWindow::showFiles(bool inFileBrowser)

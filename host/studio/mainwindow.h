@@ -113,7 +113,10 @@ private:
     void markForAdd();
     void showFiles(bool inFileBrowser);
     void showSettings();
-    void getLatest();
+    // Brings the head revision of the assets' files and reads them again; assets with unsaved
+    // edits are left out and named.
+    void getLatest(const std::vector<KELHandle<kel4::IDbObject>>& assets);
+    std::vector<KELHandle<kel4::IDbObject>> assetsBehind() const;
 
     StudioSession& m_session;
     std::unique_ptr<AssetBrowserModel> m_model;

@@ -604,7 +604,7 @@ TEST(StudioTexts, StatusWordsAndFieldEditors)
 // moves another with the menu; Revert Unchanged reverts only the untouched one; Revert refuses an
 // asset with unsaved edits, and a cancelled Revert changes nothing; her submit (the dialog refuses
 // a blank description) reaches bob, whose sync through his own connection brings her file; an empty
-// changelist is described anew and deleted. Bob's next change reaches her by Get Latest, which
+// changelist is described anew and deleted. Bob's next changes reach her by Get Latest, which
 // reads the asset again from disk.
 TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
 {
@@ -705,28 +705,37 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     ASSERT_TRUE(synced.open(QIODevice::ReadOnly));
     EXPECT_TRUE(synced.readAll().contains("#ff8c42"));
 
-    // Bob's Rock reaches alice's browser and memory through Get Latest.
-    const std::string bobRock = depot->FolderPath("bob") + "/Rock.kel";
+    // Bob's Rock and Sun reach alice's browser and memory through Get Latest.
+    const auto bobChanges = [this](const char* asset, const QByteArray& from, const QByteArray& to) {
+        const std::string path = depot->FolderPath("bob") + "/" + asset + ".kel";
+        ASSERT_TRUE(depot->Bob().edit(depot->BobTicket(), {path}, "").ok());
+        QFile file(QString::fromStdString(path));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray text = file.readAll().replace(from, to);
+        file.close();
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(text);
+    };
+    bobChanges("Rock", "#7a746c", "#5a544c");
+    bobChanges("Sun", "#ffe8b0", "#ffd080");
     hbrc::depot::ChangelistId submitted;
-    ASSERT_TRUE(depot->Bob().edit(depot->BobTicket(), {bobRock}, "").ok());
-    QFile rock(QString::fromStdString(bobRock));
-    ASSERT_TRUE(rock.open(QIODevice::ReadOnly));
-    const QByteArray rockText = rock.readAll().replace("#7a746c", "#5a544c");
-    rock.close();
-    ASSERT_TRUE(rock.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    rock.write(rockText);
-    rock.close();
-    ASSERT_TRUE(depot->Bob().submit(depot->BobTicket(), "", "darker rock", submitted).ok());
+    ASSERT_TRUE(depot->Bob().submit(depot->BobTicket(), "", "darker rock, warmer sun", submitted).ok());
     select("Rock");
     EXPECT_FALSE(window->action(QStringLiteral("getLatest"))->isEnabled());
     window->refreshStatus();
     waitForOperations();
-    window->action(QStringLiteral("getLatest"))->updateEnabled();
-    ASSERT_TRUE(window->action(QStringLiteral("getLatest"))->isEnabled());
-    window->action(QStringLiteral("getLatest"))->trigger();
+    for (const char* name : {"getLatest", "getLatestAll"}) {
+        window->action(QString::fromLatin1(name))->updateEnabled();
+        ASSERT_TRUE(window->action(QString::fromLatin1(name))->isEnabled()) << name;
+    }
+    window->action(QStringLiteral("getLatestAll"))->trigger();
     waitForOperations();
     EXPECT_EQ(field("Rock", "colour"), "#5a544c");
+    EXPECT_EQ(field("Sun", "colour"), "#ffd080");
     EXPECT_EQ(status("Rock"), "up to date");
+    EXPECT_EQ(status("Sun"), "up to date");
+    window->action(QStringLiteral("getLatestAll"))->updateEnabled();
+    EXPECT_FALSE(window->action(QStringLiteral("getLatestAll"))->isEnabled());
 }
 
 // What submitting the checked files of a changelist does first: the unchecked files of a

@@ -555,12 +555,23 @@
         <translation>%1 wurde nicht neu gelesen: %2</translation>
     </message>
     <message>
-        <source>Get Latest refused: %1 has unsaved edits. Save or undo them first.</source>
-        <translation>Neueste Revision holen abgelehnt: %1 hat ungespeicherte Änderungen. Speichern Sie sie oder machen Sie sie zuerst rückgängig.</translation>
-    </message>
-    <message>
         <source>Get Latest</source>
         <translation>Neueste Revision holen</translation>
+    </message>
+    <message>
+        <source>Get Latest of A&amp;ll Assets</source>
+        <translation>Neueste Revision a&amp;ller Assets holen</translation>
+    </message>
+    <message>
+        <source>Not brought up to date because of unsaved edits: %1. Save or undo them first.</source>
+        <translation>Wegen ungespeicherter Änderungen nicht aktualisiert: %1. Speichern Sie sie oder machen Sie sie zuerst rückgängig.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n asset(s)</source>
+        <translation>
+            <numerusform>%n Asset</numerusform>
+            <numerusform>%n Assets</numerusform>
+        </translation>
     </message>
 </context>
 <context>
