@@ -8,15 +8,6 @@
 
 namespace hbrc::studio {
 
-namespace {
-
-QString fromStd(const std::string& text)
-{
-    return QString::fromStdString(text);
-}
-
-}  // namespace
-
 ChangelistWork::SubmitPlan ChangelistWork::PlanSubmit(const depot::PendingChangelist& pending, const Files& checked)
 {
     SubmitPlan plan;
@@ -50,7 +41,7 @@ RevisionOperations::Work ChangelistWork::Submit(SubmitPlan plan, std::string des
         if (result.ok())
             result = server.submit(ticket, changelist, description, submitted);
         if (result.ok())
-            outcome.done = tr("Submitted change %1 (%n file(s))", nullptr, int(plan.fileCount)).arg(fromStd(submitted));
+            outcome.done = tr("Submitted change %1 (%n file(s))", nullptr, int(plan.fileCount)).arg(QString::fromStdString(submitted));
         return result;
     };
 }
@@ -62,7 +53,7 @@ RevisionOperations::Work ChangelistWork::Reopen(Files files, std::string changel
         const depot::Result result = server.reopen(ticket, files, changelist);
         outcome.done = changelist.empty()
                            ? tr("Moved %n file(s) to the default changelist", nullptr, int(files.size()))
-                           : tr("Moved %n file(s) to change %1", nullptr, int(files.size())).arg(fromStd(changelist));
+                           : tr("Moved %n file(s) to change %1", nullptr, int(files.size())).arg(QString::fromStdString(changelist));
         return result;
     };
 }
@@ -75,7 +66,7 @@ RevisionOperations::Work ChangelistWork::NewChangelist(std::string description, 
         depot::Result result = server.createChangelist(ticket, description, created);
         if (result.ok() && !files.empty())
             result = server.reopen(ticket, files, created);
-        outcome.done = tr("Created change %1 with %n file(s)", nullptr, int(files.size())).arg(fromStd(created));
+        outcome.done = tr("Created change %1 with %n file(s)", nullptr, int(files.size())).arg(QString::fromStdString(created));
         return result;
     };
 }
@@ -84,7 +75,7 @@ RevisionOperations::Work ChangelistWork::DeleteChangelist(std::string changelist
 {
     return [changelist = std::move(changelist)](host::RevisionServer& server, const std::string& ticket,
                                                 OperationOutcome& outcome) {
-        outcome.done = tr("Deleted change %1").arg(fromStd(changelist));
+        outcome.done = tr("Deleted change %1").arg(QString::fromStdString(changelist));
         return server.deleteChangelist(ticket, changelist);
     };
 }
@@ -93,7 +84,7 @@ RevisionOperations::Work ChangelistWork::SetDescription(std::string changelist, 
 {
     return [changelist = std::move(changelist), description = std::move(description)](
                host::RevisionServer& server, const std::string& ticket, OperationOutcome& outcome) {
-        outcome.done = tr("Changed the description of change %1").arg(fromStd(changelist));
+        outcome.done = tr("Changed the description of change %1").arg(QString::fromStdString(changelist));
         return server.setDescription(ticket, changelist, description);
     };
 }
@@ -117,7 +108,7 @@ RevisionOperations::Work ChangelistWork::RevertUnchanged(Files files)
         const depot::Result result = server.revertUnchanged(ticket, files, reverted);
         QStringList names;
         for (const std::string& name : reverted)
-            names << fromStd(name);
+            names << QString::fromStdString(name);
         outcome.done = reverted.empty() ? tr("No unchanged file to revert")
                                         : tr("Reverted %n unchanged file(s): %1", nullptr, int(reverted.size()))
                                               .arg(names.join(QStringLiteral(", ")));

@@ -8,11 +8,6 @@ namespace hbrc::studio {
 
 namespace {
 
-QString fromStd(const std::string& text)
-{
-    return QString::fromStdString(text);
-}
-
 QStandardItem* readOnlyItem(const QString& text)
 {
     auto* item = new QStandardItem(text);
@@ -36,18 +31,18 @@ void PendingChangesModel::setPending(std::vector<depot::PendingChangelist> pendi
     const QDir folder(root);
     for (const depot::PendingChangelist& list : m_pending) {
         const std::string& id = list.changelist.id;
-        const QString description = fromStd(list.changelist.description).section(QLatin1Char('\n'), 0, 0);
+        const QString description = QString::fromStdString(list.changelist.description).section(QLatin1Char('\n'), 0, 0);
         QStandardItem* changelist =
-            readOnlyItem(id.empty() ? tr("Default") : tr("Change %1: %2").arg(fromStd(id), description));
-        changelist->setData(fromStd(id), ChangelistRole);
-        changelist->setToolTip(fromStd(list.changelist.description));
+            readOnlyItem(id.empty() ? tr("Default") : tr("Change %1: %2").arg(QString::fromStdString(id), description));
+        changelist->setData(QString::fromStdString(id), ChangelistRole);
+        changelist->setToolTip(QString::fromStdString(list.changelist.description));
         changelist->setFlags(changelist->flags() | Qt::ItemIsUserCheckable);
         for (const depot::OpenedFile& file : list.files) {
-            const QString path = fromStd(file.localPath);
+            const QString path = QString::fromStdString(file.localPath);
             QStandardItem* name = readOnlyItem(root.isEmpty() ? path : folder.relativeFilePath(path));
-            name->setData(fromStd(id), ChangelistRole);
+            name->setData(QString::fromStdString(id), ChangelistRole);
             name->setData(path, PathRole);
-            name->setToolTip(fromStd(file.depotPath));
+            name->setToolTip(QString::fromStdString(file.depotPath));
             name->setFlags(name->flags() | Qt::ItemIsUserCheckable);
             name->setCheckState(m_checked.count(file.localPath) ? Qt::Checked : Qt::Unchecked);
             const auto asset = assetOfPath.find(file.localPath);

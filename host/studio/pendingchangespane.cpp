@@ -24,15 +24,6 @@
 
 namespace hbrc::studio {
 
-namespace {
-
-QString fromStd(const std::string& text)
-{
-    return QString::fromStdString(text);
-}
-
-}  // namespace
-
 PendingChangesPane::PendingChangesPane(RevisionOperations& operations, QWidget* parent)
     : QDockWidget(tr("Pending Changes"), parent), m_operations(operations)
 {
@@ -183,7 +174,7 @@ void PendingChangesPane::takeOutcome(const OperationOutcome& outcome)
     auto owner = owners.begin();
     for (std::size_t i = 0; i < paths.size() && owner != owners.end(); ++i, ++owner)
         if (!owner->IsNull())
-            assets[paths[i]] = fromStd(owner->GetName());
+            assets[paths[i]] = QString::fromStdString(owner->GetName());
     m_model.setPending(outcome.pending, m_workspace->Root(), assets);
     m_view->expandAll();
     if (const QModelIndex changelist = m_model.changelistIndex(current); hadCurrent && changelist.isValid())
@@ -211,8 +202,8 @@ QStringList PendingChangesPane::unsavedAssets(const std::vector<std::string>& fi
     QStringList names;
     const host::DataModelMgr& data = m_workspace->Model();
     for (const KELHandle<kel4::IAsset>& asset : data.AssetsOwningFiles({files.begin(), files.end()})) {
-        if (!asset.IsNull() && data.IsDirty(asset) && !names.contains(fromStd(asset.GetName())))
-            names << fromStd(asset.GetName());
+        if (!asset.IsNull() && data.IsDirty(asset) && !names.contains(QString::fromStdString(asset.GetName())))
+            names << QString::fromStdString(asset.GetName());
     }
     return names;
 }
@@ -243,7 +234,7 @@ void PendingChangesPane::submit()
         return;
     }
     const QString description = DescriptionDialog::ask(this, tr("Submit"), tr("Describe the change:"),
-                                                       fromStd(list->changelist.description));
+                                                       QString::fromStdString(list->changelist.description));
     if (description.isEmpty())
         return;
     m_operations.Run(tr("Submit"), ChangelistWork::Submit(ChangelistWork::PlanSubmit(*list, checked),
@@ -287,7 +278,7 @@ void PendingChangesPane::editDescription()
     if (!list || list->changelist.id.empty())
         return;
     const QString description = DescriptionDialog::ask(this, tr("Edit Description"), tr("Description:"),
-                                                       fromStd(list->changelist.description));
+                                                       QString::fromStdString(list->changelist.description));
     if (!description.isEmpty())
         m_operations.Run(tr("Edit Description"),
                          ChangelistWork::SetDescription(list->changelist.id, description.toStdString()));
@@ -307,7 +298,7 @@ void PendingChangesPane::fillMoveMenu(QMenu& menu)
         if (from.size() == 1 && from.count(id))
             continue;
         QAction* move = menu.addAction(changelist.data().toString());
-        move->setObjectName(QStringLiteral("moveTo-%1").arg(id.empty() ? QStringLiteral("default") : fromStd(id)));
+        move->setObjectName(QStringLiteral("moveTo-%1").arg(id.empty() ? QStringLiteral("default") : QString::fromStdString(id)));
         connect(move, &QAction::triggered, this, [this, files, id] { moveFiles(files, id); });
     }
     menu.addSeparator();

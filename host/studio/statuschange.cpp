@@ -8,11 +8,6 @@ namespace hbrc::studio {
 
 namespace {
 
-QString fromStd(const std::string& text)
-{
-    return QString::fromStdString(text);
-}
-
 const depot::FileHolder* findHold(const std::vector<depot::FileHolder>& holds, const depot::FileHolder& hold)
 {
     const auto found = std::find_if(holds.begin(), holds.end(), [&hold](const depot::FileHolder& other) {
@@ -26,7 +21,7 @@ const depot::FileHolder* findHold(const std::vector<depot::FileHolder>& holds, c
 QString StatusChange::purpose(const depot::FileHolder& hold)
 {
     const QString changelist =
-        hold.changelist.empty() ? tr("the default changelist") : tr("changelist %1").arg(fromStd(hold.changelist));
+        hold.changelist.empty() ? tr("the default changelist") : tr("changelist %1").arg(QString::fromStdString(hold.changelist));
     switch (hold.action) {
     case depot::FileAction::Add: return tr("for add in %1").arg(changelist);
     case depot::FileAction::Delete: return tr("for delete in %1").arg(changelist);
@@ -37,7 +32,7 @@ QString StatusChange::purpose(const depot::FileHolder& hold)
 
 QString StatusChange::describeHold(const depot::FileHolder& hold)
 {
-    const QString text = tr("%1 (%2): open %3").arg(fromStd(hold.user), fromStd(hold.workspace), purpose(hold));
+    const QString text = tr("%1 (%2): open %3").arg(QString::fromStdString(hold.user), QString::fromStdString(hold.workspace), purpose(hold));
     return hold.locked ? tr("%1, locked").arg(text) : text;
 }
 
@@ -45,7 +40,7 @@ QString StatusChange::describe(const QString& asset, const AssetStatus& before, 
 {
     QStringList changes;
     for (const depot::FileHolder& hold : after.heldBy) {
-        const QString user = fromStd(hold.user);
+        const QString user = QString::fromStdString(hold.user);
         const depot::FileHolder* was = findHold(before.heldBy, hold);
         if (!was || was->action != hold.action || was->changelist != hold.changelist)
             changes << tr("%1 opened it %2").arg(user, purpose(hold));
@@ -56,7 +51,7 @@ QString StatusChange::describe(const QString& asset, const AssetStatus& before, 
     }
     for (const depot::FileHolder& hold : before.heldBy)
         if (!findHold(after.heldBy, hold))
-            changes << tr("%1 no longer holds it").arg(fromStd(hold.user));
+            changes << tr("%1 no longer holds it").arg(QString::fromStdString(hold.user));
     if (after.headRevision > before.headRevision && after.behind)
         changes << tr("revision #%1 is on the server (you have #%2)").arg(after.headRevision).arg(after.haveRevision);
     changes.removeDuplicates();  // the holds of an asset's several files
