@@ -3,7 +3,11 @@
 bash (-e, -u, pipefail) in a new empty folder that is also its HOME, with the built programs first
 on PATH and no HBDEPOT* variables set. A block whose first line is
     # readme-test: skip (REASON)
-is reported and not run (the README's own build and install commands, which need root)."""
+is reported and not run (the README's own build and install commands, which need root, and
+commands that open a window). A block whose first line is
+    # readme-test: continues
+is pasted into the same shell as the block of its file that ran before it: it sees that block's
+folder, current folder and variables, as a user who follows the README in one terminal does."""
 
 import os
 import pathlib
@@ -13,6 +17,9 @@ import sys
 import tempfile
 
 SKIP = re.compile(r"^# readme-test: skip \((.+)\)$")
+CONTINUES = "# readme-test: continues"
+# Printed by the shell before each block of a chain, so that a failure is put down to its block.
+STARTS = "readme-test-block-starts "
 
 
 def blocks(markdown):
@@ -32,31 +39,61 @@ def blocks(markdown):
     return found
 
 
+def chains(name):
+    """The blocks of one file to run, grouped into the ones that share a shell: lists of (where, text).
+    Prints the skipped ones; returns their number too."""
+    grouped, skipped = [], 0
+    for line, text in blocks(pathlib.Path(name)):
+        where = f"{name}:{line}"
+        first = text.splitlines()[0] if text.strip() else ""
+        skip = SKIP.match(first)
+        if skip:
+            print(f"SKIP {where}: {skip.group(1)}")
+            skipped += 1
+        elif first == CONTINUES and grouped:
+            grouped[-1].append((where, text))
+        else:
+            grouped.append([(where, text)])
+    return grouped, skipped
+
+
+def run_chain(chain, bin_dir):
+    """Runs the blocks of a chain in one shell; returns (passed, failed)."""
+    script = "".join(f"printf '%s\\n' '{STARTS}{index}'\n{text}" for index, (_, text) in enumerate(chain))
+    with tempfile.TemporaryDirectory(prefix="readme-block-") as folder:
+        env = {k: v for k, v in os.environ.items() if not k.startswith("HBDEPOT")}
+        env.update(HOME=folder, PATH=bin_dir + os.pathsep + env.get("PATH", ""))
+        run = subprocess.run(["bash", "-euo", "pipefail", "-c", script], cwd=folder, env=env,
+                             stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=300)
+    started = [int(line[len(STARTS):]) for line in run.stdout.splitlines() if line.startswith(STARTS)]
+    reached = started[-1] if started else 0
+    passed = failed = 0
+    for index, (where, text) in enumerate(chain):
+        if run.returncode == 0 or index < reached:
+            print(f"PASS {where}")
+            passed += 1
+        elif index == reached:
+            print(f"FAIL {where} (exit {run.returncode})\n--- block\n{text}--- output\n{run.stdout}"
+                  f"--- errors\n{run.stderr}")
+            failed += 1
+        else:
+            print(f"FAIL {where}: not run, the block it continues failed")
+            failed += 1
+    return passed, failed
+
+
 def main():
     if len(sys.argv) < 3:
         sys.exit("usage: run_readme_blocks.py BIN_DIR FILE.md...")
     bin_dir = os.path.abspath(sys.argv[1])
     failed = passed = skipped = 0
     for name in sys.argv[2:]:
-        for line, text in blocks(pathlib.Path(name)):
-            where = f"{name}:{line}"
-            skip = SKIP.match(text.splitlines()[0]) if text.strip() else None
-            if skip:
-                print(f"SKIP {where}: {skip.group(1)}")
-                skipped += 1
-                continue
-            with tempfile.TemporaryDirectory(prefix="readme-block-") as folder:
-                env = {k: v for k, v in os.environ.items() if not k.startswith("HBDEPOT")}
-                env.update(HOME=folder, PATH=bin_dir + os.pathsep + env.get("PATH", ""))
-                run = subprocess.run(["bash", "-euo", "pipefail", "-c", text], cwd=folder, env=env,
-                                     stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=300)
-            if run.returncode == 0:
-                print(f"PASS {where}")
-                passed += 1
-            else:
-                print(f"FAIL {where} (exit {run.returncode})\n--- block\n{text}--- output\n{run.stdout}"
-                      f"--- errors\n{run.stderr}")
-                failed += 1
+        grouped, skipped_here = chains(name)
+        skipped += skipped_here
+        for chain in grouped:
+            chain_passed, chain_failed = run_chain(chain, bin_dir)
+            passed += chain_passed
+            failed += chain_failed
     print(f"{passed} passed, {failed} failed, {skipped} skipped")
     return 1 if failed or not passed else 0
 
