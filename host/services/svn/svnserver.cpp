@@ -276,7 +276,7 @@ Result SvnServer::login(const std::string& user, const std::string& password, co
     if (Result reached = call.ask(err); !reached.ok())
         return reached;
 
-    const char* root = session->workingCopy.c_str();
+    const char* root = nullptr;
     svn_error_t* notWorkingCopy = svn_client_get_wc_root(&root, session->workingCopy.c_str(), call.context(),
                                                           call.pool(), call.pool());
     if (notWorkingCopy) {
