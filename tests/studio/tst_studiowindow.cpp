@@ -30,6 +30,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDropEvent>
 #include <QMenu>
@@ -243,8 +244,7 @@ TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedChecksOutSkyUndoesAndSaves)
     EXPECT_EQ(colourShown(), "#7a746c");
     EXPECT_EQ(field("Rock", "colour"), "#7a746c");
     EXPECT_TRUE(window->statusBar()->currentMessage().startsWith("Refused: colour of Rock"));
-    const nrk::fwk::ICommand* lastStep = session->Host().Commands().GetUndoCommand();
-    EXPECT_TRUE(!lastStep || std::string(lastStep->GetCommandIdentifier()) != "editAssetField");
+    EXPECT_FALSE(session->Host().Commands().CanUndo()) << "a refused edit leaves no step, nor does its check-out";
 
     select("Sky");
     typeColour(QStringLiteral("#ff8c42"));
@@ -255,14 +255,24 @@ TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedChecksOutSkyUndoesAndSaves)
         << "the refusal of Rock is no longer news";
     EXPECT_EQ(window->action(QStringLiteral("undo"))->text(), "&Undo Edit colour of Sky");
 
-    // Back in the browser (in the colour field, Ctrl+Z would undo its text).
+    // Back in the browser (in the colour field, Ctrl+Z would undo its text). Undo hands the
+    // check-out back: nothing is left to save, the file is read-only and no longer opened.
     activate();
     window->browser().view()->setFocus();
     QTest::keySequence(window.get(), QKeySequence::Undo);
-    EXPECT_EQ(field("Sky", "colour"), "#6fa8dc");
     EXPECT_EQ(colourShown(), "#6fa8dc");
+    waitForOperations();
+    EXPECT_TRUE(logged(QStringLiteral("Reverted the check-out of Sky (unchanged)")));
+    EXPECT_EQ(status("Sky"), "up to date");
+    EXPECT_FALSE(session->CurrentWorkspace()->HasUnsavedChanges());
+    const QString sky = depot->Folder("alice") + QStringLiteral("/Sky.kel");
+    EXPECT_FALSE(QFileInfo(sky).permissions() & QFile::WriteOwner);
+    EXPECT_EQ(window->action(QStringLiteral("redo"))->text(), "&Redo Edit colour of Sky");
     QTest::keySequence(window.get(), QKeySequence::Redo);
     EXPECT_EQ(colourShown(), "#ff8c42");
+    waitForStatus();
+    EXPECT_EQ(status("Sky"), "checked out");
+    EXPECT_TRUE(QFileInfo(sky).permissions() & QFile::WriteOwner);
 
     QTest::keySequence(window.get(), QKeySequence::Save);
     EXPECT_FALSE(session->CurrentWorkspace()->HasUnsavedChanges());
@@ -311,6 +321,41 @@ TEST_F(StudioWindow, SearchSettingsAndQuitAskAsAUserExpects)
     EXPECT_FALSE(window->close());
     driver.expectMessageBox(QStringLiteral("Unsaved Edits"), QMessageBox::Discard);
     EXPECT_TRUE(window->close());
+}
+
+// Every choice of "When editing a read-only asset" is the one stored and shown when Settings opens
+// again, and it is applied: with "Ask", the next edit of a read-only asset brings the Check Out
+// dialog (cancelled here: the edit is refused and leaves no step).
+TEST_F(StudioWindow, TheReadOnlyActionChosenInSettingsIsStoredShownAndApplied)
+{
+    using Settings = IRevisionControlPropertiesMgr;
+    Settings::ActionWhenEditingReadOnlyAsset stored = Settings::eActionCheckOut;
+    ASSERT_TRUE(session->Settings()->GetActionWhenEditingReadOnlyAsset(stored));
+    for (const Settings::ActionWhenEditingReadOnlyAsset choice : {Settings::eActionNone, Settings::eActionMakeWritable,
+                                                                  Settings::eActionCheckOut, Settings::eActionPrompt}) {
+        int shown = -1;
+        driver.expect(QStringLiteral("settings"), [&](QWidget* dialog) {
+            auto* action = dialog->findChild<QComboBox*>(QStringLiteral("action"));
+            ASSERT_NE(action, nullptr);
+            shown = action->currentIndex();
+            action->setCurrentIndex(choice);
+            QTest::keyClick(action, Qt::Key_Return);
+        });
+        window->action(QStringLiteral("settings"))->trigger();
+        EXPECT_EQ(shown, stored) << "Settings shows what was stored";
+        ASSERT_TRUE(session->Settings()->GetActionWhenEditingReadOnlyAsset(stored));
+        EXPECT_EQ(stored, choice);
+    }
+    select("Sky");
+    driver.expect(QStringLiteral("Check Out"), [](QWidget* dialog) {
+        EXPECT_EQ(dialog->windowTitle(), "Check Out");
+        for (QPushButton* button : dialog->findChildren<QPushButton*>())
+            if (button->text().remove(QLatin1Char('&')) == QLatin1String("Cancel"))
+                button->click();
+    });
+    typeColour(QStringLiteral("#ff8c42"));
+    EXPECT_EQ(field("Sky", "colour"), "#6fa8dc");
+    EXPECT_FALSE(session->Host().Commands().CanUndo());
 }
 
 // Rename (F2) asks for the name through a dialog and is an undoable edit; Delete asks first;
@@ -645,14 +690,20 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     moveToWarmer->trigger();
     waitForOperations();
     EXPECT_EQ(pendingAssets(warmer), (QStringList{"Sky", "Snow"}));
-    EXPECT_EQ(pendingAssets(""), QStringList{});
 
+    // Leaf's unsaved edit keeps its unchanged file opened; Snow's is reverted.
+    select("Leaf");
+    typeColour(QStringLiteral("#3a7a2a"));
+    waitForOperations();
     window->pendingChanges().action(QStringLiteral("revertUnchanged"))->trigger();
     waitForOperations();
     EXPECT_EQ(pendingAssets(warmer), QStringList{"Sky"});
+    EXPECT_EQ(pendingAssets(""), QStringList{"Leaf"});
+    EXPECT_TRUE(logged(QStringLiteral("Not reverted: Leaf has unsaved edits. Save or undo them first.")));
     EXPECT_TRUE(window->statusBar()->currentMessage().startsWith("Reverted 1 unchanged file(s): //depot/"))
         << window->statusBar()->currentMessage().toStdString();
     EXPECT_FALSE(QFileInfo(depot->Folder("alice") + "/Snow.kel").permissions() & QFile::WriteOwner);
+    EXPECT_TRUE(QFileInfo(depot->Folder("alice") + "/Leaf.kel").permissions() & QFile::WriteOwner);
     EXPECT_EQ(status("Snow"), "up to date");
 
     ASSERT_TRUE(pending().setData(pending().changelistIndex(warmer), Qt::Checked, Qt::CheckStateRole));
