@@ -188,10 +188,16 @@ protected:
             index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     }
     // Expects the description dialog: proves that OK refuses a blank text, then enters text.
-    void expectDescription(const QString& title, const QString& offered, const QString& text)
+    void expectDescription(const QString& title, const QString& offered, const QString& text,
+                           const QStringList& files = {})
     {
         driver.expect(title, [=](QWidget* dialog) {
             EXPECT_EQ(dialog->windowTitle(), title);
+            QStringList listed;
+            if (auto* list = dialog->findChild<QListWidget*>(QStringLiteral("files")))
+                for (int row = 0; row < list->count(); ++row)
+                    listed << list->item(row)->text();
+            EXPECT_EQ(listed, files);
             auto* edit = dialog->findChild<QPlainTextEdit*>(QStringLiteral("description"));
             QPushButton* ok = dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
             ASSERT_TRUE(edit && ok);
@@ -299,8 +305,13 @@ TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedChecksOutSkyUndoesAndSaves)
 // dialog through the settings' change signal; leaving with unsaved edits asks first.
 TEST_F(StudioWindow, SearchSettingsAndQuitAskAsAUserExpects)
 {
-    QTest::keyClicks(window->browser().searchField(), QStringLiteral("rock"));
+    QTest::keySequence(window.get(), QKeySequence::Find);
+    ASSERT_TRUE(window->browser().searchField()->hasFocus());
+    QTest::keyClicks(window->browser().searchField(), QStringLiteral("curve"));
     QAbstractItemModel* shown = window->browser().view()->model();
+    EXPECT_EQ(shown->rowCount(), 3) << "the type column is searched too";
+    window->browser().searchField()->clear();
+    QTest::keyClicks(window->browser().searchField(), QStringLiteral("rock"));
     ASSERT_EQ(shown->rowCount(), 2);  // Rock, RockAlbedo
     QTest::keyClick(window->browser().view(), Qt::Key_Down);
     EXPECT_EQ(window->propertyPane().asset().GetName(), "Rock");
@@ -316,7 +327,15 @@ TEST_F(StudioWindow, SearchSettingsAndQuitAskAsAUserExpects)
     const QList<QLabel*> labels = window->statusBar()->findChildren<QLabel*>();
     EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](QLabel* l) { return l->text() == "User: carol"; }));
 
-    ASSERT_TRUE(window->newAsset(QStringLiteral("Meadow")));
+    // New Asset from the keyboard: a name, the second kind, Return.
+    driver.expect(QStringLiteral("new asset"), [](QWidget* dialog) {
+        QTest::keyClicks(dialog->findChild<QLineEdit*>(QStringLiteral("name")), QStringLiteral("Dusk"));
+        QTest::keyClick(dialog->findChild<QComboBox*>(QStringLiteral("kind")), Qt::Key_Down);
+        QTest::keyClick(dialog->findChild<QLineEdit*>(QStringLiteral("name")), Qt::Key_Return);
+    });
+    activate();
+    QTest::keySequence(window.get(), QKeySequence::New);
+    EXPECT_EQ(cell("Dusk", AssetBrowserModel::TypeColumn), "Curve");
     driver.expectMessageBox(QStringLiteral("Unsaved Edits"), QMessageBox::Cancel);
     EXPECT_FALSE(window->close());
     driver.expectMessageBox(QStringLiteral("Unsaved Edits"), QMessageBox::Discard);
@@ -728,7 +747,8 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     EXPECT_EQ(field("Sky", "colour"), "#ff8c42");
 
     selectPending(pending().changelistIndex(warmer));
-    expectDescription(QStringLiteral("Submit"), QStringLiteral("Warmer sky"), QStringLiteral("Warmer sky at dusk"));
+    expectDescription(QStringLiteral("Submit"), QStringLiteral("Warmer sky"), QStringLiteral("Warmer sky at dusk"),
+                      {QStringLiteral("Sky.kel")});
     window->pendingChanges().action(QStringLiteral("submit"))->trigger();
     waitForOperations();
     EXPECT_TRUE(window->statusBar()->currentMessage().contains(QRegularExpression("^Submitted change \\d+ \\(1 file\\(s\\)\\)$")))
