@@ -20,8 +20,12 @@ bool CommandManager::Run(const KELPtr<ICommand>& command, bool record, Commands&
     --m_depth;
     recorded.swap(m_nested);
     m_nested.swap(outer);
+    // What a command ran belongs to its step: a command that failed or stays out of the history
+    // takes the commands it ran with it.
     if (ran && record)
         recorded.push_back(command);
+    else
+        recorded.clear();
     return ran;
 }
 
@@ -48,12 +52,9 @@ bool CommandManager::ExecuteCommand(ICommand* command, bool undoable)
         return false;
     const KELPtr<ICommand> held(command);
     Step step;
-    const bool record = undoable && !command->IsTransient();
-    const bool ran = Run(held, record, step.commands);
-    if (ran && record)
+    const bool ran = Run(held, undoable && !command->IsTransient(), step.commands);
+    if (!step.commands.empty())
         step.roots = {held};
-    else
-        step.roots = step.commands;
     Record(std::move(step));
     return ran;
 }
@@ -92,8 +93,12 @@ bool CommandManager::Redo()
 
 const ICommand* CommandManager::GetUndoCommand() const
 {
-    return m_undo.empty() ? nullptr : m_undo.back().roots.empty() ? m_undo.back().commands.back().Get()
-                                                                  : m_undo.back().roots.back().Get();
+    return m_undo.empty() ? nullptr : m_undo.back().roots.back().Get();
+}
+
+const ICommand* CommandManager::GetRedoCommand() const
+{
+    return m_redo.empty() ? nullptr : m_redo.back().roots.back().Get();
 }
 
 void CommandManager::Clear()

@@ -6,7 +6,9 @@
 #include <qtextention/lmrqlivesearchwidget.h>
 
 #include <QHeaderView>
+#include <QMenu>
 #include <QSortFilterProxyModel>
+#include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -23,6 +25,10 @@ AssetBrowser::AssetBrowser(AssetBrowserModel& model, QWidget* parent) : QWidget(
     m_search->setPlaceholderText(tr("Search assets"));
     m_search->setSourceModel(m_proxy);
     m_search->setAutoFilter();
+    // Every column is searched unless the user picks one: "All" is the first choice of the field's menu.
+    if (auto* choices = m_search->findChild<QToolButton*>(QStringLiteral("searchButton"))->menu();
+        choices && !choices->isEmpty())
+        choices->actions().constFirst()->trigger();
     m_view = new QTreeView(this);
     m_view->setObjectName(QStringLiteral("assetView"));
     m_view->setModel(m_proxy);
@@ -46,6 +52,24 @@ AssetBrowser::AssetBrowser(AssetBrowserModel& model, QWidget* parent) : QWidget(
     connect(m_view->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             &AssetBrowser::currentAssetChanged);
     connect(m_proxy, &QAbstractItemModel::modelReset, this, &AssetBrowser::currentAssetChanged);
+    connect(&m_model, &AssetBrowserModel::statusRefreshed, this, &AssetBrowser::widenStatusColumn);
+}
+
+void AssetBrowser::focusSearch()
+{
+    m_search->setFocus(Qt::ShortcutFocusReason);
+    m_search->selectAll();
+}
+
+// The badges of the rows in view fit; a column the user made wider stays so.
+void AssetBrowser::widenStatusColumn()
+{
+    QHeaderView* header = m_view->header();
+    // QTreeView keeps its override protected; through the base it is public: the rows in view.
+    const auto* view = static_cast<const QAbstractItemView*>(m_view);
+    const int wanted = view->sizeHintForColumn(AssetBrowserModel::StatusColumn);
+    if (wanted > header->sectionSize(AssetBrowserModel::StatusColumn))
+        header->resizeSection(AssetBrowserModel::StatusColumn, wanted);
 }
 
 KELHandle<kel4::IDbObject> AssetBrowser::currentAsset() const

@@ -12,7 +12,8 @@ namespace hbrc::studio {
 
 class AssetBrowserModel;
 
-// The asset browser pane: the live search field over a sorted, filtered view of the assets.
+// The asset browser pane: the live search field (all columns unless the user picks one) over a
+// sorted, filtered view of the assets.
 // The current row is the selected asset that the other panes follow.
 class AssetBrowser : public QWidget
 {
@@ -25,11 +26,15 @@ public:
 
     QTreeView* view() const { return m_view; }
     LMRQLiveSearchWidget* searchField() const { return m_search; }
+    // Puts the keyboard in the search field, its text selected.
+    void focusSearch();
 
 signals:
     void currentAssetChanged();
 
 private:
+    void widenStatusColumn();
+
     AssetBrowserModel& m_model;
     QSortFilterProxyModel* m_proxy = nullptr;
     LMRQLiveSearchWidget* m_search = nullptr;

@@ -116,6 +116,18 @@ RevisionOperations::Work ChangelistWork::RevertUnchanged(Files files)
     };
 }
 
+RevisionOperations::Work ChangelistWork::RevertUnchangedCheckOut(Files files, QString asset)
+{
+    return [files = std::move(files), asset = std::move(asset)](host::RevisionServer& server,
+                                                                 const std::string& ticket, OperationOutcome& outcome) {
+        std::vector<std::string> reverted;
+        const depot::Result result = server.revertUnchanged(ticket, files, reverted);
+        outcome.done = reverted.empty() ? tr("Kept the check-out of %1: its file differs from your revision").arg(asset)
+                                        : tr("Reverted the check-out of %1 (unchanged)").arg(asset);
+        return result;
+    };
+}
+
 RevisionOperations::Work ChangelistWork::GetLatest(Files files, QString names)
 {
     return [files = std::move(files), names = std::move(names)](host::RevisionServer& server,

@@ -39,6 +39,9 @@ public:
     static RevisionOperations::Work Revert(Files files);
     // files empty: every open file. The log names the reverted files by their depot paths.
     static RevisionOperations::Work RevertUnchanged(Files files);
+    // Reverts the check-out of an asset's files when they are unchanged from the revision the user
+    // has, and says which it was.
+    static RevisionOperations::Work RevertUnchangedCheckOut(Files files, QString asset);
     // Brings the head revision of files into the workspace.
     static RevisionOperations::Work GetLatest(Files files, QString names);
 };

@@ -2,6 +2,7 @@
 
 #include <QDialogButtonBox>
 #include <QLabel>
+#include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QShortcut>
@@ -10,7 +11,7 @@
 namespace hbrc::studio {
 
 DescriptionDialog::DescriptionDialog(const QString& title, const QString& prompt, const QString& description,
-                                     QWidget* parent)
+                                     const QStringList& files, QWidget* parent)
     : QDialog(parent)
 {
     setObjectName(QStringLiteral("descriptionDialog"));
@@ -26,6 +27,15 @@ DescriptionDialog::DescriptionDialog(const QString& title, const QString& prompt
         button->setFocusPolicy(Qt::StrongFocus);  // the dark styles leave buttons out of the Tab chain
     layout->addWidget(label);
     layout->addWidget(m_text);
+    if (!files.isEmpty()) {
+        auto* list = new QListWidget(this);
+        list->setObjectName(QStringLiteral("files"));
+        list->addItems(files);
+        auto* listLabel = new QLabel(tr("%n file(s):", nullptr, int(files.size())), this);
+        listLabel->setBuddy(list);
+        layout->addWidget(listLabel);
+        layout->addWidget(list);
+    }
     layout->addWidget(m_buttons);
     connect(m_buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(m_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -39,7 +49,7 @@ DescriptionDialog::DescriptionDialog(const QString& title, const QString& prompt
     });
     m_text->selectAll();
     m_text->setFocus();
-    resize(420, 220);
+    resize(420, files.isEmpty() ? 220 : 340);
 }
 
 QString DescriptionDialog::description() const
@@ -48,9 +58,9 @@ QString DescriptionDialog::description() const
 }
 
 QString DescriptionDialog::ask(QWidget* parent, const QString& title, const QString& prompt,
-                               const QString& description)
+                               const QString& description, const QStringList& files)
 {
-    DescriptionDialog dialog(title, prompt, description, parent);
+    DescriptionDialog dialog(title, prompt, description, files, parent);
     return dialog.exec() == QDialog::Accepted ? dialog.description() : QString();
 }
 

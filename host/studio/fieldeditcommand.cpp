@@ -6,7 +6,7 @@ namespace hbrc::studio {
 
 FieldEditCommand::FieldEditCommand(host::Workspace& workspace, KELHandle<kel4::IDbObject> asset, std::string field,
                                    std::string oldValue, std::string newValue)
-    : CBaseCommand("Edit " + field + " of " + asset.GetName()), m_workspace(workspace), m_asset(std::move(asset)),
+    : m_workspace(workspace), m_asset(std::move(asset)),
       m_field(std::move(field)), m_oldValue(std::move(oldValue)), m_newValue(std::move(newValue))
 {
     AddParam(nrk::fwk::StringParam("field", m_field));

@@ -11,8 +11,8 @@ class Workspace;
 
 namespace hbrc::studio {
 
-// One edit of an asset's field (or of its name, the field "name") as an undo step of the host's
-// command manager: DoAction sets the new value, UndoAction puts the old one back.
+// One edit of an asset's field (or of its name, the field "name"), the edit of an EditStepCommand:
+// DoAction sets the new value, UndoAction puts the old one back.
 class FieldEditCommand final : public nrk::fwk::CBaseCommand
 {
 public:

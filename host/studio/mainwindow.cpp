@@ -4,14 +4,18 @@
 #include "assetbrowsermodel.h"
 #include "changelistwork.h"
 #include "demodepot.h"
+#include "editstepcommand.h"
 #include "fieldeditcommand.h"
 #include "logdock.h"
+#include "newassetdialog.h"
+#include "outsidehistory.h"
 #include "pendingchangespane.h"
 #include "propertypane.h"
 #include "revisionoperations.h"
 #include "settingsdialog.h"
 #include "startpage.h"
 #include "studiosession.h"
+#include "unsavededits.h"
 
 #include <hbrcdatamodel/workspace.h>
 #include <hbrcservices/userparameters.h>
@@ -83,6 +87,7 @@ MainWindow::MainWindow(StudioSession& session, QWidget* parent)
     resizeDocks({m_pending}, {360}, Qt::Horizontal);
     connect(m_pending, &PendingChangesPane::message, this, &MainWindow::log);
     connect(m_operations.get(), &RevisionOperations::finished, this, &MainWindow::afterOperation);
+    connect(m_operations.get(), &RevisionOperations::workingChanged, this, &MainWindow::updateActions);
 
     for (QLabel** label : {&m_serverLabel, &m_userLabel, &m_workspaceLabel, &m_sessionLabel}) {
         *label = new QLabel(this);
@@ -161,8 +166,12 @@ void MainWindow::buildMenus()
     QMenu* edit = menuBar()->addMenu(tr("&Edit"));
     addAction(edit, "undo", tr("&Undo"), [this] { undo(); }, [this] { return m_session.Host().Commands().CanUndo(); })
         ->setShortcut(QKeySequence::Undo);
-    addAction(edit, "redo", tr("&Redo"), [this] { redo(); }, [this] { return m_session.Host().Commands().CanRedo(); })
+    // A redo may check out again: not before the revert of an undone check-out has run.
+    addAction(edit, "redo", tr("&Redo"), [this] { redo(); },
+              [this] { return m_session.Host().Commands().CanRedo() && !m_operations->IsWorking(); })
         ->setShortcut(QKeySequence::Redo);
+    edit->addSeparator();
+    addAction(edit, "find", tr("&Find"), [this] { m_browser->focusSearch(); }, open)->setShortcut(QKeySequence::Find);
 
     QMenu* revision = menuBar()->addMenu(tr("&Revision Control"));
     addAction(revision, "checkOut", tr("&Check Out"), [this] { checkOut(); }, selection);
@@ -209,8 +218,11 @@ void MainWindow::updateActions()
 {
     for (const auto& [name, action] : m_actions)
         action->updateEnabled();
-    const nrk::fwk::ICommand* last = m_session.Host().Commands().GetUndoCommand();
-    action(QStringLiteral("undo"))->setText(last ? tr("&Undo %1").arg(fromStd(last->GetName())) : tr("&Undo"));
+    // Every step is an edit of the user's, named after it (EditStepCommand).
+    const nrk::fwk::ICommand* undo = m_session.Host().Commands().GetUndoCommand();
+    action(QStringLiteral("undo"))->setText(undo ? tr("&Undo %1").arg(fromStd(undo->GetName())) : tr("&Undo"));
+    const nrk::fwk::ICommand* redo = m_session.Host().Commands().GetRedoCommand();
+    action(QStringLiteral("redo"))->setText(redo ? tr("&Redo %1").arg(fromStd(redo->GetName())) : tr("&Redo"));
 }
 
 void MainWindow::updateStatusBar()
@@ -412,7 +424,9 @@ bool MainWindow::mayEdit(const KELHandle<kel4::IDbObject>& asset, const QString&
     if (m_editing)
         return false;
     m_editing = true;
-    const bool allowed = m_session.Helper()->CanEditObjects({asset}, true, true, toStd(what));
+    const bool allowed = RunOutsideHistory(m_session.Host().Commands(), [&] {
+        return m_session.Helper()->CanEditObjects({asset}, true, true, toStd(what));
+    });
     m_editing = false;
     if (!allowed) {
         m_properties->addHistory(asset, tr("refused: %1").arg(what));
@@ -427,15 +441,28 @@ bool MainWindow::editField(const QString& field, const QString& oldValue, const 
     host::Workspace* workspace = m_session.CurrentWorkspace();
     if (asset.IsNull() || !workspace || m_editing)
         return false;
-    const QString what = tr("%1 of %2: %3 -> %4").arg(field, fromStd(asset.GetName()), oldValue, newValue);
-    if (!mayEdit(asset, what)) {
+    const QString name = fromStd(asset.GetName());
+    const QString what = tr("%1 of %2: %3 -> %4").arg(field, name, oldValue, newValue);
+    const QString step = field == QLatin1String(FieldEditCommand::kNameField) ? tr("Rename %1").arg(name)
+                                                                               : tr("Edit %1 of %2").arg(field, name);
+    EditStepCommand::RevisionControl revisionControl;
+    revisionControl.dataControl = m_session.Services().dataControl.Get();
+    revisionControl.mayEdit = [this, asset, what] { return mayEdit(asset, what); };
+    revisionControl.checkOut = [this, asset] {
+        bool cancelled = false;
+        return m_session.Helper()->CheckOutObject(asset, cancelled, true);
+    };
+    revisionControl.handBackCheckOut = [this, asset] { revertCheckOut(asset); };
+    const KELPtr<nrk::fwk::ICommand> edit(
+        new FieldEditCommand(*workspace, asset, toStd(field), toStd(oldValue), toStd(newValue)));
+    const KELPtr<EditStepCommand> command(
+        new EditStepCommand(toStd(step), *workspace, asset, edit, std::move(revisionControl)));
+    const bool done = m_session.Host().Commands().ExecuteCommand(command.Get(), true);
+    if (!command->Allowed()) {
         m_properties->showValues();
         refreshStatus();
         return false;
     }
-    const KELPtr<nrk::fwk::ICommand> command(
-        new FieldEditCommand(*workspace, asset, toStd(field), toStd(oldValue), toStd(newValue)));
-    const bool done = m_session.Host().Commands().ExecuteCommand(command.Get(), true);
     m_properties->addHistory(asset, done ? what : tr("failed: %1").arg(what));
     log(done ? Log::eMessage : Log::eError, done ? tr("Edited %1").arg(what) : tr("Cannot edit %1").arg(what));
     afterChange();
@@ -447,13 +474,38 @@ bool MainWindow::save()
     host::Workspace* workspace = m_session.CurrentWorkspace();
     if (!workspace)
         return false;
-    const host::SaveReport report = workspace->Save();
+    host::SaveReport report;
+    RunOutsideHistory(m_session.Host().Commands(), [&] {
+        report = workspace->Save();
+        return true;
+    });
     if (report.Succeeded())
         log(Log::eMessage, tr("Saved %n file(s)", nullptr, int(report.writtenFiles.size())));
+    else if (report.cancelled)
+        log(Log::eWarning, whySaveWasCancelled());
     else
         log(Log::eError, tr("The save did not complete: %1").arg(fromStd(report.DescribeFailures())));
     afterChange();
     return report.Succeeded();
+}
+
+// The plug-in cancels a save when the files of assets to save stay read-only: their check-out was
+// refused or cancelled. Nothing was written, so those files are read-only still.
+QString MainWindow::whySaveWasCancelled() const
+{
+    QStringList readOnly;
+    const host::DataModelMgr& model = m_session.CurrentWorkspace()->Model();
+    if (kel4::IDataControl* data = m_session.Services().dataControl.Get()) {
+        for (std::uint32_t slot : model.Store().DirtyAssets()) {
+            const KELHandle<kel4::IDbObject> asset = model.HandleOf(slot);
+            if (data->IsReadOnly(asset, true, kel4::closureId::Persistence))
+                readOnly << fromStd(asset.GetName());
+        }
+    }
+    if (readOnly.isEmpty())
+        return tr("The save was cancelled; the edits stay in memory");
+    return tr("The save was cancelled: the check-out of %1 was cancelled; the edits stay in memory")
+        .arg(readOnly.join(QStringLiteral(", ")));
 }
 
 bool MainWindow::newAsset(const QString& givenName)
@@ -461,18 +513,14 @@ bool MainWindow::newAsset(const QString& givenName)
     host::Workspace* workspace = m_session.CurrentWorkspace();
     if (!workspace)
         return false;
-    QString name = givenName;
-    if (name.isEmpty()) {
-        bool ok = false;
-        name = QInputDialog::getText(this, tr("New Asset"), tr("Name:"), QLineEdit::Normal, {}, &ok).trimmed();
-        if (!ok || name.isEmpty())
+    host::NewAsset asset = NewAssetOfKind(toStd(givenName), host::AssetKind::Metadata);
+    if (givenName.isEmpty()) {
+        NewAssetDialog dialog(workspace->Model(), this);
+        if (dialog.exec() != QDialog::Accepted)
             return false;
+        asset = dialog.asset();
     }
-    host::NewAsset asset;
-    asset.name = toStd(name);
-    asset.kind = host::AssetKind::Metadata;
-    asset.type = "Material";
-    asset.fields = {{"colour", "#808080"}, {"roughness", "0.50"}};
+    const QString name = fromStd(asset.name);
     std::string error;
     const KELHandle<kel4::IAsset> created = workspace->CreateAsset(asset, error);
     if (created.IsNull()) {
@@ -559,16 +607,32 @@ void MainWindow::undo()
 
 void MainWindow::redo()
 {
+    const nrk::fwk::ICommand* step = m_session.Host().Commands().GetRedoCommand();
+    const QString name = step ? fromStd(step->GetName()) : QString();
     if (m_session.Host().Commands().Redo())
-        log(Log::eMessage, tr("Redid the last undone step"));
+        log(Log::eMessage, tr("Redid %1").arg(name));
+    else
+        log(Log::eWarning, tr("Cannot redo %1").arg(name));
     afterChange();
+}
+
+// The edit is undone and the asset holds what its file holds: the server reverts the check-out
+// unless the file changed (a save since). The revert runs behind the operations asked before it.
+void MainWindow::revertCheckOut(const KELHandle<kel4::IDbObject>& asset)
+{
+    const kel4::Set<std::string> files =
+        m_session.CurrentWorkspace()->Model().FilesOf(asset, true, kel4::closureId::Persistence);
+    m_operations->Run(tr("Revert"),
+                      ChangelistWork::RevertUnchangedCheckOut({files.begin(), files.end()}, fromStd(asset.GetName())));
 }
 
 void MainWindow::checkOut()
 {
-    bool cancelled = false;
     const KELHandle<kel4::IDbObject> asset = selected();
-    if (m_session.Helper()->CheckOutObject(asset, cancelled, true))
+    if (RunOutsideHistory(m_session.Host().Commands(), [&] {
+            bool cancelled = false;
+            return m_session.Helper()->CheckOutObject(asset, cancelled, true);
+        }))
         log(Log::eMessage, tr("Checked out %1").arg(fromStd(asset.GetName())));
     afterChange();
 }
@@ -576,7 +640,8 @@ void MainWindow::checkOut()
 void MainWindow::makeWritable()
 {
     const KELHandle<kel4::IDbObject> asset = selected();
-    if (m_session.Helper()->MakeObjectWritable(asset, true))
+    if (RunOutsideHistory(m_session.Host().Commands(),
+                          [&] { return m_session.Helper()->MakeObjectWritable(asset, true); }))
         log(Log::eMessage, tr("Made %1 writable").arg(fromStd(asset.GetName())));
     afterChange();
 }
@@ -605,27 +670,25 @@ void MainWindow::markForAdd()
 void MainWindow::getLatest(const std::vector<KELHandle<kel4::IDbObject>>& assets)
 {
     const host::DataModelMgr& model = m_session.CurrentWorkspace()->Model();
-    QStringList names;
-    QStringList unsaved;
     std::vector<std::string> files;
     for (const KELHandle<kel4::IDbObject>& asset : assets) {
-        if (model.IsDirty(asset)) {
-            unsaved << fromStd(asset.GetName());
-            continue;
-        }
         const kel4::Set<std::string> own = model.FilesOf(asset, true, kel4::closureId::Persistence);
         files.insert(files.end(), own.begin(), own.end());
-        names << fromStd(asset.GetName());
     }
-    if (!unsaved.isEmpty())
+    UnsavedEditsSplit split = SplitByUnsavedEdits(model, files);
+    if (!split.blocking.isEmpty())
         log(Log::eWarning, tr("Not brought up to date because of unsaved edits: %1. Save or undo them first.")
-                               .arg(unsaved.join(QStringLiteral(", "))));
-    if (files.empty())
+                               .arg(split.blocking.join(QStringLiteral(", "))));
+    if (split.free.empty())
         return;
+    QStringList names;
+    for (const KELHandle<kel4::IDbObject>& asset : assets)
+        if (const QString name = fromStd(asset.GetName()); !split.blocking.contains(name))
+            names << name;
     constexpr int kNamesShown = 5;
     const QString what = names.size() <= kNamesShown ? names.join(QStringLiteral(", "))
                                                      : tr("%n asset(s)", nullptr, int(names.size()));
-    m_operations->Run(tr("Get Latest"), ChangelistWork::GetLatest(std::move(files), what));
+    m_operations->Run(tr("Get Latest"), ChangelistWork::GetLatest(std::move(split.free), what));
 }
 
 std::vector<KELHandle<kel4::IDbObject>> MainWindow::assetsBehind() const

@@ -54,7 +54,8 @@ public:
     // first; a refusal leaves the field as it was, an accepted edit is one undo step.
     bool editField(const QString& field, const QString& oldValue, const QString& newValue);
     bool save();
-    // Creates an asset named name (a dialog asks when name is empty) and selects it.
+    // Creates an asset named name, a material, and selects it; a dialog asks for the name, kind and
+    // type when name is empty.
     bool newAsset(const QString& name = {});
 
     // The action of that object name ("save", "undo", "checkOut", ...), or null.
@@ -91,6 +92,7 @@ private:
     KELHandle<kel4::IDbObject> selected() const;
     bool mayEdit(const KELHandle<kel4::IDbObject>& asset, const QString& what);
     bool askToKeepUnsaved();
+    QString whySaveWasCancelled() const;
     void log(int level, const QString& text);
     ServerAccount serverAccount() const;
     void askStatus();
@@ -108,6 +110,8 @@ private:
     void removeExternalFile();
     void undo();
     void redo();
+    // Hands back the check-out of an asset whose undone edit had checked it out.
+    void revertCheckOut(const KELHandle<kel4::IDbObject>& asset);
     void checkOut();
     void makeWritable();
     void markForAdd();

@@ -3,6 +3,7 @@
 #include "changelistwork.h"
 #include "descriptiondialog.h"
 #include "revisionoperations.h"
+#include "unsavededits.h"
 
 #include <hbrcdatamodel/workspace.h>
 #include <log/log.h>
@@ -197,29 +198,26 @@ std::vector<std::string> PendingChangesPane::selectedFiles() const
     return files;
 }
 
-QStringList PendingChangesPane::unsavedAssets(const std::vector<std::string>& files) const
+void PendingChangesPane::warnUnsaved(const QStringList& assets)
 {
-    QStringList names;
-    const host::DataModelMgr& data = m_workspace->Model();
-    for (const KELHandle<kel4::IAsset>& asset : data.AssetsOwningFiles({files.begin(), files.end()})) {
-        if (!asset.IsNull() && data.IsDirty(asset) && !names.contains(QString::fromStdString(asset.GetName())))
-            names << QString::fromStdString(asset.GetName());
-    }
-    return names;
+    if (!assets.isEmpty())
+        emit message(Log::eWarning, tr("Not reverted: %1 has unsaved edits. Save or undo them first.")
+                                        .arg(assets.join(QStringLiteral(", "))));
 }
 
-QString PendingChangesPane::fileNames(const std::vector<std::string>& files) const
+QStringList PendingChangesPane::fileNames(const std::vector<std::string>& files) const
 {
     QStringList names;
     for (const std::string& file : files)
         names << m_model.fileIndex(file).data().toString();
-    return names.join(QLatin1Char('\n'));
+    return names;
 }
 
 bool PendingChangesPane::confirmRevert(const std::vector<std::string>& files)
 {
     return QMessageBox::question(this, tr("Revert"),
-                                 tr("Revert these files? Their edits are lost.\n\n%1").arg(fileNames(files)),
+                                 tr("Revert these files? Their edits are lost.\n\n%1")
+                                     .arg(fileNames(files).join(QLatin1Char('\n'))),
                                  QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel) == QMessageBox::Yes;
 }
 
@@ -228,29 +226,28 @@ void PendingChangesPane::submit()
     const depot::PendingChangelist* list = m_model.changelist(currentChangelist());
     if (!list)
         return;
+    // Submitting a changelist means its files, unless the user ticked some of them.
+    if (m_model.checkedFiles(list->changelist.id).empty())
+        m_model.setData(m_model.changelistIndex(list->changelist.id), Qt::Checked, Qt::CheckStateRole);
     const std::vector<std::string> checked = m_model.checkedFiles(list->changelist.id);
-    if (checked.empty()) {
-        emit message(Log::eWarning, tr("Check the files to submit"));
-        return;
-    }
-    const QString description = DescriptionDialog::ask(this, tr("Submit"), tr("Describe the change:"),
-                                                       QString::fromStdString(list->changelist.description));
+    const QString description =
+        DescriptionDialog::ask(this, tr("Submit"), tr("Describe the change:"),
+                               QString::fromStdString(list->changelist.description), fileNames(checked));
     if (description.isEmpty())
         return;
     m_operations.Run(tr("Submit"), ChangelistWork::Submit(ChangelistWork::PlanSubmit(*list, checked),
                                                           description.toStdString()));
 }
 
-// An asset with unsaved edits keeps its files open: reverting them would leave its edits in memory
-// over an older file, and saving them would bring the reverted content back unasked.
+// Revert asks once for all the checked files, so one asset with unsaved edits holds back all of
+// them; Revert Unchanged asks nothing and acts on the others.
 void PendingChangesPane::revert()
 {
     const std::vector<std::string> files = m_model.checkedFiles();
     if (files.empty())
         return;
-    if (const QStringList unsaved = unsavedAssets(files); !unsaved.isEmpty()) {
-        emit message(Log::eWarning, tr("Not reverted: %1 has unsaved edits. Save or undo them first.")
-                                        .arg(unsaved.join(QStringLiteral(", "))));
+    if (const UnsavedEditsSplit split = SplitByUnsavedEdits(m_workspace->Model(), files); !split.blocking.isEmpty()) {
+        warnUnsaved(split.blocking);
         return;
     }
     if (confirmRevert(files))
@@ -259,7 +256,16 @@ void PendingChangesPane::revert()
 
 void PendingChangesPane::revertUnchanged()
 {
-    m_operations.Run(tr("Revert Unchanged"), ChangelistWork::RevertUnchanged(m_model.checkedFiles()));
+    std::vector<std::string> files = m_model.checkedFiles();
+    if (files.empty()) {
+        for (const depot::PendingChangelist& list : m_model.pending())
+            for (const depot::OpenedFile& file : list.files)
+                files.push_back(file.localPath);
+    }
+    const UnsavedEditsSplit split = SplitByUnsavedEdits(m_workspace->Model(), files);
+    warnUnsaved(split.blocking);
+    if (!split.free.empty())
+        m_operations.Run(tr("Revert Unchanged"), ChangelistWork::RevertUnchanged(split.free));
 }
 
 void PendingChangesPane::newChangelist()

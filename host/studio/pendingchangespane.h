@@ -27,7 +27,8 @@ struct OperationOutcome;
 // and Edit Description, a context menu to move files to another changelist, and drag and drop of
 // files onto a changelist. Every server step runs through RevisionOperations; while one runs the
 // pane says so and its commands are disabled. Submit acts on the current changelist; Revert and
-// Revert Unchanged on the checked files.
+// Revert Unchanged on the checked files (Revert Unchanged on all files when none is checked); neither
+// touches the files of an asset with unsaved edits.
 class PendingChangesPane : public QDockWidget
 {
     Q_OBJECT
@@ -60,9 +61,9 @@ private:
     bool idle() const;
     std::string currentChangelist() const;
     std::vector<std::string> selectedFiles() const;
-    // The assets of files that have unsaved edits, by name.
-    QStringList unsavedAssets(const std::vector<std::string>& files) const;
-    QString fileNames(const std::vector<std::string>& files) const;
+    // Names in the log the assets whose files a revert leaves alone for their unsaved edits.
+    void warnUnsaved(const QStringList& assets);
+    QStringList fileNames(const std::vector<std::string>& files) const;
     bool confirmRevert(const std::vector<std::string>& files);
 
     void submit();

@@ -2,6 +2,7 @@
 
 #include "studiosession.h"
 
+#include <hbrchost/prefmanager.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 
 #include <QCheckBox>
@@ -15,6 +16,10 @@
 namespace hbrc::studio {
 
 using Settings = IRevisionControlPropertiesMgr;
+
+namespace {
+const std::string kActionKey = "RevControl.ActionWhenEditingReadOnlyAsset";
+}
 
 SettingsDialog::SettingsDialog(IRevisionControlPropertiesMgr& settings, StudioSession& session, QWidget* parent)
     : QDialog(parent), m_settings(settings), m_session(session)
@@ -82,6 +87,15 @@ QCheckBox* SettingsDialog::checkBox(const char* name, const QString& text, bool 
     return box;
 }
 
+// The plug-in's setter stores "check out" whatever it is given (its own flows rely on that when they
+// reset the action). The studio is the host and owns the preferences: it writes the chosen action
+// itself, then lets the settings' listeners know through the one setter that only notifies.
+void SettingsDialog::storeAction(Settings::ActionWhenEditingReadOnlyAsset action)
+{
+    m_session.Host().Preferences().SetIntPref(kActionKey, action, 1);
+    m_settings.SetUserSawSourceControlDialog(m_settings.GetUserSawSourceControlDialog());
+}
+
 void SettingsDialog::accept()
 {
     std::string user, server, workspace;
@@ -91,7 +105,7 @@ void SettingsDialog::accept()
     if (newUser != user || newServer != server || newWorkspace != workspace)
         m_settings.SetAccountProperties(newUser, newServer, newWorkspace);
     m_settings.SetUseSourceDataControl(m_useSource->isChecked());
-    m_settings.SetActionWhenEditingReadOnlyAsset(Settings::ActionWhenEditingReadOnlyAsset(m_action->currentIndex()));
+    storeAction(Settings::ActionWhenEditingReadOnlyAsset(m_action->currentIndex()));
     m_settings.SetAlwaysUseSetting(m_alwaysUse->isChecked());
     m_settings.SetChangeListToUseWhenAutoCheckingOut(m_changelist->text().toStdString());
     m_settings.SetPromptForChangeListWhenCheckingOut(m_prompt->isChecked());

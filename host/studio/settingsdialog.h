@@ -1,8 +1,9 @@
 #pragma once
 
+#include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
+
 #include <QDialog>
 
-class IRevisionControlPropertiesMgr;
 class QCheckBox;
 class QComboBox;
 class QLineEdit;
@@ -13,9 +14,9 @@ namespace hbrc::studio {
 class StudioSession;
 
 // The eight revision-control settings, read from and written through the plug-in's settings
-// manager (whose change signal then tells the window), and the studio's status refresh interval.
-// OK writes what changed; the account is written only when one of its three parts changed, since
-// that drops the current session.
+// manager (whose change signal then tells the window; the studio writes the action itself), and
+// the studio's status refresh interval. OK writes what changed; the account is written only when
+// one of its three parts changed, since that drops the current session.
 class SettingsDialog : public QDialog
 {
     Q_OBJECT
@@ -27,6 +28,7 @@ public:
 private:
     QLineEdit* lineEdit(const char* name, const std::string& value);
     QCheckBox* checkBox(const char* name, const QString& text, bool value);
+    void storeAction(IRevisionControlPropertiesMgr::ActionWhenEditingReadOnlyAsset action);
 
     IRevisionControlPropertiesMgr& m_settings;
     StudioSession& m_session;

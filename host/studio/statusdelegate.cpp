@@ -27,6 +27,16 @@ QColor badgeColour(unsigned word, bool known)
     return QColor(0x3c, 0x7a, 0x3c);
 }
 
+CachedTextDrawer::Look lookOf(const QStyleOptionViewItem& option, const QModelIndex& index)
+{
+    return {option.font, Qt::white,
+            badgeColour(index.data(AssetBrowserModel::StatusWordRole).toUInt(),
+                        index.data(AssetBrowserModel::StatusKnownRole).toBool())};
+}
+
+constexpr int kBadgeIndent = 2;
+constexpr int kBadgeGap = 3;
+
 }  // namespace
 
 void StatusDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
@@ -37,23 +47,31 @@ void StatusDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option
     QStyle* style = plain.widget ? plain.widget->style() : QApplication::style();
     style->drawControl(QStyle::CE_ItemViewItem, &plain, painter, plain.widget);
 
-    const CachedTextDrawer::Look look{option.font, Qt::white,
-                                      badgeColour(index.data(AssetBrowserModel::StatusWordRole).toUInt(),
-                                                  index.data(AssetBrowserModel::StatusKnownRole).toBool())};
+    const CachedTextDrawer::Look look = lookOf(option, index);
     const QRect text = style->subElementRect(QStyle::SE_ItemViewItemText, &plain, plain.widget);
     ClipGuard clip(painter, option.rect);
-    QPoint at(text.left() + 2, 0);
+    QPoint at(text.left() + kBadgeIndent, 0);
     for (const QString& word : index.data(AssetBrowserModel::StatusWordsRole).toStringList()) {
         const QSize size = m_drawer.size(word, look);
         at.setY(text.top() + (text.height() - size.height()) / 2);
-        at.rx() += m_drawer.draw(*painter, at, word, look).width() + 3;
+        at.rx() += m_drawer.draw(*painter, at, word, look).width() + kBadgeGap;
     }
 }
 
+// As wide as the badges that paint draws, with the margins the style gives an item's text.
 QSize StatusDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
-    QSize hint = QStyledItemDelegate::sizeHint(option, index);
-    return {hint.width() + 24, qMax(hint.height(), option.fontMetrics.height() + 4)};
+    const CachedTextDrawer::Look look = lookOf(option, index);
+    int width = kBadgeIndent;
+    int height = option.fontMetrics.height() + 4;
+    for (const QString& word : index.data(AssetBrowserModel::StatusWordsRole).toStringList()) {
+        const QSize size = m_drawer.size(word, look);
+        width += size.width() + kBadgeGap;
+        height = qMax(height, size.height() + 2);
+    }
+    const QStyle* style = option.widget ? option.widget->style() : QApplication::style();
+    const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, &option, option.widget) + 1;
+    return {width + 2 * margin, height};
 }
 
 }  // namespace hbrc::studio

@@ -30,6 +30,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDropEvent>
 #include <QMenu>
@@ -187,10 +188,16 @@ protected:
             index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     }
     // Expects the description dialog: proves that OK refuses a blank text, then enters text.
-    void expectDescription(const QString& title, const QString& offered, const QString& text)
+    void expectDescription(const QString& title, const QString& offered, const QString& text,
+                           const QStringList& files = {})
     {
         driver.expect(title, [=](QWidget* dialog) {
             EXPECT_EQ(dialog->windowTitle(), title);
+            QStringList listed;
+            if (auto* list = dialog->findChild<QListWidget*>(QStringLiteral("files")))
+                for (int row = 0; row < list->count(); ++row)
+                    listed << list->item(row)->text();
+            EXPECT_EQ(listed, files);
             auto* edit = dialog->findChild<QPlainTextEdit*>(QStringLiteral("description"));
             QPushButton* ok = dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
             ASSERT_TRUE(edit && ok);
@@ -243,8 +250,7 @@ TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedChecksOutSkyUndoesAndSaves)
     EXPECT_EQ(colourShown(), "#7a746c");
     EXPECT_EQ(field("Rock", "colour"), "#7a746c");
     EXPECT_TRUE(window->statusBar()->currentMessage().startsWith("Refused: colour of Rock"));
-    const nrk::fwk::ICommand* lastStep = session->Host().Commands().GetUndoCommand();
-    EXPECT_TRUE(!lastStep || std::string(lastStep->GetCommandIdentifier()) != "editAssetField");
+    EXPECT_FALSE(session->Host().Commands().CanUndo()) << "a refused edit leaves no step, nor does its check-out";
 
     select("Sky");
     typeColour(QStringLiteral("#ff8c42"));
@@ -255,14 +261,24 @@ TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedChecksOutSkyUndoesAndSaves)
         << "the refusal of Rock is no longer news";
     EXPECT_EQ(window->action(QStringLiteral("undo"))->text(), "&Undo Edit colour of Sky");
 
-    // Back in the browser (in the colour field, Ctrl+Z would undo its text).
+    // Back in the browser (in the colour field, Ctrl+Z would undo its text). Undo hands the
+    // check-out back: nothing is left to save, the file is read-only and no longer opened.
     activate();
     window->browser().view()->setFocus();
     QTest::keySequence(window.get(), QKeySequence::Undo);
-    EXPECT_EQ(field("Sky", "colour"), "#6fa8dc");
     EXPECT_EQ(colourShown(), "#6fa8dc");
+    waitForOperations();
+    EXPECT_TRUE(logged(QStringLiteral("Reverted the check-out of Sky (unchanged)")));
+    EXPECT_EQ(status("Sky"), "up to date");
+    EXPECT_FALSE(session->CurrentWorkspace()->HasUnsavedChanges());
+    const QString sky = depot->Folder("alice") + QStringLiteral("/Sky.kel");
+    EXPECT_FALSE(QFileInfo(sky).permissions() & QFile::WriteOwner);
+    EXPECT_EQ(window->action(QStringLiteral("redo"))->text(), "&Redo Edit colour of Sky");
     QTest::keySequence(window.get(), QKeySequence::Redo);
     EXPECT_EQ(colourShown(), "#ff8c42");
+    waitForStatus();
+    EXPECT_EQ(status("Sky"), "checked out");
+    EXPECT_TRUE(QFileInfo(sky).permissions() & QFile::WriteOwner);
 
     QTest::keySequence(window.get(), QKeySequence::Save);
     EXPECT_FALSE(session->CurrentWorkspace()->HasUnsavedChanges());
@@ -289,8 +305,13 @@ TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedChecksOutSkyUndoesAndSaves)
 // dialog through the settings' change signal; leaving with unsaved edits asks first.
 TEST_F(StudioWindow, SearchSettingsAndQuitAskAsAUserExpects)
 {
-    QTest::keyClicks(window->browser().searchField(), QStringLiteral("rock"));
+    QTest::keySequence(window.get(), QKeySequence::Find);
+    ASSERT_TRUE(window->browser().searchField()->hasFocus());
+    QTest::keyClicks(window->browser().searchField(), QStringLiteral("curve"));
     QAbstractItemModel* shown = window->browser().view()->model();
+    EXPECT_EQ(shown->rowCount(), 3) << "the type column is searched too";
+    window->browser().searchField()->clear();
+    QTest::keyClicks(window->browser().searchField(), QStringLiteral("rock"));
     ASSERT_EQ(shown->rowCount(), 2);  // Rock, RockAlbedo
     QTest::keyClick(window->browser().view(), Qt::Key_Down);
     EXPECT_EQ(window->propertyPane().asset().GetName(), "Rock");
@@ -306,11 +327,54 @@ TEST_F(StudioWindow, SearchSettingsAndQuitAskAsAUserExpects)
     const QList<QLabel*> labels = window->statusBar()->findChildren<QLabel*>();
     EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](QLabel* l) { return l->text() == "User: carol"; }));
 
-    ASSERT_TRUE(window->newAsset(QStringLiteral("Meadow")));
+    // New Asset from the keyboard: a name, the second kind, Return.
+    driver.expect(QStringLiteral("new asset"), [](QWidget* dialog) {
+        QTest::keyClicks(dialog->findChild<QLineEdit*>(QStringLiteral("name")), QStringLiteral("Dusk"));
+        QTest::keyClick(dialog->findChild<QComboBox*>(QStringLiteral("kind")), Qt::Key_Down);
+        QTest::keyClick(dialog->findChild<QLineEdit*>(QStringLiteral("name")), Qt::Key_Return);
+    });
+    activate();
+    QTest::keySequence(window.get(), QKeySequence::New);
+    EXPECT_EQ(cell("Dusk", AssetBrowserModel::TypeColumn), "Curve");
     driver.expectMessageBox(QStringLiteral("Unsaved Edits"), QMessageBox::Cancel);
     EXPECT_FALSE(window->close());
     driver.expectMessageBox(QStringLiteral("Unsaved Edits"), QMessageBox::Discard);
     EXPECT_TRUE(window->close());
+}
+
+// Every choice of "When editing a read-only asset" is the one stored and shown when Settings opens
+// again, and it is applied: with "Ask", the next edit of a read-only asset brings the Check Out
+// dialog (cancelled here: the edit is refused and leaves no step).
+TEST_F(StudioWindow, TheReadOnlyActionChosenInSettingsIsStoredShownAndApplied)
+{
+    using Settings = IRevisionControlPropertiesMgr;
+    Settings::ActionWhenEditingReadOnlyAsset stored = Settings::eActionCheckOut;
+    ASSERT_TRUE(session->Settings()->GetActionWhenEditingReadOnlyAsset(stored));
+    for (const Settings::ActionWhenEditingReadOnlyAsset choice : {Settings::eActionNone, Settings::eActionMakeWritable,
+                                                                  Settings::eActionCheckOut, Settings::eActionPrompt}) {
+        int shown = -1;
+        driver.expect(QStringLiteral("settings"), [&](QWidget* dialog) {
+            auto* action = dialog->findChild<QComboBox*>(QStringLiteral("action"));
+            ASSERT_NE(action, nullptr);
+            shown = action->currentIndex();
+            action->setCurrentIndex(choice);
+            QTest::keyClick(action, Qt::Key_Return);
+        });
+        window->action(QStringLiteral("settings"))->trigger();
+        EXPECT_EQ(shown, stored) << "Settings shows what was stored";
+        ASSERT_TRUE(session->Settings()->GetActionWhenEditingReadOnlyAsset(stored));
+        EXPECT_EQ(stored, choice);
+    }
+    select("Sky");
+    driver.expect(QStringLiteral("Check Out"), [](QWidget* dialog) {
+        EXPECT_EQ(dialog->windowTitle(), "Check Out");
+        for (QPushButton* button : dialog->findChildren<QPushButton*>())
+            if (button->text().remove(QLatin1Char('&')) == QLatin1String("Cancel"))
+                button->click();
+    });
+    typeColour(QStringLiteral("#ff8c42"));
+    EXPECT_EQ(field("Sky", "colour"), "#6fa8dc");
+    EXPECT_FALSE(session->Host().Commands().CanUndo());
 }
 
 // Rename (F2) asks for the name through a dialog and is an undoable edit; Delete asks first;
@@ -645,14 +709,20 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     moveToWarmer->trigger();
     waitForOperations();
     EXPECT_EQ(pendingAssets(warmer), (QStringList{"Sky", "Snow"}));
-    EXPECT_EQ(pendingAssets(""), QStringList{});
 
+    // Leaf's unsaved edit keeps its unchanged file opened; Snow's is reverted.
+    select("Leaf");
+    typeColour(QStringLiteral("#3a7a2a"));
+    waitForOperations();
     window->pendingChanges().action(QStringLiteral("revertUnchanged"))->trigger();
     waitForOperations();
     EXPECT_EQ(pendingAssets(warmer), QStringList{"Sky"});
+    EXPECT_EQ(pendingAssets(""), QStringList{"Leaf"});
+    EXPECT_TRUE(logged(QStringLiteral("Not reverted: Leaf has unsaved edits. Save or undo them first.")));
     EXPECT_TRUE(window->statusBar()->currentMessage().startsWith("Reverted 1 unchanged file(s): //depot/"))
         << window->statusBar()->currentMessage().toStdString();
     EXPECT_FALSE(QFileInfo(depot->Folder("alice") + "/Snow.kel").permissions() & QFile::WriteOwner);
+    EXPECT_TRUE(QFileInfo(depot->Folder("alice") + "/Leaf.kel").permissions() & QFile::WriteOwner);
     EXPECT_EQ(status("Snow"), "up to date");
 
     ASSERT_TRUE(pending().setData(pending().changelistIndex(warmer), Qt::Checked, Qt::CheckStateRole));
@@ -677,7 +747,8 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     EXPECT_EQ(field("Sky", "colour"), "#ff8c42");
 
     selectPending(pending().changelistIndex(warmer));
-    expectDescription(QStringLiteral("Submit"), QStringLiteral("Warmer sky"), QStringLiteral("Warmer sky at dusk"));
+    expectDescription(QStringLiteral("Submit"), QStringLiteral("Warmer sky"), QStringLiteral("Warmer sky at dusk"),
+                      {QStringLiteral("Sky.kel")});
     window->pendingChanges().action(QStringLiteral("submit"))->trigger();
     waitForOperations();
     EXPECT_TRUE(window->statusBar()->currentMessage().contains(QRegularExpression("^Submitted change \\d+ \\(1 file\\(s\\)\\)$")))

@@ -11,7 +11,8 @@ namespace hbrc::host {
 
 // The command manager ("UndoManager"). A command that ran and is neither transient nor executed
 // with undoable false becomes one undo step; commands executed while another one runs join that
-// one's step, and a command whose predecessor CanCollapse with it joins the predecessor's step.
+// one's step (a command that does not become a step takes them with it: they stay out of the
+// history too), and a command whose predecessor CanCollapse with it joins the predecessor's step.
 // Undo undoes a step's commands newest first; a new step clears the redo history. An execution
 // command without a command manager gets this one.
 class CommandManager final : public nrk::fwk::ICommandManager, public nrk::IBase
@@ -31,6 +32,8 @@ public:
     bool CanRedo() const override { return !m_redo.empty(); }
     std::size_t GetUndoCount() const override { return m_undo.size(); }
     const nrk::fwk::ICommand* GetUndoCommand() const override;
+    // The command that Redo would run next, or null.
+    const nrk::fwk::ICommand* GetRedoCommand() const;
 
     // Forgets the undo and redo history (a workspace closed).
     void Clear();
@@ -38,7 +41,8 @@ public:
 private:
     using Commands = std::vector<KELPtr<nrk::fwk::ICommand>>;
     // One undo step: every command it holds in execution order (nested ones before the command
-    // that ran them), and the commands that Redo runs again (which run their nested ones anew).
+    // that ran them), and the commands that Redo runs again (which run their nested ones anew);
+    // neither is empty.
     struct Step
     {
         Commands commands;
