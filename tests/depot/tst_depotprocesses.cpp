@@ -116,6 +116,11 @@ TEST_F(DepotProcesses, BadUsageIsRefusedWithTheCommandsUsage)
 
 TEST_F(DepotProcesses, RefusalsSayWhyAndExitWith1)
 {
+    // bob changed his writable copy of shared.kel, which alice is about to change in the depot.
+    write(bobFile("shared.kel"), "bob's work");
+    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
+    write(aliceFile("shared.kel"), "v2");
+    ok(submit(*m_alice, m_aliceTicket, "v2"));
     ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
     // bob keeps a ticket whose session then expires: a log-in two hours later clears it from the depot.
     ASSERT_EQ(runAsBob({"--password-stdin", "login"}, "bob-pw\n").exitCode, 0);
@@ -142,6 +147,7 @@ TEST_F(DepotProcesses, RefusalsSayWhyAndExitWith1)
         {bobArguments({"change", "-d", "default"}), "The default changelist cannot be deleted."},
         {bobArguments({"unlock", bobPath("shared.kel")}), "Cannot unlock:"},
         {bobArguments({"reopen", "-c", "1", bobPath("shared.kel")}), "is not a pending changelist of workspace bob-ws"},
+        {bobArguments({"sync"}), "Can't clobber writable file " + bobPath("shared.kel")},
     };
     for (const Refusal& refusal : refusals) {
         const ToolRun result = run(refusal.arguments);
@@ -152,6 +158,9 @@ TEST_F(DepotProcesses, RefusalsSayWhyAndExitWith1)
                                  QString::fromStdString(path("nowhere"))});
     EXPECT_EQ(created.exitCode, 0) << created.errors.toStdString();
     EXPECT_TRUE(fs::is_directory(path("nowhere")));
+    EXPECT_EQ(read(bobFile("shared.kel")), "bob's work") << "the refused sync kept bob's change";
+    EXPECT_EQ(run(bobArguments({"sync", "-f"})).exitCode, 0);
+    EXPECT_EQ(read(bobFile("shared.kel")), "v2");
 }
 
 TEST_F(DepotProcesses, LoginKeepsATicketOnlyItsOwnerCanReadAndLogoutEndsIt)
@@ -174,20 +183,6 @@ TEST_F(DepotProcesses, LoginKeepsATicketOnlyItsOwnerCanReadAndLogoutEndsIt)
     const ToolRun viaStandardInput = runAsBob({"--password-stdin", "opened"}, "bob-pw\n");
     EXPECT_EQ(viaStandardInput.exitCode, 0) << viaStandardInput.errors.toStdString();
     EXPECT_TRUE(viaStandardInput.output.contains("//depot/ship.kel - add")) << viaStandardInput.output.toStdString();
-}
-
-TEST_F(DepotProcesses, SyncKeepsWritableChangesUntilForced)
-{
-    write(bobFile("shared.kel"), "bob's work");
-    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
-    write(aliceFile("shared.kel"), "v2");
-    ok(submit(*m_alice, m_aliceTicket, "v2"));
-    const ToolRun kept = run(bobArguments({"sync"}));
-    EXPECT_EQ(kept.exitCode, 1);
-    EXPECT_TRUE(kept.errors.contains("Can't clobber writable file " + bobPath("shared.kel"))) << kept.errors.toStdString();
-    EXPECT_EQ(read(bobFile("shared.kel")), "bob's work");
-    EXPECT_EQ(run(bobArguments({"sync", "-f"})).exitCode, 0);
-    EXPECT_EQ(read(bobFile("shared.kel")), "v2");
 }
 
 TEST_F(DepotProcesses, AReadOnlyOrDamagedDepotAnswersClearly)
