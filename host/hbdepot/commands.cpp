@@ -267,6 +267,13 @@ int runCommand(CommandLine line, std::ostream& out, std::ostream& err)
             return helpCommand ? 0 : 2;
         }
         const std::string subCommands = subCommandsOf(words.front());
+        if (helpCommand && !subCommands.empty() && words.size() == 1) {
+            for (const Command& each : commands()) {
+                if (each.name.front() == words.front())
+                    printUsageLine(out, each.usage, each.summary);
+            }
+            return 0;
+        }
         if (subCommands.empty())
             err << "hbdepot: unknown command '" << words.front() << "'";
         else if (words.size() == 1 || words[1].empty() || words[1][0] == '-')

@@ -75,7 +75,11 @@ void inferAccount(depot::Depot& depot, CommandLine& line)
     if (!line.ticket().empty() || (!line.user().empty() && !line.workspace().empty()))
         return;
     std::vector<depot::WorkspaceInfo> workspaces;
-    if (!depot.workspaces(workspaces).ok())
+    const Result listed = depot.workspaces(workspaces);
+    // Without the depot no account can be found; that it cannot be reached is the news.
+    if (listed.code == depot::code::SessionUnusable)
+        throw std::runtime_error(listed.error + " (code " + std::to_string(listed.code) + ")");
+    if (!listed.ok())
         return;
     std::error_code error;
     const std::filesystem::path here = std::filesystem::weakly_canonical(std::filesystem::current_path(error), error);

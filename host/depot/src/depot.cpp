@@ -31,6 +31,19 @@ void requireValidName(const char* what, const std::string& name)
                                            "': it must be non-empty without blanks, '@' or '/'");
 }
 
+// What users.password_hash keeps: nothing for a user without a password.
+std::optional<std::string> storedHash(const std::string& password, PasswordHashCost cost)
+{
+    return password.empty() ? std::optional<std::string>() : hashPassword(password, cost);
+}
+
+// After a statement on the record named `what` ("User bob"): it must have found that record.
+void requireFound(Database& db, const std::string& what)
+{
+    if (db.changes() == 0)
+        throw DepotError(code::Failed, what + " does not exist.");
+}
+
 Result applySteps(Database& database, Call& call)
 {
     std::vector<std::int64_t> done;
@@ -222,7 +235,7 @@ Result Depot::addUser(const std::string& name, const std::string& password)
     return d->run(Operation::Administer, Transaction::Kind::Write, std::nullopt, {}, [&](Call& call) {
         requireValidName("user", name);
         Statement insert(call.db(), "INSERT OR IGNORE INTO users(name, password_hash) VALUES (?1, ?2)");
-        insert.bind(1, name).bind(2, password.empty() ? std::optional<std::string>() : hashPassword(password, d->options.passwordHashCost));
+        insert.bind(1, name).bind(2, storedHash(password, d->options.passwordHashCost));
         insert.run();
         if (call.db().changes() == 0)
             throw DepotError(code::Failed, "User " + name + " already exists.");
@@ -249,10 +262,8 @@ Result Depot::setPassword(const std::string& user, const std::string& password)
 {
     return d->run(Operation::Administer, Transaction::Kind::Write, std::nullopt, {}, [&](Call& call) {
         Statement update(call.db(), "UPDATE users SET password_hash = ?2 WHERE name = ?1");
-        update.bind(1, user).bind(2, password.empty() ? std::optional<std::string>() : hashPassword(password, d->options.passwordHashCost));
-        update.run();
-        if (call.db().changes() == 0)
-            throw DepotError(code::Failed, "User " + user + " does not exist.");
+        update.bind(1, user).bind(2, storedHash(password, d->options.passwordHashCost)).run();
+        requireFound(call.db(), "User " + user);
     });
 }
 
@@ -267,8 +278,7 @@ Result Depot::removeUser(const std::string& name)
         owned.reset();
         Statement(call.db(), "DELETE FROM sessions WHERE user = ?1").bind(1, name).run();
         Statement(call.db(), "DELETE FROM users WHERE name = ?1").bind(1, name).run();
-        if (call.db().changes() == 0)
-            throw DepotError(code::Failed, "User " + name + " does not exist.");
+        requireFound(call.db(), "User " + name);
     });
 }
 
@@ -286,8 +296,7 @@ Result Depot::removeWorkspace(const std::string& name)
                                 "DELETE FROM changes WHERE workspace = ?1 AND submitted = 0"})
             Statement(call.db(), sql).bind(1, name).run();
         Statement(call.db(), "DELETE FROM workspaces WHERE name = ?1").bind(1, name).run();
-        if (call.db().changes() == 0)
-            throw DepotError(code::Failed, "Workspace " + name + " does not exist.");
+        requireFound(call.db(), "Workspace " + name);
     });
 }
 
