@@ -197,6 +197,10 @@ Result Depot::create(const std::string& path, std::chrono::seconds sessionLifeti
         createSchema(db, sessionLifetime.count());
         return {};
     } catch (const DepotError& error) {
+        // A depot that could not be made whole (a full disk, say) is not left half made.
+        std::error_code ignored;
+        for (const char* suffix : {"", "-wal", "-shm"})
+            std::filesystem::remove(path + suffix, ignored);
         return {error.code(), error.what()};
     }
 }

@@ -32,9 +32,11 @@ constexpr const char* kOnlyReading =
     case SQLITE_CORRUPT:
         throw DepotError(code::SessionUnusable, "Cannot reach the depot: the file is damaged or no depot (" + detail +
                                                     "); check the depot path, or restore the file from a backup");
+    case SQLITE_FULL:
+        throw DepotError(code::Failed, "The disk that holds the depot is full (" + detail +
+                                           "): free space there and try again");
     case SQLITE_CANTOPEN:
     case SQLITE_IOERR:
-    case SQLITE_FULL:
         throw DepotError(code::SessionUnusable, "Cannot reach the depot: " + detail +
                                                     "; check the depot path, the disk and the file's permissions");
     default:
