@@ -2,9 +2,11 @@
 
 #include <depot/depot.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <ostream>
 #include <stdexcept>
 
@@ -140,8 +142,19 @@ Result addWorkspace(Context& c)
 
 Result deleteWorkspace(Context& c)
 {
-    return reportDone(c, c.depot.removeWorkspace(c.word(0)),
-                      "Workspace " + c.word(0) + " deleted; its files on disk are left as they are.");
+    const std::string name = c.word(0);
+    std::vector<depot::WorkspaceInfo> workspaces;
+    c.depot.workspaces(workspaces);
+    const auto deleted = std::find_if(workspaces.begin(), workspaces.end(),
+                                      [&](const depot::WorkspaceInfo& workspace) { return workspace.name == name; });
+    const Result result = c.depot.removeWorkspace(name);
+    // The .hbdepot file 'workspace add --create' wrote would name a workspace that is gone.
+    if (result.ok() && deleted != workspaces.end()) {
+        const std::optional<ConfigFile> config = findConfigFile(deleted->root);
+        if (config && config->path == fs::path(deleted->root) / ConfigFile::kName && config->workspace == name)
+            fs::remove(config->path);
+    }
+    return reportDone(c, result, "Workspace " + name + " deleted; its files on disk are left as they are.");
 }
 
 }  // namespace hbrc::hbdepot

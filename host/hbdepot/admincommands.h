@@ -21,7 +21,8 @@ depot::Result changePassword(Context& c);
 // configuration file that names the depot, the owner and the workspace; both go again when the
 // depot refuses the workspace.
 depot::Result addWorkspace(Context& c);
-// "workspace delete NAME": refused while files are open in it; the files on disk stay.
+// "workspace delete NAME": refused while files are open in it; the files on disk stay, apart from
+// a .hbdepot file in its root that names it.
 depot::Result deleteWorkspace(Context& c);
 
 }  // namespace hbrc::hbdepot

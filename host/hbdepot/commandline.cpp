@@ -81,7 +81,7 @@ std::vector<std::string> CommandLine::takeOptionsAmong(const std::vector<std::st
                                                        const std::vector<std::string>& verbFlags)
 {
     std::vector<std::string> rest;
-    const auto verbs = [](const std::vector<std::string>& names, const std::string& word) {
+    const auto among = [](const std::vector<std::string>& names, const std::string& word) {
         return std::find(names.begin(), names.end(), word) != names.end();
     };
     std::size_t index = 0;
@@ -91,8 +91,8 @@ std::vector<std::string> CommandLine::takeOptionsAmong(const std::vector<std::st
             rest.insert(rest.end(), words.begin() + static_cast<std::ptrdiff_t>(index), words.end());
             break;
         }
-        const bool ownOption = verbs(verbOptions, word);
-        if (ownOption || verbs(verbFlags, word) || word.size() < 2 || word[0] != '-') {
+        const bool ownOption = among(verbOptions, word);
+        if (ownOption || among(verbFlags, word) || word.size() < 2 || word[0] != '-') {
             // The verb's own option keeps its value, whatever that looks like.
             const std::size_t kept = ownOption && index + 1 < words.size() ? 2 : 1;
             rest.insert(rest.end(), words.begin() + static_cast<std::ptrdiff_t>(index),

@@ -79,7 +79,8 @@ const std::vector<Command>& commands()
         {{"workspace", "delete"}, Needs::Depot, {{}, {}, 1, 1}, "workspace delete NAME",
          "delete a workspace without open files; its files on disk stay",
          "Refused while files are open in the workspace: submit or revert them first. Its empty pending\n"
-         "changelists and its sessions go; its submitted changes stay in the history.\n"
+         "changelists, its sessions and a .hbdepot file in its root that names it go; its submitted\n"
+         "changes stay in the history.\n"
          "Example: hbdepot workspace delete old-ws",
          deleteWorkspace},
         {{"login"}, Needs::Account, {{}, {"-p"}, 0, 0}, "login [-p]",

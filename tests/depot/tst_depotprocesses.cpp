@@ -217,6 +217,7 @@ TEST_F(DepotProcesses, RefusalsSayWhyAndExitWith1)
     // The new workspace's .hbdepot names the depot, owner and workspace: no HBDEPOT needed inside.
     EXPECT_TRUE(runIn("nowhere", {"--json", "info"}).output.contains("\"workspace\":\"carol-ws\""));
     EXPECT_EQ(runIn("nowhere", {"workspace", "delete", "carol-ws"}).exitCode, 0);
+    EXPECT_FALSE(fs::exists(path("nowhere/.hbdepot"))) << "the file named the deleted workspace";
     EXPECT_EQ(read(bobFile("shared.kel")), "bob's work") << "the refused sync kept bob's change";
     EXPECT_EQ(run(bobArguments({"sync", "-f"})).exitCode, 0);
     EXPECT_EQ(read(bobFile("shared.kel")), "v2");
