@@ -1,5 +1,6 @@
 #include "passwordinput.h"
 
+#include <cerrno>
 #include <csignal>
 #include <iostream>
 #include <stdexcept>
@@ -26,6 +27,9 @@ std::string lineOfStandardInput()
     return text;
 }
 
+// The signals that end hbdepot while it waits for an answer: they give the terminal its echo back.
+constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+
 // The terminal's settings while echo is off, for the signal handler that gives them back.
 termios g_savedTerminal{};
 volatile std::sig_atomic_t g_echoIsOff = 0;
@@ -51,7 +55,7 @@ public:
         quiet.c_lflag &= static_cast<tcflag_t>(~ECHO);
         quiet.c_lflag |= ECHONL;
         g_echoIsOff = 1;
-        for (int signalNumber : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP})
+        for (int signalNumber : kEndingSignals)
             std::signal(signalNumber, restoreEchoAndDie);
         ::tcsetattr(STDIN_FILENO, TCSANOW, &quiet);
     }
@@ -60,7 +64,7 @@ public:
         if (g_echoIsOff)
             ::tcsetattr(STDIN_FILENO, TCSANOW, &g_savedTerminal);
         g_echoIsOff = 0;
-        for (int signalNumber : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP})
+        for (int signalNumber : kEndingSignals)
             std::signal(signalNumber, SIG_DFL);
     }
     EchoOff(const EchoOff&) = delete;
@@ -68,17 +72,21 @@ public:
 };
 
 // One line from the terminal, read byte by byte so that nothing after it is taken from the
-// terminal; throws when no answer comes in time or the terminal closes.
+// terminal; the end of input ends it too. Throws when no answer comes in time.
 std::string answerFromTerminal()
 {
     std::string text;
     for (;;) {
         pollfd ready{STDIN_FILENO, POLLIN, 0};
         const int waited = ::poll(&ready, 1, kAnswerTimeoutMs);
+        if (waited < 0 && errno == EINTR)
+            continue;
         if (waited == 0)
             throw std::runtime_error("no password was typed within 5 minutes; nothing was done");
         char c = 0;
         const ssize_t got = waited < 0 ? -1 : ::read(STDIN_FILENO, &c, 1);
+        if (got < 0 && errno == EINTR)
+            continue;
         if (got <= 0 || c == '\n' || c == '\r')
             return text;
         text += c;
