@@ -40,10 +40,19 @@ public:
     // The account of the workspace the current folder lies in, where none was given.
     void inferAccount(const std::string& user, const std::string& workspace);
 
+    // Takes the global options out of the words after the command's name (so that "sync -q" is
+    // "-q sync"), leaving the command's own options, with their values, and everything after "--".
+    std::vector<std::string> takeOptionsAmong(const std::vector<std::string>& words,
+                                              const std::vector<std::string>& verbOptions,
+                                              const std::vector<std::string>& verbFlags);
+
     // The command's name and arguments ("user add bob", "sync --force"); empty when none was given.
     const std::vector<std::string>& words() const { return m_words; }
 
 private:
+    // The global option at words[index], if it is one: sets it and moves past it (and its value).
+    bool takeOption(const std::vector<std::string>& words, std::size_t& index);
+
     bool m_help = false;
     bool m_version = false;
     bool m_quiet = false;

@@ -3,7 +3,6 @@
 #include <depot/depot.h>
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <iomanip>
@@ -11,6 +10,7 @@
 #include <ostream>
 #include <stdexcept>
 
+#include "admincommands.h"
 #include "changecommands.h"
 #include "commandcontext.h"
 #include "commandline.h"
@@ -37,114 +37,129 @@ struct Command
     VerbSyntax syntax;
     const char* usage;
     const char* summary;
+    // For "help COMMAND": each option explained, then an example.
+    const char* details;
     std::function<Result(Context&)> run;
 };
 
 constexpr std::size_t kAny = std::numeric_limits<std::size_t>::max();
-
-// The session lifetime of a new depot; a clear error instead of the parser's own for a bad value.
-std::chrono::seconds sessionLifetime(const VerbArguments& args)
-{
-    const std::string text = args.option("--session-lifetime").value_or("43200");
-    std::size_t used = 0;
-    long long seconds = 0;
-    try {
-        seconds = std::stoll(text, &used);
-    } catch (const std::logic_error&) {
-        used = 0;
-    }
-    if (used == 0 || used != text.size() || seconds <= 0)
-        throw std::invalid_argument("--session-lifetime takes a number of seconds above 0, not '" + text + "'");
-    return std::chrono::seconds(seconds);
-}
-
-Result reportDone(Context& c, const Result& result, const std::string& what)
-{
-    if (result.ok())
-        c.report() << what << "\n";
-    return result;
-}
-
-void warnAboutVisiblePassword(std::ostream& err, const char* how)
-{
-    err << "hbdepot: warning: " << how
-        << " is visible to every user of this machine; use the prompt, --password-stdin or HBDEPOT_PASSWORD\n";
-}
-
-Result addUser(Context& c)
-{
-    const std::string name = c.word(0);
-    if (c.args.words().size() > 1) {
-        warnAboutVisiblePassword(c.err, "a password given as an argument");
-        return reportDone(c, c.depot.addUser(name, c.word(1)), "User " + name + " added.");
-    }
-    return reportDone(c, c.depot.addUser(name, passwordFor(c.line, "Password for " + name + " (empty: none): ", c.err)),
-                      "User " + name + " added.");
-}
-
-Result addWorkspace(Context& c)
-{
-    const std::filesystem::path root = std::filesystem::absolute(c.word(2)).lexically_normal();
-    std::error_code error;
-    if (!std::filesystem::is_directory(root, error)) {
-        if (!c.args.flag("--create"))
-            return {depot::code::Failed, "The root folder " + root.string() +
-                                             " does not exist; create it first, or give --create"};
-        std::filesystem::create_directories(root, error);
-        if (error)
-            return {depot::code::Failed, "Cannot create the root folder " + root.string() + ": " + error.message()};
-    }
-    return reportDone(c, c.depot.addWorkspace(c.word(0), c.word(1), root.string()),
-                      "Workspace " + c.word(0) + " of " + c.word(1) + " added, rooted in " + root.string() + ".");
-}
 
 const std::vector<Command>& commands()
 {
     static const std::vector<Command> table = {
         {{"init"}, Needs::Depot, {{"--session-lifetime"}, {}, 0, 0}, "init [--session-lifetime SECONDS]",
          "create a new depot file",
-         [](Context& c) {
-             return reportDone(c, Depot::create(c.depot.path(), sessionLifetime(c.args)),
-                               "Depot " + c.depot.path() + " created.");
-         }},
+         "  --session-lifetime SECONDS  how long a log-in lasts (default 43200, 12 hours)\n"
+         "Example: hbdepot -d /srv/depot.db init --session-lifetime 3600",
+         createDepot},
         {{"user", "add"}, Needs::Depot, {{}, {}, 1, 2}, "user add NAME",
-         "add a user (asks for the password; empty: none)", addUser},
+         "add a user (asks for the password twice; empty: none)",
+         "The password comes from --password-stdin, HBDEPOT_PASSWORD or -P, else it is asked for twice\n"
+         "on a terminal; without any of them the user needs none.\n"
+         "Example: printf '%s\\n' \"$PW\" | hbdepot --password-stdin user add alice",
+         addUser},
+        {{"user", "delete"}, Needs::Depot, {{}, {}, 1, 1}, "user delete NAME",
+         "delete a user who owns no workspace; the changes they submitted stay",
+         "Delete the user's workspaces first ('workspace delete'); the user's sessions end.\n"
+         "Example: hbdepot user delete carol",
+         deleteUser},
+        {{"passwd"}, Needs::Account, {{}, {}, 0, 1}, "passwd [NAME]",
+         "set a new password for a user (default: the current one); asks twice",
+         "On a terminal the new password is asked for twice, without echo; --password-stdin takes it\n"
+         "from the first line of standard input. An empty password lets the user log in with none.\n"
+         "Sessions already open stay open.\n"
+         "Example: hbdepot passwd alice",
+         changePassword},
         {{"workspace", "add"}, Needs::Depot, {{}, {"--create"}, 3, 3}, "workspace add [--create] NAME OWNER ROOT",
-         "add a workspace rooted in an existing folder (--create: make it)", addWorkspace},
+         "add a workspace rooted in an existing folder (--create: make it)",
+         "  --create   make the root folder, with a .hbdepot file naming the depot, owner and workspace,\n"
+         "             so that commands inside it need no -d, -u or -w; nothing stays when it fails\n"
+         "Example: hbdepot workspace add --create alice-ws alice ~/work/alice",
+         addWorkspace},
+        {{"workspace", "delete"}, Needs::Depot, {{}, {}, 1, 1}, "workspace delete NAME",
+         "delete a workspace without open files; its files on disk stay",
+         "Refused while files are open in the workspace: submit or revert them first. Its empty pending\n"
+         "changelists, its sessions and a .hbdepot file in its root that names it go; its submitted\n"
+         "changes stay in the history.\n"
+         "Example: hbdepot workspace delete old-ws",
+         deleteWorkspace},
         {{"login"}, Needs::Account, {{}, {"-p"}, 0, 0}, "login [-p]",
-         "open a session and keep its ticket for later commands (-p: print it instead)", login},
-        {{"logout"}, Needs::Account, {{}, {}, 0, 0}, "logout", "end the session and forget its kept ticket", logout},
+         "open a session and keep its ticket for later commands (-p: print it instead)",
+         "  -p   print the ticket instead of keeping it, for -t or HBDEPOT_TICKET\n"
+         "With -t, checks that the given ticket is a live session.\n"
+         "Example: echo \"$PW\" | hbdepot --password-stdin -u alice -w alice-ws login",
+         login},
+        {{"logout"}, Needs::Account, {{}, {}, 0, 0}, "logout", "end the session and forget its kept ticket",
+         "Example: hbdepot logout", logout},
         {{"info"}, Needs::Account, {{}, {}, 0, 0}, "info",
-         "show the depot, user, workspace and configuration file in use", printInfo},
+         "show the depot, user, workspace and configuration file in use",
+         "With --json, one JSON object.\nExample: hbdepot info", printInfo},
         {{"sync"}, Needs::Session, {{}, {"-f", "--force"}, 0, kAny}, "sync [-f] [FILE...]",
-         "get the head revisions of the files, of all when none named (-f: overwrite writable files)", syncFiles},
+         "get the head revisions of the files, of all when none named (-f: overwrite writable files)",
+         "  -f, --force   overwrite writable files that hold local changes (otherwise they are kept and\n"
+         "                named: \"Can't clobber writable file ...\", exit status 1)\n"
+         "Prints each file written, then \"updated N, deleted M\" (what was written, not more).\n"
+         "Example: hbdepot sync art/ship.kel",
+         syncFiles},
         {{"edit"}, Needs::Session, {{"-c"}, {}, 1, kAny}, "edit [-c CHANGE] FILE...", "open files for edit",
+         "  -c CHANGE   open them in this pending changelist (default: the default one)\n"
+         "Makes the files writable. All files are opened, or none.\nExample: hbdepot edit -c 4 ship.kel",
          editFiles},
         {{"add"}, Needs::Session, {{"-c"}, {}, 1, kAny}, "add [-c CHANGE] FILE...", "open new files for add",
+         "  -c CHANGE   open them in this pending changelist (default: the default one)\n"
+         "Example: hbdepot add ship.kel sail.kel",
          addFiles},
         {{"delete"}, Needs::Session, {{"-c"}, {}, 1, kAny}, "delete [-c CHANGE] FILE...",
-         "open files for delete (removes the local copies)", deleteFiles},
+         "open files for delete (removes the local copies)",
+         "  -c CHANGE   open them in this pending changelist (default: the default one)\n"
+         "Example: hbdepot delete old.kel",
+         deleteFiles},
         {{"revert"}, Needs::Session, {{}, {"-a"}, 0, kAny}, "revert [-a] FILE...",
-         "discard opened files' changes (-a: only unchanged edits; every file when none named)", revertFiles},
+         "discard opened files' changes (-a: only unchanged edits; every file when none named)",
+         "  -a   revert only files opened for edit whose content is unchanged; every such file when\n"
+         "       none is named\n"
+         "Edits and deletes get the workspace's revision back, read-only; an add stays as it is.\n"
+         "Example: hbdepot revert -a",
+         revertFiles},
         {{"reopen"}, Needs::Session, {{"-c"}, {}, 1, kAny}, "reopen [-c CHANGE] FILE...",
-         "move opened files to another pending changelist (default: the default one)", reopenFiles},
+         "move opened files to another pending changelist (default: the default one)",
+         "  -c CHANGE   the pending changelist to move them to (default: the default one)\n"
+         "Example: hbdepot reopen -c 5 ship.kel",
+         reopenFiles},
         {{"lock"}, Needs::Session, {{}, {}, 1, kAny}, "lock FILE...", "lock opened files against other users",
-         lockFiles},
+         "Example: hbdepot lock ship.kel", lockFiles},
         {{"unlock"}, Needs::Session, {{}, {}, 1, kAny}, "unlock FILE...", "release the locks of opened files",
-         unlockFiles},
+         "Example: hbdepot unlock ship.kel", unlockFiles},
         {{"opened"}, Needs::Session, {{}, {"-a"}, 0, 0}, "opened [-a]",
-         "list this workspace's opened files (-a: every workspace's)", printOpened},
+         "list this workspace's opened files (-a: every workspace's)",
+         "  -a   list the opened files of every workspace\nExample: hbdepot opened -a", printOpened},
         {{"change"}, Needs::Session, {{"-c", "-d"}, {}, 0, 1}, "change [-c CHANGE] DESCRIPTION | -d CHANGE",
          "create a pending changelist and print its number (-c: describe one anew; -d: delete an empty one)",
+         "  -c CHANGE   give this pending changelist the new description instead\n"
+         "  -d CHANGE   delete this pending changelist, which must be empty\n"
+         "The new number is printed even with -q.\nExample: hull=$(hbdepot change \"a longer hull\")",
          changeChangelist},
         {{"changes"}, Needs::Session, {{"-s", "-m", "-u"}, {}, 0, 0}, "changes [-s pending|submitted] [-m N] [-u USER]",
-         "list changelists, newest first (default: pending; -m: the newest N; -u: of one user)", printChanges},
+         "list changelists, newest first (default: pending; -m: the newest N; -u: of one user)",
+         "  -s pending|submitted   which changelists (default: this workspace's pending ones)\n"
+         "  -m N                   only the newest N\n"
+         "  -u USER                only those of USER\n"
+         "Example: hbdepot changes -s submitted -m 10 -u alice",
+         printChanges},
         {{"describe"}, Needs::Session, {{}, {}, 1, 1}, "describe CHANGE",
-         "show a changelist, its date and its files ('default' too)", printDescription},
+         "show a changelist, its date and its files ('default' too)", "Example: hbdepot describe 12",
+         printDescription},
         {{"submit"}, Needs::Session, {{"-c", "-d"}, {}, 0, 0}, "submit [-c CHANGE] [-d DESCRIPTION]",
-         "submit a changelist (default: the default one)", submitChange},
+         "submit a changelist (default: the default one)",
+         "  -c CHANGE        submit this pending changelist (default: the default one)\n"
+         "  -d DESCRIPTION   the description (needed for the default changelist)\n"
+         "Example: hbdepot submit -d \"first ship\"",
+         submitChange},
         {{"status"}, Needs::Session, {{}, {}, 1, kAny}, "status FILE...",
-         "print each file's status in words, its changelist and who holds it", printStatus},
+         "print each file's status in words, its changelist and who holds it",
+         "'hbdepot help' lists the status words; --json adds the hexadecimal word.\n"
+         "Example: hbdepot status ship.kel sail.kel",
+         printStatus},
     };
     return table;
 }
@@ -185,14 +200,31 @@ void printCommandUsage(std::ostream& out, const Command& command)
     out << "Usage: hbdepot [OPTIONS] " << command.usage << "\n" << command.summary << "\n";
 }
 
+void printCommandHelp(std::ostream& out, const Command& command)
+{
+    printCommandUsage(out, command);
+    out << command.details << "\n(hbdepot help lists the OPTIONS every command takes.)\n";
+}
+
+// A group of commands ("user", "workspace") given without a sub-command it has: which ones it has.
+std::string subCommandsOf(const std::string& group)
+{
+    std::string names;
+    for (const Command& command : commands()) {
+        if (command.name.size() > 1 && command.name.front() == group)
+            names += (names.empty() ? "" : ", ") + command.name[1];
+    }
+    return names;
+}
+
 }  // namespace
 
 void printUsage(std::ostream& out)
 {
     out << "Usage: hbdepot [OPTIONS] COMMAND [ARGUMENTS]\n"
            "Sets up, inspects and changes an embedded depot from the command line.\n\n"
-           "Options (each before the command; the environment variable, then the configuration file's\n"
-           "key used when the option is absent):\n"
+           "Options (before or after the command; the environment variable, then the configuration\n"
+           "file's key used when the option is absent):\n"
            "  -d, --depot PATH        the depot file (HBDEPOT, depot)\n"
            "  -u, --user NAME         log in as this user (HBDEPOT_USER, user)\n"
            "  -w, --workspace NAME    in this workspace (HBDEPOT_WORKSPACE, workspace)\n"
@@ -213,7 +245,7 @@ void printUsage(std::ostream& out)
            "number or 'default'):\n";
     for (const Command& command : commands())
         printUsageLine(out, command.usage, command.summary);
-    printUsageLine(out, "help [COMMAND]", "show this text, or one command's usage");
+    printUsageLine(out, "help [COMMAND]", "show this text, or one command's options and an example");
     out
         << "\nPaths: commands name files as you gave them; opened, describe, sync and revert -a name\n"
            "depot paths (//depot/...).\n"
@@ -222,7 +254,7 @@ void printUsage(std::ostream& out)
     for (std::size_t i = 0; i < legend.size(); ++i)
         out << (i % 4 == 0 ? "\n  " : ", ") << legend[i];
     out << ", 0x0 up to date\n"
-           "\nExit status: 0 done, 1 the depot refused (the reason is printed), 2 bad usage.\n";
+           "\nExit status: 0 done, 1 refused or failed (the reason is printed), 2 bad usage.\n";
 }
 
 int runCommand(CommandLine line, std::ostream& out, std::ostream& err)
@@ -231,20 +263,35 @@ int runCommand(CommandLine line, std::ostream& out, std::ostream& err)
     const std::vector<std::string> words(line.words().begin() + (helpCommand ? 1 : 0), line.words().end());
     const Command* command = findCommand(words);
     if (!command) {
-        if (helpCommand && words.empty()) {
-            printUsage(out);
+        if (words.empty()) {
+            printUsage(helpCommand ? out : err);
+            return helpCommand ? 0 : 2;
+        }
+        const std::string subCommands = subCommandsOf(words.front());
+        if (helpCommand && !subCommands.empty() && words.size() == 1) {
+            for (const Command& each : commands()) {
+                if (each.name.front() == words.front())
+                    printUsageLine(out, each.usage, each.summary);
+            }
             return 0;
         }
-        err << "hbdepot: unknown command" << (words.empty() ? "" : " '" + words.front() + "'")
-            << "; see hbdepot help\n";
+        if (subCommands.empty())
+            err << "hbdepot: unknown command '" << words.front() << "'";
+        else if (words.size() == 1 || words[1].empty() || words[1][0] == '-')
+            err << "hbdepot: missing sub-command of '" << words.front() << "' (" << subCommands << ")";
+        else
+            err << "hbdepot: unknown sub-command '" << words[1] << "' of '" << words.front() << "' (" << subCommands
+                << ")";
+        err << "; see hbdepot help\n";
         return 2;
     }
-    const std::vector<std::string> given(words.begin() + static_cast<std::ptrdiff_t>(command->name.size()), words.end());
+    std::vector<std::string> given(words.begin() + static_cast<std::ptrdiff_t>(command->name.size()), words.end());
     if (helpCommand || asksForHelp(given)) {
-        printCommandUsage(out, *command);
+        printCommandHelp(out, *command);
         return 0;
     }
     try {
+        given = line.takeOptionsAmong(given, command->syntax.options, command->syntax.flags);
         const VerbArguments args(command->syntax, given);
         if (line.depot().empty())
             throw std::invalid_argument(std::string("no depot given (-d, HBDEPOT or a ") + ConfigFile::kName +

@@ -75,7 +75,11 @@ void inferAccount(depot::Depot& depot, CommandLine& line)
     if (!line.ticket().empty() || (!line.user().empty() && !line.workspace().empty()))
         return;
     std::vector<depot::WorkspaceInfo> workspaces;
-    if (!depot.workspaces(workspaces).ok())
+    const Result listed = depot.workspaces(workspaces);
+    // Without the depot no account can be found; that it cannot be reached is the news.
+    if (listed.code == depot::code::SessionUnusable)
+        throw std::runtime_error(listed.error + " (code " + std::to_string(listed.code) + ")");
+    if (!listed.ok())
         return;
     std::error_code error;
     const std::filesystem::path here = std::filesystem::weakly_canonical(std::filesystem::current_path(error), error);
@@ -117,19 +121,23 @@ Result login(Context& c)
     if (!c.line.ticket().empty()) {
         const Result result = checkGivenTicket(c);
         if (result.ok())
-            c.out << "The ticket is valid.\n";
+            c.report() << "The ticket is valid.\n";
         return result;
     }
     requireAccount(c.line);
     const Result result = logInWithPassword(c);
     if (!result.ok())
         return result;
+    if (c.depot.readOnly())
+        return {depot::code::Failed, "The depot is read-only for you, so no session can be kept: give the password "
+                                     "to each command (--password-stdin or HBDEPOT_PASSWORD); commands that only "
+                                     "read work"};
     if (c.args.flag("-p")) {
         c.out << c.ticket << "\n";
         return result;
     }
     c.tickets.save(c.depotKey(), c.line.user(), {c.line.workspace(), c.ticket});
-    c.out << "User " << c.line.user() << " logged in to workspace " << c.line.workspace() << ".\n";
+    c.report() << "User " << c.line.user() << " logged in to workspace " << c.line.workspace() << ".\n";
     return result;
 }
 
@@ -148,7 +156,7 @@ Result logout(Context& c)
     const Result result = c.depot.logout(ticket);
     // A session that already ended needs no ending; its kept ticket is gone all the same.
     if (result.ok() || result.code == depot::code::SessionUnusable)
-        c.out << "Logged out.\n";
+        c.report() << "Logged out.\n";
     return result.code == depot::code::SessionUnusable ? Result{} : result;
 }
 

@@ -12,7 +12,7 @@ struct Context;
 
 // Where no ticket, user or workspace is given: the workspace whose root holds the current folder
 // (the deepest one; the given user's when a user is given) and its owner. Leaves the line as it
-// is when there is none.
+// is when there is none. Throws std::runtime_error when the depot cannot be reached.
 void inferAccount(depot::Depot& depot, CommandLine& line);
 
 // The session a command works in: the ticket given, else the one "login" kept for this depot

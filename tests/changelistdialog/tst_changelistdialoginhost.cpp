@@ -38,9 +38,7 @@ TEST_P(InHost, NewCreatesADepotChangeListThatTheNextDialogLists)
     EXPECT_TRUE(DataControl()->ChangeListExists(granite));
 
     const std::string longDescription(100, 'x');
-    std::string lighting;
-    std::string error;
-    ASSERT_TRUE(DataControl()->CreateChangeList(longDescription, lighting, error).IsSuccess()) << error;
+    const std::string lighting = NewChangelist(longDescription);
     Dialog second(DataControl(), QString(), {}, false, true, nullptr);
     EXPECT_EQ(comboTexts(second),
               (QStringList{"New", "Default", QString::fromStdString(granite + " Granite set"),
@@ -56,9 +54,7 @@ TEST_P(InHost, NewCreatesADepotChangeListThatTheNextDialogLists)
 
 TEST_P(InHost, AnExpiredSessionListsNothingAndKeepsTheDialogOpenOnNew)
 {
-    std::string made;
-    std::string error;
-    ASSERT_TRUE(DataControl()->CreateChangeList("made before the session expired", made, error).IsSuccess()) << error;
+    NewChangelist("made before the session expired");
     ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
     Dialog dialog(DataControl(), QString(), {}, false, true, nullptr);
     EXPECT_EQ(comboTexts(dialog), (QStringList{"New", "Default"}));

@@ -137,13 +137,19 @@ TEST_F(DepotContents, ADepotOfThePreviousFormatIsUpgradedOnItsFirstWritableOpeni
     ok(upgraded.login("bob", "bob-pw", "bob-ws", ticket));
     ok(upgraded.sync(ticket, {}));
     EXPECT_EQ(read(bobFile("shared.kel")), "v2");
-    EXPECT_EQ(count(m_depotPath, "SELECT value FROM settings WHERE key = 'schema_version'"), 3);
+    EXPECT_EQ(count(m_depotPath, "SELECT value FROM settings WHERE key = 'schema_version'"), 4);
     EXPECT_EQ(count(m_depotPath, "SELECT COUNT(*) FROM contents"), 2) << "'v1' and 'v2', each once";
 
     ok(upgraded.edit(ticket, {bobFile("ship.kel")}, ""));
     write(bobFile("ship.kel"), "scribbles");
     ok(upgraded.revert(ticket, {bobFile("ship.kel")}));
     EXPECT_EQ(read(bobFile("ship.kel")), "v1");
+    // Workspaces with a history can go; the history and the change numbers stay.
+    ok(upgraded.removeWorkspace("alice-ws"));
+    EXPECT_EQ(count(m_depotPath, "SELECT COUNT(*) FROM changes WHERE workspace = 'alice-ws'"), 2);
+    ChangelistId created;
+    ok(upgraded.createChangelist(ticket, "next", created));
+    EXPECT_EQ(created, "4");
 }
 
 }  // namespace

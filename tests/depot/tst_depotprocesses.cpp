@@ -6,6 +6,12 @@
 #include <map>
 #include <memory>
 
+#include <poll.h>
+#include <pty.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 using namespace hbrc::depot;
 namespace fs = std::filesystem;
 
@@ -42,7 +48,8 @@ public:
             environment.insert(name, value);
         process->setProcessEnvironment(environment);
         process->setWorkingDirectory(folder);
-        process->start(QStringLiteral(HBDEPOT_EXECUTABLE), arguments);
+        const QStringList command = m_runAs + QStringList{QStringLiteral(HBDEPOT_EXECUTABLE)} + arguments;
+        process->start(command.first(), command.mid(1));
         process->write(input);
         process->closeWriteChannel();
         return process;
@@ -70,8 +77,47 @@ public:
     {
         return run(QStringList{"-d", depotArgument(), "-u", "bob", "-w", "bob-ws"} + command, input);
     }
+    // hbdepot on a pseudo-terminal; each answer is typed as soon as a prompt (": ") shows.
+    ToolRun runOnTerminal(const QStringList& arguments, std::vector<std::string> answers) const
+    {
+        int terminal = -1;
+        const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+        if (child == 0) {
+            ::setenv("HBDEPOT_TICKETS", path("tickets").c_str(), 1);
+            std::vector<std::string> words{HBDEPOT_EXECUTABLE};
+            for (const QString& argument : arguments)
+                words.push_back(argument.toStdString());
+            std::vector<char*> argv;
+            for (std::string& word : words)
+                argv.push_back(word.data());
+            argv.push_back(nullptr);
+            ::execv(argv[0], argv.data());
+            ::_exit(127);
+        }
+        std::string seen;
+        std::reverse(answers.begin(), answers.end());
+        for (pollfd ready{terminal, POLLIN, 0}; ::poll(&ready, 1, 30000) > 0;) {
+            char buffer[256];
+            const ssize_t got = ::read(terminal, buffer, sizeof buffer);
+            if (got <= 0)
+                break;
+            seen.append(buffer, static_cast<std::size_t>(got));
+            if (!answers.empty() && seen.size() >= 2 && seen.compare(seen.size() - 2, 2, ": ") == 0) {
+                const std::string typed = answers.back() + "\n";
+                EXPECT_EQ(::write(terminal, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
+                answers.pop_back();
+            }
+        }
+        ::close(terminal);
+        int status = -1;
+        ::waitpid(child, &status, 0);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, QString::fromStdString(seen), {}};
+    }
     QString depotArgument() const { return QString::fromStdString(m_depotPath); }
     QString bobPath(const std::string& relative) const { return QString::fromStdString(bobFile(relative)); }
+
+    // A program and its arguments that hbdepot runs under (another user's), or none.
+    QStringList m_runAs;
 };
 
 TEST_F(DepotProcesses, EachSideSeesTheOthersChanges)
@@ -97,25 +143,34 @@ TEST_F(DepotProcesses, BadUsageIsRefusedWithTheCommandsUsage)
         {"opened", "more"}, {"describe"}, {"user", "add"},       {"user", "add", "carol", "pw", "extra"},
         {"sync", "--forse"}, {"submit", "-d", "a", "-d", "b"}, {"reopen"}, {"unlock"}, {"revert"},
         {"change", "-d", "3", "extra"}, {"change"}, {"changes", "-m", "0"}, {"-z", "xml", "opened"},
+        {}, {"user"}, {"workspace", "frob"}, {"passwd", "bob", "extra"}, {"user", "delete"},
     };
     for (const QStringList& command : badUsage) {
         const ToolRun result = run(bobArguments(command));
         EXPECT_EQ(result.exitCode, 2) << command.join(' ').toStdString() << ": " << result.errors.toStdString();
     }
     EXPECT_TRUE(run(bobArguments({"edit", "-x", "f.kel"})).errors.contains("Usage: hbdepot [OPTIONS] edit"));
+    EXPECT_TRUE(run({}).errors.startsWith("Usage: hbdepot [OPTIONS] COMMAND"));
+    EXPECT_TRUE(run({"user"}).errors.contains("missing sub-command of 'user' (add, delete)"));
     const ToolRun help = run({"help"});
     EXPECT_EQ(help.exitCode, 0);
     for (const char* verb : {"init", "user add", "workspace add", "login", "logout", "info", "sync", "edit", "add",
                              "delete", "revert", "reopen", "lock", "unlock", "opened", "change", "changes", "describe",
-                             "submit", "status", "help"})
+                             "submit", "status", "help", "passwd", "user delete", "workspace delete"})
         EXPECT_TRUE(help.output.contains(QString("\n  ") + verb + " ")) << verb << " is not listed";
     const ToolRun verbHelp = run({"sync", "--help"});
     EXPECT_EQ(verbHelp.exitCode, 0);
     EXPECT_TRUE(verbHelp.output.startsWith("Usage: hbdepot [OPTIONS] sync [-f] [FILE...]"));
+    EXPECT_TRUE(verbHelp.output.contains("  -f, --force   overwrite") && verbHelp.output.contains("\nExample: hbdepot sync"));
 }
 
 TEST_F(DepotProcesses, RefusalsSayWhyAndExitWith1)
 {
+    // bob changed his writable copy of shared.kel, which alice is about to change in the depot.
+    write(bobFile("shared.kel"), "bob's work");
+    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
+    write(aliceFile("shared.kel"), "v2");
+    ok(submit(*m_alice, m_aliceTicket, "v2"));
     ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
     // bob keeps a ticket whose session then expires: a log-in two hours later clears it from the depot.
     ASSERT_EQ(runAsBob({"--password-stdin", "login"}, "bob-pw\n").exitCode, 0);
@@ -142,6 +197,12 @@ TEST_F(DepotProcesses, RefusalsSayWhyAndExitWith1)
         {bobArguments({"change", "-d", "default"}), "The default changelist cannot be deleted."},
         {bobArguments({"unlock", bobPath("shared.kel")}), "Cannot unlock:"},
         {bobArguments({"reopen", "-c", "1", bobPath("shared.kel")}), "is not a pending changelist of workspace bob-ws"},
+        {bobArguments({"sync"}), "Can't clobber writable file " + bobPath("shared.kel")},
+        {{"-d", depotArgument(), "workspace", "delete", "alice-ws"}, "Workspace alice-ws has 1 open files"},
+        {{"-d", depotArgument(), "user", "delete", "alice"}, "User alice owns workspaces (alice-ws)"},
+        {{"-d", depotArgument(), "workspace", "add", "--create", "bob-ws", "bob", QString::fromStdString(path("again/deeper"))},
+         "Workspace bob-ws already exists."},
+        {{"-d", QString::fromStdString(path("missing.db")), "-u", "bob", "-w", "bob-ws", "opened"}, "there is no depot file"},
     };
     for (const Refusal& refusal : refusals) {
         const ToolRun result = run(refusal.arguments);
@@ -152,6 +213,14 @@ TEST_F(DepotProcesses, RefusalsSayWhyAndExitWith1)
                                  QString::fromStdString(path("nowhere"))});
     EXPECT_EQ(created.exitCode, 0) << created.errors.toStdString();
     EXPECT_TRUE(fs::is_directory(path("nowhere")));
+    EXPECT_FALSE(fs::exists(path("again"))) << "a refused workspace add leaves no folder";
+    // The new workspace's .hbdepot names the depot, owner and workspace: no HBDEPOT needed inside.
+    EXPECT_TRUE(runIn("nowhere", {"--json", "info"}).output.contains("\"workspace\":\"carol-ws\""));
+    EXPECT_EQ(runIn("nowhere", {"workspace", "delete", "carol-ws"}).exitCode, 0);
+    EXPECT_FALSE(fs::exists(path("nowhere/.hbdepot"))) << "the file named the deleted workspace";
+    EXPECT_EQ(read(bobFile("shared.kel")), "bob's work") << "the refused sync kept bob's change";
+    EXPECT_EQ(run(bobArguments({"sync", "-f"})).exitCode, 0);
+    EXPECT_EQ(read(bobFile("shared.kel")), "v2");
 }
 
 TEST_F(DepotProcesses, LoginKeepsATicketOnlyItsOwnerCanReadAndLogoutEndsIt)
@@ -176,20 +245,6 @@ TEST_F(DepotProcesses, LoginKeepsATicketOnlyItsOwnerCanReadAndLogoutEndsIt)
     EXPECT_TRUE(viaStandardInput.output.contains("//depot/ship.kel - add")) << viaStandardInput.output.toStdString();
 }
 
-TEST_F(DepotProcesses, SyncKeepsWritableChangesUntilForced)
-{
-    write(bobFile("shared.kel"), "bob's work");
-    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
-    write(aliceFile("shared.kel"), "v2");
-    ok(submit(*m_alice, m_aliceTicket, "v2"));
-    const ToolRun kept = run(bobArguments({"sync"}));
-    EXPECT_EQ(kept.exitCode, 1);
-    EXPECT_TRUE(kept.errors.contains("Can't clobber writable file " + bobPath("shared.kel"))) << kept.errors.toStdString();
-    EXPECT_EQ(read(bobFile("shared.kel")), "bob's work");
-    EXPECT_EQ(run(bobArguments({"sync", "-f"})).exitCode, 0);
-    EXPECT_EQ(read(bobFile("shared.kel")), "v2");
-}
-
 TEST_F(DepotProcesses, AReadOnlyOrDamagedDepotAnswersClearly)
 {
     fs::permissions(m_depotPath, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
@@ -198,7 +253,7 @@ TEST_F(DepotProcesses, AReadOnlyOrDamagedDepotAnswersClearly)
     EXPECT_TRUE(status.output.contains(" - up to date")) << status.output.toStdString();
     const ToolRun edit = run(bobArguments({"edit", bobPath("shared.kel")}));
     EXPECT_EQ(edit.exitCode, 1);
-    EXPECT_TRUE(edit.errors.contains("The depot is read-only")) << edit.errors.toStdString();
+    EXPECT_TRUE(edit.errors.contains("is read-only for you")) << edit.errors.toStdString();
     EXPECT_FALSE(isWritable(bobFile("shared.kel")));
 
     const std::string damaged = path("damaged.db");
@@ -262,7 +317,7 @@ TEST_F(DepotProcesses, TheAccountComesFromOptionEnvironmentFileOrFolderInThatOrd
     const ToolRun sync = runIn("bob", {"sync"});
     EXPECT_EQ(sync.output, "//depot/art/ship.kel#1 - updated\nupdated 1, deleted 0\n") << sync.errors.toStdString();
     fs::create_directories(bobFile("art"));
-    EXPECT_EQ(runIn("bob/art", {"-q", "edit", "ship.kel"}).output, "") << "-q says nothing";
+    EXPECT_EQ(runIn("bob/art", {"edit", "-q", "ship.kel"}).output, "") << "-q, also after the command, says nothing";
     const ToolRun status = runIn("bob/art", {"-z", "json", "status", "ship.kel", "../shared.kel"});
     EXPECT_EQ(status.output.toStdString(),
               "[{\"file\":\"ship.kel\",\"path\":\"" + bobFile("art/ship.kel") +
@@ -294,6 +349,90 @@ TEST_F(DepotProcesses, ChangesListNewestFirstWithDatesAndFilters)
     EXPECT_TRUE(alices.output.contains(R"("description":"alice's \"a\"\n\tsecond line")")) << alices.output.toStdString();
     const ToolRun described = run(bobArguments({"describe", "3"}));
     EXPECT_TRUE(described.output.startsWith("Change 3 by bob@bob-ws on 2023/11/1")) << described.output.toStdString();
+}
+
+TEST_F(DepotProcesses, ThePromptHidesWhatIsTypedAtOnceAndPasswdAsksTwice)
+{
+    const QStringList bob = {"-d", depotArgument(), "-u", "bob", "-w", "bob-ws"};
+    const ToolRun login = runOnTerminal(bob + QStringList{"login"}, {"bob-pw"});
+    EXPECT_EQ(login.exitCode, 0) << login.output.toStdString();
+    EXPECT_TRUE(login.output.contains("Password for bob: ") && !login.output.contains("bob-pw"))
+        << login.output.toStdString();
+    const ToolRun differ = runOnTerminal(bob + QStringList{"passwd"}, {"one", "two"});
+    EXPECT_EQ(differ.exitCode, 1);
+    EXPECT_TRUE(differ.output.contains("the two passwords differ")) << differ.output.toStdString();
+    const ToolRun passwd = runOnTerminal(bob + QStringList{"passwd"}, {"new-pw", "new-pw"});
+    EXPECT_EQ(passwd.exitCode, 0) << passwd.output.toStdString();
+    EXPECT_FALSE(passwd.output.contains("new-pw")) << passwd.output.toStdString();
+    EXPECT_EQ(runAsBob({"login", "--password-stdin"}, "new-pw\n").exitCode, 0);
+}
+
+TEST_F(DepotProcesses, AUserWhoMayOnlyReadGetsTheWritersAnswers)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "runs hbdepot as a second user (nobody), which needs root";
+    // No connection stays open, so that no side file of the write-ahead log stays either.
+    m_alice.reset();
+    m_bob.reset();
+    const auto readable = fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec |
+                          fs::perms::others_read | fs::perms::others_exec;
+    for (const std::string& folder : {path("bob"), path("")})
+        fs::permissions(folder, readable, fs::perm_options::add);
+    const QStringList asNobody = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
+    for (const QStringList& reading : std::vector<QStringList>{{"status", bobPath("shared.kel")},
+                                                               {"opened", "-a"},
+                                                               {"changes", "-s", "submitted"},
+                                                               {"describe", "1"},
+                                                               {"--json", "info"}}) {
+        m_runAs = {};
+        const ToolRun writer = run(bobArguments(reading));
+        m_runAs = asNobody;
+        const ToolRun reader = run(bobArguments(reading));
+        EXPECT_EQ(reader.exitCode, 0) << reader.errors.toStdString();
+        EXPECT_EQ(reader.output, writer.output) << reading.join(' ').toStdString();
+    }
+    const ToolRun edit = run(bobArguments({"edit", bobPath("shared.kel")}));
+    EXPECT_EQ(edit.exitCode, 1);
+    EXPECT_TRUE(edit.errors.contains("is read-only for you")) << edit.errors.toStdString();
+    fs::permissions(m_depotPath, fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_TRUE(run(bobArguments({"opened"})).errors.contains("you may not read the depot file"));
+}
+
+TEST_F(DepotProcesses, AFullDiskFailsOnlyTheFilesItHitAndOnlyInItsWorkspace)
+{
+    const std::string small = path("small");
+    fs::create_directories(small);
+    if (::geteuid() != 0 || ::mount("tmpfs", small.c_str(), "tmpfs", 0, "size=64k") != 0)
+        GTEST_SKIP() << "needs a 64 KiB file system: a tmpfs that only root may mount";
+    const std::unique_ptr<const char, void (*)(const char*)> unmount(small.c_str(),
+                                                                   [](const char* at) { ::umount2(at, MNT_DETACH); });
+    ok(m_alice->addWorkspace("small-ws", "bob", small));
+    std::vector<std::string> big;
+    for (char c = 'a'; c < 'g'; ++c) {
+        big.push_back(aliceFile(std::string(1, c) + ".bin"));
+        write(big.back(), std::string(20000, c));
+    }
+    ok(m_alice->add(m_aliceTicket, big, ""));
+    ok(submit(*m_alice, m_aliceTicket, "six files of 20 kB"));
+    const QStringList inSmall = {"-d", depotArgument(), "-u", "bob", "-w", "small-ws", "-P", "bob-pw"};
+    const ToolRun sync = run(inSmall + QStringList{"sync"});
+    const auto written = [&] { return std::distance(fs::directory_iterator(small), fs::directory_iterator()); };
+    const auto count = written();
+    EXPECT_EQ(sync.exitCode, 1);
+    EXPECT_TRUE(count > 0 && count < 7) << count;
+    EXPECT_TRUE(sync.output.contains(QString("updated %1, deleted 0").arg(count))) << sync.output.toStdString();
+    EXPECT_TRUE(sync.errors.contains(QString::fromStdString("Cannot write '" + small + "/f.bin': No space left")))
+        << sync.errors.toStdString();
+    EXPECT_FALSE(sync.errors.contains(".hbdepot-")) << "names the workspace file, not its temporary";
+
+    const ToolRun elsewhere = run(bobArguments({"edit", bobPath("shared.kel")}));
+    EXPECT_EQ(elsewhere.exitCode, 0) << elsewhere.errors.toStdString();
+    EXPECT_FALSE(elsewhere.errors.contains("waiting")) << "another workspace's steps are not its concern";
+    fs::remove(small + "/a.bin");
+    const ToolRun later = run(inSmall + QStringList{"opened"});
+    EXPECT_EQ(later.exitCode, 0);
+    EXPECT_TRUE(later.errors.contains("still waiting") && later.errors.contains("f.bin")) << later.errors.toStdString();
+    EXPECT_EQ(written(), count) << "the freed space took the next waiting file, and nothing else";
 }
 
 }  // namespace

@@ -58,7 +58,9 @@ TEST_F(PropertiesMgrTest, AFreshStoreGivesTheDefaults)
     EXPECT_FALSE(mgr->GetUserSawSourceControlDialog());
 }
 
-TEST_F(PropertiesMgrTest, SettingTheActionAlwaysStoresCheckOut)
+// Whatever action is set, "check out" is stored; a stored value the settings do not know leaves
+// the caller's value as it was.
+TEST_F(PropertiesMgrTest, SettingTheActionAlwaysStoresCheckOutAndAnUnknownOneIsNotRead)
 {
     for (Action asked : {IRevisionControlPropertiesMgr::eActionNone, IRevisionControlPropertiesMgr::eActionPrompt,
                          IRevisionControlPropertiesMgr::eActionMakeWritable}) {
@@ -67,26 +69,10 @@ TEST_F(PropertiesMgrTest, SettingTheActionAlwaysStoresCheckOut)
         ASSERT_TRUE(mgr->GetActionWhenEditingReadOnlyAsset(stored));
         EXPECT_EQ(stored, IRevisionControlPropertiesMgr::eActionCheckOut) << "asked " << asked;
     }
-}
-
-TEST_F(PropertiesMgrTest, AnUnknownStoredActionLeavesTheCallersValue)
-{
     host.prefs->SetIntPref(CHBRevisionControlPropertiesMgr::kActionKey, 7, 1);
     Action action = IRevisionControlPropertiesMgr::eActionMakeWritable;
     EXPECT_FALSE(mgr->GetActionWhenEditingReadOnlyAsset(action));
     EXPECT_EQ(action, IRevisionControlPropertiesMgr::eActionMakeWritable);
-}
-
-TEST_F(PropertiesMgrTest, AccountComesBackAsUserServerWorkspace)
-{
-    host.prefs->SetStringPref("RevControl.UserName", "alice", 1);
-    host.prefs->SetStringPref("RevControl.Workspace", "alice-ws", 1);
-    host.prefs->SetStringPref("RevControl.Server", "/depots/main.db", 1);
-    std::string first, second, third;
-    mgr->GetAccountProperties(first, second, third);
-    EXPECT_EQ(first, "alice");
-    EXPECT_EQ(second, "/depots/main.db");
-    EXPECT_EQ(third, "alice-ws");
 }
 
 TEST_F(PropertiesMgrTest, ValuesSurviveARestartOfTheStoreButTheDialogFlagDoesNot)

@@ -137,35 +137,6 @@ protected:
         const auto* error = nrk::fwk::GetParamAs<nrk::fwk::StringParam>(command, BaseScsCommand::kErrorStringParam);
         return error ? error->GetValue() : "<no ErrorString>";
     }
-    std::vector<std::string> filesOf(const std::string& asset) const
-    {
-        kel4::Set<std::string> files;
-        DataControl()->GetFiles(Asset(asset), true, kPersistence, "", files);
-        return {files.begin(), files.end()};
-    }
-    // The owner's write bit of each file: permission checks do not stop root, the bits still tell.
-    std::vector<bool> writable(const std::vector<std::string>& files) const
-    {
-        std::vector<bool> result;
-        for (const std::string& file : files)
-            result.push_back(QFileInfo(QFile::decodeName(QByteArray::fromStdString(file))).permissions() &
-                             QFile::WriteOwner);
-        return result;
-    }
-    // The status word and changelist of each file.
-    std::vector<std::pair<unsigned, std::string>> statusOf(const std::vector<std::string>& files) const
-    {
-        kel4::List<unsigned> statuses;
-        kel4::List<std::string> changelists;
-        std::string error;
-        EXPECT_EQ(FileVersionControl()->GetStatus(AliceSession(), {files.begin(), files.end()}, statuses, changelists,
-                                                  error, 0).GetCode(), 0) << error;
-        std::vector<std::pair<unsigned, std::string>> result;
-        auto changelist = changelists.begin();
-        for (const unsigned status : statuses)
-            result.emplace_back(status, *changelist++);
-        return result;
-    }
 
     AccessStateReceiver receiver;
 };
@@ -181,19 +152,17 @@ INSTANTIATE_TEST_SUITE_P(Servers, CommandsOnServers,
 
 TEST_P(CommandsOnServers, ACheckOutOpensTheFilesInTheNamedChangelistNotifiesAndIsUndoneByTheHost)
 {
-    std::string changelist;
-    std::string error;
-    ASSERT_EQ(DataControl()->CreateChangeList("level fixes", changelist, error).GetCode(), 0) << error;
+    const std::string changelist = NewChangelist("level fixes");
     const KELPtr<ScsCheckOutCommand> command(
         new ScsCheckOutCommand(library(), changelist.c_str(), accessorsOf({"Rock", "Tree"}), true));
     ASSERT_EQ(execute(*command), 0);
 
-    std::vector<std::string> files = filesOf("Rock");
-    for (const std::string& file : filesOf("Tree"))
+    kel4::List<std::string> files = FilesOf("Rock");
+    for (const std::string& file : FilesOf("Tree"))
         files.push_back(file);
     ASSERT_EQ(files.size(), 4u);  // each .kel file and its external file
-    EXPECT_THAT(statusOf(files), Each(std::pair(unsigned(kel4::eStatusCheckedOut), changelist)));
-    EXPECT_THAT(writable(files), Each(true));
+    EXPECT_THAT(StatesOf(files), Each(FileState{kel4::eStatusCheckedOut, changelist}));
+    EXPECT_THAT(Writable(files), Each(true));
     EXPECT_FALSE(StatusOf("Sky") & kel4::eStatusCheckedOut);
     EXPECT_THAT(receiver.items, ElementsAre(itemOf("Rock"), itemOf("Tree")));
 
@@ -207,42 +176,36 @@ TEST_F(CommandsOnDepot, MissingChangelistAndIncludeFlagMeanTheDefaultChangelistW
     const KELPtr<ScsCheckOutCommand> command(new ScsCheckOutCommand(library()));
     command->AddParam(borax::datamodel::UnspecifiedAccessorListParam("asset", accessorsOf({"Rock"})));
     ASSERT_EQ(execute(*command), 0);
-    EXPECT_THAT(statusOf({AlicePath("Rock.kel"), AlicePath("rock.bin")}),
-                ElementsAre(std::pair(unsigned(kel4::eStatusCheckedOut), std::string()), std::pair(0u, std::string())));
+    EXPECT_THAT(StatesOf({AlicePath("Rock.kel"), AlicePath("rock.bin")}),
+                ElementsAre(FileState{kel4::eStatusCheckedOut, ""}, FileState{}));
 }
 
 TEST_P(CommandsOnServers, AMarkForAddOpensANewAssetForAddInTheNamedChangelistAndNotifies)
 {
     CreateSavedAsset("Moss", "moss.bin");
-    std::string changelist;
-    std::string error;
-    ASSERT_EQ(DataControl()->CreateChangeList("new plants", changelist, error).GetCode(), 0) << error;
+    const std::string changelist = NewChangelist("new plants");
     const KELPtr<ScsMarkForAddCommand> command(
         new ScsMarkForAddCommand(library(), changelist.c_str(), accessorsOf({"Moss"}), true));
     ASSERT_EQ(execute(*command), 0);
-    EXPECT_THAT(statusOf(filesOf("Moss")), Each(std::pair(unsigned(kel4::eStatusMarkedForAdd), changelist)));
+    EXPECT_THAT(StatesOf(FilesOf("Moss")), Each(FileState{kel4::eStatusMarkedForAdd, changelist}));
     EXPECT_THAT(receiver.items, ElementsAre(itemOf("Moss")));
 }
 
-TEST_P(CommandsOnServers, ACheckOutOfAnAssetBobHoldsOpensNothingAndNamesHim)
+// A refused check-out (bob holds Tree; then an expired session) opens nothing and notifies nobody.
+TEST_P(CommandsOnServers, ARefusedCheckOutOpensNothingNotifiesNobodyAndSaysWhy)
 {
     BobExpects(Bob().edit(BobTicket(), BobFilesOf("Tree"), ""));
-    const KELPtr<ScsCheckOutCommand> command(new ScsCheckOutCommand(library(), "", accessorsOf({"Rock", "Tree"}), true));
-    EXPECT_EQ(execute(*command), kel4::kResultFailed);
-    EXPECT_NE(errorOf(*command).find("bob"), std::string::npos) << errorOf(*command);
-    EXPECT_TRUE(receiver.items.empty());
+    const KELPtr<ScsCheckOutCommand> held(new ScsCheckOutCommand(library(), "", accessorsOf({"Rock", "Tree"}), true));
+    EXPECT_EQ(execute(*held), kel4::kResultFailed);
+    EXPECT_NE(errorOf(*held).find("bob"), std::string::npos) << errorOf(*held);
     EXPECT_FALSE(StatusOf("Rock") & kel4::eStatusCheckedOut) << "all or nothing";
-    EXPECT_THAT(writable(filesOf("Rock")), Each(false));
-}
 
-TEST_P(CommandsOnServers, ACheckOutInAnExpiredSessionFailsWithoutNotifying)
-{
     ASSERT_EQ(services.ExpireSessionNow().GetCode(), 0);
-    const KELPtr<ScsCheckOutCommand> command(new ScsCheckOutCommand(library(), "", accessorsOf({"Rock"}), false));
-    EXPECT_EQ(execute(*command), kel4::kResultSessionUnusable);
-    EXPECT_NE(errorOf(*command), "");
+    const KELPtr<ScsCheckOutCommand> expired(new ScsCheckOutCommand(library(), "", accessorsOf({"Rock"}), false));
+    EXPECT_EQ(execute(*expired), kel4::kResultSessionUnusable);
+    EXPECT_NE(errorOf(*expired), "");
     EXPECT_TRUE(receiver.items.empty());
-    EXPECT_THAT(writable(filesOf("Rock")), Each(false));
+    EXPECT_THAT(Writable(FilesOf("Rock")), Each(false));
 }
 
 TEST_F(CommandsOnDepot, AMakeWritableWithoutExternalFilesWritesEachAssetAndNotifies)
@@ -250,15 +213,15 @@ TEST_F(CommandsOnDepot, AMakeWritableWithoutExternalFilesWritesEachAssetAndNotif
     const KELPtr<ScsMakeWritableCommand> command(
         new ScsMakeWritableCommand(library(), accessorsOf({"Rock", "Sky"}), false));
     EXPECT_EQ(execute(*command), 0);
-    EXPECT_THAT(writable({AlicePath("Rock.kel"), AlicePath("Sky.kel"), AlicePath("rock.bin")}),
+    EXPECT_THAT(Writable({AlicePath("Rock.kel"), AlicePath("Sky.kel"), AlicePath("rock.bin")}),
                 ElementsAre(true, true, false));
     EXPECT_THAT(receiver.items, ElementsAre(itemOf("Rock"), itemOf("Sky")));
 }
 
 TEST_F(CommandsOnDepot, AMakeWritableWhoseSecondAssetFailsLeavesTheThirdAndStillNotifies)
 {
-    const std::vector<std::string> rock = filesOf("Rock");
-    const std::vector<std::string> sky = filesOf("Sky");
+    const auto rock = FilesOf("Rock");
+    const auto sky = FilesOf("Sky");
     // tree.bin becomes a read-only entry whose mode nobody may change, not even root.
     const QString tree = QString::fromStdString(AlicePath("tree.bin"));
     const QString unchangeable = QStringLiteral("/proc/sys/kernel/osrelease");
@@ -270,8 +233,8 @@ TEST_F(CommandsOnDepot, AMakeWritableWhoseSecondAssetFailsLeavesTheThirdAndStill
         new ScsMakeWritableCommand(library(), accessorsOf({"Rock", "Tree", "Sky"}), true));
     EXPECT_EQ(execute(*command), kel4::kResultFailed);
     EXPECT_NE(errorOf(*command).find("tree.bin"), std::string::npos) << errorOf(*command);
-    EXPECT_THAT(writable(rock), Each(true));
-    EXPECT_THAT(writable(sky), Each(false));
+    EXPECT_THAT(Writable(rock), Each(true));
+    EXPECT_THAT(Writable(sky), Each(false));
     EXPECT_EQ(receiver.items.size(), 3u);
 }
 
@@ -295,7 +258,7 @@ TEST_F(CommandsOnDepot, AnItemWhoseObjectIsGoneOrAMissingDatabaseStopsEveryComma
     EXPECT_EQ(execute(*withoutAssets), std::nullopt);
     EXPECT_EQ(host->Commands().GetUndoCount(), 0u);
     EXPECT_TRUE(receiver.items.empty());
-    EXPECT_THAT(writable(filesOf("Rock")), Each(false));
+    EXPECT_THAT(Writable(FilesOf("Rock")), Each(false));
     EXPECT_EQ(StatusOf("Rock") & (kel4::eStatusCheckedOut | kel4::eStatusMarkedForAdd), 0u);
 }
 

@@ -20,6 +20,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 
 using namespace hbrc::test;
@@ -59,13 +60,6 @@ protected:
         DepotHostFixture::TearDown();
     }
 
-    ObjectList assets(std::initializer_list<const char*> names) const
-    {
-        ObjectList objects;
-        for (const char* name : names)
-            objects.push_back(Asset(name));
-        return objects;
-    }
     void storeAction(Settings::ActionWhenEditingReadOnlyAsset action, const std::string& changelist = {})
     {
         host->Preferences().SetIntPref(kActionKey, action, 1);
@@ -84,46 +78,24 @@ protected:
         return prompt;
     }
     void setPromptForChangeList(bool prompt) { host->Preferences().SetBoolPref(kPromptKey, prompt, 1); }
-    std::string newChangeList(const std::string& description)
-    {
-        std::string changelist, error;
-        EXPECT_EQ(DataControl()->CreateChangeList(description, changelist, error).GetCode(), 0) << error;
-        return changelist;
-    }
     // Alice checks Tree out into changelist and submits it: the changelist is gone.
     void submitTreeIn(const std::string& changelist)
     {
         AliceChecksOut("Tree", changelist);
-        std::string error;
-        const kelResult submitted = services.connection->Run(
-            AliceSession(),
-            [&](hbrc::host::RevisionServer& depot, const std::string& ticket, const hbrc::depot::CancelCheck&) {
-                hbrc::depot::ChangelistId number;
-                return depot.submit(ticket, changelist, "tree fixes", number);
-            },
-            error);
-        ASSERT_EQ(submitted.GetCode(), 0) << error;
+        AliceSubmits("tree fixes", changelist);
     }
     // Where alice has each file of the asset open: its changelist, or "-" when it is not open.
     std::vector<std::string> openedIn(const std::string& asset) const
     {
-        const kel4::List<std::string> files = FilesOf(asset);
-        kel4::List<unsigned> statuses;
-        kel4::List<std::string> changelists;
-        std::string error;
-        EXPECT_EQ(FileVersionControl()->GetStatus(AliceSession(), files, statuses, changelists, error, 0).GetCode(), 0);
         std::vector<std::string> where;
-        auto changelist = changelists.begin();
-        for (auto status = statuses.begin(); status != statuses.end(); ++status, ++changelist)
-            where.push_back(*status & kel4::eStatusCheckedOut ? *changelist : "-");
+        for (const FileState& state : StatesOf(FilesOf(asset)))
+            where.push_back(state.status & kel4::eStatusCheckedOut ? state.changelist : "-");
         return where;
     }
     bool writable(const std::string& asset) const
     {
-        for (const std::string& file : FilesOf(asset))
-            if (!(QFileInfo(QFile::decodeName(QByteArray::fromStdString(file))).permissions() & QFile::WriteOwner))
-                return false;
-        return true;
+        const std::vector<bool> files = Writable(FilesOf(asset));
+        return std::find(files.begin(), files.end(), false) == files.end();
     }
     void bobEdits(const std::string& asset) { BobExpects(Bob().edit(BobTicket(), BobFilesOf(asset), "")); }
     void bobReverts(const std::string& asset) { BobExpects(Bob().revert(BobTicket(), BobFilesOf(asset))); }
@@ -200,7 +172,7 @@ TEST_P(EditFlowsOnServers, BobHoldsRockAliceChecksOutIntoANewChangeListAndRetrie
         pressMessageBoxButton(box, QMessageBox::Retry);
     });
 
-    EXPECT_TRUE(canEdit(assets({"Rock", "Sky"})));
+    EXPECT_TRUE(canEdit(Assets({"Rock", "Sky"})));
 
     kel4::List<std::string> pending;
     std::string error;
@@ -233,14 +205,14 @@ TEST_P(StoredAction, DecidesWithoutAskingOrAsks)
     const StoredCase& row = GetParam();
     std::string changelist;
     if (row.changelist != StoredCase::DefaultChangeList)
-        changelist = newChangeList("kept for check-outs");
+        changelist = NewChangelist("kept for check-outs");
     if (row.changelist == StoredCase::SubmittedChangeList)
         submitTreeIn(changelist);
     storeAction(row.action, changelist);
     if (row.prompt)
         driver.expect("prompt", answerPrompt(*row.prompt));
 
-    EXPECT_EQ(canEdit(assets({"Rock"}), row.allowMakeWritable), row.canEdit);
+    EXPECT_EQ(canEdit(Assets({"Rock"}), row.allowMakeWritable), row.canEdit);
 
     EXPECT_THAT(openedIn("Rock"), Each(row.checkedOut ? changelist : "-"));
     EXPECT_EQ(writable("Rock"), row.writable);
@@ -270,18 +242,18 @@ TEST_F(EditFlows, PromptChoicesKeptWithDontShowAgainDecideTheNextQuestion)
 {
     storeAction(Settings::eActionPrompt);
     driver.expect("prompt", answerPrompt({"Make Writable", {}, true}));
-    EXPECT_TRUE(canEdit(assets({"Sky"})));
+    EXPECT_TRUE(canEdit(Assets({"Sky"})));
     EXPECT_TRUE(writable("Sky"));
     EXPECT_THAT(openedIn("Sky"), Each("-"));
     // The settings keep "check out" whatever action they are given, with the changelist kept
     // before (none: the default one): the next question checks out without a dialog.
     EXPECT_EQ(storedAction(), Settings::eActionCheckOut);
-    EXPECT_TRUE(canEdit(assets({"Tree"})));
+    EXPECT_TRUE(canEdit(Assets({"Tree"})));
     EXPECT_THAT(openedIn("Tree"), Each(""));
 
     storeAction(Settings::eActionPrompt);
     driver.expect("prompt", answerPrompt({"Check Out", "always here", true}));
-    EXPECT_TRUE(canEdit(assets({"Rock"})));
+    EXPECT_TRUE(canEdit(Assets({"Rock"})));
     std::string kept;
     settings.GetChangeListToUseWhenAutoCheckingOut(kept);
     EXPECT_THAT(openedIn("Rock"), Each(kept));
@@ -294,42 +266,44 @@ TEST_F(EditFlows, ContinueAnswersTheSameQuestionUntilItChanges)
 {
     storeAction(Settings::eActionPrompt);
     driver.expect("prompt", answerPrompt({"Continue"}));
-    EXPECT_TRUE(canEdit(assets({"Rock", "Sky"})));
+    EXPECT_TRUE(canEdit(Assets({"Rock", "Sky"})));
     EXPECT_EQ(driver.answered(), 1);
-    EXPECT_TRUE(canEdit(assets({"Rock", "Sky"}))) << "the same work list: no dialog";
+    EXPECT_TRUE(canEdit(Assets({"Rock", "Sky"}))) << "the same work list: no dialog";
     EXPECT_EQ(driver.answered(), 1);
 
     driver.expect("prompt", answerPrompt({"Cancel"}));
-    EXPECT_FALSE(canEdit(assets({"Sky", "Rock"}))) << "another order asks again";
+    EXPECT_FALSE(canEdit(Assets({"Sky", "Rock"}))) << "another order asks again";
     driver.expect("prompt", answerPrompt({"Continue"}));
-    EXPECT_TRUE(canEdit(assets({"Rock", "Sky"}))) << "the cancelled question forgot the Continue";
+    EXPECT_TRUE(canEdit(Assets({"Rock", "Sky"}))) << "the cancelled question forgot the Continue";
     EXPECT_EQ(driver.answered(), 3);
     EXPECT_THAT(openedIn("Rock"), Each("-"));
 }
 
-// An expired session: the check-out asks for the password; accepted, it checks out; refused, the
-// user is asked what to do instead.
-TEST_P(EditFlowsOnServers, AnExpiredSessionIsReopenedWithThePasswordTheUserTypes)
+// An expired session: every check-out asks for the password. Left closed, the editability question
+// brings the prompt and a check-out of several assets ends at the first; given, the check-out goes on.
+TEST_P(EditFlowsOnServers, AnExpiredSessionIsReopenedOnlyWithThePasswordTheUserTypes)
 {
     storeAction(Settings::eActionCheckOut);
+    setPromptForChangeList(false);
     ASSERT_EQ(services.ExpireSessionNow().GetCode(), 0);
+    driver.expect("password", [](QWidget* w) { click(*w, "Cancel"); });
+    driver.expect("prompt", answerPrompt({"Cancel"}));
+    EXPECT_FALSE(canEdit(Assets({"Rock"})));
+    EXPECT_FALSE(writable("Rock"));
+
+    driver.expect("password", [](QWidget* w) { click(*w, "Cancel"); });
+    bool cancelled = true;
+    EXPECT_FALSE(helper.CheckOutObjects(Assets({"Rock", "Sky"}), cancelled, true));
+    EXPECT_FALSE(cancelled);
+    EXPECT_EQ(driver.seenTitles().size(), 3) << "no box, no second asset";
+
     driver.expect("password", [](QWidget* w) {
         EXPECT_EQ(w->windowTitle(), "Data Source Password Required");
         QTest::keyClicks(w->findChild<QLineEdit*>(), "alice-pw");
         click(*w, "Ok");
     });
-    EXPECT_TRUE(canEdit(assets({"Rock"})));
+    EXPECT_TRUE(canEdit(Assets({"Rock"})));
     EXPECT_THAT(openedIn("Rock"), Each(""));
-}
-
-TEST_F(EditFlows, AnExpiredSessionLeftClosedBringsThePrompt)
-{
-    storeAction(Settings::eActionCheckOut);
-    ASSERT_EQ(services.ExpireSessionNow().GetCode(), 0);
-    driver.expect("password", [](QWidget* w) { click(*w, "Cancel"); });
-    driver.expect("prompt", answerPrompt({"Cancel"}));
-    EXPECT_FALSE(canEdit(assets({"Rock"})));
-    EXPECT_FALSE(writable("Rock"));
 }
 
 TEST_F(EditFlows, IgnoreEditsDespiteAFailureAndCancelRefuses)
@@ -337,9 +311,9 @@ TEST_F(EditFlows, IgnoreEditsDespiteAFailureAndCancelRefuses)
     bobEdits("Rock");
     storeAction(Settings::eActionCheckOut);
     driver.expectMessageBox("Checkout Error", QMessageBox::Ignore, "bob");
-    EXPECT_TRUE(canEdit(assets({"Rock"})));
+    EXPECT_TRUE(canEdit(Assets({"Rock"})));
     driver.expectMessageBox("Checkout Error", QMessageBox::Cancel, "bob");
-    EXPECT_FALSE(canEdit(assets({"Rock"})));
+    EXPECT_FALSE(canEdit(Assets({"Rock"})));
     EXPECT_THAT(openedIn("Rock"), Each("-"));
 }
 
@@ -363,7 +337,7 @@ TEST_F(BatchEditFlows, APromptChecksOutIntoTheDefaultChangeListRetryingWithGrowi
         if (waitNumber == 3)
             bobReverts("Rock");
     };
-    EXPECT_TRUE(canEdit(assets({"Rock", "Sky"})));
+    EXPECT_TRUE(canEdit(Assets({"Rock", "Sky"})));
     EXPECT_THAT(waits, ElementsAre(500ms, 1000ms, 2000ms));
     const auto entries = log.TextsOfType(Log::eError);
     ASSERT_EQ(entries.size(), 3u);
@@ -378,7 +352,7 @@ TEST_F(BatchEditFlows, CheckOutObjectsUsesTheDefaultChangeListAndLogsEachFailure
     setPromptForChangeList(true);
     bobEdits("Tree");
     bool cancelled = true;
-    EXPECT_FALSE(helper.CheckOutObjects(assets({"Rock", "Tree", "Sky"}), cancelled, true));
+    EXPECT_FALSE(helper.CheckOutObjects(Assets({"Rock", "Tree", "Sky"}), cancelled, true));
     EXPECT_FALSE(cancelled);
     EXPECT_THAT(openedIn("Rock"), Each(""));
     EXPECT_THAT(openedIn("Tree"), Each("-"));
@@ -399,7 +373,7 @@ TEST_F(EditFlows, EachCheckedOutAssetIsItsOwnUndoStep)
     auto& commands = host->Commands();
     const std::size_t stepsBefore = commands.GetUndoCount();
     bool cancelled = true;
-    EXPECT_TRUE(helper.CheckOutObjects(assets({"Rock", "Sky"}), cancelled, false));
+    EXPECT_TRUE(helper.CheckOutObjects(Assets({"Rock", "Sky"}), cancelled, false));
     EXPECT_FALSE(cancelled);
     EXPECT_THAT(openedIn("Rock"), ElementsAre("", "-")) << "without external files";
     EXPECT_THAT(openedIn("Sky"), Each(""));
@@ -429,31 +403,18 @@ TEST_F(EditFlows, AFailedAssetIsReportedWithRetryAndTheOthersAreStillCheckedOut)
         pressMessageBoxButton(box, QMessageBox::Ok);
     });
     bool cancelled = true;
-    EXPECT_FALSE(helper.CheckOutObjects(assets({"Rock", "Tree", "Sky"}), cancelled, true));
+    EXPECT_FALSE(helper.CheckOutObjects(Assets({"Rock", "Tree", "Sky"}), cancelled, true));
     EXPECT_FALSE(cancelled);
     EXPECT_THAT(openedIn("Rock"), Each(""));
     EXPECT_THAT(openedIn("Tree"), Each("-"));
     EXPECT_THAT(openedIn("Sky"), Each(""));
 }
 
-TEST_F(EditFlows, CheckOutIsCancelledByTheDialogOrWhenRevisionControlIsOff)
+// The check-out is cancelled by the changelist dialog, which comes back when the changelist kept
+// for check-outs was submitted meanwhile, and at once when revision control is off.
+TEST_P(EditFlowsOnServers, CheckOutIsCancelledByTheDialogOrWhenRevisionControlIsOff)
 {
-    setPromptForChangeList(true);
-    driver.expect("changelist", [](QWidget* w) { click(*w, "Cancel"); });
-    bool cancelled = false;
-    EXPECT_FALSE(helper.CheckOutObjects(assets({"Rock"}), cancelled, true));
-    EXPECT_TRUE(cancelled);
-
-    host->Preferences().SetBoolPref(CHBRevisionControlPropertiesMgr::kUseSourceDataControlKey, false, 1);
-    cancelled = false;
-    EXPECT_FALSE(helper.CheckOutObjects(assets({"Rock"}), cancelled, true));
-    EXPECT_TRUE(cancelled);
-    EXPECT_THAT(openedIn("Rock"), Each("-"));
-}
-
-TEST_P(EditFlowsOnServers, AKeptChangeListSubmittedMeanwhileTurnsPromptingBackOn)
-{
-    const std::string kept = newChangeList("kept for check-outs");
+    const std::string kept = NewChangelist("kept for check-outs");
     host->Preferences().SetStringPref(kChangeListKey, kept, 1);
     setPromptForChangeList(false);
     submitTreeIn(kept);
@@ -462,27 +423,22 @@ TEST_P(EditFlowsOnServers, AKeptChangeListSubmittedMeanwhileTurnsPromptingBackOn
         click(*w, "Cancel");
     });
     bool cancelled = false;
-    EXPECT_FALSE(helper.CheckOutObjects(assets({"Rock"}), cancelled, true));
+    EXPECT_FALSE(helper.CheckOutObjects(Assets({"Rock"}), cancelled, true));
     EXPECT_TRUE(cancelled);
     EXPECT_TRUE(promptForChangeList());
-}
 
-TEST_F(EditFlows, AnExpiredSessionLeftClosedEndsTheCheckOutAtTheFirstAsset)
-{
-    setPromptForChangeList(false);
-    ASSERT_EQ(services.ExpireSessionNow().GetCode(), 0);
-    driver.expect("password", [](QWidget* w) { click(*w, "Cancel"); });
-    bool cancelled = true;
-    EXPECT_FALSE(helper.CheckOutObjects(assets({"Rock", "Sky"}), cancelled, true));
-    EXPECT_FALSE(cancelled);
-    EXPECT_EQ(driver.seenTitles(), QStringList{"Data Source Password Required"}) << "no box, no second asset";
+    host->Preferences().SetBoolPref(CHBRevisionControlPropertiesMgr::kUseSourceDataControlKey, false, 1);
+    cancelled = false;
+    EXPECT_FALSE(helper.CheckOutObjects(Assets({"Rock"}), cancelled, true));
+    EXPECT_TRUE(cancelled);
+    EXPECT_THAT(openedIn("Rock"), Each("-"));
 }
 
 TEST_F(EditFlows, ARefusedCommandIsReportedAsSuch)
 {
     host->System().UnregisterSingleton("UndoManager");
     std::string errorString = "kept", message, details = "kept";
-    const kelResult result = helper.CheckOutObjectsInChangelist(DataControl(), assets({"Rock"}), true, "", errorString,
+    const kelResult result = helper.CheckOutObjectsInChangelist(DataControl(), Assets({"Rock"}), true, "", errorString,
                                                                 message, details);
     EXPECT_TRUE(result.IsFailure());
     EXPECT_EQ(message, "Could not execute command: Unknown error");
@@ -490,15 +446,12 @@ TEST_F(EditFlows, ARefusedCommandIsReportedAsSuch)
     ASSERT_TRUE(host->System().RegisterSingleton("UndoManager", &host->Commands()));
 }
 
-TEST_F(EditFlows, MakeObjectWritableWritesTheFilesWithoutCheckingOut)
+TEST_F(EditFlows, MakeObjectWritableWritesTheFilesWithoutCheckingOutAndShowsAFailureOnce)
 {
     EXPECT_TRUE(helper.MakeObjectWritable(Asset("Rock"), true));
     EXPECT_TRUE(writable("Rock"));
     EXPECT_THAT(openedIn("Rock"), Each("-"));
-}
 
-TEST_F(EditFlows, AFailedMakeWritableIsShownOnceWithTheFiles)
-{
     // tree.bin becomes a read-only entry whose mode nobody may change, not even root.
     const QString unchangeable = QStringLiteral("/proc/sys/kernel/osrelease");
     if (!QFileInfo::exists(unchangeable))

@@ -41,12 +41,10 @@ protected:
     }
     std::vector<unsigned> statusesOf(const std::string& asset) const
     {
-        const kel4::List<std::string> files = FilesOf(asset);
-        kel4::List<unsigned> statuses;
-        kel4::List<std::string> changelists;
-        std::string error;
-        FileVersionControl()->GetStatus(AliceSession(), files, statuses, changelists, error, 0);
-        return {statuses.begin(), statuses.end()};
+        std::vector<unsigned> statuses;
+        for (const FileState& state : StatesOf(FilesOf(asset)))
+            statuses.push_back(state.status);
+        return statuses;
     }
 
     CHBRevisionControlPropertiesMgr settings;
@@ -59,9 +57,7 @@ protected:
 TEST_F(MarkForAdd, OpensTheNewFilesInTheChangelistAsOneUndoStep)
 {
     const KELHandle<IDbObject> fern = CreateSavedAsset("Fern", "fern.bin");
-    std::string changelist;
-    std::string error;
-    ASSERT_TRUE(DataControl()->CreateChangeList("ferns", changelist, error).IsSuccess()) << error;
+    const std::string changelist = NewChangelist("ferns");
     const std::size_t undoSteps = host->Commands().GetUndoCount();
 
     EXPECT_EQ(markForAdd({fern}, changelist).GetCode(), kel4::kResultSuccess);
@@ -119,10 +115,19 @@ TEST_F(MarkForAdd, ARefusalNamesTheUserWhoAddedTheSameFileFirst)
     EXPECT_EQ(details, "Files:\n" + FilesOf("Fern").front() + "\n");
 }
 
-TEST_F(MarkForAdd, AnExpiredSessionIsReopenedOnceWhenTheUserGivesThePassword)
+// An expired session: a batch run fails with the session's code; with a window the password is
+// asked for once, and the files are marked.
+TEST_F(MarkForAdd, AnExpiredSessionFailsABatchRunAndIsReopenedOnceWhenTheUserGivesThePassword)
 {
     const KELHandle<IDbObject> fern = CreateSavedAsset("Fern");
     ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
+    {
+        DialogDriver driver;  // expects nothing: a batch run asks nothing
+        EXPECT_EQ(markForAdd({fern}).GetCode(), kel4::kResultSessionUnusable);
+        EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString();
+        EXPECT_EQ(message.rfind("Cannot mark-for-add the assets\nCannot connect to source control.\n", 0), 0u) << message;
+        EXPECT_FALSE(errorString.empty());
+    }
     const auto window = std::make_unique<QWidget>();
     DialogDriver driver;
     driver.expect("password", [](QWidget* dialog) {
@@ -133,17 +138,6 @@ TEST_F(MarkForAdd, AnExpiredSessionIsReopenedOnceWhenTheUserGivesThePassword)
     EXPECT_EQ(markForAdd({fern}).GetCode(), kel4::kResultSuccess);
     EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString();
     EXPECT_EQ(statusesOf("Fern"), std::vector<unsigned>{kel4::eStatusMarkedForAdd});
-}
-
-TEST_F(MarkForAdd, ABatchRunWithAnExpiredSessionFailsWithTheSessionCode)
-{
-    const KELHandle<IDbObject> fern = CreateSavedAsset("Fern");
-    ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
-    DialogDriver driver;  // expects nothing: a batch run asks nothing
-    EXPECT_EQ(markForAdd({fern}).GetCode(), kel4::kResultSessionUnusable);
-    EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString();
-    EXPECT_EQ(message.rfind("Cannot mark-for-add the assets\nCannot connect to source control.\n", 0), 0u) << message;
-    EXPECT_FALSE(errorString.empty());
 }
 
 }  // namespace

@@ -19,7 +19,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -181,14 +180,6 @@ public:
     }
 
     // --- what became of an edit -----------------------------------------------------------------------
-    std::string KelFileOf(const std::string& asset) const
-    {
-        for (const std::string& file : FilesOf(asset)) {
-            if (QFileInfo(QString::fromStdString(file)).suffix() == QStringLiteral("kel"))
-                return file;
-        }
-        return {};
-    }
     bool OnDiskWith(const std::string& asset, const std::string& value) const
     {
         QFile file(QFile::decodeName(QByteArray::fromStdString(KelFileOf(asset))));
@@ -202,30 +193,7 @@ public:
         const auto field = fields.find(kField);
         return workspace->Model().IsDirty(object) && field != fields.end() && field->second == value;
     }
-    bool ReadOnlyOnDisk(const std::string& asset) const
-    {
-        // The owner's write bit: permission checks do not stop root, the bits still tell.
-        for (const std::string& file : FilesOf(asset)) {
-            if (QFileInfo(QFile::decodeName(QByteArray::fromStdString(file))).permissions() & QFile::WriteOwner)
-                return false;
-        }
-        return true;
-    }
-
     // --- revision state --------------------------------------------------------------------------------
-    struct FileState {
-        unsigned status = 0;
-        std::string changelist;
-    };
-    FileState StateOfFile(const std::string& path) const
-    {
-        kel4::List<unsigned> statuses;
-        kel4::List<std::string> changelists;
-        std::string error;
-        EXPECT_EQ(FileVersionControl()->GetStatus(AliceSession(), {path}, statuses, changelists, error, 0).GetCode(), 0)
-            << error;
-        return statuses.empty() ? FileState{} : FileState{statuses.front(), changelists.front()};
-    }
     // Bob opens every file of the asset for edit and locks them, as from his own machine.
     void BobHolds(const std::string& asset)
     {
@@ -244,14 +212,6 @@ public:
         ASSERT_TRUE(session) << error;
         DataControl()->SetSession(session);
     }
-    std::string NewChangelist(const std::string& description) const
-    {
-        std::string changelist;
-        std::string error;
-        EXPECT_TRUE(DataControl()->CreateChangeList(description, changelist, error).IsSuccess()) << error;
-        return changelist;
-    }
-
     void ExpectDriverFinished(const DialogDriver& driver) const
     {
         EXPECT_TRUE(driver.finished()) << driver.failures().join(QLatin1Char('\n')).toStdString() << " seen: "

@@ -5,6 +5,8 @@
 
 #include <QMessageBox>
 
+#include <gmock/gmock.h>
+
 #include <cstdio>
 
 namespace {
@@ -74,7 +76,7 @@ protected:
             BobHolds(EditableAssetNames().front());
             if (interactive) {
                 driver.expect("check out", answerChangelistDialog(kBeforeSaving, {"Check Out"}));
-                driver.expectMessageBox(QStringLiteral("Checkout Error"), QMessageBox::Ok, QStringLiteral("bob"));
+                driver.expectMessageBox(QStringLiteral("Checkout Error"), QMessageBox::Ok, QStringLiteral("\nbob\n"));
                 driver.expect("asked again", answerChangelistDialog(kBeforeSaving, {"Cancel"}));
             }
             break;
@@ -143,6 +145,8 @@ TEST_P(NeverLoseAnEdit, EveryEditIsOnDiskOrStillInMemory)
         const bool saved = OnDiskWith(asset, value);
         const bool kept = DirtyInMemoryWith(asset, value);
         EXPECT_TRUE(saved || kept) << asset << " lost its edit";
+        // Saved edits went to writable files; kept ones left the files read-only and untouched.
+        EXPECT_THAT(Writable(FilesOf(asset)), ::testing::Each(saved)) << asset;
         onDisk += saved;
         inMemory += kept;
     }

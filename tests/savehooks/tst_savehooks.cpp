@@ -8,6 +8,8 @@
 
 #include <QMessageBox>
 
+#include <gmock/gmock.h>
+
 namespace {
 
 using hbrc::test::answerChangelistDialog;
@@ -67,12 +69,8 @@ TEST_F(SaveHooks, AReadOnlyAssetIsCheckedOutIntoANewChangelistThenSaved)
     EXPECT_TRUE(OnDiskWith("Stone", "polished") && OnDiskWith("Moss", "green"));
     const std::string changelist = StateOfFile(KelFileOf("Moss")).changelist;
     EXPECT_EQ(ChangelistDescription(changelist), "before the save");
-    for (const char* asset : {"Stone", "Moss"}) {
-        for (const std::string& file : FilesOf(asset)) {
-            EXPECT_EQ(StateOfFile(file).status, kel4::eStatusCheckedOut) << file;
-            EXPECT_EQ(StateOfFile(file).changelist, changelist) << file;
-        }
-    }
+    for (const char* asset : {"Stone", "Moss"})
+        EXPECT_THAT(StatesOf(FilesOf(asset)), ::testing::Each(FileState{kel4::eStatusCheckedOut, changelist})) << asset;
 }
 
 TEST_F(SaveHooks, MakeWritableWithTheBoxTickedStopsTheQuestionForLaterSaves)
@@ -87,8 +85,7 @@ TEST_F(SaveHooks, MakeWritableWithTheBoxTickedStopsTheQuestionForLaterSaves)
         EXPECT_TRUE(first.Succeeded()) << first.DescribeFailures();
     }
     EXPECT_TRUE(OnDiskWith("Stone", "rough"));
-    for (const std::string& file : FilesOf("Stone"))
-        EXPECT_EQ(StateOfFile(file).status & kel4::eStatusCheckedOut, 0u) << "writable, not opened: " << file;
+    EXPECT_THAT(StatesOf(FilesOf("Stone")), ::testing::Each(FileState{})) << "writable, not opened";
 
     // The stored action is the settings' own (automatic check-out, into the default changelist).
     Edit("Leaf", "autumn");
@@ -98,37 +95,7 @@ TEST_F(SaveHooks, MakeWritableWithTheBoxTickedStopsTheQuestionForLaterSaves)
     EXPECT_TRUE(silent.seenTitles().isEmpty()) << silent.seenTitles().join(',').toStdString();
     EXPECT_TRUE(second.Succeeded()) << second.DescribeFailures();
     EXPECT_TRUE(OnDiskWith("Leaf", "autumn"));
-    EXPECT_EQ(StateOfFile(KelFileOf("Leaf")).status, kel4::eStatusCheckedOut);
-    EXPECT_EQ(StateOfFile(KelFileOf("Leaf")).changelist, "");
-}
-
-TEST_F(SaveHooks, CancelKeepsTheEditInMemoryAndTheFilesUntouched)
-{
-    const auto window = OpenWindow();
-    Edit("Stone", "cracked");
-    DialogDriver driver;
-    driver.expect("check out before saving", answerChangelistDialog(kBeforeSaving, {"Cancel"}));
-    const hbrc::host::SaveReport report = Save();
-    ExpectDriverFinished(driver);
-    EXPECT_TRUE(report.cancelled);
-    EXPECT_TRUE(DirtyInMemoryWith("Stone", "cracked"));
-    EXPECT_FALSE(OnDiskWith("Stone", "cracked"));
-    EXPECT_TRUE(ReadOnlyOnDisk("Stone"));
-}
-
-TEST_F(SaveHooks, ACheckOutThatBobBlocksNamesHimAndAsksAgain)
-{
-    BobHolds("Moss");
-    const auto window = OpenWindow();
-    Edit("Moss", "dry");
-    DialogDriver driver;
-    driver.expect("check out before saving", answerChangelistDialog(kBeforeSaving, {"Check Out"}));
-    driver.expectMessageBox(QStringLiteral("Checkout Error"), QMessageBox::Ok, QStringLiteral("\nbob\n"));
-    driver.expect("asked again", answerChangelistDialog(kBeforeSaving, {"Cancel"}));
-    const hbrc::host::SaveReport report = Save();
-    ExpectDriverFinished(driver);
-    EXPECT_TRUE(report.cancelled);
-    EXPECT_TRUE(DirtyInMemoryWith("Moss", "dry"));
+    EXPECT_EQ(StateOfFile(KelFileOf("Leaf")), (FileState{kel4::eStatusCheckedOut, ""}));
 }
 
 TEST_F(SaveHooks, WhenOnlyTheAssetsWithExternalFilesCheckOutTheQuestionListsTheOthersFiles)
@@ -148,33 +115,23 @@ TEST_F(SaveHooks, WhenOnlyTheAssetsWithExternalFilesCheckOutTheQuestionListsTheO
     const hbrc::host::SaveReport report = Save();
     ExpectDriverFinished(driver);
     EXPECT_TRUE(report.cancelled);
-    for (const std::string& file : FilesOf("Stone"))
-        EXPECT_EQ(StateOfFile(file).status, kel4::eStatusCheckedOut) << file;
+    EXPECT_THAT(StatesOf(FilesOf("Stone")), ::testing::Each(FileState{kel4::eStatusCheckedOut, ""}));
     EXPECT_TRUE(DirtyInMemoryWith("Stone", "veined") && DirtyInMemoryWith("Moss", "wet"));
 }
 
+// Refused, the password leaves the edit in memory (tst_neverloseanedit); given, the save goes on.
 TEST_F(SaveHooks, AnExpiredSessionBeforeTheSaveAsksForThePassword)
 {
-    struct Row {
-        const char* asset;     // read-only until this row
-        const char* password;  // "" cancels the password dialog
-        bool saved;
-    };
-    for (const Row& row : {Row{"Leaf", "alice-pw", true}, Row{"Moss", "", false}}) {
-        SCOPED_TRACE(row.saved ? "password accepted" : "password refused");
-        ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
-        const auto window = OpenWindow();
-        Edit(row.asset, "after expiry");
-        DialogDriver driver;
-        driver.expect("check out before saving", answerChangelistDialog(kBeforeSaving, {"Check Out"}));
-        driver.expect("password", answerPassword(QString::fromUtf8(row.password), kSessionExpired));
-        if (!row.saved)
-            driver.expect("asked again", answerChangelistDialog(kBeforeSaving, {"Cancel"}));
-        const hbrc::host::SaveReport report = Save();
-        ExpectDriverFinished(driver);
-        EXPECT_EQ(report.Succeeded(), row.saved) << report.DescribeFailures();
-        EXPECT_TRUE(row.saved ? OnDiskWith(row.asset, "after expiry") : DirtyInMemoryWith(row.asset, "after expiry"));
-    }
+    ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
+    const auto window = OpenWindow();
+    Edit("Leaf", "after expiry");
+    DialogDriver driver;
+    driver.expect("check out before saving", answerChangelistDialog(kBeforeSaving, {"Check Out"}));
+    driver.expect("password", answerPassword(QStringLiteral("alice-pw"), kSessionExpired));
+    const hbrc::host::SaveReport report = Save();
+    ExpectDriverFinished(driver);
+    EXPECT_TRUE(report.Succeeded()) << report.DescribeFailures();
+    EXPECT_TRUE(OnDiskWith("Leaf", "after expiry"));
 }
 
 // A stored automatic check-out needs revision control switched on and its changelist still
@@ -222,47 +179,22 @@ TEST_F(SaveHooks, ANullCancelPointerIsAcceptedAndTheHookStillActs)
     ASSERT_NE(hooks, nullptr);
     borax::datamodel::ItemLibraryAccessor library = workspace->Accessor();
     hooks->OnPreCommit(library, nullptr);
-    EXPECT_FALSE(ReadOnlyOnDisk("Stone"));
+    EXPECT_THAT(Writable(FilesOf("Stone")), ::testing::Contains(true));
 }
 
 // --- after the save: deleted files ---------------------------------------------------------------------
 
-TEST_F(SaveHooks, ADeletedCheckedOutAssetIsMarkedForDeleteInItsChangelistWithoutAsking)
+// A deleted asset checked out in a changelist is marked for delete there without a question; the
+// other deleted files go to the changelist the user chooses.
+TEST_F(SaveHooks, DeletedFilesInTheDepotGoToTheirChangelistOrTheOneTheUserChooses)
 {
+    PromptForChangelists();
     const std::string changelist = NewChangelist("sky rework");
     AliceChecksOut("Sky", changelist);
     const std::string skyFile = KelFileOf("Sky");
-    const auto window = OpenWindow();
-    ASSERT_TRUE(workspace->DeleteAsset(Asset("Sky")));
-    DialogDriver driver;
-    const hbrc::host::SaveReport report = Save();
-    ExpectDriverFinished(driver);
-    EXPECT_TRUE(report.Succeeded()) << report.DescribeFailures();
-    EXPECT_EQ(StateOfFile(skyFile).status, kel4::eStatusMarkedForDelete);
-    EXPECT_EQ(StateOfFile(skyFile).changelist, changelist);
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(skyFile)));
-}
-
-TEST_F(SaveHooks, ADeletedAssetThatWasOnlyMarkedForAddLeavesRevisionControl)
-{
-    // A batch save marks a new asset for add in the default changelist.
-    CreateAsset("Pebble");
-    ASSERT_TRUE(Save().Succeeded());
-    const std::string pebbleFile = KelFileOf("Pebble");
-    ASSERT_EQ(StateOfFile(pebbleFile).status, kel4::eStatusMarkedForAdd);
-
-    ASSERT_TRUE(workspace->DeleteAsset(Asset("Pebble")));
-    DialogDriver driver;
-    EXPECT_TRUE(Save().Succeeded());
-    ExpectDriverFinished(driver);
-    EXPECT_EQ(StateOfFile(pebbleFile).status, kel4::eStatusNotInDatabase);
-}
-
-TEST_F(SaveHooks, DeletedFilesInTheDepotGoToTheChangelistTheUserChooses)
-{
-    PromptForChangelists();
     const std::string treeFile = KelFileOf("Tree");
     const auto window = OpenWindow();
+    ASSERT_TRUE(workspace->DeleteAsset(Asset("Sky")));
     ASSERT_TRUE(workspace->DeleteAsset(Asset("Tree")));
     DialogDriver driver;
     driver.expect("mark for delete",
@@ -272,10 +204,13 @@ TEST_F(SaveHooks, DeletedFilesInTheDepotGoToTheChangelistTheUserChooses)
                                                        "The files below were deleted during the commit\n"
                                                        "We can now mark them for delete in your revision control");
                                              EXPECT_TRUE(hbrc::test::assetsText(dialog).isEmpty());
-                                             EXPECT_EQ(hbrc::test::listedFiles(dialog).size(), 2);
+                                             EXPECT_EQ(hbrc::test::listedFiles(dialog).size(), 2) << "Tree's only";
                                          }));
-    EXPECT_TRUE(Save().Succeeded());
+    const hbrc::host::SaveReport report = Save();
     ExpectDriverFinished(driver);
+    EXPECT_TRUE(report.Succeeded()) << report.DescribeFailures();
+    EXPECT_EQ(StateOfFile(skyFile), (FileState{kel4::eStatusMarkedForDelete, changelist}));
+    EXPECT_FALSE(QFile::exists(QString::fromStdString(skyFile)));
     const auto state = StateOfFile(treeFile);
     EXPECT_EQ(state.status, kel4::eStatusMarkedForDelete);
     EXPECT_EQ(ChangelistDescription(state.changelist), "felled");
@@ -302,10 +237,22 @@ TEST_F(SaveHooks, AMarkForDeleteThatBobBlocksNamesHimAndOffersRetry)
 
 // --- after the save: new assets ---------------------------------------------------------------------
 
-TEST_F(SaveHooks, NewAssetsAreMarkedForAddInTheChangelistTheUserChooses)
+// A new asset whose files are already open joins their changelist without a question; the others
+// go to the changelist the user chooses, and with the box ticked later ones follow silently.
+TEST_F(SaveHooks, NewAssetsAreMarkedForAddInTheirFilesOrTheUsersChangelist)
 {
     PromptForChangelists();
+    const std::string rockWork = NewChangelist("rock work");
+    AliceChecksOut("Rock", rockWork);
     const auto window = OpenWindow();
+    CreateAsset("Pebble", "rock.bin");  // shares Rock's open external file
+    {
+        DialogDriver silent;
+        EXPECT_TRUE(Save().Succeeded());
+        ExpectDriverFinished(silent);
+    }
+    EXPECT_EQ(StateOfFile(KelFileOf("Pebble")), (FileState{kel4::eStatusMarkedForAdd, rockWork}));
+
     CreateAsset("Fern", "fern.bin");
     {
         DialogDriver driver;
@@ -322,9 +269,7 @@ TEST_F(SaveHooks, NewAssetsAreMarkedForAddInTheChangelistTheUserChooses)
     }
     const std::string changelist = StateOfFile(KelFileOf("Fern")).changelist;
     EXPECT_EQ(ChangelistDescription(changelist), "ferns");
-    for (const std::string& file : FilesOf("Fern"))
-        EXPECT_EQ(StateOfFile(file).status, kel4::eStatusMarkedForAdd) << file;
-    // Ticked: later new assets go to the same changelist without a question.
+    EXPECT_THAT(StatesOf(FilesOf("Fern")), ::testing::Each(FileState{kel4::eStatusMarkedForAdd, changelist}));
     std::string stored;
     host->Preferences().GetStringPref("RevControl.ChangeListToUseWhenAutoCheckingOut", "", stored, 1);
     EXPECT_EQ(stored, changelist);
@@ -333,20 +278,6 @@ TEST_F(SaveHooks, NewAssetsAreMarkedForAddInTheChangelistTheUserChooses)
     EXPECT_TRUE(Save().Succeeded());
     ExpectDriverFinished(silent);
     EXPECT_EQ(StateOfFile(KelFileOf("Bracken")).changelist, changelist);
-}
-
-TEST_F(SaveHooks, ANewAssetWhoseFilesAreAlreadyOpenJoinsTheirChangelistWithoutAsking)
-{
-    PromptForChangelists();
-    const std::string changelist = NewChangelist("rock work");
-    AliceChecksOut("Rock", changelist);
-    const auto window = OpenWindow();
-    CreateAsset("Pebble", "rock.bin");  // shares Rock's open external file
-    DialogDriver driver;
-    EXPECT_TRUE(Save().Succeeded());
-    ExpectDriverFinished(driver);
-    EXPECT_EQ(StateOfFile(KelFileOf("Pebble")).status, kel4::eStatusMarkedForAdd);
-    EXPECT_EQ(StateOfFile(KelFileOf("Pebble")).changelist, changelist);
 }
 
 TEST_F(SaveHooks, AnExpiredSessionAfterTheSaveAsksForThePasswordWithTheWorksPrefix)
@@ -414,8 +345,14 @@ TEST_F(SaveHooks, ABatchSaveDecidesEverythingWithoutADialog)
     EXPECT_EQ(StateOfFile(skyFile).changelist, changelist);
     EXPECT_EQ(StateOfFile(treeFile).status, kel4::eStatusMarkedForDelete);
     EXPECT_EQ(StateOfFile(treeFile).changelist, "");
-    EXPECT_EQ(StateOfFile(KelFileOf("Fern")).status, kel4::eStatusMarkedForAdd);
-    EXPECT_EQ(StateOfFile(KelFileOf("Fern")).changelist, "");
+    const std::string fernFile = KelFileOf("Fern");
+    EXPECT_EQ(StateOfFile(fernFile), (FileState{kel4::eStatusMarkedForAdd, ""}));
+
+    // Deleted again before any submit, the new asset leaves revision control.
+    ASSERT_TRUE(workspace->DeleteAsset(Asset("Fern")));
+    EXPECT_TRUE(Save().Succeeded());
+    ExpectDriverFinished(driver);
+    EXPECT_EQ(StateOfFile(fernFile).status, kel4::eStatusNotInDatabase);
 }
 
 TEST_F(SaveHooks, ABatchFailureIsLoggedAndTheSaveCancelled)

@@ -18,27 +18,10 @@ using hbrc::depot::Result;
 using hbrc::host::RevisionServer;
 namespace status = hbrc::depot::status;
 
-using ServerCall = std::function<Result(RevisionServer& server, const std::string& ticket)>;
-
-// Alice's calls go through the services' own server connection, as the studio's would.
-Result AliceAsks(DepotHostFixture& fixture, const ServerCall& call)
-{
-    Result answer;
-    std::string error;
-    fixture.services.connection->Run(
-        fixture.AliceSession(),
-        [&](RevisionServer& server, const std::string& ticket, const CancelCheck&) {
-            answer = call(server, ticket);
-            return answer;
-        },
-        error);
-    return answer;
-}
-
 std::vector<PendingChangelist> AlicesPendingWork(DepotHostFixture& fixture)
 {
     std::vector<PendingChangelist> pending;
-    const Result listed = AliceAsks(fixture, [&](RevisionServer& server, const std::string& ticket) {
+    const Result listed = fixture.AliceAsks([&](RevisionServer& server, const std::string& ticket) {
         return server.pendingChangelists(ticket, pending);
     });
     EXPECT_TRUE(listed.ok()) << listed.error;
@@ -83,7 +66,7 @@ TEST_P(PendingWork, AliceSortsRevertsAndSubmitsWhileBobWatchesAndGetsHerChange)
     // Alice sees who holds the tree and where, and that she is at the head.
     std::vector<FileStatus> tree;
     const std::string treeFile = AlicePath("tree.bin");
-    ASSERT_TRUE(AliceAsks(*this, [&](RevisionServer& server, const std::string& ticket) {
+    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& ticket) {
                     return server.status(ticket, {treeFile}, tree);
                 }).ok());
     ASSERT_EQ(tree.size(), 1u);
@@ -99,16 +82,16 @@ TEST_P(PendingWork, AliceSortsRevertsAndSubmitsWhileBobWatchesAndGetsHerChange)
     AliceChecksOut("Rock");
     AliceChecksOut("Sky");
     ChangelistId moss;
-    ASSERT_TRUE(AliceAsks(*this, [&](RevisionServer& server, const std::string& ticket) {
+    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& ticket) {
                     return server.createChangelist(ticket, "Moss", moss);
                 }).ok());
     const std::vector<std::string> rock = Files(FilesOf("Rock"));
     const std::vector<std::string> sky = Files(FilesOf("Sky"));
-    const Result moved = AliceAsks(*this, [&](RevisionServer& server, const std::string& ticket) {
+    const Result moved = AliceAsks([&](RevisionServer& server, const std::string& ticket) {
         return server.reopen(ticket, rock, moss);
     });
     ASSERT_TRUE(moved.ok()) << moved.error;
-    ASSERT_TRUE(AliceAsks(*this, [&](RevisionServer& server, const std::string& ticket) {
+    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& ticket) {
                     return server.setDescription(ticket, moss, "Mossy rock");
                 }).ok());
     const auto roundTrips = services.connection->RoundTrips();
@@ -125,7 +108,7 @@ TEST_P(PendingWork, AliceSortsRevertsAndSubmitsWhileBobWatchesAndGetsHerChange)
     // Only the edited external file stays open after reverting the unchanged ones.
     AppendTo(AlicePath("rock.bin"), "moss");
     std::vector<std::string> reverted;
-    ASSERT_TRUE(AliceAsks(*this, [&](RevisionServer& server, const std::string& ticket) {
+    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& ticket) {
                     return server.revertUnchanged(ticket, {}, reverted);
                 }).ok());
     EXPECT_EQ(reverted.size(), rock.size() + sky.size() - 1);
@@ -135,15 +118,15 @@ TEST_P(PendingWork, AliceSortsRevertsAndSubmitsWhileBobWatchesAndGetsHerChange)
 
     // The numbered changelist goes in with its own description; an empty new one can be deleted.
     ChangelistId submitted;
-    const Result submit = AliceAsks(*this, [&](RevisionServer& server, const std::string& ticket) {
+    const Result submit = AliceAsks([&](RevisionServer& server, const std::string& ticket) {
         return server.submit(ticket, moss, "", submitted);
     });
     ASSERT_TRUE(submit.ok()) << submit.error;
     ChangelistId empty;
-    ASSERT_TRUE(AliceAsks(*this, [&](RevisionServer& server, const std::string& ticket) {
+    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& ticket) {
                     return server.createChangelist(ticket, "Nothing yet", empty);
                 }).ok());
-    const Result deleted = AliceAsks(*this, [&](RevisionServer& server, const std::string& ticket) {
+    const Result deleted = AliceAsks([&](RevisionServer& server, const std::string& ticket) {
         return server.deleteChangelist(ticket, empty);
     });
     ASSERT_TRUE(deleted.ok()) << deleted.error;
@@ -265,14 +248,14 @@ TEST_P(PendingWorkRefusals, ChangeNothingAndSayWhy)
     const Refusal& row = std::get<1>(GetParam());
     AlicesWork work{Files(FilesOf("Tree")), Files(FilesOf("Sky")), {}};
     AliceChecksOut("Sky");
-    ASSERT_TRUE(AliceAsks(*this, [&](RevisionServer& server, const std::string& ticket) {
+    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& ticket) {
                     return server.createChangelist(ticket, "Full", work.full);
                 }).ok());
     AliceChecksOut("Rock", work.full);
     const std::vector<std::string> before = Summary(AlicesPendingWork(*this));
 
-    const Result refused = AliceAsks(
-        *this, [&](RevisionServer& server, const std::string& ticket) { return row.request(work, server, ticket); });
+    const Result refused =
+        AliceAsks([&](RevisionServer& server, const std::string& ticket) { return row.request(work, server, ticket); });
     EXPECT_EQ(refused.code, hbrc::depot::code::Failed) << refused.error;
     EXPECT_NE(refused.error.find(row.errorPart), std::string::npos) << refused.error;
     EXPECT_EQ(Summary(AlicesPendingWork(*this)), before);

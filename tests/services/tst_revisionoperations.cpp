@@ -6,6 +6,8 @@
 
 #include <QFile>
 
+#include <gmock/gmock.h>
+
 using namespace kel4;
 
 namespace {
@@ -15,15 +17,14 @@ class RevisionOperations : public ServerFixture
 };
 INSTANTIATE_TEST_SUITE_P(Servers, RevisionOperations, ServerKinds(), ServerKindName);
 
-TEST_P(RevisionOperations, CheckOutIntoANewChangelistThenRevert)
+TEST_P(RevisionOperations, CheckOutAndMarkForDeleteIntoANewChangelistThenRevert)
 {
-    std::string changelist;
-    std::string error;
-    ASSERT_EQ(DataControl()->CreateChangeList("Retexture the rock", changelist, error).GetCode(), 0) << error;
+    const std::string changelist = NewChangelist("Retexture the rock");
     EXPECT_TRUE(DataControl()->ChangeListExists(changelist));
     EXPECT_TRUE(DataControl()->ChangeListExists("")) << "the default changelist always exists";
     EXPECT_FALSE(DataControl()->ChangeListExists("9999"));
     List<std::string> pending;
+    std::string error;
     ASSERT_EQ(DataControl()->GetPendingChangeLists(pending, error).GetCode(), 0);
     EXPECT_EQ(pending, List<std::string>{changelist});
     std::string description;
@@ -34,16 +35,18 @@ TEST_P(RevisionOperations, CheckOutIntoANewChangelistThenRevert)
     EXPECT_EQ(StatusOf("Rock"), eStatusCheckedOut);
     EXPECT_FALSE(DataControl()->IsReadOnly(Asset("Rock"), true, kPersistence));
     EXPECT_FALSE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
+    const List<std::string> sky = FilesOf("Sky");
+    ASSERT_EQ(FileVersionControl()->MarkForDeleteInChangelist(AliceSession(), sky, changelist, error).GetCode(), 0)
+        << error;
     // The file-level view names the changelist of every file.
-    List<unsigned> words;
-    List<std::string> changelists;
-    const List<std::string> files = FilesOf("Rock");
-    ASSERT_EQ(FileVersionControl()->GetStatus(AliceSession(), files, words, changelists, error, 0).GetCode(), 0);
-    EXPECT_EQ(words, List<unsigned>(files.size(), eStatusCheckedOut));
-    EXPECT_EQ(changelists, List<std::string>(files.size(), changelist));
+    EXPECT_THAT(StatesOf(FilesOf("Rock")), ::testing::Each(FileState{eStatusCheckedOut, changelist}));
+    EXPECT_THAT(StatesOf(sky), ::testing::ElementsAre(FileState{eStatusMarkedForDelete, changelist}));
 
+    List<std::string> files = FilesOf("Rock");
+    files.insert(files.end(), sky.begin(), sky.end());
     ASSERT_EQ(FileVersionControl()->Revert(AliceSession(), files, error, 0, 0).GetCode(), 0) << error;
     EXPECT_EQ(StatusOf("Rock"), 0u);
+    EXPECT_EQ(StatusOf("Sky"), 0u);
     EXPECT_TRUE(DataControl()->IsReadOnly(Asset("Rock"), true, kPersistence));
     EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
 }
@@ -61,44 +64,19 @@ TEST_P(RevisionOperations, CheckOutOfAFileHeldByBobFailsWholeAndNamesHim)
     EXPECT_EQ(users, List<std::string>{"bob"});
 }
 
-TEST_P(RevisionOperations, MarkForDeleteInAChangelistAndRevertIt)
-{
-    std::string changelist;
-    std::string error;
-    ASSERT_EQ(DataControl()->CreateChangeList("Remove the sky", changelist, error).GetCode(), 0) << error;
-    const List<std::string> files = FilesOf("Sky");
-    ASSERT_EQ(FileVersionControl()->MarkForDeleteInChangelist(AliceSession(), files, changelist, error).GetCode(), 0)
-        << error;
-    List<unsigned> words;
-    List<std::string> changelists;
-    ASSERT_EQ(FileVersionControl()->GetStatus(AliceSession(), files, words, changelists, error, 0).GetCode(), 0);
-    EXPECT_EQ(words, List<unsigned>{eStatusMarkedForDelete});
-    EXPECT_EQ(changelists, List<std::string>{changelist});
-    ASSERT_EQ(FileVersionControl()->Revert(AliceSession(), files, error, 0, 0).GetCode(), 0) << error;
-    EXPECT_EQ(StatusOf("Sky"), 0u);
-}
-
 // Submitting one pending changelist takes its files only, leaves them read-only at the new head
 // revision and ends the changelist; bob sees the change and syncs it.
 TEST_P(RevisionOperations, SubmitOfOneChangelistTakesItsFilesAndBobSyncsThem)
 {
-    std::string changelist;
+    const std::string changelist = NewChangelist("Mossy rock");
     std::string error;
-    ASSERT_EQ(DataControl()->CreateChangeList("Mossy rock", changelist, error).GetCode(), 0) << error;
     AliceChecksOut("Rock", changelist);
     AliceChecksOut("Tree");
     for (const std::string& file : FilesOf("Rock")) {
         QFile edited(QFile::decodeName(file.c_str()));
         ASSERT_TRUE(edited.open(QIODevice::Append) && edited.write("moss") > 0) << file;
     }
-    const kelResult submitted = services.connection->Run(
-        AliceSession(),
-        [&](hbrc::host::RevisionServer& server, const std::string& ticket, const hbrc::depot::CancelCheck&) {
-            hbrc::depot::ChangelistId made;
-            return server.submit(ticket, changelist, "", made);
-        },
-        error);
-    ASSERT_EQ(submitted.GetCode(), 0) << error;
+    AliceSubmits("", changelist);
     EXPECT_EQ(StatusOf("Rock"), 0u);
     EXPECT_TRUE(DataControl()->IsReadOnly(Asset("Rock"), true, kPersistence));
     EXPECT_EQ(StatusOf("Tree"), eStatusCheckedOut) << "the default changelist stays pending";

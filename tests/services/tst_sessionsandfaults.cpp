@@ -120,35 +120,11 @@ TEST_P(SessionsAndFaults, ExpiredSessionMakesEveryOperationUnusableUntilALogIn)
         EXPECT_GE(operation.run(*this, error).GetCode(), 0) << operation.name << ": " << error;
 }
 
-TEST_P(SessionsAndFaults, WithoutASessionOperationsAreUnusableWithoutAsking)
+// The settings hand the account over when revision control is switched on or the account is written
+// again: the same account keeps its session; another one, or none, makes every operation unusable
+// without asking the server.
+TEST_P(SessionsAndFaults, AnAccountHandedOverAgainKeepsTheSessionAndAnyOtherNeedsALogIn)
 {
-    DataControl()->SetUserParameters({});
-    const auto before = services.connection->RoundTrips();
-    std::string error;
-    for (const DepotOperation& operation : kOperations)
-        EXPECT_EQ(operation.run(*this, error).GetCode(), kResultSessionUnusable) << operation.name;
-    EXPECT_EQ(services.connection->RoundTrips(), before);
-
-    // An account without a session, as the host describes it before logging in.
-    const KELPtr<IUserParameters> account =
-        FileVersionControl()->CreateUserParameters("alice", "", DepotPath(), AliceWorkspace(), error);
-    ASSERT_FALSE(account.IsNull()) << error;
-    EXPECT_FALSE(account->HasSession());
-    EXPECT_EQ(account->GetServer(), DepotPath());
-    DataControl()->SetUserParameters(account);
-    EXPECT_EQ(DataControl()->GetUserParameters(), account);
-    EXPECT_EQ(kOperations[0].run(*this, error).GetCode(), kResultSessionUnusable);
-    if (!IsSubversion()) {
-        // Only a depot file can be looked for without a log-in.
-        EXPECT_TRUE(FileVersionControl()->CreateUserParameters("alice", "", UnreachableServer(), AliceWorkspace(), error)
-                        .IsNull());
-        EXPECT_NE(error.find("Cannot reach the depot"), std::string::npos) << error;
-    }
-}
-
-TEST_P(SessionsAndFaults, TheSameAccountHandedOverAgainKeepsTheSession)
-{
-    // As the settings do when revision control is switched on or the account is written again.
     std::string error;
     const KELPtr<IUserParameters> running = DataControl()->GetUserParameters();
     DataControl()->SetUserParameters(
@@ -157,12 +133,26 @@ TEST_P(SessionsAndFaults, TheSameAccountHandedOverAgainKeepsTheSession)
     for (const DepotOperation& operation : kOperations)
         EXPECT_GE(operation.run(*this, error).GetCode(), 0) << operation.name << ": " << error;
 
-    // Another account starts over: it needs a log-in of its own.
+    // An account without a session, as the host describes it before logging in.
     const KELPtr<IUserParameters> bob =
         FileVersionControl()->CreateUserParameters("bob", "", DepotPath(), BobWorkspace(), error);
-    DataControl()->SetUserParameters(bob);
-    EXPECT_EQ(DataControl()->GetUserParameters(), bob);
-    EXPECT_EQ(kOperations[0].run(*this, error).GetCode(), kResultSessionUnusable);
+    ASSERT_FALSE(bob.IsNull()) << error;
+    EXPECT_FALSE(bob->HasSession());
+    EXPECT_EQ(bob->GetServer(), DepotPath());
+    const auto before = services.connection->RoundTrips();
+    for (const KELPtr<IUserParameters>& account : {bob, KELPtr<IUserParameters>()}) {
+        DataControl()->SetUserParameters(account);
+        EXPECT_EQ(DataControl()->GetUserParameters(), account);
+        for (const DepotOperation& operation : kOperations)
+            EXPECT_EQ(operation.run(*this, error).GetCode(), kResultSessionUnusable) << operation.name;
+    }
+    EXPECT_EQ(services.connection->RoundTrips(), before);
+    if (!IsSubversion()) {
+        // Only a depot file can be looked for without a log-in.
+        EXPECT_TRUE(FileVersionControl()->CreateUserParameters("alice", "", UnreachableServer(), AliceWorkspace(), error)
+                        .IsNull());
+        EXPECT_NE(error.find("Cannot reach the depot"), std::string::npos) << error;
+    }
 }
 
 TEST_P(SessionsAndFaults, ServicesOnAnUnreachableDepotAnswerUnusable)

@@ -34,11 +34,14 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -144,6 +147,13 @@ public:  // table-driven tests' rows act on the fixture from outside
             throw std::runtime_error("no asset " + name);
         return asset;
     }
+    ObjectList Assets(std::initializer_list<const char*> names) const
+    {
+        ObjectList objects;
+        for (const char* name : names)
+            objects.push_back(Asset(name));
+        return objects;
+    }
     // The object's status word, asked of the depot now.
     unsigned StatusOf(const std::string& assetName) const
     {
@@ -182,18 +192,88 @@ public:  // table-driven tests' rows act on the fixture from outside
         workspace->Save();
         return created;
     }
-    // Submits alice's default changelist through her session.
-    void AliceSubmits(const std::string& description)
+    // Alice's own question to the server, through her services' connection, as the studio asks.
+    using ServerCall = std::function<hbrc::depot::Result(hbrc::host::RevisionServer&, const std::string& ticket)>;
+    hbrc::depot::Result AliceAsks(const ServerCall& call) const
     {
+        hbrc::depot::Result answer{hbrc::depot::code::Failed, "the call did not run: "};
         std::string error;
-        const kelResult result = services.connection->Run(
+        services.connection->Run(
             AliceSession(),
-            [&](hbrc::host::RevisionServer& depot, const std::string& ticket, const hbrc::depot::CancelCheck&) {
-                hbrc::depot::ChangelistId submitted;
-                return depot.submit(ticket, "", description, submitted);
+            [&](hbrc::host::RevisionServer& server, const std::string& ticket, const hbrc::depot::CancelCheck&) {
+                answer = call(server, ticket);
+                return answer;
             },
             error);
-        ASSERT_EQ(result.GetCode(), 0) << error;
+        if (answer.code == hbrc::depot::code::Failed && answer.error == "the call did not run: ")
+            answer.error += error;
+        return answer;
+    }
+    // Submits alice's changelist (the default one: with the description given).
+    void AliceSubmits(const std::string& description, const std::string& changelist = "") const
+    {
+        const hbrc::depot::Result result = AliceAsks([&](hbrc::host::RevisionServer& server, const std::string& ticket) {
+            hbrc::depot::ChangelistId submitted;
+            return server.submit(ticket, changelist, description, submitted);
+        });
+        ASSERT_TRUE(result.ok()) << result.error;
+    }
+    std::string NewChangelist(const std::string& description) const
+    {
+        std::string changelist, error;
+        EXPECT_EQ(DataControl()->CreateChangeList(description, changelist, error).GetCode(), 0) << error;
+        return changelist;
+    }
+
+    // --- alice's files ----------------------------------------------------------------------------
+    // A file's status word and the changelist it is open in, as alice's file service reports them.
+    struct FileState {
+        unsigned status = 0;
+        std::string changelist;
+        bool operator==(const FileState& other) const
+        {
+            return status == other.status && changelist == other.changelist;
+        }
+        friend void PrintTo(const FileState& state, std::ostream* out)
+        {
+            *out << "0x" << std::hex << state.status << std::dec << " in \"" << state.changelist << '"';
+        }
+    };
+    std::vector<FileState> StatesOf(const kel4::List<std::string>& files) const
+    {
+        kel4::List<unsigned> statuses;
+        kel4::List<std::string> changelists;
+        std::string error;
+        EXPECT_EQ(FileVersionControl()->GetStatus(AliceSession(), files, statuses, changelists, error, 0).GetCode(), 0)
+            << error;
+        std::vector<FileState> states;
+        auto changelist = changelists.begin();
+        for (const unsigned status : statuses)
+            states.push_back({status, *changelist++});
+        return states;
+    }
+    FileState StateOfFile(const std::string& path) const
+    {
+        const std::vector<FileState> states = StatesOf({path});
+        return states.empty() ? FileState{} : states.front();
+    }
+    // The owner's write bit of each file: permission checks do not stop root, the bits still tell.
+    static std::vector<bool> Writable(const kel4::List<std::string>& files)
+    {
+        std::vector<bool> writable;
+        for (const std::string& file : files)
+            writable.push_back(QFileInfo(QFile::decodeName(QByteArray::fromStdString(file))).permissions() &
+                               QFile::WriteOwner);
+        return writable;
+    }
+    // The asset's own .kel file.
+    std::string KelFileOf(const std::string& assetName) const
+    {
+        for (const std::string& file : FilesOf(assetName)) {
+            if (QFileInfo(QString::fromStdString(file)).suffix() == QStringLiteral("kel"))
+                return file;
+        }
+        return {};
     }
 
     // --- bob --------------------------------------------------------------------------------------

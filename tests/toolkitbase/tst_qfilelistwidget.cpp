@@ -155,8 +155,6 @@ TEST_F(FileListTest, ThreeTitledColumnsListingTheFilesFlatInAscendingOrder)
     EXPECT_EQ(headers, QStringList({"File", "Read Only", ""}));
     EXPECT_EQ(shown, QStringList({"/w/a.kel", "/w/b.kel", "/w/c.kel"}));
     EXPECT_FALSE(list.rootIsDecorated());
-    EXPECT_EQ(list.styleSheet(), QStringLiteral("QTreeView {selection-background-color: qlineargradient(x1: 0.5, "
-                                                "y1: 0.25 x2: 0.5, y2: 0.75, stop: 0 #444444, stop: 0.7 #555555 );}"));
 }
 
 // The disk is asked about a file when its row is painted or its data asked for, not when the row

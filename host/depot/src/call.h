@@ -28,6 +28,7 @@ public:
     void setSession(std::string user, WorkspaceView workspace);
     const std::string& user() const { return m_user; }
     const WorkspaceView& workspace() const { return *m_workspace; }
+    bool hasSession() const { return m_workspace.has_value(); }
 
     // A change of a workspace file, made after the commit (see filesteps.h).
     void schedule(FileStep::Kind kind, const std::string& key, std::int64_t revision = 0);

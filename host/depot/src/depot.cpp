@@ -31,17 +31,48 @@ void requireValidName(const char* what, const std::string& name)
                                            "': it must be non-empty without blanks, '@' or '/'");
 }
 
+// What users.password_hash keeps: nothing for a user without a password.
+std::optional<std::string> storedHash(const std::string& password, PasswordHashCost cost)
+{
+    return password.empty() ? std::optional<std::string>() : hashPassword(password, cost);
+}
+
+// After a statement on the record named `what` ("User bob"): it must have found that record.
+void requireFound(Database& db, const std::string& what)
+{
+    if (db.changes() == 0)
+        throw DepotError(code::Failed, what + " does not exist.");
+}
+
 Result applySteps(Database& database, Call& call)
 {
     std::vector<std::int64_t> done;
-    const std::vector<std::string> failures = journal::apply(database, call.steps(), done);
+    const std::vector<FailedStep> failures = journal::apply(database, call.steps(), done);
     journal::forget(database, done);
     if (failures.empty())
         return call.outcome();
     std::string text = "The depot recorded the change, but these files could not follow (the next command tries again):";
-    for (const std::string& failure : failures)
-        text += "\n" + failure;
+    for (const FailedStep& failure : failures)
+        text += "\n" + failure.reason;
     return {code::IoError, text};
+}
+
+// The answer, with what earlier steps of the operation's own workspace still wait for.
+Result withWaitingSteps(Result result, const std::vector<FailedStep>& waiting, const Call& call)
+{
+    std::string lines;
+    for (const FailedStep& step : waiting) {
+        if (call.hasSession() && step.workspace == call.workspace().name() &&
+            result.error.find(step.reason) == std::string::npos)
+            lines += "\n" + step.reason;
+    }
+    if (lines.empty())
+        return result;
+    result.error += (result.error.empty() ? "" : "\n") +
+                    std::string("Files of this workspace are still waiting to follow the depot (the next command "
+                                "tries again; free space or fix what is named):") +
+                    lines;
+    return result;
 }
 
 }  // namespace
@@ -57,6 +88,18 @@ std::int64_t Depot::Impl::now() const
         return options.clock();
     return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch())
         .count();
+}
+
+std::vector<FailedStep> Depot::Impl::finishEarlierSteps(Database& database) const
+{
+    try {
+        if (journal::pending(database))
+            return journal::replay(database);
+    } catch (const DepotError&) {
+        // The depot itself could not be read or written (say, its disk is full): the operation
+        // below reports that, if it too is hit.
+    }
+    return {};
 }
 
 Database& Depot::Impl::connection()
@@ -99,7 +142,7 @@ void Depot::Impl::authenticate(Call& call, const std::string& ticket) const
 }
 
 Result Depot::Impl::run(Operation operation, Transaction::Kind kind, const std::optional<std::string>& ticket,
-                        const CancelCheck& cancel, const Body& body)
+                        const CancelCheck& cancel, const Body& body, const StepsTried& stepsTried)
 {
     ++roundTrips;
     if (std::optional<Result> forced = faults.takeForcedFailure(operation))
@@ -108,17 +151,21 @@ Result Depot::Impl::run(Operation operation, Transaction::Kind kind, const std::
         Database& database = connection();
         Call call(database, cancel);
         waitLatency(call);
-        // A depot this process may only read answers queries; its changes fail on their first write.
-        if (database.readOnly())
+        // A depot this process may only read answers queries and log-ins (kept in the connection);
+        // every change is refused before it starts.
+        if (database.readOnly() && kind == Transaction::Kind::Write) {
+            if (operation != Operation::Login)
+                database.refuseWrite();
             kind = Transaction::Kind::Read;
+        }
         std::optional<WriterLock> lock;
+        std::vector<FailedStep> waiting;
         if (kind == Transaction::Kind::Write) {
             lock.emplace(path, options.busyTimeout, [&call] { call.checkpoint(); });
-            if (journal::pending(database))
-                journal::replay(database);
+            waiting = finishEarlierSteps(database);
         } else if (!database.readOnly() && journal::pending(database)) {
             // A reader finishes a dead writer's steps when it can; a live writer finishes its own.
-            WriterLock::tryTake(path, [&database] { journal::replay(database); });
+            WriterLock::tryTake(path, [&] { waiting = finishEarlierSteps(database); });
         }
         {
             Transaction transaction(database, kind);
@@ -129,7 +176,10 @@ Result Depot::Impl::run(Operation operation, Transaction::Kind kind, const std::
             journal::record(database, call.steps());
             transaction.commit();
         }
-        return applySteps(database, call);
+        const Result result = applySteps(database, call);
+        if (stepsTried)
+            stepsTried(call.steps());
+        return withWaitingSteps(result, waiting, call);
     } catch (const DepotError& error) {
         return {error.code(), error.what()};
     } catch (const std::exception& error) {
@@ -147,6 +197,10 @@ Result Depot::create(const std::string& path, std::chrono::seconds sessionLifeti
         createSchema(db, sessionLifetime.count());
         return {};
     } catch (const DepotError& error) {
+        // A depot that could not be made whole (a full disk, say) is not left half made.
+        std::error_code ignored;
+        for (const char* suffix : {"", "-wal", "-shm"})
+            std::filesystem::remove(path + suffix, ignored);
         return {error.code(), error.what()};
     }
 }
@@ -160,6 +214,14 @@ Depot::~Depot() = default;
 const std::string& Depot::path() const
 {
     return d->path;
+}
+
+bool Depot::readOnly()
+{
+    bool answer = false;
+    d->run(Operation::Session, Transaction::Kind::Read, std::nullopt, {},
+           [&](Call& call) { answer = call.db().readOnly(); });
+    return answer;
 }
 
 std::uint64_t Depot::roundTrips() const
@@ -177,7 +239,7 @@ Result Depot::addUser(const std::string& name, const std::string& password)
     return d->run(Operation::Administer, Transaction::Kind::Write, std::nullopt, {}, [&](Call& call) {
         requireValidName("user", name);
         Statement insert(call.db(), "INSERT OR IGNORE INTO users(name, password_hash) VALUES (?1, ?2)");
-        insert.bind(1, name).bind(2, password.empty() ? std::optional<std::string>() : hashPassword(password, d->options.passwordHashCost));
+        insert.bind(1, name).bind(2, storedHash(password, d->options.passwordHashCost));
         insert.run();
         if (call.db().changes() == 0)
             throw DepotError(code::Failed, "User " + name + " already exists.");
@@ -197,6 +259,48 @@ Result Depot::addWorkspace(const std::string& name, const std::string& owner, co
         insert.bind(1, name).bind(2, owner).bind(3, std::filesystem::path(root).lexically_normal().string()).run();
         if (call.db().changes() == 0)
             throw DepotError(code::Failed, "Workspace " + name + " already exists.");
+    });
+}
+
+Result Depot::setPassword(const std::string& user, const std::string& password)
+{
+    return d->run(Operation::Administer, Transaction::Kind::Write, std::nullopt, {}, [&](Call& call) {
+        Statement update(call.db(), "UPDATE users SET password_hash = ?2 WHERE name = ?1");
+        update.bind(1, user).bind(2, storedHash(password, d->options.passwordHashCost)).run();
+        requireFound(call.db(), "User " + user);
+    });
+}
+
+Result Depot::removeUser(const std::string& name)
+{
+    return d->run(Operation::Administer, Transaction::Kind::Write, std::nullopt, {}, [&](Call& call) {
+        Statement owned(call.db(), "SELECT group_concat(name, ', ') FROM workspaces WHERE owner = ?1");
+        owned.bind(1, name).step();
+        if (!owned.isNull(0))
+            throw DepotError(code::Failed, "User " + name + " owns workspaces (" + owned.text(0) +
+                                               "); delete them first.");
+        owned.reset();
+        Statement(call.db(), "DELETE FROM sessions WHERE user = ?1").bind(1, name).run();
+        Statement(call.db(), "DELETE FROM users WHERE name = ?1").bind(1, name).run();
+        requireFound(call.db(), "User " + name);
+    });
+}
+
+Result Depot::removeWorkspace(const std::string& name)
+{
+    return d->run(Operation::Administer, Transaction::Kind::Write, std::nullopt, {}, [&](Call& call) {
+        Statement open(call.db(), "SELECT count(*) FROM opened WHERE workspace = ?1");
+        open.bind(1, name).step();
+        if (const std::int64_t count = open.integer(0); count > 0)
+            throw DepotError(code::Failed, "Workspace " + name + " has " + std::to_string(count) +
+                                               " open files; submit or revert them first.");
+        open.reset();
+        for (const char* sql : {"DELETE FROM sessions WHERE workspace = ?1", "DELETE FROM have WHERE workspace = ?1",
+                                "DELETE FROM journal WHERE workspace = ?1",
+                                "DELETE FROM changes WHERE workspace = ?1 AND submitted = 0"})
+            Statement(call.db(), sql).bind(1, name).run();
+        Statement(call.db(), "DELETE FROM workspaces WHERE name = ?1").bind(1, name).run();
+        requireFound(call.db(), "Workspace " + name);
     });
 }
 

@@ -96,14 +96,18 @@ Result Depot::sync(const std::string& ticket, const Files& files, SyncMode mode,
         call.checkpoint();
         if (!refusals.empty())
             call.refuseSome(code::Failed, joinLines(refusals));
-        for (const FileStep& step : call.steps()) {
+    }, [&](const std::vector<FileStep>& tried) {
+        // What was written, not what was meant to be: a step that failed is named in the answer.
+        for (const FileStep& step : tried) {
+            if (!step.applied)
+                continue;
             if (step.kind == FileStep::Kind::WriteRevision)
                 done.updated.push_back(depotPathOf(step.key) + "#" + std::to_string(step.revision));
             else
                 done.deleted.push_back(depotPathOf(step.key));
         }
     });
-    // Filled at the end of the body: empty when the transaction did not get that far.
+    // Empty when the transaction did not get as far as the files.
     if (report)
         *report = std::move(done);
     return result;

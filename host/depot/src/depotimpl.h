@@ -18,18 +18,20 @@ namespace hbrc::depot {
 struct Depot::Impl
 {
     using Body = std::function<void(Call&)>;
+    // Sees the operation's file steps once they were tried (each marked applied or not).
+    using StepsTried = std::function<void(const std::vector<FileStep>&)>;
 
     Impl(std::string depotPath, DepotOptions depotOptions);
 
     std::int64_t now() const;
     // Runs one round trip: injected faults and latency, the connection, the transaction, the
-    // session check (when a ticket is given), the body, the commit. Never throws.
+    // session check (when a ticket is given), the body, the commit, the file steps. Never throws.
     Result run(Operation operation, Transaction::Kind kind, const std::optional<std::string>& ticket,
-               const CancelCheck& cancel, const Body& body);
+               const CancelCheck& cancel, const Body& body, const StepsTried& stepsTried = {});
     Result runInSession(Operation operation, Transaction::Kind kind, const std::string& ticket,
-                        const CancelCheck& cancel, const Body& body)
+                        const CancelCheck& cancel, const Body& body, const StepsTried& stepsTried = {})
     {
-        return run(operation, kind, ticket, cancel, body);
+        return run(operation, kind, ticket, cancel, body, stepsTried);
     }
 
     Result openFiles(Operation operation, FileAction action, const std::string& ticket, const Files& files,
@@ -54,6 +56,9 @@ struct Depot::Impl
 
 private:
     Database& connection();
+    // Tries the file steps earlier operations left; those that still fail. A failure here never
+    // fails the operation: it is another workspace's, or this one's, told as a remark.
+    std::vector<FailedStep> finishEarlierSteps(Database& database) const;
     void waitLatency(const Call& call) const;
     void authenticate(Call& call, const std::string& ticket) const;
 };

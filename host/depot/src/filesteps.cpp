@@ -50,23 +50,29 @@ void applyOne(ContentStore& contents, const FileStep& step)
 void record(Database& db, std::vector<FileStep>& steps)
 {
     Statement insert(db, "INSERT INTO journal(workspace, path, step, rev) VALUES (?1, ?2, ?3, ?4)");
+    // Writing or removing a file decides all of it: a step of the same file that still waits
+    // (it failed before) must not be done after this one.
+    Statement supersede(db, "DELETE FROM journal WHERE workspace = ?1 AND path = ?2");
     for (FileStep& step : steps) {
+        if (step.kind == FileStep::Kind::WriteRevision || step.kind == FileStep::Kind::Remove)
+            supersede.bind(1, step.workspace).bind(2, step.key).run();
         insert.bind(1, step.workspace).bind(2, step.key).bind(3, std::string(nameOf(step.kind)));
         insert.bind(4, step.revision).run();
         step.journalId = db.lastInsertId();
     }
 }
 
-std::vector<std::string> apply(Database& db, const std::vector<FileStep>& steps, std::vector<std::int64_t>& done)
+std::vector<FailedStep> apply(Database& db, std::vector<FileStep>& steps, std::vector<std::int64_t>& done)
 {
-    std::vector<std::string> failures;
+    std::vector<FailedStep> failures;
     ContentStore contents(db);
-    for (const FileStep& step : steps) {
+    for (FileStep& step : steps) {
         try {
             applyOne(contents, step);
+            step.applied = true;
             done.push_back(step.journalId);
         } catch (const DepotError& error) {
-            failures.push_back(error.what());
+            failures.push_back({step.workspace, error.what()});
         }
     }
     return failures;
@@ -91,7 +97,7 @@ bool pending(Database& db)
     return found;
 }
 
-void replay(Database& db)
+std::vector<FailedStep> replay(Database& db)
 {
     std::vector<FileStep> steps;
     {
@@ -107,8 +113,9 @@ void replay(Database& db)
         reading.commit();
     }
     std::vector<std::int64_t> done;
-    journal::apply(db, steps, done);
+    std::vector<FailedStep> failures = journal::apply(db, steps, done);
     forget(db, done);
+    return failures;
 }
 
 }  // namespace hbrc::depot::journal

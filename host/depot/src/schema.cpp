@@ -1,6 +1,7 @@
 #include "schema.h"
 
 #include <sstream>
+#include <string>
 #include <vector>
 
 #include "contentstore.h"
@@ -11,7 +12,16 @@ namespace hbrc::depot {
 
 namespace {
 
-constexpr std::int64_t kSchemaVersion = 3;
+constexpr std::int64_t kSchemaVersion = 4;
+// Version 3 differs only in what a writer needs (workspaces with history cannot be removed), so
+// it is read as it is where it cannot be upgraded.
+constexpr std::int64_t kOldestReadable = 3;
+
+// Submitted changes name their workspace and user as they were; both may be removed later.
+constexpr const char* kChanges = R"sql(
+CREATE TABLE changes (number INTEGER PRIMARY KEY AUTOINCREMENT, workspace TEXT NOT NULL, user TEXT NOT NULL,
+                      description TEXT NOT NULL, submitted INTEGER NOT NULL DEFAULT 0, time INTEGER NOT NULL DEFAULT 0);
+)sql";
 
 // Depot paths are relative to every workspace root ("art/ship.kel"); a missing change number on
 // an opened file is the workspace's default changelist.
@@ -21,9 +31,6 @@ CREATE TABLE users (name TEXT PRIMARY KEY, password_hash TEXT);
 CREATE TABLE workspaces (name TEXT PRIMARY KEY, owner TEXT NOT NULL REFERENCES users(name), root TEXT NOT NULL);
 CREATE TABLE sessions (ticket_digest TEXT PRIMARY KEY, user TEXT NOT NULL REFERENCES users(name),
                        workspace TEXT NOT NULL REFERENCES workspaces(name), expires_at INTEGER NOT NULL);
-CREATE TABLE changes (number INTEGER PRIMARY KEY AUTOINCREMENT, workspace TEXT NOT NULL REFERENCES workspaces(name),
-                      user TEXT NOT NULL, description TEXT NOT NULL, submitted INTEGER NOT NULL DEFAULT 0,
-                      time INTEGER NOT NULL DEFAULT 0);
 CREATE TABLE files (path TEXT PRIMARY KEY, head_rev INTEGER NOT NULL, head_deleted INTEGER NOT NULL);
 CREATE TABLE revisions (path TEXT NOT NULL REFERENCES files(path), rev INTEGER NOT NULL,
                         change INTEGER NOT NULL REFERENCES changes(number), action TEXT NOT NULL,
@@ -52,14 +59,16 @@ CREATE TABLE journal (id INTEGER PRIMARY KEY, workspace TEXT NOT NULL, path TEXT
                       rev INTEGER NOT NULL);
 )sql";
 
+// 0 for a database without the depot's settings. A file that cannot be read at all fails here
+// with what stops it (the query of SQLite's own table reports that).
 std::int64_t versionOf(Database& db)
 {
-    try {
-        Statement version(db, "SELECT value FROM settings WHERE key = 'schema_version'");
-        return version.step() ? version.integer(0) : 0;
-    } catch (const DepotError&) {
+    Statement settings(db, "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = 'settings'");
+    if (!settings.step())
         return 0;
-    }
+    settings.reset();
+    Statement version(db, "SELECT value FROM settings WHERE key = 'schema_version'");
+    return version.step() ? version.integer(0) : 0;
 }
 
 void moveContentsOutOfRevisions(Database& db)
@@ -91,9 +100,31 @@ bool hasChangeTimes(Database& db)
     return columns.step();
 }
 
-// Brings a depot of an earlier version up to this one, in one transaction.
+// Until version 4 a change referred to its workspace's record, so that no workspace with a
+// history could go. The table is made anew without the reference (SQLite cannot drop one),
+// keeping the numbers and the next number to give.
+void unlinkChangesFromWorkspaces(Database& db)
+{
+    Statement next(db, "SELECT seq FROM sqlite_sequence WHERE name = 'changes'");
+    const std::int64_t nextNumber = next.step() ? next.integer(0) : 0;
+    next.reset();
+    // Made under another name and renamed last, so that the references of other tables to
+    // "changes" are left as they are.
+    std::string created = kChanges;
+    created.replace(created.find("changes"), 7, "changes_new");
+    db.execute(created.c_str());
+    db.execute("INSERT INTO changes_new(number, workspace, user, description, submitted, time) "
+               "SELECT number, workspace, user, description, submitted, time FROM changes");
+    db.execute("DROP TABLE changes");
+    db.execute("ALTER TABLE changes_new RENAME TO changes");
+    Statement(db, "UPDATE sqlite_sequence SET seq = max(seq, ?1) WHERE name = 'changes'").bind(1, nextNumber).run();
+}
+
+// Brings a depot of an earlier version up to this one, in one transaction, with the references
+// between tables unchecked while tables are made anew (SQLite's way of changing a table).
 void upgrade(Database& db)
 {
+    db.execute("PRAGMA foreign_keys=OFF");
     Transaction transaction(db, Transaction::Kind::Write);
     const std::int64_t version = versionOf(db);
     if (version == 1)
@@ -102,8 +133,10 @@ void upgrade(Database& db)
         moveContentsOutOfRevisions(db);
     if (!hasChangeTimes(db))
         db.execute("ALTER TABLE changes ADD COLUMN time INTEGER NOT NULL DEFAULT 0");
+    unlinkChangesFromWorkspaces(db);
     Statement(db, "UPDATE settings SET value = ?1 WHERE key = 'schema_version'").bind(1, kSchemaVersion).run();
     transaction.commit();
+    db.execute("PRAGMA foreign_keys=ON");
 }
 
 }  // namespace
@@ -112,6 +145,7 @@ void createSchema(Database& db, std::int64_t sessionLifetimeSeconds)
 {
     Transaction transaction(db, Transaction::Kind::Write);
     db.execute(kContents);
+    db.execute(kChanges);
     db.execute(kTables);
     db.execute(kJournal);
     Statement setting(db, "INSERT INTO settings(key, value) VALUES (?1, ?2)");
@@ -129,7 +163,9 @@ void checkSchema(Database& db)
         throw DepotError(code::SessionUnusable,
                          "Cannot read the depot: it was made by a later version of hbdepot; use that version");
     if (version < 1)
-        throw DepotError(code::SessionUnusable, "Cannot reach the depot: the file is not a depot of this version");
+        throw DepotError(code::SessionUnusable, "Cannot reach the depot: the file is a database but no depot; check the depot path");
+    if (db.readOnly() && version >= kOldestReadable && hasChangeTimes(db))
+        return;
     if (db.readOnly())
         throw DepotError(code::SessionUnusable,
                          "Cannot read the depot: it was made by an earlier version of hbdepot; open it once with "

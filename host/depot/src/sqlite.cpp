@@ -3,6 +3,9 @@
 #include <sqlite3.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,6 +16,9 @@ namespace hbrc::depot {
 
 namespace {
 
+constexpr const char* kOnlyReading =
+    "commands that only read it work; changing it needs write permission to the depot file and its folder";
+
 // One message per failure: SQLite's own words once, then what the user can do about it.
 [[noreturn]] void fail(int rc, const std::string& detail, const std::string& doing)
 {
@@ -21,16 +27,16 @@ namespace {
     case SQLITE_LOCKED:
         throw DepotError(code::Failed, "The depot is busy, try again later (" + detail + ")");
     case SQLITE_READONLY:
-        throw DepotError(code::Failed, "The depot is read-only (" + detail +
-                                           "): commands that only read it work; make the depot file and its folder "
-                                           "writable to change it");
+        throw DepotError(code::Failed, "The depot is read-only for you (" + detail + "); " + kOnlyReading);
     case SQLITE_NOTADB:
     case SQLITE_CORRUPT:
         throw DepotError(code::SessionUnusable, "Cannot reach the depot: the file is damaged or no depot (" + detail +
                                                     "); check the depot path, or restore the file from a backup");
+    case SQLITE_FULL:
+        throw DepotError(code::Failed, "The disk that holds the depot is full (" + detail +
+                                           "): free space there and try again");
     case SQLITE_CANTOPEN:
     case SQLITE_IOERR:
-    case SQLITE_FULL:
         throw DepotError(code::SessionUnusable, "Cannot reach the depot: " + detail +
                                                     "; check the depot path, the disk and the file's permissions");
     default:
@@ -43,24 +49,79 @@ namespace {
     fail(rc, db ? sqlite3_errmsg(db) : sqlite3_errstr(rc), doing);
 }
 
+std::string folderOf(const std::string& path)
+{
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    return folder.empty() ? "." : folder;
+}
+
 // A file without any write bit counts as read-only also for a user whom the system would let
-// write it anyway (root), as workspace files do.
+// write it anyway (root), as workspace files do; so does a file in a folder this process may not
+// write, where SQLite cannot make the side files a writer needs.
 bool writable(const std::string& path)
 {
     struct stat info{};
     if (::stat(path.c_str(), &info) != 0)
         return errno == ENOENT;
-    return (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) != 0 && ::access(path.c_str(), W_OK) == 0;
+    return (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) != 0 && ::access(path.c_str(), W_OK) == 0 &&
+           ::access(folderOf(path).c_str(), W_OK | X_OK) == 0;
+}
+
+// Whether a reader can share the write-ahead log's index: the side files are there to be read,
+// or can be made.
+bool sideFilesUsable(const std::string& path)
+{
+    return ::access(folderOf(path).c_str(), W_OK | X_OK) == 0 ||
+           (::access((path + "-wal").c_str(), R_OK) == 0 && ::access((path + "-shm").c_str(), R_OK) == 0);
+}
+
+// The file as a URI that opens it without the log's side files (nor locks).
+std::string immutableUri(const std::string& path)
+{
+    std::string uri = "file:";
+    for (char c : std::filesystem::absolute(path).string()) {
+        if (c == '%' || c == '?' || c == '#') {
+            char escaped[4];
+            std::snprintf(escaped, sizeof escaped, "%%%02X", static_cast<unsigned char>(c));
+            uri += escaped;
+        } else {
+            uri += c;
+        }
+    }
+    return uri + "?immutable=1";
+}
+
+// Throws, in words, what stops this process from reading the depot file: it is missing, or a
+// permission is.
+void requireReadable(const std::string& path)
+{
+    if (::access(path.c_str(), R_OK) == 0)
+        return;
+    const int cause = errno;
+    if (cause == ENOENT)
+        throw DepotError(code::SessionUnusable, "Cannot reach the depot: there is no depot file '" + path +
+                                                    "'; check the depot path (-d or HBDEPOT), or create one with "
+                                                    "'hbdepot init'");
+    if (cause == EACCES)
+        throw DepotError(code::SessionUnusable, "Cannot reach the depot: you may not read the depot file '" + path +
+                                                    "' (permission denied on the file or a folder above it); ask "
+                                                    "for read permission to it");
+    throw DepotError(code::SessionUnusable,
+                     "Cannot reach the depot file '" + path + "': " + std::strerror(cause));
 }
 
 }  // namespace
 
 Database::Database(const std::string& path, bool createIfMissing, int busyTimeoutMs)
-    : m_readOnly(!createIfMissing && !writable(path))
+    : m_path(path), m_readOnly(!createIfMissing && !writable(path))
 {
-    const int access = m_readOnly ? SQLITE_OPEN_READONLY
+    if (!createIfMissing)
+        requireReadable(path);
+    const bool withoutSideFiles = m_readOnly && !sideFilesUsable(path);
+    const std::string name = withoutSideFiles ? immutableUri(path) : path;
+    const int access = m_readOnly ? SQLITE_OPEN_READONLY | (withoutSideFiles ? SQLITE_OPEN_URI : 0)
                                   : SQLITE_OPEN_READWRITE | (createIfMissing ? SQLITE_OPEN_CREATE : 0);
-    const int rc = sqlite3_open_v2(path.c_str(), &m_db, access | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int rc = sqlite3_open_v2(name.c_str(), &m_db, access | SQLITE_OPEN_NOMUTEX, nullptr);
     if (rc != SQLITE_OK) {
         const std::string detail = m_db ? sqlite3_errmsg(m_db) : sqlite3_errstr(rc);
         sqlite3_close(m_db);
@@ -81,6 +142,11 @@ Database::Database(const std::string& path, bool createIfMissing, int busyTimeou
         m_db = nullptr;
         throw;
     }
+}
+
+void Database::refuseWrite() const
+{
+    throw DepotError(code::Failed, "The depot " + m_path + " is read-only for you: " + kOnlyReading);
 }
 
 Database::~Database()

@@ -19,7 +19,11 @@ class Database
 public:
     // Opens an existing database file read-write (createIfMissing makes a new one), in WAL mode,
     // waiting up to busyTimeoutMs for other processes' write locks. A file this process may not
-    // write is opened read-only: queries work, changes fail with a message that says why.
+    // write, or whose folder it may not write (where SQLite keeps its side files), is opened
+    // read-only: queries work, changes fail with a message that says why. Where not even the
+    // side files of the write-ahead log can be made or read (a read-only folder or medium), the
+    // file is read as it stands, with no log to consult since no writer is at work. A file that
+    // is missing or may not be read is reported as such.
     Database(const std::string& path, bool createIfMissing, int busyTimeoutMs);
     ~Database();
     Database(const Database&) = delete;
@@ -30,8 +34,11 @@ public:
     std::int64_t lastInsertId() const;
     int changes() const;
     bool readOnly() const { return m_readOnly; }
+    // Throws the error that tells a user who may only read the depot that it is read-only for them.
+    [[noreturn]] void refuseWrite() const;
 
 private:
+    std::string m_path;
     bool m_readOnly = false;
     sqlite3* m_db = nullptr;
 };

@@ -49,8 +49,18 @@ void writeReadOnly(const fs::path& path, const std::function<void(std::ostream&)
     if (error)
         failOn(path.parent_path(), "create the folder", error);
     const fs::path temporary = temporaryFor(path);
+    // A failure names the workspace file, not the temporary, and leaves no temporary behind
+    // (on a full disk it would hold the space the next attempt needs).
+    const auto giveUp = [&](const std::error_code& cause) {
+        std::error_code ignored;
+        fs::remove(temporary, ignored);
+        failOn(path, "write", cause);
+    };
     {
+        errno = 0;
         std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+        if (!out)
+            giveUp(std::error_code(errno, std::generic_category()));
         try {
             write(out);
         } catch (...) {
@@ -58,16 +68,16 @@ void writeReadOnly(const fs::path& path, const std::function<void(std::ostream&)
             fs::remove(temporary, error);
             throw;
         }
-        if (!out.flush())
-            failOn(temporary, "write");
+        const int cause = out.flush() ? 0 : errno;
+        out.close();
+        if (out.fail())
+            giveUp(std::error_code(cause ? cause : EIO, std::generic_category()));
     }
     fs::permissions(temporary, kWriteBits, fs::perm_options::remove, error);
     if (!error)
         fs::rename(temporary, path, error);
-    if (error) {
-        fs::remove(temporary, error);
-        failOn(path, "write", error);
-    }
+    if (error)
+        giveUp(error);
 }
 
 fs::path temporaryFor(const fs::path& path)

@@ -53,11 +53,22 @@ public:
     Depot& operator=(const Depot&) = delete;
 
     const std::string& path() const;
+    // Whether this process may only read the depot (connecting to it first): sessions are then
+    // kept in this object only, and every change is refused.
+    bool readOnly();
 
     // Administration: whoever can open the depot file administers it, no session needed.
     // An empty password lets the user log in with none.
     Result addUser(const std::string& name, const std::string& password);
     Result addWorkspace(const std::string& name, const std::string& owner, const std::string& root);
+    // A new password (empty: none) for an existing user; open sessions stay.
+    Result setPassword(const std::string& user, const std::string& password);
+    // Removes a user who owns no workspace, and their sessions; submitted changes keep the name.
+    Result removeUser(const std::string& name);
+    // Removes a workspace in which no file is open, with its sessions, its empty pending
+    // changelists, its have records and its unfinished file steps; workspace files stay on disk
+    // and submitted changes keep the name.
+    Result removeWorkspace(const std::string& name);
     Result setSessionLifetime(std::chrono::seconds lifetime);
     // Every workspace, by name.
     Result workspaces(std::vector<WorkspaceInfo>& workspaces);
