@@ -80,7 +80,7 @@ Result openSession(Context& c)
     if (!c.line.ticket().empty())
         return checkGivenTicket(c);
     requireAccount(c.line);
-    if (const std::optional<StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
+    if (const std::optional<depot::StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
         stored && stored->workspace == c.line.workspace()) {
         std::string user;
         std::string workspace;
@@ -119,7 +119,7 @@ Result logout(Context& c)
     if (ticket.empty()) {
         if (c.line.user().empty())
             throw std::invalid_argument("give a ticket (-t) or a user (-u)");
-        const std::optional<StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
+        const std::optional<depot::StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
         if (!stored)
             return {depot::code::Failed, "User " + c.line.user() + " is not logged in to this depot."};
         ticket = stored->ticket;
