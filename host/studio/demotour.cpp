@@ -88,6 +88,13 @@ public:
         m_window = &window;
         m_session = &session;
 
+        // The start page, its first link with the keyboard focus.
+        if (QWidget* firstLink = window.findChild<QWidget*>(QStringLiteral("openFolderLink"))) {
+            window.activateWindow();
+            firstLink->setFocus();
+        }
+        shot("tour-0-start-page.png");
+
         step(QStringLiteral("alice opens her workspace and logs in"));
         DialogAnswer login([this](QWidget* dialog) {
             auto* password = dialog->findChild<QLineEdit*>(QStringLiteral("password"));

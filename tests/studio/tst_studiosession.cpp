@@ -153,9 +153,12 @@ TEST_F(StudioSessionDay, LogsInWithAKeptTicketOrTheDialogAndTellsTheSessionInThe
         EXPECT_FALSE(kept.readAll().contains("alice-pw")) << "never the password";
     }
 
-    // The next start needs no dialog; an expired session shows as such.
+    // The next start needs no dialog and has the window's last size; an expired session shows.
+    window->resize(900, 640);
+    window->close();
     start();
     EXPECT_EQ(sessionLabel(), "Session: logged in as alice");
+    EXPECT_EQ(window->size(), QSize(900, 640));
     hbrc::host::RevisionControlServices services = session->Services();
     ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
     refresh();
