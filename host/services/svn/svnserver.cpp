@@ -1,5 +1,7 @@
 #include "svnserver.h"
 
+#include <svn_config.h>
+
 #include <svn_dirent_uri.h>
 #include <svn_props.h>
 #include <svn_ra.h>
@@ -320,6 +322,8 @@ Result SvnServer::keep(const std::string& ticket)
     Call call(*this, {});
     if (Result begun = call.begin(depot::Operation::Login, &ticket); !begun.ok())
         return begun;
+    // The configuration folder with its credential cache, made as the svn client makes it.
+    svn_error_clear(svn_config_ensure(nullptr, call.pool()));
     Session& session = call.session();
     session.credentials.keep = true;
     call.use(session);
