@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the program in build/ and runs the studio's tour through its main
+# Installs what is missing, builds the programs in build/ (hbrc-studio and hbdepot in build/bin, the
+# plug-in in build/lib: what the README then uses) and runs the studio's tour through its main
 # window on an embedded depot (offscreen: it writes pictures of the window into build/tour), or with
 # --svn against a Subversion repository served by a local svnserve (a new repository with the users
 # alice and bob, on 127.0.0.1, stopped when the demo ends). Add --batch for the demo without a
@@ -9,8 +10,9 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 build=${HBRC_BUILD_DIR:-$root/build}
 bash "$root/scripts/install-deps.sh"
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DHBRC_BUILD_BENCH=OFF
-# The program and the plug-in it loads: the tests are not needed for the demo.
-cmake --build "$build" -j2 --target hbrc-studio
+# The programs and the plug-in the studio loads (also all that `cmake --install` installs); the tests
+# are not needed for the demo.
+cmake --build "$build" -j2 --target hbrc-studio hbdepot hbrevisioncontrol
 export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
 if [ "${1:-}" != "--svn" ]; then
   exec "$build/bin/hbrc-studio" --demo --shots "$build/tour" "$@"

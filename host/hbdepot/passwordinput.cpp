@@ -62,4 +62,9 @@ std::string passwordFor(const CommandLine& line, const std::string& prompt, std:
     return lineOfStandardInput();
 }
 
+bool passwordOffered(const CommandLine& line)
+{
+    return line.passwordFromStandardInput() || !line.password().empty() || ::isatty(STDIN_FILENO);
+}
+
 }  // namespace hbrc::hbdepot

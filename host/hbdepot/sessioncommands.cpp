@@ -52,6 +52,22 @@ Result logInWithPassword(Context& c)
                          c.line.workspace(), c.ticket);
 }
 
+// The depot refuses a wrong password with a text containing "Invalid password".
+bool refusesPassword(const Result& result)
+{
+    return result.code == depot::code::Failed && result.error.find("Invalid password") != std::string::npos;
+}
+
+// A command that had no password to give cannot have given a wrong one: the user's session expired,
+// was ended or never began. That is an unusable session (-34), with the way back in.
+Result sessionNeeded(const Context& c, bool ticketKept)
+{
+    const std::string account = c.line.user() + " in workspace " + c.line.workspace();
+    return {depot::code::SessionUnusable,
+            ticketKept ? "The session of " + account + " has expired or ended: log in again with 'hbdepot login'."
+                       : "User " + account + " is not logged in: log in with 'hbdepot login'."};
+}
+
 }  // namespace
 
 void inferAccount(depot::Depot& depot, CommandLine& line)
@@ -80,8 +96,9 @@ Result openSession(Context& c)
     if (!c.line.ticket().empty())
         return checkGivenTicket(c);
     requireAccount(c.line);
-    if (const std::optional<depot::StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
-        stored && stored->workspace == c.line.workspace()) {
+    const std::optional<depot::StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
+    const bool ticketKept = stored && stored->workspace == c.line.workspace();
+    if (ticketKept) {
         std::string user;
         std::string workspace;
         if (c.depot.session(stored->ticket, user, workspace).ok()) {
@@ -89,7 +106,10 @@ Result openSession(Context& c)
             return {};
         }
     }
-    return logInWithPassword(c);
+    // A user without a password needs none, so the log-in is tried even without one.
+    const bool passwordGiven = passwordOffered(c.line);
+    const Result result = logInWithPassword(c);
+    return !passwordGiven && refusesPassword(result) ? sessionNeeded(c, ticketKept) : result;
 }
 
 Result login(Context& c)

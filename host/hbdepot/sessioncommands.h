@@ -17,6 +17,8 @@ void inferAccount(depot::Depot& depot, CommandLine& line);
 
 // The session a command works in: the ticket given, else the one "login" kept for this depot
 // and user (when it is still alive and of the same workspace), else a log-in with the password.
+// Without a password to give, a refused log-in is reported as the session that expired, ended or
+// never began (-34, "log in again"), not as a wrong password.
 depot::Result openSession(Context& c);
 // "login [-p]": a log-in with the password whose ticket is kept (or printed), or a given ticket checked.
 depot::Result login(Context& c);

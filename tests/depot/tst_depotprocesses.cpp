@@ -117,13 +117,21 @@ TEST_F(DepotProcesses, BadUsageIsRefusedWithTheCommandsUsage)
 TEST_F(DepotProcesses, RefusalsSayWhyAndExitWith1)
 {
     ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
+    // bob keeps a ticket whose session then expires: a log-in two hours later clears it from the depot.
+    ASSERT_EQ(runAsBob({"--password-stdin", "login"}, "bob-pw\n").exitCode, 0);
+    m_now += 2 * 3600;
+    ok(m_alice->login("alice", "alice-pw", "alice-ws", m_aliceTicket));
     struct Refusal
     {
         QStringList arguments;
         QString says;
     };
     const std::vector<Refusal> refusals = {
-        {bobArguments({"opened"}, "nope"), "Invalid password"},
+        {bobArguments({"opened"}, "nope"), "Invalid password for user bob. (code -1)"},
+        {{"-d", depotArgument(), "-u", "bob", "-w", "bob-ws", "opened"},
+         "The session of bob in workspace bob-ws has expired or ended: log in again with 'hbdepot login'. (code -34)"},
+        {{"-d", depotArgument(), "-u", "alice", "-w", "alice-ws", "opened"},
+         "User alice in workspace alice-ws is not logged in: log in with 'hbdepot login'. (code -34)"},
         {{"-d", depotArgument(), "-u", "mallory", "-w", "bob-ws", "-P", "x", "opened"}, "Invalid password"},
         {bobArguments({"revert", bobPath("shared.kel")}), "file not opened"},
         {{"-d", depotArgument(), "-t", "bogus", "login"}, "The ticket is not valid"},
@@ -150,7 +158,7 @@ TEST_F(DepotProcesses, LoginKeepsATicketOnlyItsOwnerCanReadAndLogoutEndsIt)
 {
     // -P still works, with a warning.
     EXPECT_TRUE(run(bobArguments({"opened"})).errors.contains("warning: a password given with -P is visible"));
-    EXPECT_EQ(runAsBob({"opened"}).exitCode, 1) << "no password, no terminal: the empty password is wrong";
+    EXPECT_EQ(runAsBob({"opened"}).exitCode, 1) << "no password, no terminal: not logged in";
     const ToolRun login = runAsBob({"--password-stdin", "login"}, "bob-pw\n");
     ASSERT_EQ(login.exitCode, 0) << login.errors.toStdString();
     EXPECT_EQ((fs::status(path("tickets")).permissions() & fs::perms::all), fs::perms::owner_read | fs::perms::owner_write);

@@ -165,6 +165,34 @@ TEST_P(PendingWork, AliceSortsRevertsAndSubmitsWhileBobWatchesAndGetsHerChange)
     EXPECT_TRUE(synced.readAll().endsWith("moss"));
 }
 
+// The studio reads pending work through a second connection of alice's on the same workspace: a
+// changelist one connection makes and fills is the one the other lists, both ways, and numbers
+// stay unique although the second connection logged in before either changelist existed.
+TEST_P(PendingWork, ASecondConnectionOnTheWorkspaceListsTheChangelistsTheFirstFills)
+{
+    hbrc::depot::DepotOptions options;
+    options.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+    const std::unique_ptr<RevisionServer> second = hbrc::host::OpenRevisionServer(DepotPath(), options);
+    std::string ticket;
+    BobExpects(second->login("alice", "alice-pw", AliceWorkspace(), ticket));
+
+    ChangelistId lookDev;
+    ASSERT_TRUE(AliceAsks(*this, [&](RevisionServer& server, const std::string& aliceTicket) {
+                    return server.createChangelist(aliceTicket, "look dev", lookDev);
+                }).ok());
+    AliceChecksOut("Sky", lookDev);
+    const std::string sky = Files(FilesOf("Sky")).front();
+    std::vector<PendingChangelist> seen;
+    BobExpects(second->pendingChangelists(ticket, seen));
+    EXPECT_EQ(Summary(seen), (std::vector<std::string>{": :", lookDev + ": look dev: " + sky}));
+
+    ChangelistId sunset;
+    BobExpects(second->createChangelist(ticket, "sunset", sunset));
+    BobExpects(second->reopen(ticket, {sky}, sunset));
+    EXPECT_EQ(Summary(AlicesPendingWork(*this)),
+              (std::vector<std::string>{": :", lookDev + ": look dev:", sunset + ": sunset: " + sky}));
+}
+
 // Requests the server refuses, each leaving alice's pending work as it was. Alice has the sky open
 // in the default changelist and the rock in a numbered one (full).
 struct AlicesWork

@@ -1,8 +1,14 @@
 #include "svnchangelists.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
-#include <sstream>
 
 namespace hbrc::host {
 
@@ -44,64 +50,134 @@ int IdNumber(const depot::ChangelistId& id)
     return std::stoi(id);
 }
 
+// An exclusive advisory lock on a file, held from construction to destruction. flock() locks
+// belong to the open file, so two connections in one process exclude each other as two
+// processes do.
+class ExclusiveLock
+{
+public:
+    explicit ExclusiveLock(const std::string& file) : m_fd(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644))
+    {
+        int locked = -1;
+        while (m_fd >= 0 && (locked = ::flock(m_fd, LOCK_EX)) != 0 && errno == EINTR) {
+        }
+        if (m_fd >= 0 && locked != 0) {
+            ::close(m_fd);
+            m_fd = -1;
+        }
+    }
+    ~ExclusiveLock()
+    {
+        if (m_fd >= 0)
+            ::close(m_fd);
+    }
+    ExclusiveLock(const ExclusiveLock&) = delete;
+    ExclusiveLock& operator=(const ExclusiveLock&) = delete;
+
+    bool held() const { return m_fd >= 0; }
+
+private:
+    int m_fd;
+};
+
+depot::Result Unknown(const depot::ChangelistId& id)
+{
+    return {depot::code::Failed, "Change " + id + " unknown."};
+}
+
 }  // namespace
 
-SvnChangelists::SvnChangelists(std::string workingCopy) : m_file(std::move(workingCopy) + "/.svn/hbrc-changelists")
+SvnChangelists::SvnChangelists(const std::string& adminFolder)
+    : m_file(adminFolder + "/hbrc-changelists"), m_lockFile(adminFolder + "/hbrc-changelists.lock")
 {
+}
+
+SvnChangelists::Records SvnChangelists::read() const
+{
+    // No lock: the file is only ever replaced whole, so a reader sees the old or the new records.
+    Records records;
     std::ifstream in(m_file);
     std::string line;
     if (std::getline(in, line))
-        m_next = std::max(1, std::atoi(line.c_str()));
+        records.next = std::max(1, std::atoi(line.c_str()));
     while (std::getline(in, line)) {
         const std::size_t tab = line.find('\t');
         if (tab == std::string::npos)
             continue;
         if (const int number = IdNumber(line.substr(0, tab)))
-            m_descriptions[number] = Unescaped(line.substr(tab + 1));
+            records.descriptions[number] = Unescaped(line.substr(tab + 1));
     }
+    return records;
 }
 
 bool SvnChangelists::exists(const depot::ChangelistId& id) const
 {
-    return id.empty() || m_descriptions.count(IdNumber(id)) > 0;
+    return id.empty() || read().descriptions.count(IdNumber(id)) > 0;
 }
 
 std::string SvnChangelists::description(const depot::ChangelistId& id) const
 {
-    const auto found = m_descriptions.find(IdNumber(id));
-    return found == m_descriptions.end() ? std::string() : found->second;
+    const Records records = read();
+    const auto found = records.descriptions.find(IdNumber(id));
+    return found == records.descriptions.end() ? std::string() : found->second;
 }
 
-depot::Result SvnChangelists::create(const std::string& description, depot::ChangelistId& created)
+std::map<int, std::string> SvnChangelists::pending() const
 {
-    const int number = m_next++;
-    m_descriptions[number] = description;
-    depot::Result saved = save();
+    return read().descriptions;
+}
+
+depot::Result SvnChangelists::create(const std::string& description, depot::ChangelistId& created) const
+{
+    int number = 0;
+    depot::Result saved = change([&](Records& records) {
+        number = records.next++;
+        records.descriptions[number] = description;
+        return depot::Result{};
+    });
     if (saved.ok())
         created = std::to_string(number);
     return saved;
 }
 
-depot::Result SvnChangelists::setDescription(const depot::ChangelistId& id, const std::string& description)
+depot::Result SvnChangelists::setDescription(const depot::ChangelistId& id, const std::string& description) const
 {
-    m_descriptions[IdNumber(id)] = description;
-    return save();
+    return change([&](Records& records) {
+        const auto found = records.descriptions.find(IdNumber(id));
+        if (found == records.descriptions.end())
+            return Unknown(id);
+        found->second = description;
+        return depot::Result{};
+    });
 }
 
-depot::Result SvnChangelists::erase(const depot::ChangelistId& id)
+depot::Result SvnChangelists::erase(const depot::ChangelistId& id) const
 {
-    m_descriptions.erase(IdNumber(id));
-    return save();
+    return change([&](Records& records) {
+        records.descriptions.erase(IdNumber(id));
+        return depot::Result{};
+    });
 }
 
-depot::Result SvnChangelists::save() const
+depot::Result SvnChangelists::change(const std::function<depot::Result(Records&)>& edit) const
+{
+    const ExclusiveLock lock(m_lockFile);
+    if (!lock.held())
+        return {depot::code::IoError, "Cannot lock the changelists of the working copy in " + m_lockFile};
+    Records records = read();
+    if (depot::Result edited = edit(records); !edited.ok())
+        return edited;
+    return write(records);
+}
+
+depot::Result SvnChangelists::write(const Records& records) const
 {
     // Written beside and renamed over the old records, so that a crash leaves one or the other.
     const std::string written = m_file + ".new";
     {
         std::ofstream out(written, std::ios::trunc);
-        out << m_next << '\n';
-        for (const auto& [number, text] : m_descriptions)
+        out << records.next << '\n';
+        for (const auto& [number, text] : records.descriptions)
             out << number << '\t' << Escaped(text) << '\n';
         if (!out.flush())
             return {depot::code::IoError, "Cannot write the changelists of the working copy to " + written};

@@ -2,6 +2,7 @@
 
 #include <depot/types.h>
 
+#include <functional>
 #include <map>
 #include <string>
 
@@ -12,26 +13,43 @@ namespace hbrc::host {
 // administrative folder, make a changelist exist from its creation (empty) to its submission and
 // give it a description. Ids are numbers as text, counted per working copy; "" is the default
 // changelist, which always exists and has no record.
+//
+// The records belong to the working copy, not to a connection: every question reads the file
+// anew, and every change reads, edits and replaces it while holding an exclusive lock on a lock
+// file beside it. So all connections on one working copy (in this process or another, before and
+// after a restart) see the same changelists, and no number is handed out twice.
 class SvnChangelists
 {
 public:
-    explicit SvnChangelists(std::string workingCopy);
+    // adminFolder: the administrative folder at the root of the working copy.
+    explicit SvnChangelists(const std::string& adminFolder);
 
     bool exists(const depot::ChangelistId& id) const;
     // The description of an existing changelist ("" for the default one).
     std::string description(const depot::ChangelistId& id) const;
-    const std::map<int, std::string>& pending() const { return m_descriptions; }
+    // The numbered changelists as they are now: number to description.
+    std::map<int, std::string> pending() const;
 
-    depot::Result create(const std::string& description, depot::ChangelistId& created);
-    depot::Result setDescription(const depot::ChangelistId& id, const std::string& description);
-    depot::Result erase(const depot::ChangelistId& id);
+    depot::Result create(const std::string& description, depot::ChangelistId& created) const;
+    // Refuses a changelist without a record (deleted or submitted meanwhile, or never made).
+    depot::Result setDescription(const depot::ChangelistId& id, const std::string& description) const;
+    depot::Result erase(const depot::ChangelistId& id) const;
 
 private:
-    depot::Result save() const;
+    struct Records
+    {
+        int next = 1;
+        std::map<int, std::string> descriptions;
+    };
+
+    Records read() const;
+    // Reads the records, lets edit change them and writes them back, all under the lock; an edit
+    // that fails leaves the file as it was.
+    depot::Result change(const std::function<depot::Result(Records&)>& edit) const;
+    depot::Result write(const Records& records) const;
 
     std::string m_file;
-    int m_next = 1;
-    std::map<int, std::string> m_descriptions;
+    std::string m_lockFile;
 };
 
 }  // namespace hbrc::host

@@ -6,6 +6,7 @@
 #include <svn_props.h>
 #include <svn_ra.h>
 #include <svn_string.h>
+#include <svn_wc.h>
 
 #include <unistd.h>
 
@@ -285,6 +286,7 @@ Result SvnServer::login(const std::string& user, const std::string& password, co
                                                           call.pool(), call.pool());
     if (notWorkingCopy) {
         svn_error_clear(notWorkingCopy);
+        root = session->workingCopy.c_str();
         svn_opt_revision_t head{};
         head.kind = svn_opt_revision_head;
         svn_revnum_t checkedOut = SVN_INVALID_REVNUM;
@@ -294,7 +296,10 @@ Result SvnServer::login(const std::string& user, const std::string& password, co
         if (!checkout.ok())
             return checkout;
     }
-    session->changelists = std::make_unique<SvnChangelists>(session->workingCopy);
+    // Kept at the working copy's root, whichever of its folders the workspace names, so that every
+    // session on the working copy shares them.
+    session->changelists =
+        std::make_unique<SvnChangelists>(svn_dirent_join(root, svn_wc_get_adm_dir(call.pool()), call.pool()));
     ticket = NewTicket();
     m_sessions[ticket] = std::move(session);
     return {};
@@ -516,7 +521,7 @@ Result SvnServer::submit(const std::string& ticket, const depot::ChangelistId& c
     Call call(*this, cancel);
     if (Result begun = call.begin(depot::Operation::Submit, &ticket); !begun.ok())
         return begun;
-    SvnChangelists& records = *call.session().changelists;
+    const SvnChangelists& records = *call.session().changelists;
     if (!records.exists(changelist))
         return {code::Failed, "Change " + changelist + " unknown."};
     std::string message = description.empty() ? records.description(changelist) : description;
@@ -659,11 +664,9 @@ Result SvnServer::setDescription(const std::string& ticket, const depot::Changel
     Call call(*this, {});
     if (Result begun = call.begin(depot::Operation::SetDescription, &ticket); !begun.ok())
         return begun;
-    SvnChangelists& records = *call.session().changelists;
+    const SvnChangelists& records = *call.session().changelists;
     if (changelist.empty())
         return {code::Failed, "The default changelist has no description to change."};
-    if (!records.exists(changelist))
-        return {code::Failed, "Change " + changelist + " unknown."};
     if (description.empty())
         return {code::Failed, "A changelist's description cannot be empty."};
     return records.setDescription(changelist, description);
@@ -674,7 +677,7 @@ Result SvnServer::deleteChangelist(const std::string& ticket, const depot::Chang
     Call call(*this, {});
     if (Result begun = call.begin(depot::Operation::DeleteChangelist, &ticket); !begun.ok())
         return begun;
-    SvnChangelists& records = *call.session().changelists;
+    const SvnChangelists& records = *call.session().changelists;
     if (changelist.empty())
         return {code::Failed, "The default changelist cannot be deleted."};
     if (!records.exists(changelist))
