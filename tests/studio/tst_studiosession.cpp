@@ -22,6 +22,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTemporaryDir>
@@ -194,6 +195,14 @@ TEST_F(StudioSessionDay, RevisionControlTurnedOffByTheUserStaysOffAndTheSaveName
     driver.expect(QStringLiteral("the save's question"), [](QWidget* dialog) { qobject_cast<QDialog*>(dialog)->reject(); });
     window->save();
     EXPECT_TRUE(logged(QStringLiteral("Rock is locked by bob: turn revision control on to check it out")));
+
+    // A click on the session offers to turn revision control on.
+    QTest::mouseClick(window->statusBar()->findChild<QLabel*>(QStringLiteral("sessionState")), Qt::LeftButton);
+    auto* offer = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_TRUE(offer && offer->actions().size() == 1);
+    offer->actions().first()->trigger();
+    offer->close();
+    EXPECT_EQ(sessionLabel(), "Session: logged in as alice");
 }
 
 }  // namespace
