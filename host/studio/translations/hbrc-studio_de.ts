@@ -6,38 +6,38 @@
     <message numerus="yes">
         <source>Submitted change %1 (%n file(s))</source>
         <translation>
-            <numerusform>Change %1 übergeben (%n Datei)</numerusform>
-            <numerusform>Change %1 übergeben (%n Dateien)</numerusform>
+            <numerusform>Änderungsliste %1 übergeben (%n Datei)</numerusform>
+            <numerusform>Änderungsliste %1 übergeben (%n Dateien)</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>Moved %n file(s) to the default changelist</source>
         <translation>
-            <numerusform>%n Datei in die Standard-Changelist verschoben</numerusform>
-            <numerusform>%n Dateien in die Standard-Changelist verschoben</numerusform>
+            <numerusform>%n Datei in die Standard-Änderungsliste verschoben</numerusform>
+            <numerusform>%n Dateien in die Standard-Änderungsliste verschoben</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>Moved %n file(s) to change %1</source>
         <translation>
-            <numerusform>%n Datei nach Change %1 verschoben</numerusform>
-            <numerusform>%n Dateien nach Change %1 verschoben</numerusform>
+            <numerusform>%n Datei in die Änderungsliste %1 verschoben</numerusform>
+            <numerusform>%n Dateien in die Änderungsliste %1 verschoben</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>Created change %1 with %n file(s)</source>
         <translation>
-            <numerusform>Change %1 mit %n Datei angelegt</numerusform>
-            <numerusform>Change %1 mit %n Dateien angelegt</numerusform>
+            <numerusform>Änderungsliste %1 mit %n Datei angelegt</numerusform>
+            <numerusform>Änderungsliste %1 mit %n Dateien angelegt</numerusform>
         </translation>
     </message>
     <message>
         <source>Deleted change %1</source>
-        <translation>Change %1 gelöscht</translation>
+        <translation>Änderungsliste %1 gelöscht</translation>
     </message>
     <message>
         <source>Changed the description of change %1</source>
-        <translation>Beschreibung von Change %1 geändert</translation>
+        <translation>Beschreibung der Änderungsliste %1 geändert</translation>
     </message>
     <message numerus="yes">
         <source>Reverted %n file(s)</source>
@@ -61,6 +61,25 @@
         <source>Got the latest revision of %1</source>
         <translation>Neueste Revision von %1 geholt</translation>
     </message>
+    <message>
+        <source>Kept the check-out of %1: its file differs from your revision</source>
+        <translation>%1 bleibt ausgecheckt: Die Datei weicht von Ihrer Revision ab</translation>
+    </message>
+    <message>
+        <source>Reverted the check-out of %1 (unchanged)</source>
+        <translation>Auschecken von %1 zurückgesetzt (unverändert)</translation>
+    </message>
+</context>
+<context>
+    <name>HeldAssets</name>
+    <message>
+        <source>%1 is locked by %2: turn revision control on to check it out</source>
+        <translation>%1 ist von %2 gesperrt: Schalten Sie die Versionsverwaltung ein, um es auszuchecken</translation>
+    </message>
+    <message>
+        <source>%1 is checked out by %2: turn revision control on to check it out</source>
+        <translation>%1 ist von %2 ausgecheckt: Schalten Sie die Versionsverwaltung ein, um es auszuchecken</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
@@ -81,11 +100,11 @@
     <name>StatusChange</name>
     <message>
         <source>the default changelist</source>
-        <translation>der Standard-Changelist</translation>
+        <translation>der Standard-Änderungsliste</translation>
     </message>
     <message>
         <source>changelist %1</source>
-        <translation>Changelist %1</translation>
+        <translation>Änderungsliste %1</translation>
     </message>
     <message>
         <source>for add in %1</source>
@@ -167,7 +186,7 @@
     </message>
     <message>
         <source>Changelist</source>
-        <translation>Changelist</translation>
+        <translation>Änderungsliste</translation>
     </message>
     <message>
         <source>Files</source>
@@ -223,6 +242,16 @@
     </message>
 </context>
 <context>
+    <name>hbrc::studio::DescriptionDialog</name>
+    <message numerus="yes">
+        <source>%n file(s):</source>
+        <translation>
+            <numerusform>%n Datei:</numerusform>
+            <numerusform>%n Dateien:</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>hbrc::studio::LogDock</name>
     <message>
         <source>Log</source>
@@ -234,22 +263,37 @@
     </message>
 </context>
 <context>
+    <name>hbrc::studio::LoginDialog</name>
+    <message>
+        <source>Log In</source>
+        <translation>Anmelden</translation>
+    </message>
+    <message>
+        <source>Server:</source>
+        <translation>Server:</translation>
+    </message>
+    <message>
+        <source>&amp;User:</source>
+        <translation>&amp;Benutzer:</translation>
+    </message>
+    <message>
+        <source>&amp;Password:</source>
+        <translation>&amp;Passwort:</translation>
+    </message>
+    <message>
+        <source>&amp;Keep me logged in</source>
+        <translation>&amp;Angemeldet bleiben</translation>
+    </message>
+    <message>
+        <source>The server keeps the log-in for the next start; the password is never stored.</source>
+        <translation>Der Server behält die Anmeldung für den nächsten Start; das Passwort wird nie gespeichert.</translation>
+    </message>
+</context>
+<context>
     <name>hbrc::studio::MainWindow</name>
     <message>
         <source>hbrc-studio</source>
         <translation>hbrc-studio</translation>
-    </message>
-    <message>
-        <source>logged in</source>
-        <translation>angemeldet</translation>
-    </message>
-    <message>
-        <source>unreachable</source>
-        <translation>nicht erreichbar</translation>
-    </message>
-    <message>
-        <source>expired</source>
-        <translation>abgelaufen</translation>
     </message>
     <message>
         <source>The status of the assets is unknown: %1</source>
@@ -329,11 +373,11 @@
     </message>
     <message>
         <source>Reveal in File &amp;Browser</source>
-        <translation>Im Datei&amp;browser zeigen</translation>
+        <translation>Im Dateibrowser &amp;zeigen</translation>
     </message>
     <message>
         <source>&amp;Refresh Status</source>
-        <translation>Status &amp;aktualisieren</translation>
+        <translation>&amp;Status aktualisieren</translation>
     </message>
     <message>
         <source>&amp;Settings...</source>
@@ -360,24 +404,12 @@
         <translation>Arbeitsbereich: %1</translation>
     </message>
     <message>
-        <source>no workspace</source>
-        <translation>kein Arbeitsbereich</translation>
-    </message>
-    <message>
         <source>Session: %1</source>
         <translation>Sitzung: %1</translation>
     </message>
     <message>
         <source>Cannot open the workspace %1: %2</source>
         <translation>Der Arbeitsbereich %1 lässt sich nicht öffnen: %2</translation>
-    </message>
-    <message>
-        <source>Not logged in: %1</source>
-        <translation>Nicht angemeldet: %1</translation>
-    </message>
-    <message>
-        <source>asking...</source>
-        <translation>wird erfragt...</translation>
     </message>
     <message>
         <source>%1 - hbrc-studio</source>
@@ -417,14 +449,6 @@
     <message>
         <source>The save did not complete: %1</source>
         <translation>Das Speichern wurde nicht abgeschlossen: %1</translation>
-    </message>
-    <message>
-        <source>New Asset</source>
-        <translation>Neues Asset</translation>
-    </message>
-    <message>
-        <source>Name:</source>
-        <translation>Name:</translation>
     </message>
     <message>
         <source>Cannot create %1: %2</source>
@@ -499,10 +523,6 @@
         <translation>Rückgängig gemacht: %1</translation>
     </message>
     <message>
-        <source>Redid the last undone step</source>
-        <translation>Letzten rückgängig gemachten Schritt wiederholt</translation>
-    </message>
-    <message>
         <source>Checked out %1</source>
         <translation>%1 ausgecheckt</translation>
     </message>
@@ -512,7 +532,7 @@
     </message>
     <message>
         <source>%1 is not saved yet: the next save marks it for add</source>
-        <translation>%1 ist noch nicht gespeichert: das nächste Speichern markiert es zum Hinzufügen</translation>
+        <translation>%1 ist noch nicht gespeichert: Das nächste Speichern markiert es zum Hinzufügen</translation>
     </message>
     <message>
         <source>Marked %1 for add</source>
@@ -544,7 +564,7 @@
     </message>
     <message>
         <source>&amp;Get Latest</source>
-        <translation>&amp;Neueste Revision holen</translation>
+        <translation>Neueste &amp;Revision holen</translation>
     </message>
     <message>
         <source>%1 refused: %2</source>
@@ -573,12 +593,95 @@
             <numerusform>%n Assets</numerusform>
         </translation>
     </message>
+    <message>
+        <source>&amp;Find</source>
+        <translation>&amp;Suchen</translation>
+    </message>
+    <message>
+        <source>Log &amp;In...</source>
+        <translation>A&amp;nmelden...</translation>
+    </message>
+    <message>
+        <source>Log &amp;Out</source>
+        <translation>Ab&amp;melden</translation>
+    </message>
+    <message>
+        <source>Turn Revision Control &amp;On</source>
+        <translation>&amp;Versionsverwaltung einschalten</translation>
+    </message>
+    <message>
+        <source>&amp;Redo %1</source>
+        <translation>%1 &amp;wiederholen</translation>
+    </message>
+    <message>
+        <source>&amp;Retry</source>
+        <translation>&amp;Erneut versuchen</translation>
+    </message>
+    <message>
+        <source>Rename %1</source>
+        <translation>Umbenennen von %1</translation>
+    </message>
+    <message>
+        <source>Edit %1 of %2</source>
+        <translation>Bearbeiten von %1 an %2</translation>
+    </message>
+    <message>
+        <source>The save was cancelled; the edits stay in memory</source>
+        <translation>Das Speichern wurde abgebrochen; die Änderungen bleiben im Arbeitsspeicher</translation>
+    </message>
+    <message>
+        <source>The save was cancelled: the check-out of %1 was cancelled; the edits stay in memory</source>
+        <translation>Das Speichern wurde abgebrochen: Das Auschecken von %1 wurde abgebrochen; die Änderungen bleiben im Arbeitsspeicher</translation>
+    </message>
+    <message>
+        <source>Redid %1</source>
+        <translation>Wiederholt: %1</translation>
+    </message>
+    <message>
+        <source>Cannot redo %1</source>
+        <translation>%1 lässt sich nicht wiederholen</translation>
+    </message>
+    <message>
+        <source>Revert</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::NewAssetDialog</name>
+    <message>
+        <source>Metadata (materials, lights, settings)</source>
+        <translation>Metadaten (Materialien, Lichter, Einstellungen)</translation>
+    </message>
+    <message>
+        <source>Value (curves, constants)</source>
+        <translation>Wert (Kurven, Konstanten)</translation>
+    </message>
+    <message>
+        <source>Data (meshes, textures, effects)</source>
+        <translation>Daten (Meshes, Texturen, Effekte)</translation>
+    </message>
+    <message>
+        <source>New Asset</source>
+        <translation>Neues Asset</translation>
+    </message>
+    <message>
+        <source>&amp;Name:</source>
+        <translation>&amp;Name:</translation>
+    </message>
+    <message>
+        <source>&amp;Kind:</source>
+        <translation>&amp;Art:</translation>
+    </message>
+    <message>
+        <source>&amp;Type:</source>
+        <translation>&amp;Typ:</translation>
+    </message>
 </context>
 <context>
     <name>hbrc::studio::PendingChangesModel</name>
     <message>
         <source>Changelist / File</source>
-        <translation>Changelist / Datei</translation>
+        <translation>Änderungsliste / Datei</translation>
     </message>
     <message>
         <source>Action</source>
@@ -594,7 +697,7 @@
     </message>
     <message>
         <source>Change %1: %2</source>
-        <translation>Change %1: %2</translation>
+        <translation>Änderungsliste %1: %2</translation>
     </message>
     <message>
         <source>add</source>
@@ -633,11 +736,11 @@
     </message>
     <message>
         <source>&amp;New Changelist...</source>
-        <translation>&amp;Neue Changelist...</translation>
+        <translation>&amp;Neue Änderungsliste...</translation>
     </message>
     <message>
         <source>&amp;Delete Changelist</source>
-        <translation>Changelist &amp;löschen</translation>
+        <translation>Änderungsliste &amp;löschen</translation>
     </message>
     <message>
         <source>&amp;Edit Description...</source>
@@ -645,7 +748,7 @@
     </message>
     <message>
         <source>&amp;Move to Changelist</source>
-        <translation>In Changelist &amp;verschieben</translation>
+        <translation>In Änderungsliste &amp;verschieben</translation>
     </message>
     <message>
         <source>Revert</source>
@@ -658,10 +761,6 @@
         <translation>Diese Dateien zurücksetzen? Ihre Änderungen gehen verloren.
 
 %1</translation>
-    </message>
-    <message>
-        <source>Check the files to submit</source>
-        <translation>Haken Sie die zu übergebenden Dateien an</translation>
     </message>
     <message>
         <source>Submit</source>
@@ -681,7 +780,7 @@
     </message>
     <message>
         <source>Delete Changelist</source>
-        <translation>Changelist löschen</translation>
+        <translation>Änderungsliste löschen</translation>
     </message>
     <message>
         <source>Edit Description</source>
@@ -693,15 +792,15 @@
     </message>
     <message>
         <source>New Changelist...</source>
-        <translation>Neue Changelist...</translation>
+        <translation>Neue Änderungsliste...</translation>
     </message>
     <message>
         <source>Move to Changelist</source>
-        <translation>In Changelist verschieben</translation>
+        <translation>In Änderungsliste verschieben</translation>
     </message>
     <message>
         <source>New Changelist</source>
-        <translation>Neue Changelist</translation>
+        <translation>Neue Änderungsliste</translation>
     </message>
 </context>
 <context>
@@ -737,6 +836,65 @@
     <message>
         <source>Kind</source>
         <translation>Art</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::SessionController</name>
+    <message>
+        <source>no workspace</source>
+        <translation>kein Arbeitsbereich</translation>
+    </message>
+    <message>
+        <source>no server</source>
+        <translation>kein Server</translation>
+    </message>
+    <message>
+        <source>revision control off</source>
+        <translation>Versionsverwaltung aus</translation>
+    </message>
+    <message>
+        <source>not logged in</source>
+        <translation>nicht angemeldet</translation>
+    </message>
+    <message>
+        <source>logged in as %1</source>
+        <translation>angemeldet als %1</translation>
+    </message>
+    <message>
+        <source>expired</source>
+        <translation>abgelaufen</translation>
+    </message>
+    <message>
+        <source>unreachable</source>
+        <translation>nicht erreichbar</translation>
+    </message>
+    <message>
+        <source>Revision control is on for the server %1</source>
+        <translation>Die Versionsverwaltung ist für den Server %1 eingeschaltet</translation>
+    </message>
+    <message>
+        <source>Logged in as %1 with the kept log-in</source>
+        <translation>Als %1 mit der beibehaltenen Anmeldung angemeldet</translation>
+    </message>
+    <message>
+        <source>Logged in, but the log-in is not kept: %1</source>
+        <translation>Angemeldet, aber die Anmeldung wird nicht beibehalten: %1</translation>
+    </message>
+    <message>
+        <source>Logged in as %1</source>
+        <translation>Als %1 angemeldet</translation>
+    </message>
+    <message>
+        <source>Not logged in: %1</source>
+        <translation>Nicht angemeldet: %1</translation>
+    </message>
+    <message>
+        <source>Logged out; the server said: %1</source>
+        <translation>Abgemeldet; der Server meldete: %1</translation>
+    </message>
+    <message>
+        <source>Logged out</source>
+        <translation>Abgemeldet</translation>
     </message>
 </context>
 <context>
@@ -779,7 +937,7 @@
     </message>
     <message>
         <source>When editing a read-only &amp;asset:</source>
-        <translation>Beim Bearbeiten eines schreibgeschützten &amp;Assets:</translation>
+        <translation>Beim Bearbeiten eines schreib&amp;geschützten Assets:</translation>
     </message>
     <message>
         <source>Always use this setting</source>
@@ -787,11 +945,11 @@
     </message>
     <message>
         <source>&amp;Changelist for automatic check-outs:</source>
-        <translation>&amp;Changelist für automatisches Auschecken:</translation>
+        <translation>Änderungs&amp;liste für automatisches Auschecken:</translation>
     </message>
     <message>
         <source>Ask for a changelist when checking out</source>
-        <translation>Beim Auschecken nach einer Changelist fragen</translation>
+        <translation>Beim Auschecken nach einer Änderungsliste fragen</translation>
     </message>
     <message>
         <source> s</source>
@@ -803,7 +961,7 @@
     </message>
     <message>
         <source>&amp;Refresh status every:</source>
-        <translation>Status &amp;aktualisieren alle:</translation>
+        <translation>Status a&amp;ktualisieren alle:</translation>
     </message>
 </context>
 <context>
