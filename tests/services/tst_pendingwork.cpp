@@ -160,7 +160,7 @@ TEST_P(PendingWork, ASecondConnectionOnTheWorkspaceListsTheChangelistsTheFirstFi
     BobExpects(second->login("alice", "alice-pw", AliceWorkspace(), ticket));
 
     ChangelistId lookDev;
-    ASSERT_TRUE(AliceAsks(*this, [&](RevisionServer& server, const std::string& aliceTicket) {
+    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& aliceTicket) {
                     return server.createChangelist(aliceTicket, "look dev", lookDev);
                 }).ok());
     AliceChecksOut("Sky", lookDev);
