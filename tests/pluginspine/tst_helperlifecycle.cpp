@@ -41,20 +41,13 @@ protected:
     std::unique_ptr<CRevisionControlUIHelper> helper;
 };
 
-TEST_F(HelperTest, FollowsTheProxysThreeSignalsAndDisconnectsWhenDestroyedWithoutTerm)
+// From the initial connection until Term the helper is the file service's time-out delegate; it
+// follows the proxy's three signals until it is destroyed, Term or not.
+TEST_F(HelperTest, FollowsTheProxysSignalsAndIsTheTimeOutDelegateUntilTerm)
 {
     EXPECT_EQ(host.proxy.initialConnection.num_slots(), 1u);
     EXPECT_EQ(host.proxy.connected.num_slots(), 1u);
     EXPECT_EQ(host.proxy.disconnected.num_slots(), 1u);
-    helper->Term();
-    helper.reset();
-    EXPECT_EQ(host.proxy.initialConnection.num_slots(), 0u);
-    EXPECT_EQ(host.proxy.connected.num_slots(), 0u);
-    EXPECT_EQ(host.proxy.disconnected.num_slots(), 0u);
-}
-
-TEST_F(HelperTest, TheHelperIsTheTimeOutDelegateFromTheInitialConnectionUntilTerm)
-{
     auto* delegate = static_cast<kel4::ITimeOutDelegate*>(helper.get());
     {
         ::testing::InSequence order;
@@ -67,6 +60,9 @@ TEST_F(HelperTest, TheHelperIsTheTimeOutDelegateFromTheInitialConnectionUntilTer
     helper->Close();
     helper.reset();
     ::testing::Mock::VerifyAndClearExpectations(host.fileVersionControl.Get());
+    EXPECT_EQ(host.proxy.initialConnection.num_slots(), 0u);
+    EXPECT_EQ(host.proxy.connected.num_slots(), 0u);
+    EXPECT_EQ(host.proxy.disconnected.num_slots(), 0u);
 }
 
 TEST_F(HelperTest, TheInitialConnectionWithoutAFileServiceRaises)
@@ -78,8 +74,17 @@ TEST_F(HelperTest, TheInitialConnectionWithoutAFileServiceRaises)
     EXPECT_THROW(host.proxy.initialConnection(), kel4::ExBase::NullPtr);
 }
 
-TEST_F(HelperTest, ConnectAndDisconnectRegisterAndUnregisterWithTheItemLibrary)
+// Connecting registers the helper with the item library, disconnecting unregisters it; an accessor
+// bound to no library gets neither.
+TEST_F(HelperTest, ConnectAndDisconnectRegisterAndUnregisterWithABoundItemLibrary)
 {
+    host.libraryContext.SetBound(false);
+    host.proxy.connected();
+    host.proxy.disconnected();
+    EXPECT_TRUE(host.libraryContext.registrations().empty());
+    EXPECT_TRUE(host.libraryContext.unregistrations().empty());
+
+    host.libraryContext.SetBound(true);
     host.proxy.connected();
     host.proxy.disconnected();
     host.proxy.connected();
@@ -93,15 +98,6 @@ TEST_F(HelperTest, ConnectAndDisconnectRegisterAndUnregisterWithTheItemLibrary)
         EXPECT_EQ(r.code, 40);
         EXPECT_EQ(r.contextIndex, 7);
     }
-}
-
-TEST_F(HelperTest, AnAccessorNotBoundToALibraryRegistersNothing)
-{
-    host.libraryContext.SetBound(false);
-    host.proxy.connected();
-    host.proxy.disconnected();
-    EXPECT_TRUE(host.libraryContext.registrations().empty());
-    EXPECT_TRUE(host.libraryContext.unregistrations().empty());
 }
 
 TEST_F(HelperTest, ProgressBoxCancelAbortsCloseDoesNotAndEachRunStartsAfresh)

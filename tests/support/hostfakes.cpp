@@ -8,7 +8,6 @@ namespace hbrc::test {
 
 KELPtr<kel4::IService> FakeKELInstance::GetService(const kel4::ServiceId& id) const
 {
-    ++m_lookups;
     auto found = m_services.find(id.name);
     return found == m_services.end() ? KELPtr<kel4::IService>() : found->second;
 }

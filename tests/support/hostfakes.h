@@ -29,11 +29,9 @@ class FakeKELInstance : public kel4::RefCounted<kel4::IKELInstance>
 public:
     KELPtr<kel4::IService> GetService(const kel4::ServiceId& id) const override;
     void SetService(const kel4::ServiceId& id, KELPtr<kel4::IService> service);
-    int lookups() const { return m_lookups; }
 
 private:
     std::map<std::string, KELPtr<kel4::IService>> m_services;
-    mutable int m_lookups = 0;
 };
 
 // Objects are made with AddObject; handles carry the manager, a cache index and instance 1.
