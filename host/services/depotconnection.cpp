@@ -27,12 +27,21 @@ DepotConnection::DepotConnection(std::string server, ConnectionOptions options)
       m_cache(m_options.statusLifetime)
 {
     m_runner.SetThreshold(m_options.timeOutThreshold);
+    m_runner.SetDeadline(m_options.callDeadline);
 }
 
 DepotConnection::~DepotConnection() = default;
 
-kelResult DepotConnection::Finish(const depot::Result& result, std::string& errorText)
+kelResult DepotConnection::RunOn(RevisionServer& server, const TimeOutRunner::Operation& operation,
+                                 std::string& errorText)
 {
+    const TimeOutRunner::Outcome outcome = m_runner.Run(operation, [&server] { server.interruptWaits(); });
+    if (outcome.pastDeadline) {
+        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(m_runner.Deadline()).count();
+        errorText = server.unreachableText("no answer within " + std::to_string(seconds) + " s");
+        return kel4::kResultSessionUnusable;
+    }
+    const depot::Result& result = outcome.result;
     errorText = result.error;
     if (result.ok())
         return kel4::kResultSuccess;
@@ -55,16 +64,16 @@ KELPtr<UserParameters> DepotConnection::Login(const std::string& userName, const
     RevisionServer& target = otherServer ? *other : *m_depot;
 
     std::string ticket;
-    const depot::Result result = m_runner.Run([&](const depot::CancelCheck&) {
-        return target.login(userName, password, workspace, ticket);
-    });
+    const kelResult result = RunOn(
+        target, [&](const depot::CancelCheck&) { return target.login(userName, password, workspace, ticket); },
+        errorText);
     if (otherServer) {
         // The depot left behind keeps its round trips counted.
-        m_roundTripsBefore += (result.ok() ? *m_depot : *other).roundTrips();
-        if (result.ok())
+        m_roundTripsBefore += (result.IsSuccess() ? *m_depot : *other).roundTrips();
+        if (result.IsSuccess())
             m_depot = std::move(other);
     }
-    if (Finish(result, errorText).IsFailure())
+    if (result.IsFailure())
         return {};
     m_cache.Invalidate();
     return KELPtr<UserParameters>(new UserParameters(userName, workspace, m_depot->path(), ticket));
@@ -84,8 +93,8 @@ kelResult DepotConnection::Run(const kel4::IUserParameters* session, const Opera
     }
     RunningGuard running(m_running);
     RevisionServer& depot = *m_depot;
-    return Finish(m_runner.Run([&](const depot::CancelCheck& cancel) { return operation(depot, ticket, cancel); }),
-                  errorText);
+    return RunOn(
+        depot, [&](const depot::CancelCheck& cancel) { return operation(depot, ticket, cancel); }, errorText);
 }
 
 kelResult DepotConnection::ExpireSession(const kel4::IUserParameters* session, std::string& errorText)

@@ -1,5 +1,7 @@
 #include "svnserver.h"
 
+#include "svnconnectionbreaker.h"
+
 #include <svn_dirent_uri.h>
 #include <svn_props.h>
 #include <svn_ra.h>
@@ -298,6 +300,16 @@ Result SvnServer::login(const std::string& user, const std::string& password, co
     ticket = NewTicket();
     m_sessions[ticket] = std::move(session);
     return {};
+}
+
+std::string SvnServer::unreachableText(const std::string& why) const
+{
+    return SvnUnreachableText(m_url, why);
+}
+
+void SvnServer::interruptWaits()
+{
+    BreakConnectionsTo(m_url);
 }
 
 Result SvnServer::expireSession(const std::string& ticket)

@@ -57,6 +57,8 @@ public:
                          const depot::CancelCheck& cancel) override;
     depot::Result revertUnchanged(const std::string& ticket, const Files& files, std::vector<std::string>& reverted,
                                   const depot::CancelCheck& cancel) override;
+    std::string unreachableText(const std::string& why) const override;
+    void interruptWaits() override;
     std::uint64_t roundTrips() const override { return m_roundTrips; }
     depot::FaultInjector& faults() override { return m_faults; }
 

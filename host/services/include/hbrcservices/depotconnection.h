@@ -20,6 +20,8 @@ struct ConnectionOptions
     depot::DepotOptions depot;
     // How long an operation runs before the time-out delegate is asked.
     std::chrono::milliseconds timeOutThreshold{500};
+    // How long any call waits for the server: then it fails with -34, as for an unreachable server.
+    std::chrono::milliseconds callDeadline{std::chrono::seconds(30)};
     // How long a file's depot status is trusted without asking the depot again.
     std::chrono::milliseconds statusLifetime{std::chrono::seconds(10)};
 };
@@ -51,7 +53,8 @@ public:
 
     // Runs operation for the session: kResultSessionUnusable without one, kResultFailed while
     // another operation of this connection is still running (a re-entrant call from a progress
-    // box's event loop), otherwise the operation's outcome as a result code with its text.
+    // box's event loop), otherwise the operation's outcome as a result code with its text; a call
+    // past its deadline fails with kResultSessionUnusable and the server's "cannot reach" text.
     kelResult Run(const kel4::IUserParameters* session, const Operation& operation, std::string& errorText);
 
     TimeOutRunner& Runner() { return m_runner; }
@@ -66,7 +69,8 @@ public:
     kelResult ExpireSession(const kel4::IUserParameters* session, std::string& errorText);
 
 private:
-    kelResult Finish(const depot::Result& result, std::string& errorText);
+    // Runs operation on server through the runner, interrupting its network waits when it is cut short.
+    kelResult RunOn(RevisionServer& server, const TimeOutRunner::Operation& operation, std::string& errorText);
 
     ConnectionOptions m_options;
     std::unique_ptr<RevisionServer> m_depot;
