@@ -1,0 +1,171 @@
+// A batch job against a server that fails: alice's host runs the real plug-in without any window
+// and meets an unreachable server, a frozen one (it accepts and never answers) and an expired
+// session, on every server kind. The editability question and a save must end within their
+// deadlines, show no dialog, keep every edit, leave no lock behind and report each failure once.
+#include <depothostfixture.h>
+
+#include <hbrchost/logcapture.h>
+#include <kel4/irevisioncontroluihelper.h>
+
+#include <QApplication>
+#include <QDirIterator>
+#include <QTimer>
+#include <QWidget>
+
+#include <csignal>
+#include <chrono>
+#include <functional>
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+class BatchFaults : public ServerFixture
+{
+public:
+    hbrc::host::ConnectionOptions ConnectionOptionsForAlice() const override
+    {
+        hbrc::host::ConnectionOptions options = ServerFixture::ConnectionOptionsForAlice();
+        options.callDeadline = 1s;
+        // Short enough that a progress box shown in batch would be caught.
+        options.timeOutThreshold = 20ms;
+        return options;
+    }
+
+    void SetUp() override
+    {
+        ServerFixture::SetUp();
+        if (HasFatalFailure())
+            return;
+        std::string error;
+        ASSERT_TRUE(host->LoadPlugin(HBRC_PLUGIN_PATH, error)) << error;
+        ASSERT_NE(host->StartComponent("RevisionControlPropertiesMgr"), nullptr);
+        helper = dynamic_cast<kel4::IRevisionControlUIHelper*>(host->StartComponent("RevisionControlUIHelper"));
+        ASSERT_NE(helper, nullptr);
+        host->Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
+        host->Preferences().SetIntPref("RevControl.BatchRetryDeadlineSeconds", 0, 1);
+        workspace = host->OpenWorkspace(AliceFolder(), error);
+        ASSERT_NE(workspace, nullptr) << error;
+        // Moss: a submitted metadata asset, the kind whose save asks the plug-in first.
+        hbrc::host::NewAsset moss;
+        moss.kind = hbrc::host::AssetKind::Metadata;
+        moss.name = "Moss";
+        const KELHandle<kel4::IDbObject> created(workspace->CreateAsset(moss, error));
+        ASSERT_FALSE(created.IsNull()) << error;
+        workspace->Save();
+        ASSERT_EQ(DataControl()->MarkForAdd({created}, true, kPersistence, "", error).GetCode(), 0) << error;
+        AliceSubmits("moss");
+        BobExpects(Bob().sync(BobTicket(), {}));
+    }
+
+    // The svnserve process serving the repository, found by its port.
+    qint64 ServerProcess() const
+    {
+        const std::string url = DepotPath();
+        const QByteArray port = "--listen-port=" + QByteArray::fromStdString(url.substr(url.rfind(':') + 1));
+        for (QDirIterator it(QStringLiteral("/proc")); it.hasNext();) {
+            QFile cmdline(it.next() + QStringLiteral("/cmdline"));
+            if (cmdline.open(QIODevice::ReadOnly) && cmdline.readAll().split('\0').contains(port))
+                return it.fileName().toLongLong();
+        }
+        return 0;
+    }
+    // A frozen server: svnserve stopped (it accepts in its kernel backlog, then never answers), or
+    // for the servers without a process, a round trip longer than any deadline.
+    void Freeze(bool frozen)
+    {
+        if (Server() == ServerKind::SvnServe)
+            ASSERT_EQ(::kill(static_cast<pid_t>(ServerProcess()), frozen ? SIGSTOP : SIGCONT), 0);
+        else
+            services.connection->Faults().setLatency(frozen ? 10min : 0min);
+    }
+
+    // Runs call with a watcher that fails on (and closes) any window shown meanwhile.
+    template <class Call>
+    void WithoutWindows(const Call& call)
+    {
+        QTimer watcher;
+        QObject::connect(&watcher, &QTimer::timeout, [] {
+            for (QWidget* widget : QApplication::topLevelWidgets()) {
+                if (widget->isVisible()) {
+                    ADD_FAILURE() << "a window in batch: " << widget->metaObject()->className() << " "
+                                  << widget->windowTitle().toStdString();
+                    widget->close();
+                }
+            }
+        });
+        watcher.start(5);
+        call();
+    }
+
+    kel4::IRevisionControlUIHelper* helper = nullptr;
+};
+INSTANTIATE_TEST_SUITE_P(Servers, BatchFaults, ServerKinds(), ServerKindName);
+
+struct Fault
+{
+    const char* name;
+    std::function<void(BatchFaults&)> inject;
+    std::function<void(BatchFaults&)> lift;
+};
+
+struct Work
+{
+    const char* name;
+    // Runs the work on Moss; true when the edit got through.
+    std::function<bool(BatchFaults&)> run;
+    // The edit is on disk or still in memory.
+    std::function<bool(BatchFaults&)> editKept;
+};
+
+TEST_P(BatchFaults, EveryCallEndsWithOneReportAndNothingLost)
+{
+    const Fault faults[] = {
+        {"unreachable",
+         [](BatchFaults& f) {
+             f.services.connection->Faults().failNextCalls(1000, hbrc::depot::code::SessionUnusable,
+                                                           "Cannot reach the server (injected)");
+         },
+         [](BatchFaults& f) { f.services.connection->Faults().clear(); }},
+        {"frozen", [](BatchFaults& f) { f.Freeze(true); }, [](BatchFaults& f) { f.Freeze(false); }},
+        {"expired without a kept login", [](BatchFaults& f) { f.services.ExpireSessionNow(); },
+         [](BatchFaults& f) {
+             std::string error;
+             f.DataControl()->SetSession(f.FileVersionControl()->Login("alice", "alice-pw", f.AliceWorkspace(),
+                                                                       f.DepotPath(), error));
+         }},
+    };
+    const Work works[] = {
+        {"edit question", [](BatchFaults& f) { return f.helper->CanEditObjects({f.Asset("Moss")}, true, true, ""); },
+         [](BatchFaults&) { return true; }},
+        {"save",
+         [](BatchFaults& f) {
+             f.workspace->SetField(f.Asset("Moss"), "note", "batch");
+             return !f.workspace->Save().cancelled;
+         },
+         [](BatchFaults& f) { return f.workspace->Model().IsDirty(f.Asset("Moss")); }},
+    };
+    for (const Fault& fault : faults) {
+        for (const Work& work : works) {
+            SCOPED_TRACE(std::string(fault.name) + " x " + work.name);
+            hbrc::host::LogCapture log;
+            fault.inject(*this);
+            const Clock::time_point start = Clock::now();
+            bool done = true;
+            WithoutWindows([&] { done = work.run(*this); });
+            const auto took = Clock::now() - start;
+            fault.lift(*this);
+
+            EXPECT_FALSE(done);
+            EXPECT_LT(took, 8s) << "a few calls of one second each";
+            EXPECT_TRUE(work.editKept(*this));
+            EXPECT_EQ(log.TextsOfType(Log::eError).size(), 1u) << "one report per failure";
+            // Nothing of Moss stayed locked: bob can check it out and give it back.
+            BobExpects(Bob().edit(BobTicket(), BobFilesOf("Moss"), ""));
+            BobExpects(Bob().revert(BobTicket(), BobFilesOf("Moss")));
+        }
+    }
+}
+
+}  // namespace
