@@ -6,6 +6,7 @@
 
 #include <hbrchost/logcapture.h>
 #include <kel4/irevisioncontroluihelper.h>
+#include <kel4/revisionstatus.h>
 
 #include <QApplication>
 #include <QDirIterator>
@@ -166,6 +167,47 @@ TEST_P(BatchFaults, EveryCallEndsWithOneReportAndNothingLost)
             BobExpects(Bob().revert(BobTicket(), BobFilesOf("Moss")));
         }
     }
+}
+
+}  // namespace
+
+namespace {
+
+// A server that goes away during the adds after a save: the first failure is reported once, the
+// other new assets are left as they are (not in depot, offered again by the next save).
+TEST_P(BatchFaults, GoneServerDuringTheAddsAfterASaveIsReportedOnce)
+{
+    const std::vector<std::string> names{"Fern", "Twig", "Bark", "Seed"};
+    for (const std::string& name : names) {
+        hbrc::host::NewAsset asset;
+        asset.kind = hbrc::host::AssetKind::Metadata;
+        asset.name = name;
+        std::string error;
+        ASSERT_FALSE(KELHandle<kel4::IDbObject>(workspace->CreateAsset(asset, error)).IsNull()) << error;
+    }
+    hbrc::host::LogCapture log;
+    services.connection->Faults().failOperation(hbrc::depot::Operation::Add, hbrc::depot::code::SessionUnusable,
+                                                "Cannot reach the server (injected)");
+    WithoutWindows([&] { EXPECT_FALSE(workspace->Save().cancelled); });
+    services.connection->Faults().clear();
+
+    EXPECT_EQ(log.TextsOfType(Log::eError).size(), 1u);
+    for (const std::string& name : names)
+        EXPECT_EQ(StatusOf(name) & kel4::eStatusNotInDatabase, kel4::eStatusNotInDatabase) << name;
+}
+
+// A batch save that needs a decision nobody can make is cancelled, and the log says why.
+TEST_P(BatchFaults, CancelledBatchSaveNamesItsAssetsAndTheSetting)
+{
+    host->Preferences().SetIntPref("RevControl.ActionWhenEditingReadOnlyAsset", 0, 1);  // "none"
+    hbrc::host::LogCapture log;
+    workspace->SetField(Asset("Moss"), "note", "batch");
+    EXPECT_TRUE(workspace->Save().cancelled);
+    const std::vector<std::string> errors = log.TextsOfType(Log::eError);
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_NE(errors.front().find("Moss"), std::string::npos) << errors.front();
+    EXPECT_NE(errors.front().find("RevControl.ActionWhenEditingReadOnlyAsset"), std::string::npos) << errors.front();
+    EXPECT_TRUE(workspace->Model().IsDirty(Asset("Moss")));
 }
 
 }  // namespace
