@@ -211,3 +211,32 @@ TEST_P(BatchFaults, CancelledBatchSaveNamesItsAssetsAndTheSetting)
 }
 
 }  // namespace
+
+namespace {
+
+// A Subversion server that dies during a multi-file lock keeps locks in alice's name whose tokens
+// never reached her working copy. The next check-out takes them back instead of refusing "locked
+// by alice", and logs it. (The lock without a token here is made through a second working copy of
+// alice's: the state the server's death leaves, without the race of timing a kill.)
+TEST_P(BatchFaults, LocksLeftByAnInterruptedCheckOutAreTakenBack)
+{
+    if (!IsSubversion())
+        GTEST_SKIP() << "the embedded depot takes all locks of a call in one transaction";
+    const std::unique_ptr<hbrc::host::RevisionServer> elsewhere = hbrc::host::OpenRevisionServer(DepotPath(), {});
+    const std::string otherCopy =
+        QFile::encodeName(QDir::cleanPath(AliceFolder() + QStringLiteral("/../alice-elsewhere"))).toStdString();
+    std::string ticket;
+    BobExpects(elsewhere->login("alice", "alice-pw", otherCopy, ticket));
+    std::vector<std::string> strayFiles;
+    for (const std::string& file : FilesOf("Moss"))
+        strayFiles.push_back(otherCopy + file.substr(AlicePath("").size() - 1));
+    BobExpects(elsewhere->edit(ticket, strayFiles, ""));
+
+    hbrc::host::LogCapture log;
+    EXPECT_TRUE(helper->CanEditObjects({Asset("Moss")}, true, true, ""));
+    EXPECT_FALSE(DataControl()->IsReadOnly(Asset("Moss"), true, kPersistence));
+    ASSERT_EQ(log.TextsOfType(Log::eWarning).size(), 1u);
+    EXPECT_NE(log.TextsOfType(Log::eWarning).front().find("Took back"), std::string::npos);
+}
+
+}  // namespace

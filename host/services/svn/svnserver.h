@@ -74,8 +74,10 @@ private:
     Session* find(const std::string& ticket);
     // Refuses a change into a changelist the working copy does not have, and files that others
     // hold or that are not in a state to change; otherwise statuses holds the files' words.
+    // With ownStrayLocks, the files locked in the session user's name without a token in this
+    // working copy are not refused but listed there.
     depot::Result checkFilesMayChange(Call& call, const Files& files, const depot::ChangelistId& changelist,
-                                      std::vector<depot::FileStatus>& statuses);
+                                      std::vector<depot::FileStatus>& statuses, Files* ownStrayLocks = nullptr);
     depot::Result statusWords(Call& call, const Files& files, bool askRepository,
                               std::vector<depot::FileStatus>& statuses, SvnStatusMap* walked = nullptr);
 
