@@ -161,7 +161,7 @@ void BM_OpenWorkspaceInWindow(benchmark::State& state)
         longestStall = std::max(longestStall, double(stalls->longestMs()));
         stalls.reset();
         roundTrips = double(window.model().statusQuery().RoundTrips());
-        expect(window.sessionState() == QStringLiteral("logged in"), "the status question failed");
+        expect(window.sessionState().startsWith(QStringLiteral("logged in")), "the status question failed");
         window.closeWorkspace();
     }
     state.counters["status_round_trips"] = roundTrips;
@@ -214,7 +214,7 @@ void BM_RefreshStatus(benchmark::State& state)
         state.SetIterationTime(double(clock.nsecsElapsed()) / 1e9);
         longestStall = std::max(longestStall, double(stalls.longestMs()));
         roundTrips = double(query.RoundTrips() - before);
-        expect(open.window->sessionState() == QStringLiteral("logged in"), "the status question failed");
+        expect(open.window->sessionState().startsWith(QStringLiteral("logged in")), "the status question failed");
     }
     state.counters["status_round_trips"] = roundTrips;
     state.counters["longest_ui_stall_ms"] = longestStall;

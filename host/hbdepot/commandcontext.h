@@ -4,6 +4,7 @@
 // output streams, the kept tickets, and the session's ticket once one is open.
 
 #include <depot/depot.h>
+#include <depot/ticketstore.h>
 
 #include <cstddef>
 #include <filesystem>
@@ -12,7 +13,6 @@
 #include <vector>
 
 #include "commandline.h"
-#include "ticketstore.h"
 #include "verbarguments.h"
 
 namespace hbrc::hbdepot {
@@ -24,7 +24,7 @@ struct Context
     const VerbArguments& args;
     std::ostream& out;
     std::ostream& err;
-    TicketStore& tickets;
+    depot::TicketStore& tickets;
     std::string ticket;
 
     std::vector<std::string> files() const
@@ -44,7 +44,7 @@ struct Context
     }
     std::string changelistOption() const { return args.option("-c").value_or(""); }
     // The depot as the ticket store names it: one name whatever path led to it.
-    std::string depotKey() const { return std::filesystem::weakly_canonical(depot.path()).string(); }
+    std::string depotKey() const { return depot::TicketStore::depotKey(depot.path()); }
 };
 
 }  // namespace hbrc::hbdepot

@@ -254,7 +254,7 @@ int runCommand(CommandLine line, std::ostream& out, std::ostream& err)
         Depot depot(std::filesystem::absolute(line.depot()).string());
         if (command->needs != Needs::Depot)
             inferAccount(depot, line);
-        TicketStore tickets;
+        depot::TicketStore tickets;
         Context context{depot, line, args, out, err, tickets, {}};
         Result result;
         if (command->needs == Needs::Session)

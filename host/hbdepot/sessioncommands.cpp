@@ -96,7 +96,7 @@ Result openSession(Context& c)
     if (!c.line.ticket().empty())
         return checkGivenTicket(c);
     requireAccount(c.line);
-    const std::optional<StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
+    const std::optional<depot::StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
     const bool ticketKept = stored && stored->workspace == c.line.workspace();
     if (ticketKept) {
         std::string user;
@@ -139,7 +139,7 @@ Result logout(Context& c)
     if (ticket.empty()) {
         if (c.line.user().empty())
             throw std::invalid_argument("give a ticket (-t) or a user (-u)");
-        const std::optional<StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
+        const std::optional<depot::StoredTicket> stored = c.tickets.find(c.depotKey(), c.line.user());
         if (!stored)
             return {depot::code::Failed, "User " + c.line.user() + " is not logged in to this depot."};
         ticket = stored->ticket;

@@ -79,6 +79,44 @@ KELPtr<UserParameters> DepotConnection::Login(const std::string& userName, const
     return KELPtr<UserParameters>(new UserParameters(userName, workspace, m_depot->path(), ticket));
 }
 
+KELPtr<UserParameters> DepotConnection::ResumeKept(const std::string& userName, const std::string& workspace,
+                                                    std::string& errorText)
+{
+    if (m_running) {
+        errorText = kBusyText;
+        return {};
+    }
+    RunningGuard running(m_running);
+    std::string ticket;
+    const depot::Result result =
+        m_runner.Run([&](const depot::CancelCheck&) { return m_depot->resumeKept(userName, workspace, ticket); });
+    if (Finish(result, errorText).IsFailure())
+        return {};
+    m_cache.Invalidate();
+    return KELPtr<UserParameters>(new UserParameters(userName, workspace, m_depot->path(), ticket));
+}
+
+kelResult DepotConnection::Keep(const kel4::IUserParameters* session, std::string& errorText)
+{
+    return Run(session,
+               [](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
+                   return depot.keep(ticket);
+               },
+               errorText);
+}
+
+kelResult DepotConnection::Logout(const kel4::IUserParameters* session, std::string& errorText)
+{
+    const std::string user = session ? session->GetUserName() : std::string();
+    const kelResult result = Run(session,
+                                 [&user](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
+                                     return depot.logout(user, ticket);
+                                 },
+                                 errorText);
+    m_cache.Invalidate();
+    return result;
+}
+
 kelResult DepotConnection::Run(const kel4::IUserParameters* session, const Operation& operation,
                                std::string& errorText)
 {

@@ -1,5 +1,9 @@
 #include "depotserver.h"
 
+#include <depot/ticketstore.h>
+
+#include <stdexcept>
+
 namespace hbrc::host {
 
 depot::Result DepotServer::login(const std::string& user, const std::string& password, const std::string& workspace,
@@ -11,6 +15,52 @@ depot::Result DepotServer::login(const std::string& user, const std::string& pas
 depot::Result DepotServer::expireSession(const std::string& ticket)
 {
     return m_depot.expireSession(ticket);
+}
+
+depot::Result DepotServer::resumeKept(const std::string& user, const std::string& workspace, std::string& ticket)
+{
+    const std::optional<depot::StoredTicket> kept =
+        depot::TicketStore().find(depot::TicketStore::depotKey(path()), user);
+    if (kept && kept->workspace == workspace) {
+        std::string owner;
+        std::string ownersWorkspace;
+        const depot::Result alive = m_depot.session(kept->ticket, owner, ownersWorkspace);
+        if (alive.ok() && owner == user && ownersWorkspace == workspace) {
+            ticket = kept->ticket;
+            return alive;
+        }
+    }
+    return {depot::code::Failed, "No live log-in of " + user + " in workspace " + workspace + " is kept."};
+}
+
+depot::Result DepotServer::keep(const std::string& ticket)
+{
+    std::string user;
+    std::string workspace;
+    const depot::Result alive = m_depot.session(ticket, user, workspace);
+    if (!alive.ok())
+        return alive;
+    try {
+        depot::TicketStore().save(depot::TicketStore::depotKey(path()), user, {workspace, ticket});
+    } catch (const std::runtime_error& error) {
+        return {depot::code::Failed, error.what()};
+    }
+    return alive;
+}
+
+depot::Result DepotServer::logout(const std::string& user, const std::string& ticket)
+{
+    std::string notForgotten;
+    try {
+        depot::TicketStore().forget(depot::TicketStore::depotKey(path()), user);
+    } catch (const std::runtime_error& error) {
+        notForgotten = error.what();
+    }
+    const depot::Result ended = m_depot.logout(ticket);
+    if (!notForgotten.empty())
+        return {depot::code::Failed, notForgotten};
+    // A session that had ended already needs no ending.
+    return ended.code == depot::code::SessionUnusable ? depot::Result{} : ended;
 }
 
 depot::Result DepotServer::sync(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel)

@@ -16,6 +16,11 @@ bool IsSubversionUrl(const std::string& server)
     return false;
 }
 
+bool IsUnreachableServerError(const std::string& error)
+{
+    return error.rfind("Cannot reach", 0) == 0;
+}
+
 std::unique_ptr<RevisionServer> OpenRevisionServer(const std::string& server, const depot::DepotOptions& options)
 {
     if (IsSubversionUrl(server))

@@ -137,6 +137,15 @@ void AssetBrowserModel::takeAnswer(const StatusAnswer& answer)
     emit statusRefreshed(answer);
 }
 
+void AssetBrowserModel::setStatusUnavailable(const QString& reason)
+{
+    if (reason == m_statusUnavailable)
+        return;
+    m_statusUnavailable = reason;
+    if (!m_rows.empty())
+        emit dataChanged(index(0, StatusColumn), index(int(m_rows.size()) - 1, StatusColumn));
+}
+
 KELHandle<kel4::IDbObject> AssetBrowserModel::assetAt(int row) const
 {
     if (!m_workspace || row < 0 || row >= int(m_rows.size()))
@@ -187,6 +196,16 @@ QVariant AssetBrowserModel::data(const QModelIndex& index, int role) const
         return row.status.word;
     if (role == StatusKnownRole)
         return row.known;
+    if (!m_statusUnavailable.isEmpty() && index.column() == StatusColumn) {
+        if (role == StatusWordsRole)
+            return QStringList{m_statusUnavailable};
+        if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
+            return m_statusUnavailable;
+        if (role == StatusKnownRole)
+            return false;  // the badge in the colour of an unknown status
+        if (role != StatusWordRole)
+            return {};
+    }
     if (role == StatusWordsRole)
         return row.known ? statusWords(row.status.word, row.status.holders) : QStringList{tr("asking...")};
     if (role == Qt::DecorationRole && index.column() == StatusColumn)

@@ -46,6 +46,9 @@ public:
     void setWorkspace(host::Workspace* workspace);
     // Re-reads the list of assets (after one was created, deleted or renamed); known statuses stay.
     void reload();
+    // While reason is not empty, every row's status reads reason instead of its status (e.g.
+    // "revision control off"); the statuses stay and show again when it is cleared.
+    void setStatusUnavailable(const QString& reason);
     // Asks the server about every asset's files once; statusRefreshed follows.
     void refreshStatus(const AssetStatusQuery::Account& account);
 
@@ -87,6 +90,7 @@ private:
 
     host::Workspace* m_workspace = nullptr;
     std::vector<Row> m_rows;
+    QString m_statusUnavailable;
     AssetStatusQuery m_query;
 };
 

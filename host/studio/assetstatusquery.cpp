@@ -6,7 +6,7 @@ namespace hbrc::studio {
 
 bool StatusAnswer::unreachable() const
 {
-    return code == depot::code::SessionUnusable && error.startsWith(QLatin1String("Cannot reach"));
+    return code == depot::code::SessionUnusable && host::IsUnreachableServerError(error.toStdString());
 }
 
 AssetStatusQuery::AssetStatusQuery(QObject* parent) : QObject(parent) {}

@@ -18,12 +18,14 @@
 #include <qtextention/qfunctoraction.h>
 
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QEventLoop>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QTreeView>
@@ -81,20 +83,36 @@ public:
         std::string error;
         Expect(session.Start(error), error);
         session.StoreAccount({depot.Path(), "alice", depot.Workspace("alice"), {}});
-        session.SetPassword("alice-pw");
-        session.Host().Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
         MainWindow window(session);
         window.show();
         m_window = &window;
         m_session = &session;
 
-        step(QStringLiteral("alice opens her workspace"));
+        // The start page, its first link with the keyboard focus.
+        if (QWidget* firstLink = window.findChild<QWidget*>(QStringLiteral("openFolderLink"))) {
+            window.activateWindow();
+            firstLink->setFocus();
+        }
+        shot("tour-0-start-page.png");
+
+        step(QStringLiteral("alice opens her workspace and logs in"));
+        DialogAnswer login([this](QWidget* dialog) {
+            auto* password = dialog->findChild<QLineEdit*>(QStringLiteral("password"));
+            auto* buttons = dialog->findChild<QDialogButtonBox*>();
+            Expect(password && buttons, "expected the Log In dialog");
+            m_out << "  \"" << dialog->windowTitle() << "\" dialog: alice types her password and presses OK\n";
+            password->setText(QStringLiteral("alice-pw"));
+            shotOf(dialog, "tour-0-log-in.png");
+            buttons->button(QDialogButtonBox::Ok)->click();
+        });
         Expect(window.openWorkspace(depot.Folder("alice")), "cannot open alice's workspace");
+        Expect(login.answered(), "no Log In dialog appeared");
         waitForStatus();
         m_out << "  " << window.model().rowCount() << " assets in the browser; session: " << window.sessionState()
               << "\n";
         printStatus({"Rock", "Sky", "Oak"});
         shot("tour-1-open.png");
+        shotOf(window.statusBar(), "tour-1-status-bar.png");
 
         step(QStringLiteral("bob checks Rock out in his own workspace"));
         ExpectDepot(depot.Bob().edit(depot.BobTicket(), {depot.FolderPath("bob") + "/Rock.kel"}, ""), "bob edits Rock");

@@ -11,6 +11,7 @@
 #include <qtextention/translations.h>
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QTextStream>
@@ -67,9 +68,8 @@ void storeAccountOptions(const QCommandLineParser& parser, const Options& option
 
 int main(int argc, char** argv)
 {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("hbrc-studio"));
-    QApplication::setApplicationVersion(QStringLiteral(HBRC_VERSION));
+    QCoreApplication::setApplicationName(QStringLiteral("hbrc-studio"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(HBRC_VERSION));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Reference host for the revision-control plug-in"));
     parser.addHelpOption();
@@ -77,7 +77,13 @@ int main(int argc, char** argv)
     const Options options;
     parser.addOptions({options.workspace, options.server, options.user, options.workspaceName, options.demo,
                        options.batch, options.retryDeadline, options.shots, options.language});
-    parser.process(app);
+    {
+        // --help, --version and wrong options are answered without a display: the parser runs in a
+        // core application, which needs no window system, before the window's application exists.
+        QCoreApplication parsing(argc, argv);
+        parser.process(parsing);
+    }
+    QApplication app(argc, argv);
 
     // The plug-in installs its own translation for the default locale when it is loaded.
     if (parser.isSet(options.language))

@@ -5,13 +5,17 @@
 #include "changelistwork.h"
 #include "demodepot.h"
 #include "fieldeditcommand.h"
+#include "heldassets.h"
 #include "logdock.h"
+#include "logindialog.h"
 #include "pendingchangespane.h"
 #include "propertypane.h"
 #include "revisionoperations.h"
+#include "sessioncontroller.h"
 #include "settingsdialog.h"
 #include "startpage.h"
 #include "studiosession.h"
+#include "windowlayout.h"
 
 #include <hbrcdatamodel/workspace.h>
 #include <hbrcservices/userparameters.h>
@@ -19,14 +23,17 @@
 #include <log/log.h>
 #include <nrk/signalling/iconnection.h>
 #include <qtextention/qfunctoraction.h>
+#include <qtextention/qhyperlink.h>
 #include <qtextention/qsplitterwithbutton.h>
 
 #include <QCloseEvent>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QInputDialog>
 #include <QLabel>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QStackedWidget>
@@ -52,6 +59,10 @@ QString fromStd(const std::string& text)
 }
 
 constexpr int kMessageTimeoutMs = 5000;
+// The dark palette keeps Qt's default link blue (#0000ff), which reads at 1.13:1 on the dark
+// styles' window grey (68, 68, 68) where the start page and the status bar draw their links; this
+// light blue reads at 5.31:1 there (WCAG contrast ratio).
+constexpr QRgb kReadableLink = 0x8cc4ff;
 constexpr qint64 kActivationRefreshGapMs = 3000;
 
 }  // namespace
@@ -61,10 +72,14 @@ MainWindow::MainWindow(StudioSession& session, QWidget* parent)
 {
     setObjectName(QStringLiteral("TarnWindow"));
     setWindowTitle(tr("hbrc-studio"));
+    QPalette readable = palette();
+    readable.setColor(QPalette::Link, QColor(kReadableLink));
+    setPalette(readable);
     m_pages = new QStackedWidget(this);
     m_start = new StartPage(m_pages);
     m_pages->addWidget(m_start);
     auto* splitter = new QSplitterWithButton(m_pages);
+    m_splitter = splitter;
     splitter->setObjectName(QStringLiteral("workSplitter"));
     m_browser = new AssetBrowser(*m_model, splitter);
     m_properties = new PropertyPane(splitter);
@@ -84,11 +99,18 @@ MainWindow::MainWindow(StudioSession& session, QWidget* parent)
     connect(m_pending, &PendingChangesPane::message, this, &MainWindow::log);
     connect(m_operations.get(), &RevisionOperations::finished, this, &MainWindow::afterOperation);
 
-    for (QLabel** label : {&m_serverLabel, &m_userLabel, &m_workspaceLabel, &m_sessionLabel}) {
+    for (QLabel** label : {&m_serverLabel, &m_userLabel, &m_workspaceLabel}) {
         *label = new QLabel(this);
         statusBar()->addPermanentWidget(*label);
     }
+    m_sessionLabel = new QHyperlink(QString(), this);
     m_sessionLabel->setObjectName(QStringLiteral("sessionState"));
+    statusBar()->addPermanentWidget(m_sessionLabel);
+    connect(m_sessionLabel, &QHyperlink::clicked, this, &MainWindow::offerSessionAction);
+    m_sessionController = new SessionController(
+        m_session, [this](const LoginRequest& request) { return LoginDialog::ask(this, request); }, this);
+    connect(m_sessionController, &SessionController::stateChanged, this, &MainWindow::updateStatusBar);
+    connect(m_sessionController, &SessionController::message, this, &MainWindow::log);
     buildMenus();
 
     connect(m_start, &StartPage::openFolderRequested, this, &MainWindow::openFolder);
@@ -115,6 +137,7 @@ MainWindow::MainWindow(StudioSession& session, QWidget* parent)
     updateStatusBar();
     updateActions();
     resize(1100, 720);
+    WindowLayout::restore(*this, *splitter, *m_browser->view()->header(), m_session.Host().Preferences());
 }
 
 MainWindow::~MainWindow()
@@ -180,6 +203,13 @@ void MainWindow::buildMenus()
     addAction(revision, "refreshStatus", tr("&Refresh Status"), [this] { refreshStatus(); }, open)
         ->setShortcut(QKeySequence::Refresh);
     revision->addSeparator();
+    addAction(revision, "logIn", tr("Log &In..."), [this] { m_sessionController->logIn(); },
+              [this] { return m_sessionController->hasServer(); });
+    addAction(revision, "logOut", tr("Log &Out"), [this] { m_sessionController->logOut(); },
+              [this] { return m_sessionController->hasSession(); });
+    addAction(revision, "turnRevisionControlOn", tr("Turn Revision Control &On"),
+              [this] { m_sessionController->turnRevisionControlOn(); },
+              [this] { return m_sessionController->hasServer() && !m_sessionController->revisionControlOn(); });
     addAction(revision, "settings", tr("&Settings..."), [this] { showSettings(); });
     for (QMenu* menu : {file, edit, revision})
         connect(menu, &QMenu::aboutToShow, this, &MainWindow::updateActions);
@@ -220,14 +250,41 @@ void MainWindow::updateStatusBar()
     m_userLabel->setText(tr("User: %1").arg(fromStd(account.userName)));
     host::Workspace* workspace = m_session.CurrentWorkspace();
     m_workspaceLabel->setText(tr("Workspace: %1").arg(workspace ? workspace->Root() : tr("none")));
-    if (!workspace)
-        m_sessionState = tr("no workspace");
-    m_sessionLabel->setText(tr("Session: %1").arg(m_sessionState));
+    m_sessionLabel->setLinkText(tr("Session: %1").arg(sessionState()));
+    const SessionState state = m_sessionController->state();
+    m_model->setStatusUnavailable(state == SessionState::RevisionControlOff || state == SessionState::NotLoggedIn
+                                      ? sessionState()
+                                      : QString());
 }
 
 QString MainWindow::sessionState() const
 {
-    return m_sessionState;
+    return m_sessionController->stateText();
+}
+
+void MainWindow::offerSessionAction()
+{
+    static const std::map<SessionAction, const char*> kActions{
+        {SessionAction::LogIn, "logIn"},
+        {SessionAction::LogOut, "logOut"},
+        {SessionAction::TurnRevisionControlOn, "turnRevisionControlOn"},
+    };
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const SessionAction fitting = m_sessionController->fittingAction();
+    if (const auto found = kActions.find(fitting); found != kActions.end())
+        menu->addAction(action(QString::fromLatin1(found->second)));
+    else if (fitting == SessionAction::Retry)
+        connect(menu->addAction(tr("&Retry")), &QAction::triggered, this, [this] {
+            m_sessionController->retry();
+            refreshStatus();
+        });
+    if (menu->isEmpty()) {
+        delete menu;
+        return;
+    }
+    updateActions();
+    menu->popup(m_sessionLabel->mapToGlobal(QPoint(0, 0)));
 }
 
 // Each outcome also shows in the status bar for a while, so that it replaces an earlier step's.
@@ -249,12 +306,10 @@ bool MainWindow::openWorkspace(const QString& folder)
         log(Log::eError, tr("Cannot open the workspace %1: %2").arg(folder, fromStd(error)));
         return false;
     }
-    if (!m_session.LoginError().empty())
-        log(Log::eWarning, tr("Not logged in: %1").arg(fromStd(m_session.LoginError())));
+    m_sessionController->workspaceOpened();
     m_model->setWorkspace(workspace);
     m_pending->setWorkspace(workspace);
     m_pages->setCurrentIndex(1);
-    m_sessionState = tr("asking...");
     setWindowTitle(tr("%1 - hbrc-studio").arg(QFileInfo(workspace->Root()).fileName()));
     updateStatusBar();
     updateActions();
@@ -268,6 +323,7 @@ void MainWindow::closeWorkspace()
     m_model->setWorkspace(nullptr);
     m_pending->setWorkspace(nullptr);
     m_session.Close();
+    m_sessionController->workspaceClosed();
     m_session.Host().Commands().Clear();
     m_pages->setCurrentIndex(0);
     m_start->setRecentWorkspaces(m_session.RecentWorkspaces());
@@ -339,15 +395,10 @@ void MainWindow::reloadFromDisk(const std::vector<std::string>& files)
 
 void MainWindow::takeStatus(const StatusAnswer& answer)
 {
-    const QString before = m_sessionState;
-    if (answer.code >= 0)
-        m_sessionState = tr("logged in");
-    else if (answer.unreachable())
-        m_sessionState = tr("unreachable");
-    else
-        m_sessionState = tr("expired");
+    const QString before = sessionState();
+    m_sessionController->statusAnswered(answer);
     // The timer asks again and again: a failure is news once.
-    if (answer.code < 0 && m_sessionState != before)
+    if (answer.code < 0 && sessionState() != before)
         log(Log::eWarning, tr("The status of the assets is unknown: %1").arg(answer.error));
     updateStatusBar();
     showSelection();
@@ -447,6 +498,14 @@ bool MainWindow::save()
     host::Workspace* workspace = m_session.CurrentWorkspace();
     if (!workspace)
         return false;
+    // With revision control off the save offers to make read-only files writable without naming
+    // who holds them. Naming them first protects their work best without overriding the user's
+    // own choice to work without revision control: a writable copy changes nothing on the server,
+    // where their check-out or lock still stands, and the user now knows whom to ask before they
+    // turn revision control on (which would make the save check the files out instead).
+    if (!m_sessionController->revisionControlOn())
+        for (const QString& held : HeldAssets::describe(*workspace, m_session.Services()))
+            log(Log::eWarning, held);
     const host::SaveReport report = workspace->Save();
     if (report.Succeeded())
         log(Log::eMessage, tr("Saved %n file(s)", nullptr, int(report.writtenFiles.size())));
@@ -645,9 +704,11 @@ void MainWindow::showFiles(bool inFileBrowser)
 void MainWindow::showSettings()
 {
     if (IRevisionControlPropertiesMgr* settings = m_session.Settings()) {
+        const bool wasOn = m_sessionController->revisionControlOn();
         SettingsDialog dialog(*settings, m_session, this);
         dialog.exec();
         applyRefreshInterval();
+        m_sessionController->revisionControlChosen(wasOn);
     }
 }
 
@@ -694,10 +755,12 @@ bool MainWindow::askToKeepUnsaved()
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    if (askToKeepUnsaved())
-        event->accept();
-    else
+    if (!askToKeepUnsaved()) {
         event->ignore();
+        return;
+    }
+    WindowLayout::save(*this, *m_splitter, *m_browser->view()->header(), m_session.Host().Preferences());
+    event->accept();
 }
 
 }  // namespace hbrc::studio

@@ -12,7 +12,9 @@
 #include <vector>
 
 class QFunctorAction;
+class QHyperlink;
 class QLabel;
+class QSplitter;
 class QStackedWidget;
 class QTimer;
 
@@ -27,6 +29,7 @@ class AssetBrowserModel;
 class LogDock;
 class PendingChangesPane;
 class RevisionOperations;
+class SessionController;
 struct OperationOutcome;
 struct ServerAccount;
 class PropertyPane;
@@ -65,6 +68,8 @@ public:
     LogDock& logDock() const { return *m_log; }
     PendingChangesPane& pendingChanges() const { return *m_pending; }
     RevisionOperations& operations() const { return *m_operations; }
+    SessionController& sessionController() const { return *m_sessionController; }
+    // The session as the status bar tells it ("logged in as alice", "revision control off", ...).
     QString sessionState() const;
 
 signals:
@@ -113,6 +118,8 @@ private:
     void markForAdd();
     void showFiles(bool inFileBrowser);
     void showSettings();
+    // A click on the session in the status bar: a menu with what fits the session's state.
+    void offerSessionAction();
     // Brings the head revision of the assets' files and reads them again; assets with unsaved
     // edits are left out and named.
     void getLatest(const std::vector<KELHandle<kel4::IDbObject>>& assets);
@@ -130,10 +137,11 @@ private:
     QLabel* m_serverLabel = nullptr;
     QLabel* m_userLabel = nullptr;
     QLabel* m_workspaceLabel = nullptr;
-    QLabel* m_sessionLabel = nullptr;
+    QHyperlink* m_sessionLabel = nullptr;
+    QSplitter* m_splitter = nullptr;
+    SessionController* m_sessionController = nullptr;
     std::map<QString, QFunctorAction*> m_actions;
     std::unique_ptr<nrk::signalling::IConnection> m_settingsConnection;
-    QString m_sessionState;
     QTimer* m_refreshTimer = nullptr;
     QElapsedTimer m_lastRefresh;  // since the last status question
     bool m_editing = false;  // a dialog of an edit's check-out runs: further edits wait for it

@@ -20,12 +20,12 @@ StartPage::StartPage(QWidget* parent) : QWidget(parent)
     auto* open = new QHyperlink(tr("Open a workspace folder..."), this);
     open->setObjectName(QStringLiteral("openFolderLink"));
     connect(open, &QHyperlink::clicked, this, &StartPage::openFolderRequested);
-    layout->addWidget(open);
+    layout->addWidget(open, 0, Qt::AlignLeft);
     auto* demo = new QHyperlink(tr("Create a demo depot"), this);
     demo->setObjectName(QStringLiteral("createDemoLink"));
     demo->setToolTip(tr("A depot with the users alice and bob and a sample workspace of about twenty assets"));
     connect(demo, &QHyperlink::clicked, this, &StartPage::createDemoRequested);
-    layout->addWidget(demo);
+    layout->addWidget(demo, 0, Qt::AlignLeft);
     layout->addSpacing(24);
     layout->addWidget(new QLabel(tr("Recent workspaces"), this));
     m_recent = new QVBoxLayout;
@@ -45,7 +45,7 @@ void StartPage::setRecentWorkspaces(const QStringList& folders)
     for (const QString& folder : folders) {
         auto* link = new QHyperlink(folder, this);
         connect(link, &QHyperlink::clicked, this, [this, folder] { emit openRecentRequested(folder); });
-        m_recent->addWidget(link);
+        m_recent->addWidget(link, 0, Qt::AlignLeft);
     }
 }
 

@@ -23,10 +23,7 @@ constexpr int kDefaultRefreshSeconds = 60;
 StudioSession::StudioSession(const QString& preferencesFile) : m_host(preferencesFile)
 {
     m_host.AddWorkspaceSetup([this](host::Workspace& workspace) {
-        const Account account = StoredAccount();
-        m_loginError.clear();
-        m_services = host::InstallRevisionControlServices(
-            workspace, account.server, {account.userName, m_password, account.workspaceName}, m_loginError);
+        m_services = host::InstallRevisionControlServices(workspace, StoredAccount().server);
     });
 }
 

@@ -16,8 +16,8 @@ class IRevisionControlUIHelper;
 
 namespace hbrc::studio {
 
-// The account the studio logs in with: the "RevControl." preferences, plus a password that is
-// never stored (empty: the plug-in asks for it when the server wants a session).
+// The account the studio logs in with: the "RevControl." preferences, plus the password of this
+// run, which is never stored (empty: the session controller resumes a kept log-in or asks).
 struct Account
 {
     std::string server;
@@ -45,9 +45,9 @@ public:
     void StoreAccount(const Account& account);
     void SetPassword(std::string password) { m_password = std::move(password); }
 
-    // Opens folder with revision-control services for the stored account; the folder joins the
-    // recent workspaces. Null with errorText when the folder cannot be opened (a failed log-in
-    // still opens it: the services then answer -34 until the plug-in re-opens the session).
+    // Opens folder with revision-control services for the stored account's server, without a
+    // session (the services answer -34 until one is installed: SessionController logs in); the
+    // folder joins the recent workspaces. Null with errorText when the folder cannot be opened.
     host::Workspace* Open(const QString& folder, std::string& errorText);
     void Close();
     QStringList RecentWorkspaces();
@@ -60,8 +60,6 @@ public:
     const host::RevisionControlServices& Services() const { return m_services; }
     kel4::IRevisionControlUIHelper* Helper() const { return m_helper; }
     IRevisionControlPropertiesMgr* Settings() const { return m_settings; }
-    // Why the last log-in failed ("" when it succeeded).
-    const std::string& LoginError() const { return m_loginError; }
 
 private:
     host::HostSession m_host;
@@ -69,7 +67,6 @@ private:
     kel4::IRevisionControlUIHelper* m_helper = nullptr;
     IRevisionControlPropertiesMgr* m_settings = nullptr;
     std::string m_password;
-    std::string m_loginError;
 };
 
 }  // namespace hbrc::studio

@@ -12,8 +12,13 @@ depot::Result WorkerConnection::Prepare(const ServerAccount& account, std::strin
     ticket = account.ticket;
     if (!host::IsSubversionUrl(account.server))
         return {};
+    if (account.ticket.empty()) {
+        // The services have no session (never logged in, or logged out): neither has this one.
+        m_ownTicket.clear();
+        return {depot::code::SessionUnusable, "Not logged in; please log in."};
+    }
     depot::Result result;
-    if (m_ownTicket.empty() && !account.password.empty())
+    if (m_ownTicket.empty())
         result = m_server->login(account.userName, account.password, account.workspace, m_ownTicket);
     ticket = m_ownTicket;
     return result;

@@ -23,7 +23,8 @@ struct ServerAccount
 //
 // On the embedded depot the questions use the services' session (their ticket). A Subversion
 // session belongs to the connection that opened it, so there this connection logs in itself, once,
-// with the account's password; without one its questions are refused (-34).
+// with the account's password (empty: the one the credential cache keeps), while the services have
+// a session; without one its questions are refused (-34).
 class WorkerConnection
 {
 public:

@@ -7,7 +7,10 @@ is reported and not run (the README's own build and install commands, which need
 commands that open a window). A block whose first line is
     # readme-test: continues
 is pasted into the same shell as the block of its file that ran before it: it sees that block's
-folder, current folder and variables, as a user who follows the README in one terminal does."""
+folder, current folder and variables, as a user who follows the README in one terminal does.
+
+With --world DIR --chain TEXT, only the chain whose first block holds TEXT runs, in DIR, which is
+kept: the world that README builds, for a test that goes on working in it."""
 
 import os
 import pathlib
@@ -57,10 +60,12 @@ def chains(name):
     return grouped, skipped
 
 
-def run_chain(chain, bin_dir):
-    """Runs the blocks of a chain in one shell; returns (passed, failed)."""
+def run_chain(chain, bin_dir, world=None):
+    """Runs the blocks of a chain in one shell, in world or a new folder that goes away after;
+    returns (passed, failed)."""
     script = "".join(f"printf '%s\\n' '{STARTS}{index}'\n{text}" for index, (_, text) in enumerate(chain))
-    with tempfile.TemporaryDirectory(prefix="readme-block-") as folder:
+    with tempfile.TemporaryDirectory(prefix="readme-block-") as scratch:
+        folder = world or scratch
         env = {k: v for k, v in os.environ.items() if not k.startswith("HBDEPOT")}
         env.update(HOME=folder, PATH=bin_dir + os.pathsep + env.get("PATH", ""))
         run = subprocess.run(["bash", "-euo", "pipefail", "-c", script], cwd=folder, env=env,
@@ -83,15 +88,21 @@ def run_chain(chain, bin_dir):
 
 
 def main():
-    if len(sys.argv) < 3:
-        sys.exit("usage: run_readme_blocks.py BIN_DIR FILE.md...")
-    bin_dir = os.path.abspath(sys.argv[1])
+    args = sys.argv[1:]
+    world = wanted = None
+    if args[:1] == ["--world"] and len(args) >= 4 and args[2] == "--chain":
+        world, wanted, args = os.path.abspath(args[1]), args[3], args[4:]
+    if len(args) < 2:
+        sys.exit("usage: run_readme_blocks.py [--world DIR --chain TEXT] BIN_DIR FILE.md...")
+    bin_dir = os.path.abspath(args[0])
     failed = passed = skipped = 0
-    for name in sys.argv[2:]:
+    for name in args[1:]:
         grouped, skipped_here = chains(name)
         skipped += skipped_here
+        if wanted is not None:
+            grouped = [chain for chain in grouped if wanted in chain[0][1]]
         for chain in grouped:
-            chain_passed, chain_failed = run_chain(chain, bin_dir)
+            chain_passed, chain_failed = run_chain(chain, bin_dir, world)
             passed += chain_passed
             failed += chain_failed
     print(f"{passed} passed, {failed} failed, {skipped} skipped")

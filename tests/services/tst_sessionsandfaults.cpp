@@ -2,6 +2,8 @@
 // acts on (-34 starts its re-connection; "Invalid password" its password dialog).
 #include <depothostfixture.h>
 
+#include <hbrcservices/depotqueries.h>
+
 #include <chrono>
 #include <functional>
 #include <set>
@@ -180,6 +182,32 @@ TEST_P(SessionsAndFaults, ServicesOnAnUnreachableDepotAnswerUnusable)
     DataControl()->SetSession(session);
     EXPECT_EQ(unreachable.connection->Server(), DepotPath());
     EXPECT_EQ(StatusOf("Rock"), 0u);
+}
+
+// A log-in kept on one connection opens a session on the next one, as after a restart: the
+// embedded depot keeps the ticket in the ticket store hbdepot shares, Subversion the password in
+// its client's credential cache (in $HOME, as the svn command-line client keeps it). Logging out
+// ends the session and forgets what was kept.
+TEST_P(SessionsAndFaults, AKeptLogInServesTheNextStartUntilLogOut)
+{
+    const QByteArray home = qgetenv("HOME");
+    const QTemporaryDir ownHome;
+    qputenv("HOME", QFile::encodeName(ownHome.path()));
+    std::string error;
+    ASSERT_TRUE(services.connection->Keep(DataControl()->GetUserParameters().Get(), error).IsSuccess()) << error;
+    hbrc::host::DepotConnection restart(DepotPath());
+    const KELPtr<hbrc::host::UserParameters> resumed = restart.ResumeKept("alice", AliceWorkspace(), error);
+    ASSERT_FALSE(resumed.IsNull()) << error;
+    std::vector<hbrc::depot::FileStatus> statuses;
+    EXPECT_TRUE(hbrc::host::DepotQueries::Status(restart, resumed.Get(), {AlicePath("rock.bin")}, statuses, error)
+                    .IsSuccess())
+        << error;
+    EXPECT_TRUE(restart.Logout(resumed.Get(), error).IsSuccess()) << error;
+    // A file:// repository asks for no password: there is nothing to keep or forget.
+    if (Server() != ServerKind::SvnFile) {
+        EXPECT_TRUE(hbrc::host::DepotConnection(DepotPath()).ResumeKept("alice", AliceWorkspace(), error).IsNull());
+    }
+    qputenv("HOME", home);
 }
 
 // How injected failures count and pick their operation is the depot's (tst_depot); here, that a

@@ -433,7 +433,7 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
 // The status bar names the session's state as the last status question found it.
 TEST_F(StudioWindow, TheStatusBarTellsAnExpiredSessionFromAnUnreachableServer)
 {
-    EXPECT_EQ(window->sessionState(), "logged in");
+    EXPECT_EQ(window->sessionState(), "logged in as alice");
     std::string error;
     ASSERT_TRUE(session->Services()
                     .connection->ExpireSession(session->Services().dataControl->GetUserParameters().Get(), error)
@@ -452,14 +452,14 @@ TEST_F(StudioWindow, TheStatusBarTellsAnExpiredSessionFromAnUnreachableServer)
     EXPECT_EQ(status("Rock"), "asking...");
 
     // The question runs off the UI thread, and the timer asks again: once the depot is there, the
-    // answer comes from it (the session that failed to open stays unusable).
+    // answer comes from it (no session was opened: the studio is not logged in).
     setRefreshSeconds(1);
     window->refreshStatus();
     EXPECT_TRUE(window->model().statusQuery().IsPending()) << "refreshStatus returned before the answer";
     waitForStatus();
     EXPECT_EQ(sessionLabel(), "Session: unreachable");
     ASSERT_TRUE(QFile::link(QString::fromStdString(depot->Path()), QString::fromStdString(depot->Path() + ".missing")));
-    ASSERT_TRUE(DialogDriver::waitUntil([this] { return window->sessionState() == "expired"; }, 10000));
+    ASSERT_TRUE(DialogDriver::waitUntil([this] { return window->sessionState() == "not logged in"; }, 10000));
 }
 
 // The log dock lists the host log with each entry's level; Ctrl+C copies the selected entries.
@@ -497,7 +497,7 @@ TEST_F(StudioWindow, TheStartPageCreatesADemoDepotThatStaysInTheRecentList)
     EXPECT_TRUE(folder.startsWith(parent)) << folder.toStdString();
     waitForStatus();
     EXPECT_EQ(window->model().rowCount(), 20);
-    EXPECT_EQ(window->sessionState(), "logged in");
+    EXPECT_EQ(window->sessionState(), "logged in as alice");
     window->closeWorkspace();
     EXPECT_EQ(session->RecentWorkspaces().value(0), folder);
     QDir(QFileInfo(folder).path()).removeRecursively();

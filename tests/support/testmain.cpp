@@ -1,8 +1,9 @@
 // The main of every test executable: one QApplication (offscreen unless the caller chose a
-// platform), settings kept away from the user's own, and a check after each test that it left no
-// top-level widget behind.
+// platform), settings and kept log-ins away from the user's own, and a check after each test
+// that it left no top-level widget behind.
 #include <QApplication>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QWidget>
 
 #include <gmock/gmock.h>
@@ -41,6 +42,10 @@ int main(int argc, char** argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("HBRC_TEST_MODE", "1");
     QStandardPaths::setTestModeEnabled(true);
+    // Log-ins kept by the code under test go to a file of this run, never the user's own.
+    const QTemporaryDir tickets;
+    if (qEnvironmentVariableIsEmpty("HBDEPOT_TICKETS"))
+        qputenv("HBDEPOT_TICKETS", tickets.filePath(QStringLiteral("tickets")).toLocal8Bit());
     QApplication app(argc, argv);
     ::testing::InitGoogleMock(&argc, argv);
     ::testing::UnitTest::GetInstance()->listeners().Append(new NoLeakedWindows);

@@ -2,12 +2,14 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 
 QHyperlink::QHyperlink(const QString& text, QWidget* parent) : QLabel(parent)
 {
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);
     setForegroundRole(QPalette::Link);
+    setMargin(2);  // room for the focus frame
     setLinkText(text);
 }
 
@@ -38,4 +40,27 @@ void QHyperlink::keyPressEvent(QKeyEvent* event)
     default:
         QLabel::keyPressEvent(event);
     }
+}
+
+// The dark styles draw no focus frame around a label, so the link draws its own.
+void QHyperlink::paintEvent(QPaintEvent* event)
+{
+    QLabel::paintEvent(event);
+    if (!hasFocus())
+        return;
+    QPainter painter(this);
+    painter.setPen(QPen(palette().color(foregroundRole()), 1, Qt::DotLine));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+void QHyperlink::focusInEvent(QFocusEvent* event)
+{
+    QLabel::focusInEvent(event);
+    update();
+}
+
+void QHyperlink::focusOutEvent(QFocusEvent* event)
+{
+    QLabel::focusOutEvent(event);
+    update();
 }

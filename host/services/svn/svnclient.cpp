@@ -10,6 +10,8 @@
 
 #include <array>
 #include <cstdlib>
+#include <cstring>
+#include <map>
 #include <mutex>
 
 namespace hbrc::host {
@@ -27,33 +29,6 @@ void InitialiseLibraryOnce()
         std::atexit(apr_terminate);
         svn_error_clear(svn_dso_initialize2());
     });
-}
-
-svn_error_t* GiveSimpleCredentials(svn_auth_cred_simple_t** credentials, void* baton, const char* /*realm*/,
-                                   const char* /*username*/, svn_boolean_t /*maySave*/, apr_pool_t* pool)
-{
-    const auto* account = *static_cast<const SvnCredentials* const*>(baton);
-    if (!account)
-        return svn_error_create(SVN_ERR_AUTHN_CREDS_UNAVAILABLE, nullptr, "Not logged in");
-    auto* given = static_cast<svn_auth_cred_simple_t*>(apr_pcalloc(pool, sizeof(svn_auth_cred_simple_t)));
-    given->username = apr_pstrdup(pool, account->user.c_str());
-    given->password = apr_pstrdup(pool, account->password.c_str());
-    given->may_save = FALSE;
-    *credentials = given;
-    return SVN_NO_ERROR;
-}
-
-svn_error_t* GiveUserName(svn_auth_cred_username_t** credentials, void* baton, const char* /*realm*/,
-                          svn_boolean_t /*maySave*/, apr_pool_t* pool)
-{
-    const auto* account = *static_cast<const SvnCredentials* const*>(baton);
-    if (!account)
-        return svn_error_create(SVN_ERR_AUTHN_CREDS_UNAVAILABLE, nullptr, "Not logged in");
-    auto* given = static_cast<svn_auth_cred_username_t*>(apr_pcalloc(pool, sizeof(svn_auth_cred_username_t)));
-    given->username = apr_pstrdup(pool, account->user.c_str());
-    given->may_save = FALSE;
-    *credentials = given;
-    return SVN_NO_ERROR;
 }
 
 svn_error_t* CheckCancel(void* baton)
@@ -111,32 +86,33 @@ SvnClient::SvnClient()
                    SVN_CONFIG_SECTION_GLOBAL, SVN_CONFIG_OPTION_HTTP_TIMEOUT, kHttpTimeoutSeconds);
     svn_error_clear(svn_client_create_context2(&m_context, config, m_pool.get()));
 
-    // The providers read the account through a pointer to this object's member, so that one
-    // authentication baton serves every session.
-    auto* accountBaton = static_cast<const SvnCredentials**>(apr_palloc(m_pool.get(), sizeof(SvnCredentials*)));
+    // The credential cache's providers, as the svn command-line client has them: the account's
+    // password, else the one cached for its user; the user name alone for file:// repositories.
     m_context->cancel_baton = apr_palloc(m_pool.get(), sizeof(depot::CancelCheck*));
-    *accountBaton = nullptr;
     *static_cast<const depot::CancelCheck**>(m_context->cancel_baton) = nullptr;
     apr_array_header_t* providers = apr_array_make(m_pool.get(), 2, sizeof(svn_auth_provider_object_t*));
     svn_auth_provider_object_t* provider = nullptr;
-    svn_auth_get_simple_prompt_provider(&provider, GiveSimpleCredentials, accountBaton, 0, m_pool.get());
+    svn_auth_get_simple_provider2(&provider, nullptr, nullptr, m_pool.get());
     APR_ARRAY_PUSH(providers, svn_auth_provider_object_t*) = provider;
-    svn_auth_get_username_prompt_provider(&provider, GiveUserName, accountBaton, 0, m_pool.get());
+    svn_auth_get_username_provider(&provider, m_pool.get());
     APR_ARRAY_PUSH(providers, svn_auth_provider_object_t*) = provider;
     svn_auth_open(&m_context->auth_baton, providers, m_pool.get());
-    svn_auth_set_parameter(m_context->auth_baton, SVN_AUTH_PARAM_NON_INTERACTIVE, "");
-    svn_auth_set_parameter(m_context->auth_baton, SVN_AUTH_PARAM_NO_AUTH_CACHE, "");
-    svn_auth_set_parameter(m_context->auth_baton, SVN_AUTH_PARAM_DONT_STORE_PASSWORDS, "");
     m_context->cancel_func = CheckCancel;
-    m_accountBaton = accountBaton;
+    use(nullptr, nullptr);
 }
 
 void SvnClient::use(const SvnCredentials* credentials, const depot::CancelCheck* cancel)
 {
-    *m_accountBaton = credentials;
+    // The parameters point into credentials, which outlive the operations that use them.
+    svn_auth_baton_t* auth = m_context->auth_baton;
+    svn_auth_set_parameter(auth, SVN_AUTH_PARAM_DEFAULT_USERNAME, credentials ? credentials->user.c_str() : nullptr);
+    svn_auth_set_parameter(auth, SVN_AUTH_PARAM_DEFAULT_PASSWORD,
+                           credentials && !credentials->password.empty() ? credentials->password.c_str() : nullptr);
+    // Nothing is written to the cache unless the account asks to be kept, not even its user name.
+    svn_auth_set_parameter(auth, SVN_AUTH_PARAM_NO_AUTH_CACHE, credentials && credentials->keep ? nullptr : "");
     *static_cast<const depot::CancelCheck**>(m_context->cancel_baton) = cancel;
     // The library keeps the credentials it was given for a realm; a new account must be asked again.
-    svn_error_clear(svn_auth_forget_credentials(m_context->auth_baton, nullptr, nullptr, m_pool.get()));
+    svn_error_clear(svn_auth_forget_credentials(auth, nullptr, nullptr, m_pool.get()));
 }
 
 apr_array_header_t* SvnClient::pathArray(const std::vector<std::string>& paths, apr_pool_t* pool)
@@ -145,6 +121,54 @@ apr_array_header_t* SvnClient::pathArray(const std::vector<std::string>& paths, 
     for (const std::string& path : paths)
         APR_ARRAY_PUSH(array, const char*) = apr_pstrdup(pool, path.c_str());
     return array;
+}
+
+namespace {
+
+// The start of the realm of every credential cached for a repository: "<scheme://host:port>".
+std::string RealmOf(const std::string& url)
+{
+    const std::size_t schemeEnd = url.find("://");
+    if (schemeEnd == std::string::npos)
+        return {};
+    const std::string scheme = url.substr(0, schemeEnd);
+    std::string authority = url.substr(schemeEnd + 3, url.find('/', schemeEnd + 3) - (schemeEnd + 3));
+    authority.erase(0, authority.find('@') + 1);  // a user name in the URL is not part of the realm
+    if (authority.find(':') == std::string::npos) {
+        static const std::map<std::string, const char*> kDefaultPorts{{"svn", "3690"}, {"http", "80"}, {"https", "443"}};
+        const auto port = kDefaultPorts.find(scheme);
+        if (port == kDefaultPorts.end())
+            return {};
+        authority += std::string(":") + port->second;
+    }
+    return "<" + scheme + "://" + authority + ">";
+}
+
+struct KeptPassword
+{
+    std::string realm;
+    std::string user;
+};
+
+svn_error_t* ForgetMatching(svn_boolean_t* forget, void* baton, const char* kind, const char* realm, apr_hash_t* hash,
+                            apr_pool_t* /*pool*/)
+{
+    const auto* kept = static_cast<const KeptPassword*>(baton);
+    const auto* user = static_cast<const svn_string_t*>(svn_hash_gets(hash, SVN_CONFIG_AUTHN_USERNAME_KEY));
+    *forget = std::strcmp(kind, SVN_AUTH_CRED_SIMPLE) == 0 && user && kept->user == user->data &&
+              std::string(realm).rfind(kept->realm, 0) == 0;
+    return SVN_NO_ERROR;
+}
+
+}  // namespace
+
+void SvnForgetKeptPassword(const std::string& url, const std::string& user)
+{
+    KeptPassword kept{RealmOf(url), user};
+    if (kept.realm.empty())
+        return;
+    SvnPool pool;
+    svn_error_clear(svn_config_walk_auth_data(nullptr, ForgetMatching, &kept, pool.get()));
 }
 
 bool SvnIsAuthenticationFailure(const svn_error_t* err)

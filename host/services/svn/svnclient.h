@@ -25,17 +25,22 @@ private:
     apr_pool_t* m_pool = nullptr;
 };
 
-// The account of a session, handed to the server when it asks. Kept in memory only.
+// The account of a session, handed to the server when it asks. An empty password means the one
+// the client library's credential cache holds for the user, if any; keep puts the password into
+// that cache once the server has accepted it.
 struct SvnCredentials
 {
     std::string user;
     std::string password;
+    bool keep = false;
 };
 
-// One Subversion client context: its configuration (empty: nothing is read from or written to the
-// user's configuration folder) and the credentials and cancel check of the operation in progress.
-// Authentication never prompts, never retries and never caches credentials on disk, so that a
-// refused password ends the operation at once.
+// One Subversion client context: its configuration (empty: no option is read from the user's
+// configuration folder) and the credentials and cancel check of the operation in progress.
+// Authentication never prompts and never retries, so that a refused password ends the operation at
+// once. It uses the client library's credential cache in the standard configuration folder
+// (~/.subversion/auth) as the svn command-line client does: a password cached there serves an
+// account given without one, and only an account that asks to be kept is written to it.
 class SvnClient
 {
 public:
@@ -55,7 +60,6 @@ public:
 private:
     SvnPool m_pool;
     svn_client_ctx_t* m_context = nullptr;
-    const SvnCredentials** m_accountBaton = nullptr;  // in m_pool
 };
 
 // The outcome of a client-library call on the repository at url: success, or a failure whose code
@@ -64,6 +68,8 @@ private:
 depot::Result SvnResult(svn_error_t* err, const std::string& url);
 // The text of a failure to reach the Subversion server at url, for the reason why.
 std::string SvnUnreachableText(const std::string& url, const std::string& why);
+// Removes the password cached for user on the repository at url from the credential cache.
+void SvnForgetKeptPassword(const std::string& url, const std::string& user);
 // True when err (or one of its causes) says that the server refused the credentials.
 bool SvnIsAuthenticationFailure(const svn_error_t* err);
 

@@ -2,6 +2,8 @@
 
 #include "svnconnectionbreaker.h"
 
+#include <svn_config.h>
+
 #include <svn_dirent_uri.h>
 #include <svn_props.h>
 #include <svn_ra.h>
@@ -238,6 +240,14 @@ public:
     apr_pool_t* pool() const { return m_pool.get(); }
     svn_client_ctx_t* context() const { return m_server.m_client.context(); }
     apr_array_header_t* paths(const Files& files) const { return SvnClient::pathArray(files, pool()); }
+    // Asks the repository for its latest revision on a new connection, which authenticates anew.
+    svn_error_t* reachRepository() const
+    {
+        svn_ra_session_t* ra = nullptr;
+        svn_revnum_t latest = SVN_INVALID_REVNUM;
+        svn_error_t* err = svn_client_open_ra_session2(&ra, m_server.m_url.c_str(), nullptr, context(), pool(), pool());
+        return err ? err : svn_ra_get_latest_revnum(ra, &latest, pool());
+    }
     // Counts one question to the repository and runs it.
     Result ask(svn_error_t* err)
     {
@@ -282,12 +292,7 @@ Result SvnServer::login(const std::string& user, const std::string& password, co
 
     // Asking the repository for its latest revision on a new connection proves that it is
     // reachable and accepts the account now.
-    svn_ra_session_t* ra = nullptr;
-    svn_revnum_t latest = SVN_INVALID_REVNUM;
-    svn_error_t* err =
-        svn_client_open_ra_session2(&ra, m_url.c_str(), nullptr, call.context(), call.pool(), call.pool());
-    if (!err)
-        err = svn_ra_get_latest_revnum(ra, &latest, call.pool());
+    svn_error_t* err = call.reachRepository();
     if (err && SvnIsAuthenticationFailure(err)) {
         ++m_roundTrips;
         svn_error_clear(err);
@@ -333,6 +338,39 @@ void SvnServer::interruptWaits()
 Result SvnServer::expireSession(const std::string& ticket)
 {
     m_sessions.erase(ticket);
+    return {};
+}
+
+// An empty password is the one the credential cache holds for the user.
+Result SvnServer::resumeKept(const std::string& user, const std::string& workspace, std::string& ticket)
+{
+    const Result resumed = login(user, {}, workspace, ticket);
+    if (resumed.code == code::Failed && resumed.error.find("Invalid password") != std::string::npos)
+        return {code::Failed, "No password of " + user + " for " + m_url + " is kept."};
+    return resumed;
+}
+
+// The client library writes the credentials to its cache when the server accepts them on a new
+// connection: one round trip with the session's account marked to be kept.
+Result SvnServer::keep(const std::string& ticket)
+{
+    Call call(*this, {});
+    if (Result begun = call.begin(depot::Operation::Login, &ticket); !begun.ok())
+        return begun;
+    // The configuration folder with its credential cache, made as the svn client makes it.
+    svn_error_clear(svn_config_ensure(nullptr, call.pool()));
+    Session& session = call.session();
+    session.credentials.keep = true;
+    call.use(session);
+    svn_error_t* err = call.reachRepository();
+    session.credentials.keep = false;
+    return call.ask(err);
+}
+
+Result SvnServer::logout(const std::string& user, const std::string& ticket)
+{
+    m_sessions.erase(ticket);
+    SvnForgetKeptPassword(m_url, user);
     return {};
 }
 

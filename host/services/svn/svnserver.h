@@ -26,6 +26,9 @@ public:
     depot::Result login(const std::string& user, const std::string& password, const std::string& workspace,
                         std::string& ticket) override;
     depot::Result expireSession(const std::string& ticket) override;
+    depot::Result resumeKept(const std::string& user, const std::string& workspace, std::string& ticket) override;
+    depot::Result keep(const std::string& ticket) override;
+    depot::Result logout(const std::string& user, const std::string& ticket) override;
     depot::Result sync(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel) override;
     depot::Result status(const std::string& ticket, const Files& files, std::vector<depot::FileStatus>& statuses,
                          const depot::CancelCheck& cancel) override;

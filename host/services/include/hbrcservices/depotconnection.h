@@ -51,6 +51,15 @@ public:
     KELPtr<UserParameters> Login(const std::string& userName, const std::string& password,
                                  const std::string& workspace, const std::string& server, std::string& errorText);
 
+    // Opens the session the server keeps for the account from an earlier log-in (a ticket kept by
+    // this or another program, a cached password); null with errorText when none is kept.
+    KELPtr<UserParameters> ResumeKept(const std::string& userName, const std::string& workspace,
+                                      std::string& errorText);
+    // Keeps the session's log-in for later processes. Never the password on the embedded depot.
+    kelResult Keep(const kel4::IUserParameters* session, std::string& errorText);
+    // Ends the session on the server and forgets what was kept of its log-in.
+    kelResult Logout(const kel4::IUserParameters* session, std::string& errorText);
+
     // Runs operation for the session: kResultSessionUnusable without one, kResultFailed while
     // another operation of this connection is still running (a re-entrant call from a progress
     // box's event loop), otherwise the operation's outcome as a result code with its text; a call

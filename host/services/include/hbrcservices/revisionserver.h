@@ -31,6 +31,17 @@ public:
                                 std::string& ticket) = 0;
     virtual depot::Result expireSession(const std::string& ticket) = 0;
 
+    // Log-ins that outlast the process, kept where each server's own command-line client keeps
+    // them: the embedded depot keeps the session's ticket in the ticket store it shares with
+    // hbdepot; Subversion keeps the password in its client library's credential cache.
+    // Opens the session kept for user in workspace; fails (depot::code::Failed) when none is kept
+    // or the kept one has ended.
+    virtual depot::Result resumeKept(const std::string& user, const std::string& workspace, std::string& ticket) = 0;
+    // Keeps the log-in of the session for later processes.
+    virtual depot::Result keep(const std::string& ticket) = 0;
+    // Ends user's session and forgets what was kept of their log-in on this server.
+    virtual depot::Result logout(const std::string& user, const std::string& ticket) = 0;
+
     virtual depot::Result sync(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel = {}) = 0;
     // One status per file, in the order asked: the word, this session's changelist, the other
     // users' holds and the have and head revisions, for any number of files in one question.
@@ -93,6 +104,10 @@ public:
 
 // True for the URLs that name a Subversion repository (svn://, svn+ssh://, http(s)://, file://).
 bool IsSubversionUrl(const std::string& server);
+
+// True for the text of a failure (-34) because the server could not be reached at all, as opposed
+// to one that refused a session.
+bool IsUnreachableServerError(const std::string& error);
 
 // The server a setting names: a Subversion repository for a URL, the embedded depot otherwise.
 // Connects lazily: an unreachable server fails the calls with depot::code::SessionUnusable.

@@ -1,12 +1,13 @@
 #pragma once
 
-// The tickets "hbdepot login" keeps, one per depot and user, in a file only its owner may read
-// ($HBDEPOT_TICKETS, else ~/.hbdepot_tickets), so that later commands need no password.
+// The tickets kept for later log-ins, one per depot and user, in a file only its owner may read
+// ($HBDEPOT_TICKETS, else ~/.hbdepot_tickets): "hbdepot login" keeps them and every host on the
+// embedded depot reads and keeps them too, so that a log-in in a terminal and one in a host are one.
 
 #include <optional>
 #include <string>
 
-namespace hbrc::hbdepot {
+namespace hbrc::depot {
 
 struct StoredTicket
 {
@@ -19,6 +20,8 @@ class TicketStore
 public:
     explicit TicketStore(std::string file = defaultFile());
     static std::string defaultFile();
+    // The depot as the store names it: one name whatever path led to the depot file.
+    static std::string depotKey(const std::string& depotPath);
 
     std::optional<StoredTicket> find(const std::string& depot, const std::string& user) const;
     // Throws std::runtime_error when the file cannot be written.
@@ -32,4 +35,4 @@ private:
     std::string m_file;
 };
 
-}  // namespace hbrc::hbdepot
+}  // namespace hbrc::depot

@@ -1,10 +1,11 @@
-#include "ticketstore.h"
+#include <depot/ticketstore.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -14,7 +15,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace hbrc::hbdepot {
+namespace hbrc::depot {
 
 namespace {
 
@@ -88,6 +89,12 @@ std::string TicketStore::defaultFile()
     return std::string(home && *home ? home : ".") + "/.hbdepot_tickets";
 }
 
+std::string TicketStore::depotKey(const std::string& depotPath)
+{
+    std::error_code ignored;
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(depotPath, ignored), ignored).string();
+}
+
 std::optional<StoredTicket> TicketStore::find(const std::string& depot, const std::string& user) const
 {
     for (const Line& line : readLines(m_file)) {
@@ -118,4 +125,4 @@ bool TicketStore::forget(const std::string& depot, const std::string& user)
     return true;
 }
 
-}  // namespace hbrc::hbdepot
+}  // namespace hbrc::depot
