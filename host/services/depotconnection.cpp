@@ -1,5 +1,7 @@
 #include <hbrcservices/depotconnection.h>
 
+#include <log/log.h>
+
 namespace hbrc::host {
 
 namespace {
@@ -88,9 +90,10 @@ KELPtr<UserParameters> DepotConnection::ResumeKept(const std::string& userName, 
     }
     RunningGuard running(m_running);
     std::string ticket;
-    const depot::Result result =
-        m_runner.Run([&](const depot::CancelCheck&) { return m_depot->resumeKept(userName, workspace, ticket); });
-    if (Finish(result, errorText).IsFailure())
+    RevisionServer& depot = *m_depot;
+    if (RunOn(
+            depot, [&](const depot::CancelCheck&) { return depot.resumeKept(userName, workspace, ticket); }, errorText)
+            .IsFailure())
         return {};
     m_cache.Invalidate();
     return KELPtr<UserParameters>(new UserParameters(userName, workspace, m_depot->path(), ticket));
@@ -120,8 +123,8 @@ kelResult DepotConnection::Logout(const kel4::IUserParameters* session, std::str
 kelResult DepotConnection::Run(const kel4::IUserParameters* session, const Operation& operation,
                                std::string& errorText)
 {
-    const std::string ticket = UserParameters::TicketOf(session);
-    if (ticket.empty()) {
+    const std::string sessionTicket = UserParameters::TicketOf(session);
+    if (sessionTicket.empty()) {
         errorText = "Not logged in to the depot; please log in.";
         return kel4::kResultSessionUnusable;
     }
@@ -131,8 +134,38 @@ kelResult DepotConnection::Run(const kel4::IUserParameters* session, const Opera
     }
     RunningGuard running(m_running);
     RevisionServer& depot = *m_depot;
-    return RunOn(
-        depot, [&](const depot::CancelCheck& cancel) { return operation(depot, ticket, cancel); }, errorText);
+    const auto renewed = m_renewedTickets.find(sessionTicket);
+    std::string ticket = renewed == m_renewedTickets.end() ? sessionTicket : renewed->second;
+    const auto runWithTicket = [&] {
+        return RunOn(
+            depot, [&](const depot::CancelCheck& cancel) { return operation(depot, ticket, cancel); }, errorText);
+    };
+    kelResult result = runWithTicket();
+    // Nobody can type a password in a batch run: an expired session is renewed from the log-in the
+    // user kept, if any, and the call repeated once.
+    if (result.GetCode() == kel4::kResultSessionUnusable && m_options.renewFromKeptLogIn &&
+        !IsUnreachableServerError(errorText) && !m_runner.AsksUser() && RenewFromKeptLogIn(*session, ticket))
+        result = runWithTicket();
+    return result;
+}
+
+bool DepotConnection::RenewFromKeptLogIn(const kel4::IUserParameters& session, std::string& ticket)
+{
+    RevisionServer& depot = *m_depot;
+    std::string fresh;
+    std::string ignored;
+    const std::string user = session.GetUserName();
+    const std::string workspace = session.GetWorkspace();
+    if (RunOn(
+            depot, [&](const depot::CancelCheck&) { return depot.resumeKept(user, workspace, fresh); }, ignored)
+            .IsFailure())
+        return false;
+    m_renewedTickets[UserParameters::TicketOf(&session)] = fresh;
+    ticket = fresh;
+    m_cache.Invalidate();
+    Log::Singleton::Instance().Write(Log::eMessage,
+                                     "The session of " + user + " had expired; renewed from the kept log-in.");
+    return true;
 }
 
 kelResult DepotConnection::ExpireSession(const kel4::IUserParameters* session, std::string& errorText)

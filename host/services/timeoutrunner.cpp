@@ -56,7 +56,7 @@ TimeOutRunner::Outcome TimeOutRunner::Run(const Operation& operation, const Inte
 {
     const Clock::time_point deadline = Clock::now() + m_deadline;
     // Nobody can press Cancel in a batch run: the operation then just runs until its deadline.
-    kel4::ITimeOutDelegate* const delegate = m_delegate && m_interactive && m_interactive() ? m_delegate : nullptr;
+    kel4::ITimeOutDelegate* const delegate = AsksUser() ? m_delegate : nullptr;
     auto state = std::make_shared<WorkerState>();
     // Lives in the calling thread: the worker's "done" notice is delivered through its event loop.
     QObject calling;

@@ -81,8 +81,10 @@ public:
         host::RevisionControlServices services;
         host.AddWorkspaceSetup([&](host::Workspace& workspace) {
             std::string error;
-            services = host::InstallRevisionControlServices(workspace, depot.Path(),
-                                                            {"alice", "alice-pw", depot.Workspace("alice")}, error);
+            host::ConnectionOptions options;
+            options.renewFromKeptLogIn = true;  // a batch run: nobody to type a password
+            services = host::InstallRevisionControlServices(
+                workspace, depot.Path(), {"alice", "alice-pw", depot.Workspace("alice")}, error, options);
             Expect(error.empty(), error);
         });
         StartPlugin(host);

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -22,6 +23,10 @@ struct ConnectionOptions
     std::chrono::milliseconds timeOutThreshold{500};
     // How long any call waits for the server: then it fails with -34, as for an unreachable server.
     std::chrono::milliseconds callDeadline{std::chrono::seconds(30)};
+    // Whether a call that finds its session expired, with nobody to ask for a password (no
+    // progress box could be shown), first renews the session from the log-in the user kept. Hosts
+    // that run batch jobs turn it on.
+    bool renewFromKeptLogIn = false;
     // How long a file's depot status is trusted without asking the depot again.
     std::chrono::milliseconds statusLifetime{std::chrono::seconds(10)};
 };
@@ -63,7 +68,8 @@ public:
     // Runs operation for the session: kResultSessionUnusable without one, kResultFailed while
     // another operation of this connection is still running (a re-entrant call from a progress
     // box's event loop), otherwise the operation's outcome as a result code with its text; a call
-    // past its deadline fails with kResultSessionUnusable and the server's "cannot reach" text.
+    // past its deadline fails with kResultSessionUnusable and the server's "cannot reach" text. In a
+    // batch run an expired session may first be renewed (ConnectionOptions::renewFromKeptLogIn).
     kelResult Run(const kel4::IUserParameters* session, const Operation& operation, std::string& errorText);
 
     TimeOutRunner& Runner() { return m_runner; }
@@ -78,6 +84,9 @@ public:
     kelResult ExpireSession(const kel4::IUserParameters* session, std::string& errorText);
 
 private:
+    // Opens a session from the log-in kept for session's account; ticket becomes its ticket, which
+    // the calls for session use from now on. False when none is kept.
+    bool RenewFromKeptLogIn(const kel4::IUserParameters& session, std::string& ticket);
     // Runs operation on server through the runner, interrupting its network waits when it is cut short.
     kelResult RunOn(RevisionServer& server, const TimeOutRunner::Operation& operation, std::string& errorText);
 
@@ -87,6 +96,8 @@ private:
     TimeOutRunner m_runner;
     StatusCache m_cache;
     bool m_running = false;
+    // Expired sessions' tickets and the tickets renewed for them from a kept log-in.
+    std::map<std::string, std::string> m_renewedTickets;
 };
 
 }  // namespace hbrc::host

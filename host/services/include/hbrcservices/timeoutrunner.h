@@ -50,6 +50,9 @@ public:
     // Whether someone can answer the delegate now; by default, whether a window is visible.
     void SetInteractiveCheck(InteractiveCheck interactive) { m_interactive = std::move(interactive); }
 
+    // True when a slow operation would be shown to someone now: a delegate and a visible window.
+    bool AsksUser() const { return m_delegate && m_interactive && m_interactive(); }
+
     Outcome Run(const Operation& operation, const Interrupt& interrupt = {});
 
 private:
