@@ -16,6 +16,8 @@ cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILE
   -DCMAKE_C_FLAGS="-fsanitize=thread" -DCMAKE_EXE_LINKER_FLAGS="-fsanitize=thread" \
   -DCMAKE_SHARED_LINKER_FLAGS="-fsanitize=thread" -DCMAKE_MODULE_LINKER_FLAGS="-fsanitize=thread" >/dev/null
 cmake --build "$build" -j"${HBRC_JOBS:-2}" --target tst_services tst_batchfaults
-# halt_on_error: a race fails the run instead of scrolling past.
+# halt_on_error: a race fails the run instead of scrolling past. The Subversion cases are left out:
+# their fixture starts svnadmin and svnserve through QProcess, whose clone()-based fork the
+# sanitizer's runtime (clang 14) aborts on; the embedded depot drives the same runner and threads.
 TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 ${TSAN_OPTIONS:-}" QT_QPA_PLATFORM=offscreen \
-  ctest --test-dir "$build" -R "${1:-^tst_services$|^tst_batchfaults$}" --output-on-failure
+  GTEST_FILTER="${GTEST_FILTER:--*Svn*}" ctest --test-dir "$build" -R "${1:-^tst_services$|^tst_batchfaults$}" --output-on-failure

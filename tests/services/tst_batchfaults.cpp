@@ -6,6 +6,7 @@
 
 #include <hbrchost/logcapture.h>
 #include <kel4/irevisioncontroluihelper.h>
+#include <kel4/itimeoutdelegate.h>
 #include <kel4/revisionstatus.h>
 
 #include <QApplication>
@@ -52,6 +53,10 @@ public:
         host->Preferences().SetIntPref("RevControl.BatchRetryDeadlineSeconds", 0, 1);
         workspace = host->OpenWorkspace(AliceFolder(), error);
         ASSERT_NE(workspace, nullptr) << error;
+        // The plug-in's progress box stands by for slow calls, as after the host's first connection.
+        auto* progressBox = dynamic_cast<kel4::ITimeOutDelegate*>(helper);
+        ASSERT_NE(progressBox, nullptr);
+        FileVersionControl()->SetTimeOutDelegate(progressBox);
         // Moss: a submitted metadata asset, the kind whose save asks the plug-in first.
         hbrc::host::NewAsset moss;
         moss.kind = hbrc::host::AssetKind::Metadata;
@@ -107,6 +112,8 @@ public:
 
     void TearDown() override
     {
+        if (workspace)
+            FileVersionControl()->SetTimeOutDelegate(nullptr);
         qputenv("HOME", m_realHome);
         qunsetenv("HBDEPOT_TICKETS");
         ServerFixture::TearDown();
