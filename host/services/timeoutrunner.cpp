@@ -3,6 +3,7 @@
 #include <kel4/itimeoutdelegate.h>
 
 #include <QGuiApplication>
+#include <QThread>
 #include <QTimer>
 #include <QWindow>
 
@@ -44,7 +45,9 @@ struct WorkerState
 
 bool ApplicationShowsWindow()
 {
-    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+    // Windows belong to the application's thread; a call made on another one asks nobody.
+    const QCoreApplication* application = QCoreApplication::instance();
+    if (!qobject_cast<const QGuiApplication*>(application) || QThread::currentThread() != application->thread())
         return false;
     const QWindowList windows = QGuiApplication::topLevelWindows();
     return std::any_of(windows.begin(), windows.end(), [](const QWindow* window) { return window->isVisible(); });

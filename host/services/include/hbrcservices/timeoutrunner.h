@@ -62,7 +62,8 @@ private:
     InteractiveCheck m_interactive;
 };
 
-// True when the application shows a window, i.e. a person can answer a dialog.
+// True when the application shows a window, i.e. a person can answer a dialog; false when called
+// off the application's thread.
 bool ApplicationShowsWindow();
 
 }  // namespace hbrc::host
