@@ -4,6 +4,8 @@
 #include <hbrcservices/filepermissions.h>
 #include <hbrcservices/statusrules.h>
 
+#include <log/log.h>
+
 #include <unordered_map>
 #include <unordered_set>
 
@@ -283,12 +285,16 @@ kelResult DataControl::CheckOut(const ObjectList& objects, bool includeExternalF
                                 const std::string& changelist, std::string& errorText)
 {
     const Files files = FilesOf(objects, includeExternalFiles, closure);
-    return ChangeFiles(
+    const kelResult result = ChangeFiles(
         files,
         [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
             return depot.edit(ticket, files, changelist, cancel);
         },
         errorText);
+    // A check-out that also put something right (locks an interrupted one left) says so.
+    if (result.IsSuccess() && !errorText.empty())
+        Log::Singleton::Instance().Write(Log::eWarning, errorText);
+    return result;
 }
 
 kelResult DataControl::MarkForAdd(const ObjectList& objects, bool includeExternalFiles, kel4::closureId closure,

@@ -1,5 +1,7 @@
 #include <hbrcservices/depotconnection.h>
 
+#include <log/log.h>
+
 namespace hbrc::host {
 
 namespace {
@@ -27,12 +29,21 @@ DepotConnection::DepotConnection(std::string server, ConnectionOptions options)
       m_cache(m_options.statusLifetime)
 {
     m_runner.SetThreshold(m_options.timeOutThreshold);
+    m_runner.SetDeadline(m_options.callDeadline);
 }
 
 DepotConnection::~DepotConnection() = default;
 
-kelResult DepotConnection::Finish(const depot::Result& result, std::string& errorText)
+kelResult DepotConnection::RunOn(RevisionServer& server, const TimeOutRunner::Operation& operation,
+                                 std::string& errorText)
 {
+    const TimeOutRunner::Outcome outcome = m_runner.Run(operation, [&server] { server.interruptWaits(); });
+    if (outcome.pastDeadline) {
+        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(m_runner.Deadline()).count();
+        errorText = server.unreachableText("no answer within " + std::to_string(seconds) + " s");
+        return kel4::kResultSessionUnusable;
+    }
+    const depot::Result& result = outcome.result;
     errorText = result.error;
     if (result.ok())
         return kel4::kResultSuccess;
@@ -55,16 +66,16 @@ KELPtr<UserParameters> DepotConnection::Login(const std::string& userName, const
     RevisionServer& target = otherServer ? *other : *m_depot;
 
     std::string ticket;
-    const depot::Result result = m_runner.Run([&](const depot::CancelCheck&) {
-        return target.login(userName, password, workspace, ticket);
-    });
+    const kelResult result = RunOn(
+        target, [&](const depot::CancelCheck&) { return target.login(userName, password, workspace, ticket); },
+        errorText);
     if (otherServer) {
         // The depot left behind keeps its round trips counted.
-        m_roundTripsBefore += (result.ok() ? *m_depot : *other).roundTrips();
-        if (result.ok())
+        m_roundTripsBefore += (result.IsSuccess() ? *m_depot : *other).roundTrips();
+        if (result.IsSuccess())
             m_depot = std::move(other);
     }
-    if (Finish(result, errorText).IsFailure())
+    if (result.IsFailure())
         return {};
     m_cache.Invalidate();
     return KELPtr<UserParameters>(new UserParameters(userName, workspace, m_depot->path(), ticket));
@@ -79,9 +90,10 @@ KELPtr<UserParameters> DepotConnection::ResumeKept(const std::string& userName, 
     }
     RunningGuard running(m_running);
     std::string ticket;
-    const depot::Result result =
-        m_runner.Run([&](const depot::CancelCheck&) { return m_depot->resumeKept(userName, workspace, ticket); });
-    if (Finish(result, errorText).IsFailure())
+    RevisionServer& depot = *m_depot;
+    if (RunOn(
+            depot, [&](const depot::CancelCheck&) { return depot.resumeKept(userName, workspace, ticket); }, errorText)
+            .IsFailure())
         return {};
     m_cache.Invalidate();
     return KELPtr<UserParameters>(new UserParameters(userName, workspace, m_depot->path(), ticket));
@@ -111,8 +123,8 @@ kelResult DepotConnection::Logout(const kel4::IUserParameters* session, std::str
 kelResult DepotConnection::Run(const kel4::IUserParameters* session, const Operation& operation,
                                std::string& errorText)
 {
-    const std::string ticket = UserParameters::TicketOf(session);
-    if (ticket.empty()) {
+    const std::string sessionTicket = UserParameters::TicketOf(session);
+    if (sessionTicket.empty()) {
         errorText = "Not logged in to the depot; please log in.";
         return kel4::kResultSessionUnusable;
     }
@@ -122,8 +134,38 @@ kelResult DepotConnection::Run(const kel4::IUserParameters* session, const Opera
     }
     RunningGuard running(m_running);
     RevisionServer& depot = *m_depot;
-    return Finish(m_runner.Run([&](const depot::CancelCheck& cancel) { return operation(depot, ticket, cancel); }),
-                  errorText);
+    const auto renewed = m_renewedTickets.find(sessionTicket);
+    std::string ticket = renewed == m_renewedTickets.end() ? sessionTicket : renewed->second;
+    const auto runWithTicket = [&] {
+        return RunOn(
+            depot, [&](const depot::CancelCheck& cancel) { return operation(depot, ticket, cancel); }, errorText);
+    };
+    kelResult result = runWithTicket();
+    // Nobody can type a password in a batch run: an expired session is renewed from the log-in the
+    // user kept, if any, and the call repeated once.
+    if (result.GetCode() == kel4::kResultSessionUnusable && m_options.renewFromKeptLogIn &&
+        !IsUnreachableServerError(errorText) && !m_runner.AsksUser() && RenewFromKeptLogIn(*session, ticket))
+        result = runWithTicket();
+    return result;
+}
+
+bool DepotConnection::RenewFromKeptLogIn(const kel4::IUserParameters& session, std::string& ticket)
+{
+    RevisionServer& depot = *m_depot;
+    std::string fresh;
+    std::string ignored;
+    const std::string user = session.GetUserName();
+    const std::string workspace = session.GetWorkspace();
+    if (RunOn(
+            depot, [&](const depot::CancelCheck&) { return depot.resumeKept(user, workspace, fresh); }, ignored)
+            .IsFailure())
+        return false;
+    m_renewedTickets[UserParameters::TicketOf(&session)] = fresh;
+    ticket = fresh;
+    m_cache.Invalidate();
+    Log::Singleton::Instance().Write(Log::eMessage,
+                                     "The session of " + user + " had expired; renewed from the kept log-in.");
+    return true;
 }
 
 kelResult DepotConnection::ExpireSession(const kel4::IUserParameters* session, std::string& errorText)

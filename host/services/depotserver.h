@@ -48,6 +48,10 @@ public:
                          const depot::CancelCheck& cancel) override;
     depot::Result revertUnchanged(const std::string& ticket, const Files& files, std::vector<std::string>& reverted,
                                   const depot::CancelCheck& cancel) override;
+    std::string unreachableText(const std::string& why) const override
+    {
+        return "Cannot reach the depot at '" + path() + "': " + why;
+    }
     std::uint64_t roundTrips() const override { return m_depot.roundTrips(); }
     depot::FaultInjector& faults() override { return m_depot.faults(); }
 

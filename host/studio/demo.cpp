@@ -63,7 +63,10 @@ void printSettings(QTextStream& out, IRevisionControlPropertiesMgr& settings)
 class Demo
 {
 public:
-    Demo(QTextStream& out, std::string server) : m_out(out), m_server(std::move(server)) {}
+    Demo(QTextStream& out, std::string server, std::optional<int> batchRetryDeadlineSeconds)
+        : m_out(out), m_server(std::move(server)), m_batchRetryDeadlineSeconds(batchRetryDeadlineSeconds)
+    {
+    }
 
     int Run()
     {
@@ -78,8 +81,10 @@ public:
         host::RevisionControlServices services;
         host.AddWorkspaceSetup([&](host::Workspace& workspace) {
             std::string error;
-            services = host::InstallRevisionControlServices(workspace, depot.Path(),
-                                                            {"alice", "alice-pw", depot.Workspace("alice")}, error);
+            host::ConnectionOptions options;
+            options.renewFromKeptLogIn = true;  // a batch run: nobody to type a password
+            services = host::InstallRevisionControlServices(
+                workspace, depot.Path(), {"alice", "alice-pw", depot.Workspace("alice")}, error, options);
             Expect(error.empty(), error);
         });
         StartPlugin(host);
@@ -89,6 +94,8 @@ public:
         host.Preferences().SetStringPref("RevControl.Workspace", depot.Workspace("alice"), 1);
         host.Preferences().SetStringPref("RevControl.Server", depot.Path(), 1);
         host.Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
+        if (m_batchRetryDeadlineSeconds)
+            host.Preferences().SetIntPref("RevControl.BatchRetryDeadlineSeconds", *m_batchRetryDeadlineSeconds, 1);
         std::string error;
         host::Workspace* workspace = host.OpenWorkspace(depot.Folder("alice"), error);
         Expect(workspace, error);
@@ -212,16 +219,17 @@ private:
 
     QTextStream& m_out;
     std::string m_server;
+    std::optional<int> m_batchRetryDeadlineSeconds;
     IRevisionControlUIHelper* m_helper = nullptr;
     IRevisionControlPropertiesMgr* m_settings = nullptr;
 };
 
 }  // namespace
 
-int RunDemo(QTextStream& out, const std::string& server)
+int RunDemo(QTextStream& out, const std::string& server, std::optional<int> batchRetryDeadlineSeconds)
 {
     try {
-        return Demo(out, server).Run();
+        return Demo(out, server, batchRetryDeadlineSeconds).Run();
     } catch (const std::exception& error) {
         out << "The demo stopped: " << error.what() << "\n";
         return 1;

@@ -36,6 +36,11 @@ struct Options
                             QStringLiteral("Run the scripted tour through the window on a new demo depot, printing "
                                            "a transcript (with --batch: the demo without a window).")};
     QCommandLineOption batch{QStringLiteral("batch"), QStringLiteral("No window and no dialog: a script-driven run.")};
+    QCommandLineOption retryDeadline{QStringLiteral("retry-deadline"),
+                                     QStringLiteral("With --batch: how many seconds a failed check-out is retried "
+                                                    "before the edit is refused (stored as "
+                                                    "RevControl.BatchRetryDeadlineSeconds; default 600)."),
+                                     QStringLiteral("seconds")};
     QCommandLineOption shots{QStringLiteral("shots"),
                              QStringLiteral("With --demo on the offscreen platform: write pictures of the window "
                                             "into <dir> (default: hbrc-studio-tour in the current folder)."),
@@ -71,7 +76,7 @@ int main(int argc, char** argv)
     parser.addVersionOption();
     const Options options;
     parser.addOptions({options.workspace, options.server, options.user, options.workspaceName, options.demo,
-                       options.batch, options.shots, options.language});
+                       options.batch, options.retryDeadline, options.shots, options.language});
     {
         // --help, --version and wrong options are answered without a display: the parser runs in a
         // core application, which needs no window system, before the window's application exists.
@@ -88,8 +93,17 @@ int main(int argc, char** argv)
 
     QTextStream out(stdout);
     const bool batch = parser.isSet(options.batch);
+    std::optional<int> retryDeadline;
+    if (parser.isSet(options.retryDeadline)) {
+        bool valid = false;
+        retryDeadline = parser.value(options.retryDeadline).toInt(&valid);
+        if (!valid || *retryDeadline < 0) {
+            out << "--retry-deadline takes a number of seconds\n";
+            return 2;
+        }
+    }
     if (parser.isSet(options.demo) && batch)
-        return hbrc::studio::RunDemo(out, parser.value(options.server).toStdString());
+        return hbrc::studio::RunDemo(out, parser.value(options.server).toStdString(), retryDeadline);
     if (batch) {
         out << "Nothing to do: --batch runs the demo (--demo --batch)\n";
         return 2;

@@ -43,6 +43,7 @@ protected:
     {
         ServerFixture::SetUp();
         services.connection->Runner().SetThreshold(std::chrono::milliseconds(0));
+        services.connection->Runner().SetInteractiveCheck([] { return true; });  // as if a window were up
     }
     void TearDown() override
     {

@@ -2,6 +2,8 @@
 
 #include "hostservices.h"
 
+#include <algorithm>
+
 #include <ihbprefmanager.h>
 #include <kel4/ifileversioncontrol.h>
 #include <log/log.h>
@@ -29,6 +31,13 @@ std::string readString(const char* key)
 }
 
 }  // namespace
+
+std::chrono::seconds CHBRevisionControlPropertiesMgr::BatchRetryDeadline()
+{
+    int seconds = kDefaultBatchRetryDeadlineSeconds;
+    prefs().GetIntPref(kBatchRetryDeadlineKey, kDefaultBatchRetryDeadlineSeconds, seconds, kLookup);
+    return std::chrono::seconds(std::max(seconds, 0));
+}
 
 nrk::IBase* CHBRevisionControlPropertiesMgr::Factory()
 {

@@ -3,6 +3,8 @@
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <nrk/ibase.h>
 
+#include <chrono>
+
 class IHBPrefManager;
 
 // The revision-control settings. Every persistent value lives in the host's preference manager
@@ -22,6 +24,13 @@ public:
     static constexpr const char* kChangeListKey = "RevControl.ChangeListToUseWhenAutoCheckingOut";
     static constexpr const char* kPromptForChangeListKey = "RevControl.PromptForChangeListWhenCheckingOut";
     static constexpr const char* kUseSourceDataControlKey = "RevControl.UseSourceDataControl";
+    // How long a batch run retries a failed edit action before it gives up (seconds); a host
+    // preference, not a setting of the dialogs.
+    static constexpr const char* kBatchRetryDeadlineKey = "RevControl.BatchRetryDeadlineSeconds";
+    static constexpr int kDefaultBatchRetryDeadlineSeconds = 600;
+
+    // The host's batch retry deadline (kBatchRetryDeadlineKey, ten minutes when unset; never negative).
+    static std::chrono::seconds BatchRetryDeadline();
 
     static const char* GetSingletonName() { return "RevisionControlPropertiesMgr"; }
     static nrk::IBase* Factory();

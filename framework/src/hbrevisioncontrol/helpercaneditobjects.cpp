@@ -1,11 +1,13 @@
 // The editability decision: before the host lets the user change assets it asks whether they may
 // be edited now. Assets that need no revision-control action may; for the others the user's
 // setting says what happens: nothing, ask, check out, or make writable. Failures are shown with
-// Retry, Ignore and Cancel; a batch run logs them and tries again until the action succeeds.
+// Retry, Ignore and Cancel; a batch run logs them and tries again until the action succeeds or the
+// host's batch retry deadline has passed.
 #include "revisioncontroluihelper.h"
 
 #include "errorreporting.h"
 #include "hbchangelistselectiondialog.h"
+#include "hbrevisioncontrolpropertiesmgr.h"
 #include "hostservices.h"
 #include "interactivemode.h"
 #include "objectlisthelpers.h"
@@ -161,6 +163,15 @@ FailureChoice askAfterFailure(const ActionResult& failure)
     }
 }
 
+// Why a batch run stopped retrying: the deadline and the preference that sets it.
+std::string gaveUpNote()
+{
+    return QObject::tr("Gave up after retrying for %1 seconds (the host preference %2).")
+        .arg(CHBRevisionControlPropertiesMgr::BatchRetryDeadline().count())
+        .arg(QString::fromLatin1(CHBRevisionControlPropertiesMgr::kBatchRetryDeadlineKey))
+        .toStdString();
+}
+
 void sleepFor(std::chrono::milliseconds wait)
 {
     std::this_thread::sleep_for(wait);
@@ -198,7 +209,7 @@ bool CRevisionControlUIHelper::CanEditObjects(const ObjectList& objects, bool in
     }
     m_lastPromptedObjects.clear();
 
-    hbrc::internal::RetryBackoff backoff;
+    hbrc::internal::RetryBackoff backoff(CHBRevisionControlPropertiesMgr::BatchRetryDeadline());
     for (;;) {
         if (action.action == Settings::eActionPrompt) {
             const PromptAnswer prompt = askWhatToDo(request, *settings);
@@ -225,7 +236,12 @@ bool CRevisionControlUIHelper::CanEditObjects(const ObjectList& objects, bool in
             return true;
 
         if (!hbrc::internal::InteractiveMode()) {
-            // Nobody can answer: log, wait, and try the same action again until it succeeds.
+            // Nobody can answer: log, wait, and try the same action again until it succeeds or the
+            // host's deadline has passed; then the last failure says why the edit was refused.
+            if (backoff.PastDeadline()) {
+                hbrc::internal::LogFailure(result.message + '\n' + gaveUpNote(), result.details);
+                return false;
+            }
             hbrc::internal::LogFailure(result.message, result.details);
             (m_batchRetryWait ? m_batchRetryWait : sleepFor)(backoff.Next());
             continue;

@@ -129,16 +129,15 @@ public:
     }
 
     // The retry rule: operation (which explains a failure in its message) runs again for as long
-    // as it fails and the user asks to retry.
+    // as it fails and the user asks to retry. The last outcome.
     template <class Operation>
-    static void WithRetry(const QString& title, const Operation& operation)
+    static kelResult WithRetry(const QString& title, const Operation& operation)
     {
         for (;;) {
             std::string message;
-            if (operation(message).IsSuccess())
-                return;
-            if (!HandleError(title.toStdString(), message))
-                return;
+            const kelResult result = operation(message);
+            if (result.IsSuccess() || !HandleError(title.toStdString(), message))
+                return result;
         }
     }
 
@@ -406,16 +405,19 @@ bool groupNewAssets(PostSaveRevisionControl& rc, const ObjectList& objects, NewA
     return true;
 }
 
-void markForAdd(PostSaveRevisionControl& rc, const ObjectList& assets, const std::string& changelist)
+// Marks assets for add in changelist, reporting a failure; false when the server is gone
+// (unreachable, or the session stayed closed after the reconnect), so that the other assets are
+// not tried only to report the same failure once more each.
+bool markForAdd(PostSaveRevisionControl& rc, const ObjectList& assets, const std::string& changelist)
 {
-    PostSaveRevisionControl::WithRetry(QObject::tr("Mark-For-Add Error"), [&](std::string& message) {
+    return PostSaveRevisionControl::WithRetry(QObject::tr("Mark-For-Add Error"), [&](std::string& message) {
         std::string error;
         std::string details;
         return rc.WithReconnect(kAddPrefix, kSessionExpiredReason, [&] {
             return rc.Helper().MarkForAddObjectsInChangelist(rc.DataControl(), assets, true, changelist, error,
                                                              message, details);
         });
-    });
+    }).GetCode() != kel4::kResultSessionUnusable;
 }
 
 void followNewAssets(PostSaveRevisionControl& rc, const ObjectList& objects)
@@ -424,7 +426,8 @@ void followNewAssets(PostSaveRevisionControl& rc, const ObjectList& objects)
     if (!groupNewAssets(rc, objects, groups))
         return;
     for (const auto& [changelist, assets] : groups.byChangelist)
-        markForAdd(rc, assets, changelist);
+        if (!markForAdd(rc, assets, changelist))
+            return;
     if (groups.toPrompt.empty())
         return;
 
@@ -432,7 +435,8 @@ void followNewAssets(PostSaveRevisionControl& rc, const ObjectList& objects)
     if (choice.prompt && !askChangelistForNewAssets(rc, groups.toPrompt, groups.promptFiles, choice.changelist))
         return;  // cancelled: nothing is marked
     for (const KELHandle<IDbObject>& asset : groups.toPrompt)
-        markForAdd(rc, ObjectList{asset}, choice.changelist);
+        if (!markForAdd(rc, ObjectList{asset}, choice.changelist))
+            return;
 }
 
 }  // namespace

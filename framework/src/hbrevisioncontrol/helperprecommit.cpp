@@ -4,10 +4,12 @@
 
 #include "errorreporting.h"
 #include "hbchangelistselectiondialog.h"
+#include "hbrevisioncontrolpropertiesmgr.h"
 #include "hostservices.h"
 #include "interactivemode.h"
 #include "objectlisthelpers.h"
 
+#include <log/log.h>
 #include <qtextention/mainappwindow.h>
 
 #include <QMessageBox>
@@ -85,29 +87,52 @@ ReadOnlyAssets findReadOnlyAssets(kel4::IDataControl& dataControl, const ObjectL
     return found;
 }
 
-// The stored action as this save may follow it. A batch run cannot be asked: a stored prompt
-// becomes a check-out into the default changelist there. A stored check-out needs revision
-// control switched on and its changelist still pending, else the user is asked (and the stored
-// action is reset).
-Action normalisedAction(Action action, std::string& changelist, bool useSourceDataControl,
-                        kel4::IDataControl& dataControl, IRevisionControlPropertiesMgr& settings)
+// The stored action as this save may follow it, and why it is a prompt when it is one.
+struct SaveAction {
+    Action action = IRevisionControlPropertiesMgr::eActionNone;
+    QString promptReason;  // the setting that asks for a decision
+};
+
+// A batch run cannot be asked: a stored prompt becomes a check-out into the default changelist
+// there. A stored check-out needs revision control switched on and its changelist still pending,
+// else the user is asked (and the stored action is reset).
+SaveAction normalisedAction(Action action, std::string& changelist, bool useSourceDataControl,
+                            kel4::IDataControl& dataControl, IRevisionControlPropertiesMgr& settings)
 {
+    using Mgr = CHBRevisionControlPropertiesMgr;
     const bool interactive = hbrc::internal::InteractiveMode();
     if (action == IRevisionControlPropertiesMgr::eActionPrompt && !interactive) {
         action = IRevisionControlPropertiesMgr::eActionCheckOut;
         changelist.clear();
     }
     if (action == IRevisionControlPropertiesMgr::eActionNone)
-        action = IRevisionControlPropertiesMgr::eActionPrompt;
+        return {IRevisionControlPropertiesMgr::eActionPrompt,
+                QObject::tr("%1 is \"none\"").arg(QString::fromLatin1(Mgr::kActionKey))};
     if (action == IRevisionControlPropertiesMgr::eActionCheckOut) {
-        if (!useSourceDataControl) {
-            action = IRevisionControlPropertiesMgr::eActionPrompt;
-        } else if (!dataControl.ChangeListExists(changelist)) {
-            action = IRevisionControlPropertiesMgr::eActionPrompt;
+        if (!useSourceDataControl)
+            return {IRevisionControlPropertiesMgr::eActionPrompt,
+                    QObject::tr("%1 is off").arg(QString::fromLatin1(Mgr::kUseSourceDataControlKey))};
+        if (!dataControl.ChangeListExists(changelist)) {
             settings.SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionPrompt);
+            return {IRevisionControlPropertiesMgr::eActionPrompt,
+                    QObject::tr("%1 names the changelist \"%2\", which no longer exists")
+                        .arg(QString::fromLatin1(Mgr::kChangeListKey), QString::fromStdString(changelist))};
         }
     }
-    return action;
+    return {action, {}};
+}
+
+// A batch save that needs a decision is cancelled; the log says for which assets and why.
+void logCancelledSave(const KELPtr<kel4::IDataControl>& dataControl, const ReadOnlyAssets& assets,
+                      const QString& reason)
+{
+    QString names;
+    hbrc::internal::GetAssetListPrettyNames(dataControl, assets.plain, false, names);
+    hbrc::internal::GetAssetListPrettyNames(dataControl, assets.withExternal, true, names);
+    const QString text = QObject::tr("The save was cancelled: these assets have read-only files and need a "
+                                     "decision that a batch run cannot make (%1):\n%2")
+                             .arg(reason, names);
+    Log::Singleton::Instance().Write(Log::eError, text.toStdString());
 }
 
 // The user's answer to "Check Out Before Saving".
@@ -194,10 +219,13 @@ void CRevisionControlUIHelper::OnPreCommit(ItemLibraryAccessor& library, bool* c
     Action action = IRevisionControlPropertiesMgr::eActionNone;
     settings->GetChangeListToUseWhenAutoCheckingOut(changelist);
     settings->GetActionWhenEditingReadOnlyAsset(action);
-    action = normalisedAction(action, changelist, useSourceDataControl, *dataControl, *settings);
+    const SaveAction normalised = normalisedAction(action, changelist, useSourceDataControl, *dataControl, *settings);
+    action = normalised.action;
     const bool interactive = hbrc::internal::InteractiveMode();
-    if (action == IRevisionControlPropertiesMgr::eActionPrompt && !interactive)
+    if (action == IRevisionControlPropertiesMgr::eActionPrompt && !interactive) {
+        logCancelledSave(dataControl, assets, normalised.promptReason);
         return setCancel(cancel);
+    }
 
     for (;;) {
         if (action == IRevisionControlPropertiesMgr::eActionPrompt) {

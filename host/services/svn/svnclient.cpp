@@ -177,6 +177,11 @@ bool SvnIsAuthenticationFailure(const svn_error_t* err)
                           SVN_ERR_AUTHN_CREDS_NOT_SAVED, SVN_ERR_AUTHN_NO_PROVIDER});
 }
 
+std::string SvnUnreachableText(const std::string& url, const std::string& why)
+{
+    return "Cannot reach the Subversion server at '" + url + "': " + why;
+}
+
 depot::Result SvnResult(svn_error_t* err, const std::string& url)
 {
     if (!err)
@@ -195,7 +200,7 @@ depot::Result SvnResult(svn_error_t* err, const std::string& url)
         result = {depot::code::SessionUnusable,
                   "The Subversion server at '" + url + "' refused the session's credentials; please log in again.\n" + text};
     } else if (IsUnreachable(err)) {
-        result = {depot::code::SessionUnusable, "Cannot reach the Subversion server at '" + url + "': " + text};
+        result = {depot::code::SessionUnusable, SvnUnreachableText(url, text)};
     }
     svn_error_clear(err);
     return result;

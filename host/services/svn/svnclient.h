@@ -66,6 +66,8 @@ private:
 // says whether the session is unusable (server unreachable, connection lost, credentials refused:
 // -34, with a text that says which), the caller cancelled, or the request was refused. Clears err.
 depot::Result SvnResult(svn_error_t* err, const std::string& url);
+// The text of a failure to reach the Subversion server at url, for the reason why.
+std::string SvnUnreachableText(const std::string& url, const std::string& why);
 // Removes the password cached for user on the repository at url from the credential cache.
 void SvnForgetKeptPassword(const std::string& url, const std::string& user);
 // True when err (or one of its causes) says that the server refused the credentials.

@@ -1,5 +1,7 @@
 #include "svnserver.h"
 
+#include "svnconnectionbreaker.h"
+
 #include <svn_config.h>
 
 #include <svn_dirent_uri.h>
@@ -131,6 +133,24 @@ std::string Refusals(const RevisionServer::Files& files, const std::vector<depot
             refusals += files[i] + " - cannot be read.\n";
     }
     return refusals;
+}
+
+// The files locked in user's name elsewhere than in this working copy (no token here), which no
+// longer count as held by others; they are returned for the caller to take back.
+RevisionServer::Files OwnStrayLocks(const RevisionServer::Files& files, const std::string& user,
+                                    std::vector<depot::FileStatus>& statuses)
+{
+    RevisionServer::Files strays;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        depot::FileStatus& file = statuses[i];
+        if ((file.word & status::LockedByOthers) && file.holders == std::vector<std::string>{user}) {
+            file.word &= ~(status::OpenedByOthers | status::LockedByOthers);
+            file.holders.clear();
+            file.heldBy.clear();
+            strays.push_back(files[i]);
+        }
+    }
+    return strays;
 }
 
 // Collects what a lock or unlock did to each path.
@@ -305,6 +325,16 @@ Result SvnServer::login(const std::string& user, const std::string& password, co
     return {};
 }
 
+std::string SvnServer::unreachableText(const std::string& why) const
+{
+    return SvnUnreachableText(m_url, why);
+}
+
+void SvnServer::interruptWaits()
+{
+    BreakConnectionsTo(m_url);
+}
+
 Result SvnServer::expireSession(const std::string& ticket)
 {
     m_sessions.erase(ticket);
@@ -401,12 +431,14 @@ Result SvnServer::sync(const std::string& ticket, const Files& files, const depo
 }
 
 Result SvnServer::checkFilesMayChange(Call& call, const Files& files, const depot::ChangelistId& changelist,
-                                     std::vector<depot::FileStatus>& statuses)
+                                     std::vector<depot::FileStatus>& statuses, Files* ownStrayLocks)
 {
     if (!call.session().changelists->exists(changelist))
         return {code::Failed, "Change " + changelist + " unknown."};
     if (Result asked = statusWords(call, files, true, statuses); !asked.ok())
         return asked;
+    if (ownStrayLocks)
+        *ownStrayLocks = OwnStrayLocks(files, call.session().credentials.user, statuses);
     if (const std::string refusals = Refusals(files, statuses); !refusals.empty())
         return {code::Failed, refusals};
     return {};
@@ -419,12 +451,26 @@ Result SvnServer::edit(const std::string& ticket, const Files& files, const depo
     if (Result begun = call.begin(depot::Operation::Edit, &ticket); !begun.ok())
         return begun;
     std::vector<depot::FileStatus> statuses;
-    if (Result checked = checkFilesMayChange(call, files, changelist, statuses); !checked.ok())
+    Files strays;
+    if (Result checked = checkFilesMayChange(call, files, changelist, statuses, &strays); !checked.ok())
         return checked;
 
+    Result tookBack;
+    if (!strays.empty()) {
+        // Locks in the user's own name that this working copy holds no token for: a server that
+        // died during a check-out took them without answering. Re-taken with the user's authority.
+        if (Result taken = call.ask(svn_client_lock(call.paths(strays), "", TRUE, call.context(), call.pool()));
+            !taken.ok())
+            return taken;
+        tookBack.error = "Took back the locks that an interrupted check-out left in " +
+                         call.session().credentials.user + "'s name:\n";
+        for (const std::string& file : strays)
+            tookBack.error += "  " + file + "\n";
+    }
     Files toLock;
     for (std::size_t i = 0; i < files.size(); ++i)
-        if (!(statuses[i].word & kOpenHere))
+        if (!(statuses[i].word & kOpenHere) &&
+            std::find(strays.begin(), strays.end(), files[i]) == strays.end())
             toLock.push_back(files[i]);
     if (!toLock.empty()) {
         LockOutcome outcome;
@@ -440,7 +486,8 @@ Result SvnServer::edit(const std::string& ticket, const Files& files, const depo
             return locked;
         }
     }
-    return call.finish(MoveToChangelist(call.context(), call.paths(files), changelist, call.pool()));
+    const Result moved = call.finish(MoveToChangelist(call.context(), call.paths(files), changelist, call.pool()));
+    return moved.ok() ? tookBack : moved;
 }
 
 Result SvnServer::add(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,

@@ -60,6 +60,8 @@ public:
                          const depot::CancelCheck& cancel) override;
     depot::Result revertUnchanged(const std::string& ticket, const Files& files, std::vector<std::string>& reverted,
                                   const depot::CancelCheck& cancel) override;
+    std::string unreachableText(const std::string& why) const override;
+    void interruptWaits() override;
     std::uint64_t roundTrips() const override { return m_roundTrips; }
     depot::FaultInjector& faults() override { return m_faults; }
 
@@ -75,8 +77,10 @@ private:
     Session* find(const std::string& ticket);
     // Refuses a change into a changelist the working copy does not have, and files that others
     // hold or that are not in a state to change; otherwise statuses holds the files' words.
+    // With ownStrayLocks, the files locked in the session user's name without a token in this
+    // working copy are not refused but listed there.
     depot::Result checkFilesMayChange(Call& call, const Files& files, const depot::ChangelistId& changelist,
-                                      std::vector<depot::FileStatus>& statuses);
+                                      std::vector<depot::FileStatus>& statuses, Files* ownStrayLocks = nullptr);
     depot::Result statusWords(Call& call, const Files& files, bool askRepository,
                               std::vector<depot::FileStatus>& statuses, SvnStatusMap* walked = nullptr);
 

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -20,6 +21,12 @@ struct ConnectionOptions
     depot::DepotOptions depot;
     // How long an operation runs before the time-out delegate is asked.
     std::chrono::milliseconds timeOutThreshold{500};
+    // How long any call waits for the server: then it fails with -34, as for an unreachable server.
+    std::chrono::milliseconds callDeadline{std::chrono::seconds(30)};
+    // Whether a call that finds its session expired, with nobody to ask for a password (no
+    // progress box could be shown), first renews the session from the log-in the user kept. Hosts
+    // that run batch jobs turn it on.
+    bool renewFromKeptLogIn = false;
     // How long a file's depot status is trusted without asking the depot again.
     std::chrono::milliseconds statusLifetime{std::chrono::seconds(10)};
 };
@@ -60,7 +67,9 @@ public:
 
     // Runs operation for the session: kResultSessionUnusable without one, kResultFailed while
     // another operation of this connection is still running (a re-entrant call from a progress
-    // box's event loop), otherwise the operation's outcome as a result code with its text.
+    // box's event loop), otherwise the operation's outcome as a result code with its text; a call
+    // past its deadline fails with kResultSessionUnusable and the server's "cannot reach" text. In a
+    // batch run an expired session may first be renewed (ConnectionOptions::renewFromKeptLogIn).
     kelResult Run(const kel4::IUserParameters* session, const Operation& operation, std::string& errorText);
 
     TimeOutRunner& Runner() { return m_runner; }
@@ -75,7 +84,11 @@ public:
     kelResult ExpireSession(const kel4::IUserParameters* session, std::string& errorText);
 
 private:
-    kelResult Finish(const depot::Result& result, std::string& errorText);
+    // Opens a session from the log-in kept for session's account; ticket becomes its ticket, which
+    // the calls for session use from now on. False when none is kept.
+    bool RenewFromKeptLogIn(const kel4::IUserParameters& session, std::string& ticket);
+    // Runs operation on server through the runner, interrupting its network waits when it is cut short.
+    kelResult RunOn(RevisionServer& server, const TimeOutRunner::Operation& operation, std::string& errorText);
 
     ConnectionOptions m_options;
     std::unique_ptr<RevisionServer> m_depot;
@@ -83,6 +96,8 @@ private:
     TimeOutRunner m_runner;
     StatusCache m_cache;
     bool m_running = false;
+    // Expired sessions' tickets and the tickets renewed for them from a kept log-in.
+    std::map<std::string, std::string> m_renewedTickets;
 };
 
 }  // namespace hbrc::host

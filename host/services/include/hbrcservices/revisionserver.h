@@ -90,6 +90,13 @@ public:
                                           std::vector<std::string>& reverted,
                                           const depot::CancelCheck& cancel = {}) = 0;
 
+    // The text of a call that cannot reach the server, for the reason why (the same as the
+    // server's own when a connection fails).
+    virtual std::string unreachableText(const std::string& why) const = 0;
+    // Ends the network waits of a call running on another thread, which then fails soon; safe
+    // from any thread. Nothing for a server that polls the cancel check while it waits.
+    virtual void interruptWaits() {}
+
     // Questions that reached the server through this object.
     virtual std::uint64_t roundTrips() const = 0;
     virtual depot::FaultInjector& faults() = 0;

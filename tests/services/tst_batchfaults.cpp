@@ -1,0 +1,221 @@
+// A batch job against a failing server: alice's host runs the real plug-in with no window, its
+// progress box standing by, on every server kind. Whatever the fault, the editability question and
+// a save end within their deadlines, show no dialog, keep the edit, leave no lock and report once.
+#include <depothostfixture.h>
+
+#include <hbrchost/logcapture.h>
+#include <kel4/irevisioncontroluihelper.h>
+#include <kel4/itimeoutdelegate.h>
+#include <kel4/revisionstatus.h>
+
+#include <QApplication>
+#include <QDirIterator>
+#include <QTimer>
+#include <QWidget>
+
+#include <csignal>
+#include <functional>
+
+namespace {
+
+using namespace std::chrono_literals;
+using Log::eError;
+using Log::eWarning;
+
+class BatchFaults : public ServerFixture
+{
+public:
+    hbrc::host::ConnectionOptions ConnectionOptionsForAlice() const override
+    {
+        hbrc::host::ConnectionOptions options = ServerFixture::ConnectionOptionsForAlice();
+        options.callDeadline = 1s;
+        options.renewFromKeptLogIn = true;
+        options.timeOutThreshold = 20ms;  // a progress box shown in batch would be caught
+        return options;
+    }
+    void SetUp() override
+    {
+        ServerFixture::SetUp();
+        if (HasFatalFailure())
+            return;
+        std::string error;
+        ASSERT_TRUE(host->LoadPlugin(HBRC_PLUGIN_PATH, error)) << error;
+        ASSERT_NE(host->StartComponent("RevisionControlPropertiesMgr"), nullptr);
+        helper = dynamic_cast<kel4::IRevisionControlUIHelper*>(host->StartComponent("RevisionControlUIHelper"));
+        qputenv("HBDEPOT_TICKETS", m_home.filePath(QStringLiteral("tickets")).toLocal8Bit());  // kept log-ins
+        qputenv("HOME", m_home.path().toLocal8Bit());
+        host->Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
+        host->Preferences().SetIntPref("RevControl.BatchRetryDeadlineSeconds", 0, 1);
+        workspace = host->OpenWorkspace(AliceFolder(), error);
+        ASSERT_NE(workspace, nullptr) << error;
+        FileVersionControl()->SetTimeOutDelegate(dynamic_cast<kel4::ITimeOutDelegate*>(helper));
+        // Moss: submitted metadata, the kind whose save asks the plug-in first.
+        const ObjectList moss{CreateMetadata("Moss")};
+        workspace->Save();
+        ASSERT_EQ(DataControl()->MarkForAdd(moss, true, kPersistence, "", error).GetCode(), 0) << error;
+        AliceSubmits("moss");
+        BobExpects(Bob().sync(BobTicket(), {}));
+    }
+    void TearDown() override
+    {
+        if (workspace)
+            FileVersionControl()->SetTimeOutDelegate(nullptr);
+        qputenv("HOME", m_realHome);
+        qunsetenv("HBDEPOT_TICKETS");
+        ServerFixture::TearDown();
+    }
+
+    KELHandle<kel4::IDbObject> CreateMetadata(const std::string& name)
+    {
+        std::string error;
+        const KELHandle<kel4::IDbObject> created(
+            workspace->CreateAsset({hbrc::host::AssetKind::Metadata, "Asset", name, "", true, {{"note", "seed"}}}, error));
+        EXPECT_FALSE(created.IsNull()) << error;
+        return created;
+    }
+    // svnserve stopped (it still accepts, never answers), or a round trip longer than any deadline.
+    void Freeze(bool frozen)
+    {
+        if (Server() != ServerKind::SvnServe)
+            return services.connection->Faults().setLatency(frozen ? 10min : 0min);
+        const QByteArray port = "--listen-port=" + QByteArray::fromStdString(DepotPath().substr(DepotPath().rfind(':') + 1));
+        for (QDirIterator it(QStringLiteral("/proc")); it.hasNext();) {
+            QFile cmdline(it.next() + QStringLiteral("/cmdline"));
+            if (cmdline.open(QIODevice::ReadOnly) && cmdline.readAll().split('\0').contains(port)) {
+                ASSERT_EQ(::kill(static_cast<pid_t>(it.fileName().toLongLong()), frozen ? SIGSTOP : SIGCONT), 0);
+            }
+        }
+    }
+    // A log-in of alice's that outlives its process (hbdepot login, "keep me logged in"); with
+    // elsewhere, one made in another working copy, which then locks Moss there: the locks a server
+    // that died during a check-out leaves in alice's name without a token in her working copy.
+    void AliceElsewhere(bool keep, bool lockMoss)
+    {
+        const auto other = hbrc::host::OpenRevisionServer(DepotPath(), {});
+        const std::string folder =
+            lockMoss ? QFile::encodeName(QDir::cleanPath(AliceFolder() + "/../elsewhere")).toStdString() : AliceWorkspace();
+        std::string ticket;
+        BobExpects(other->login("alice", "alice-pw", folder, ticket));
+        if (keep)
+            BobExpects(other->keep(ticket));
+        if (lockMoss)
+            BobExpects(other->edit(ticket, {folder + "/Moss.kel"}, ""));
+    }
+    void LogInAgainWithoutMoss()
+    {
+        std::string error;
+        DataControl()->SetSession(FileVersionControl()->Login("alice", "alice-pw", AliceWorkspace(), DepotPath(), error));
+        ASSERT_EQ(FileVersionControl()->Revert(AliceSession(), FilesOf("Moss"), error, 0, 0).GetCode(), 0) << error;
+    }
+    // Runs call while a watcher fails on (and closes) any window shown meanwhile.
+    template <class Call>
+    void WithoutWindows(const Call& call)
+    {
+        QTimer watcher;
+        QObject::connect(&watcher, &QTimer::timeout, [] {
+            for (QWidget* widget : QApplication::topLevelWidgets()) {
+                if (widget->isVisible() && widget->close())
+                    ADD_FAILURE() << "a window in batch: " << widget->metaObject()->className();
+            }
+        });
+        watcher.start(5);
+        call();
+    }
+
+    kel4::IRevisionControlUIHelper* helper = nullptr;
+
+private:
+    QTemporaryDir m_home;
+    QByteArray m_realHome = qgetenv("HOME");
+};
+INSTANTIATE_TEST_SUITE_P(Servers, BatchFaults, ServerKinds(), ServerKindName);
+
+struct Fault {
+    const char* name;
+    std::function<void(BatchFaults&)> inject;
+    std::function<void(BatchFaults&)> lift;
+    bool recovers;             // the work gets through all the same
+    bool recoversOnFileUrl;    // ... also where nothing authenticates (file://)
+    std::size_t warnings = 0;  // log entries that say what was put right
+};
+
+TEST_P(BatchFaults, EveryCallEndsWithOneReportAndNothingLost)
+{
+    using F = BatchFaults;
+    const bool svn = IsSubversion();
+    const Fault faults[] = {
+        {"unreachable", [](F& f) { f.services.connection->Faults().failNextCalls(1000, -34, "Cannot reach (injected)"); },
+         [](F& f) { f.services.connection->Faults().clear(); }, false, false},
+        {"frozen", [](F& f) { f.Freeze(true); }, [](F& f) { f.Freeze(false); }, false, false},
+        {"expired", [](F& f) { f.services.ExpireSessionNow(); }, [](F& f) { f.LogInAgainWithoutMoss(); }, false, true},
+        {"expired with a kept log-in",
+         [](F& f) {
+             f.services.ExpireSessionNow();
+             f.AliceElsewhere(true, false);
+         },
+         [](F& f) { f.LogInAgainWithoutMoss(); }, true, true},
+        // The embedded depot takes all locks of a call in one transaction: nothing is left there.
+        {"killed during a multi-file lock",
+         [svn](F& f) {
+             if (svn)
+                 f.AliceElsewhere(false, true);
+         },
+         [](F& f) { f.LogInAgainWithoutMoss(); }, true, true, svn ? 1u : 0u},
+    };
+    const std::pair<const char*, std::function<bool(F&)>> works[] = {
+        {"edit question", [](F& f) { return f.helper->CanEditObjects({f.Asset("Moss")}, true, true, ""); }},
+        {"save", [](F& f) { return f.workspace->SetField(f.Asset("Moss"), "note", "batch") && !f.workspace->Save().cancelled; }},
+    };
+    for (const Fault& fault : faults) {
+        for (const auto& [work, run] : works) {
+            SCOPED_TRACE(std::string(fault.name) + " x " + work);
+            hbrc::host::LogCapture log;
+            fault.inject(*this);
+            const auto start = std::chrono::steady_clock::now();
+            bool done = false;
+            WithoutWindows([&, &run = run] { done = run(*this); });
+            EXPECT_LT(std::chrono::steady_clock::now() - start, 8s) << "a few calls of one second each";
+            const bool recovers = Server() == ServerKind::SvnFile ? fault.recoversOnFileUrl : fault.recovers;
+            EXPECT_EQ(done, recovers);
+            EXPECT_EQ(log.TextsOfType(eError).size(), recovers ? 0u : 1u) << "one report per failure";
+            EXPECT_EQ(log.TextsOfType(eWarning).size(), fault.warnings);
+            QFile kel(QString::fromStdString(FilesOf("Moss").front()));
+            EXPECT_TRUE(workspace->Model().IsDirty(Asset("Moss")) || std::string(work) != "save" ||
+                        (kel.open(QIODevice::ReadOnly) && kel.readAll().contains("note = batch")));
+            fault.lift(*this);
+            BobExpects(Bob().edit(BobTicket(), BobFilesOf("Moss"), ""));  // no lock left behind
+            BobExpects(Bob().revert(BobTicket(), BobFilesOf("Moss")));
+        }
+    }
+}
+
+// A server gone during the adds after a save: one report, the other new assets left not in depot
+// (the next save offers them).
+TEST_P(BatchFaults, GoneServerDuringTheAddsAfterASaveIsReportedOnce)
+{
+    const std::vector<std::string> names{"Fern", "Twig", "Bark", "Seed"};
+    for (const std::string& name : names)
+        CreateMetadata(name);
+    hbrc::host::LogCapture log;
+    services.connection->Faults().failOperation(hbrc::depot::Operation::Add, -34, "Cannot reach (injected)");
+    WithoutWindows([&] { EXPECT_FALSE(workspace->Save().cancelled); });
+    services.connection->Faults().clear();
+    EXPECT_EQ(log.TextsOfType(eError).size(), 1u);
+    for (const std::string& name : names)
+        EXPECT_EQ(StatusOf(name) & kel4::eStatusNotInDatabase, kel4::eStatusNotInDatabase) << name;
+}
+
+// A batch save that needs a decision nobody can make is cancelled, and the log says why.
+TEST_P(BatchFaults, CancelledBatchSaveNamesItsAssetsAndTheSetting)
+{
+    host->Preferences().SetIntPref("RevControl.ActionWhenEditingReadOnlyAsset", 0, 1);  // "none"
+    hbrc::host::LogCapture log;
+    ASSERT_TRUE(workspace->SetField(Asset("Moss"), "note", "batch"));
+    EXPECT_TRUE(workspace->Save().cancelled);
+    ASSERT_EQ(log.TextsOfType(eError).size(), 1u);
+    EXPECT_NE(log.TextsOfType(eError).front().find("Moss"), std::string::npos);
+    EXPECT_NE(log.TextsOfType(eError).front().find("RevControl.ActionWhenEditingReadOnlyAsset"), std::string::npos);
+    EXPECT_TRUE(workspace->Model().IsDirty(Asset("Moss")));
+}
+
+}  // namespace
