@@ -183,9 +183,13 @@ def build_targets(build_dir):
 
 
 def tests_matching(build_dir, regex):
-    output = subprocess.run(["ctest", "--test-dir", str(build_dir), "--show-only=json-v1", "-R", regex], cwd=ROOT,
-                            capture_output=True, text=True, check=True).stdout
-    return [test["name"] for test in json.loads(output).get("tests", [])]
+    """The ctest tests whose names match regex (ctest's own regular expressions: no (?:...))."""
+    shown = subprocess.run(["ctest", "--test-dir", str(build_dir), "--show-only=json-v1", "-R", regex], cwd=ROOT,
+                           capture_output=True, text=True)
+    if shown.returncode != 0 or "RegularExpression::compile()" in shown.stdout + shown.stderr:
+        raise FaultFormatError(f"ctest cannot list the tests matching {regex!r}: {shown.stderr.strip()}")
+    listing = shown.stdout[shown.stdout.index("{"):]
+    return [test["name"] for test in json.loads(listing).get("tests", [])]
 
 
 TEST_LINE = re.compile(r"^\s*\d+/\d+ Test\s+#\d+: (\S+) \.*\s*(?:\*{3})?(.*?)\s+[\d.]+ sec\s*$", re.M)
@@ -226,7 +230,11 @@ class Replayer:
     def replay(self, fault):
         outcome = Outcome(fault)
         started = time.monotonic()
-        tests = tests_matching(self.build_dir, fault.tests)
+        try:
+            tests = tests_matching(self.build_dir, fault.tests)
+        except FaultFormatError as error:
+            outcome.note = str(error)
+            return outcome
         if not tests:
             outcome.result = NO_TESTS
             outcome.note = f"no ctest test matches {fault.tests!r}"
@@ -256,14 +264,13 @@ class Replayer:
 
     def check_clean(self, faults):
         """Builds and runs every test the faults name on the tree as it is; returns those that fail."""
-        regex = "|".join(f"(?:{f.tests})" for f in faults)
-        tests = tests_matching(self.build_dir, regex)
+        tests = sorted({t for f in faults for t in tests_matching(self.build_dir, f.tests)})
         targets = sorted({t for f in faults for t in self.targets_of(f, tests_matching(self.build_dir, f.tests))})
         built, log = self.build("clean-tree", targets)
         if not built:
             sys.exit(f"The tree does not build as it is: see {log}")
-        results, _, _ = self.run_tests("clean-tree", regex)
-        return sorted(t for t, state in results.items() if state != "Passed")
+        results, _, _ = self.run_tests("clean-tree", "^(" + "|".join(tests) + ")$")
+        return sorted(t for t in tests if results.get(t) != "Passed")
 
 
 def dirty_files(files):
@@ -370,9 +377,9 @@ def main():
             print(f"{outcome.result} {', '.join(outcome.caught_by) or outcome.note} ({outcome.seconds:.0f} s)",
                   flush=True)
     except Interrupted as signal_name:
-        print(f"\nInterrupted ({signal_name}); the faulted file was restored.", file=sys.stderr)
+        print(f"\nInterrupted ({signal_name}); no fault is left applied.", file=sys.stderr)
     except KeyboardInterrupt:
-        print("\nInterrupted; the faulted file was restored.", file=sys.stderr)
+        print("\nInterrupted; no fault is left applied.", file=sys.stderr)
 
     head = subprocess.run(["git", "rev-parse", "--short", "HEAD"], cwd=ROOT, capture_output=True,
                           text=True).stdout.strip()
