@@ -363,6 +363,8 @@ def main():
         return 1 if missing else 0
 
     results_file = Path(args.results) if args.results else replayer.build_dir / "faults-results.txt"
+    head = subprocess.run(["git", "rev-parse", "--short", "HEAD"], cwd=ROOT, capture_output=True,
+                          text=True).stdout.strip()
     outcomes = []
     try:
         if args.clean_check:
@@ -376,16 +378,25 @@ def main():
             outcomes.append(outcome)
             print(f"{outcome.result} {', '.join(outcome.caught_by) or outcome.note} ({outcome.seconds:.0f} s)",
                   flush=True)
+            # Written after each fault, so that a long run that is stopped still leaves its results.
+            results_file.write_text(results_text(outcomes, len(faults), head, args), encoding="utf-8")
     except Interrupted as signal_name:
         print(f"\nInterrupted ({signal_name}); no fault is left applied.", file=sys.stderr)
     except KeyboardInterrupt:
         print("\nInterrupted; no fault is left applied.", file=sys.stderr)
 
-    head = subprocess.run(["git", "rev-parse", "--short", "HEAD"], cwd=ROOT, capture_output=True,
-                          text=True).stdout.strip()
+    text = results_text(outcomes, len(faults), head, args)
+    results_file.write_text(text, encoding="utf-8")
+    print("\n" + text + f"(written to {results_file})")
+    return 0 if len(outcomes) == len(faults) else 130
+
+
+def results_text(outcomes, selected, head, args):
     report = [f"# Fault replay of {head} on {datetime.date.today()}, build folder {args.build_dir}",
               "# Each fault: applied, its tests' targets rebuilt, the tests run (ctest -R <tests:>), restored.",
               "", format_table(outcomes), "", catch_rate(outcomes)]
+    if len(outcomes) < selected:
+        report.append(f"Incomplete: {len(outcomes)} of {selected} selected faults replayed.")
     if args.compare:
         before = earlier_results(args.compare)
         slipped = [o.fault.name for o in outcomes if before.get(o.fault.name) == CAUGHT and o.result != CAUGHT]
@@ -393,10 +404,7 @@ def main():
     uncaught = [o for o in outcomes if o.result != CAUGHT]
     if uncaught:
         report += ["", "Not caught:"] + [f"  {o.fault.name}: {o.fault.what}" for o in uncaught]
-    text = "\n".join(report) + "\n"
-    results_file.write_text(text, encoding="utf-8")
-    print("\n" + text + f"(written to {results_file})")
-    return 0 if len(outcomes) == len(faults) else 130
+    return "\n".join(report) + "\n"
 
 
 if __name__ == "__main__":
