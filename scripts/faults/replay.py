@@ -155,9 +155,22 @@ class AppliedFault:
         return False
 
 
+def stop_group(process):
+    """Stops a command's whole process group: first as Ctrl-C would, so that make deletes the
+    object it was writing (a truncated object would look up to date to the next build), then for good."""
+    try:
+        os.killpg(process.pid, signal.SIGINT)
+        process.wait(timeout=15)
+    except subprocess.TimeoutExpired:
+        os.killpg(process.pid, signal.SIGKILL)
+        process.wait()
+    except ProcessLookupError:
+        process.wait()
+
+
 def run_logged(command, log, timeout=None, env=None):
     """Runs command in its own process group with its output in log; returns the exit code, or
-    None when it ran out of time (the whole group is killed then)."""
+    None when it ran out of time (the whole group is stopped then)."""
     with open(log, "w", encoding="utf-8") as out:
         out.write("$ " + " ".join(command) + "\n")
         out.flush()
@@ -166,13 +179,11 @@ def run_logged(command, log, timeout=None, env=None):
         try:
             return process.wait(timeout=timeout)
         except subprocess.TimeoutExpired:
-            os.killpg(process.pid, signal.SIGKILL)
-            process.wait()
-            out.write(f"\n*** killed after {timeout} s\n")
+            stop_group(process)
+            out.write(f"\n*** stopped after {timeout} s\n")
             return None
         except BaseException:
-            os.killpg(process.pid, signal.SIGKILL)
-            process.wait()
+            stop_group(process)
             raise
 
 
