@@ -1,6 +1,14 @@
 #include <hbrcdatamodel/savereport.h>
 
+#include <log/log.h>
+
 namespace hbrc::host {
+
+void SaveReport::Fail(const std::string& path, const std::string& reason)
+{
+    Log::Singleton::Instance().GetStream(Log::eError) << "Could not save " << path << ": " << reason;
+    failures.push_back({path, reason});
+}
 
 std::string SaveReport::DescribeFailures() const
 {

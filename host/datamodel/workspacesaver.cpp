@@ -4,8 +4,12 @@
 #include <hbrcdatamodel/datamodelmgr.h>
 #include <hbrcdatamodel/itemlibrary.h>
 #include <hbrcdatamodel/kelformat.h>
+#include <hbrcdatamodel/stagedwrites.h>
 
 #include <QFile>
+
+#include <optional>
+#include <vector>
 
 namespace hbrc::host {
 
@@ -31,26 +35,45 @@ void removeDeletedAssets(DataModelMgr& model, SaveReport& report)
     model.Store().PendingDeletions() = std::move(remaining);
 }
 
-// Writes one dirty asset; true when all of its files are as the model holds them.
-bool writeAsset(DataModelMgr& model, std::uint32_t slot, SaveReport& report)
+// A dirty asset whose files were staged: its asset file goes in place after its external files.
+struct StagedAsset
 {
-    StoredAsset& asset = model.Store().AssetAt(slot);
-    bool externalsWritten = true;
-    for (const auto& [name, content] : asset.pendingContent)
-        externalsWritten = AssetFiles::Write(absolute(model, asset.ExternalPath(name)), content, report) && externalsWritten;
-    if (!externalsWritten)
-        return false;
+    std::uint32_t slot;
+    QString kelPath;
+    AssetRecord saved;
+};
 
-    AssetRecord saved = asset.record;
-    ++saved.version;
-    if (!AssetFiles::Write(absolute(model, asset.kelPath), QByteArray::fromStdString(KelFormat::Serialize(saved)), report))
-        return false;
+// Stages the files of one dirty asset; nothing when one of its external files cannot be staged.
+std::optional<StagedAsset> stageAsset(DataModelMgr& model, std::uint32_t slot, StagedWrites& writes, SaveReport& report)
+{
+    const StoredAsset& asset = model.Store().AssetAt(slot);
+    std::vector<StagedWrites::Ticket> externals;
+    bool externalsStaged = true;
+    for (const auto& [name, content] : asset.pendingContent) {
+        const auto ticket = writes.Stage(absolute(model, asset.ExternalPath(name)), content, report);
+        if (ticket)
+            externals.push_back(*ticket);
+        externalsStaged = externalsStaged && ticket;
+    }
+    if (!externalsStaged)
+        return std::nullopt;
+    StagedAsset staged{slot, absolute(model, asset.kelPath), asset.record};
+    ++staged.saved.version;
+    if (!writes.Stage(staged.kelPath, QByteArray::fromStdString(KelFormat::Serialize(staged.saved)), report, externals))
+        return std::nullopt;
+    return staged;
+}
+
+// Records that an asset's files are on disk; true when it has nothing left to save.
+bool finishAsset(DataModelMgr& model, const StagedAsset& staged, SaveReport& report)
+{
+    StoredAsset& asset = model.Store().AssetAt(staged.slot);
     const bool firstWrite = !asset.IsOnDisk();
     asset.ancestor = firstWrite ? VersionId() : VersionId(std::to_string(asset.record.version));
-    asset.record.version = saved.version;
+    asset.record.version = staged.saved.version;
     asset.pendingContent.clear();
     if (firstWrite)
-        model.DataSource().RecordAddedObject(DbObjectId(asset.record.id), slot, model.Store().InstanceOf(slot));
+        model.DataSource().RecordAddedObject(DbObjectId(asset.record.id), staged.slot, model.Store().InstanceOf(staged.slot));
 
     for (auto name = asset.pendingRemoval.begin(); name != asset.pendingRemoval.end();) {
         if (AssetFiles::Remove(absolute(model, asset.ExternalPath(*name)), report))
@@ -71,10 +94,19 @@ SaveReport WorkspaceSaver::Save(DataModelMgr& model, ItemLibrary& library)
         return report;
     }
     removeDeletedAssets(model, report);
-    const std::set<std::uint32_t> dirty = model.Store().DirtyAssets();
-    for (std::uint32_t slot : dirty) {
-        if (model.Store().AssetAt(slot).record.persistable && writeAsset(model, slot, report))
-            model.Store().SetDirty(slot, false);
+    // All files first, then one flush for the lot: a save pays for the disk once, not per file.
+    StagedWrites writes;
+    std::vector<StagedAsset> staged;
+    for (std::uint32_t slot : model.Store().DirtyAssets()) {
+        if (!model.Store().AssetAt(slot).record.persistable)
+            continue;
+        if (auto asset = stageAsset(model, slot, writes, report))
+            staged.push_back(std::move(*asset));
+    }
+    const std::set<QString> written = writes.Commit(report);
+    for (const StagedAsset& asset : staged) {
+        if (written.count(asset.kelPath) && finishAsset(model, asset, report))
+            model.Store().SetDirty(asset.slot, false);
     }
     for (const std::string& file : report.deletedFiles)
         model.DataSource().RecordDeletedFile(file);

@@ -6,6 +6,7 @@
 
 #include <log/log.h>
 
+#include <optional>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -302,12 +303,19 @@ kelResult DataControl::MarkForAdd(const ObjectList& objects, bool includeExterna
 {
     const Files files = FilesOf(objects, includeExternalFiles, closure);
     // Only the files the depot does not know are added: an asset whose .kel file is in the depot
-    // may have gained a new external file.
+    // may have gained a new external file. Their statuses come from the cache when it knows them
+    // all (the post-save hook asked about every new asset's files in one question just before
+    // marking them asset by asset), so that each call is one round trip, not two.
+    const std::optional<std::vector<depot::FileStatus>> known = m_connection->Cache().Lookup(files);
     return ChangeFiles(
         files,
         [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
             std::vector<depot::FileStatus> statuses;
-            depot::Result result = depot.status(ticket, files, statuses, cancel);
+            depot::Result result;
+            if (known)
+                statuses = *known;
+            else
+                result = depot.status(ticket, files, statuses, cancel);
             if (!result.ok())
                 return result;
             Files unknown;

@@ -7,7 +7,12 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
+#include <signal.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace hbrc::host;
 
@@ -117,6 +122,69 @@ TEST_F(WorkspaceSave, ReadOnlyFileIsReportedAndItsEditKept)
     ASSERT_EQ(::chmod(PathOf("steel.kel").c_str(), 0644), 0);
     EXPECT_EQ(workspace->Save().writtenFiles, std::vector<std::string>{PathOf("steel.kel")});
     EXPECT_TRUE(ReadFile("steel.kel").contains("field colour = grey\n"));
+}
+
+// A save killed at any moment leaves every asset file with either its old or its new content, and
+// the workspace opens: killed at once, killed as soon as its first file was put in place (amid the
+// renames, where some files are new and some old), and not killed.
+TEST_F(WorkspaceSave, KilledSaveLeavesEachFileOldOrNew)
+{
+    constexpr int kAssets = 300;
+    std::vector<KELHandle<kel4::IAsset>> assets;
+    for (int i = 0; i < kAssets; ++i)
+        assets.push_back(Create(AssetKind::Metadata, "a" + std::to_string(i)));
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    const auto readAll = [&] {
+        std::vector<QByteArray> contents;
+        for (int i = 0; i < kAssets; ++i)
+            contents.push_back(ReadFile("a" + std::to_string(i) + ".kel"));
+        return contents;
+    };
+    const auto inodeOfFirst = [&] {
+        struct stat info {};
+        ::stat(PathOf("a0.kel").c_str(), &info);
+        return info.st_ino;
+    };
+    enum class Kill { AtOnce, AfterFirstRename, Never };
+    std::vector<QByteArray> before = readAll();
+    int mixedRounds = 0;
+    int round = 0;
+    for (const Kill when : {Kill::AtOnce, Kill::AfterFirstRename, Kill::AfterFirstRename, Kill::AfterFirstRename, Kill::Never}) {
+        ++round;
+        for (const auto& asset : assets)
+            ASSERT_TRUE(workspace->SetField(asset, "round", std::to_string(round)));
+        const ino_t firstBefore = inodeOfFirst();
+        const pid_t child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            workspace->Save();
+            ::_exit(0);
+        }
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (when == Kill::AfterFirstRename && inodeOfFirst() == firstBefore &&
+               ::waitpid(child, nullptr, WNOHANG) == 0 && std::chrono::steady_clock::now() < deadline) {
+        }
+        if (when != Kill::Never)
+            ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+
+        const std::vector<QByteArray> afterKill = readAll();
+        ASSERT_TRUE(workspace->Save().Succeeded());  // the same edits: the content the child wrote
+        const std::vector<QByteArray> after = readAll();
+        int renewed = 0;
+        for (int i = 0; i < kAssets; ++i) {
+            ASSERT_TRUE(afterKill[i] == before[i] || afterKill[i] == after[i]) << "a" << i << ".kel in round " << round;
+            renewed += afterKill[i] == after[i] ? 1 : 0;
+        }
+        mixedRounds += renewed > 0 && renewed < kAssets ? 1 : 0;
+        if (when == Kill::Never) {
+            EXPECT_EQ(renewed, kAssets);
+        }
+        before = after;
+    }
+    EXPECT_GT(mixedRounds, 0) << "no kill landed amid the renames";
+    EXPECT_TRUE(Open().Model().Store().DirtyAssets().empty());
+    EXPECT_FALSE(workspace->FindAsset("a" + std::to_string(kAssets - 1)).IsNull());
 }
 
 TEST_F(WorkspaceSave, AssetWithAnUnwritableExternalFileKeepsItsOldAssetFile)

@@ -161,6 +161,37 @@ TEST_P(ObjectStatus, PerObjectQuestionsAboutTheWorkListShareOneRoundTripAndAChan
     EXPECT_EQ(services.connection->Cache().Size(), known + 2) << "Rock.kel and rock.bin";
 }
 
+// The post-save hook asks about the files of every asset a save created in one question, then marks
+// the assets for add one at a time: each mark-for-add then saves the status round trip it makes
+// when it must ask itself (a Subversion add is local: the status is its only round trip).
+TEST_P(ObjectStatus, MarkForAddAfterAStatusQuestionAboutItsFilesSkipsItsOwnStatusRoundTrip)
+{
+    const auto vase = CreateSavedAsset("Vase");
+    const ObjectList created{CreateSavedAsset("Lamp", "lamp.bin"), CreateSavedAsset("Bench")};
+    std::string error;
+    services.connection->Cache().Invalidate();
+    auto before = services.connection->RoundTrips();
+    ASSERT_EQ(DataControl()->MarkForAdd({vase}, true, kPersistence, "", error).GetCode(), 0) << error;
+    const auto askingItself = services.connection->RoundTrips() - before;
+    ASSERT_GE(askingItself, 1u);
+
+    std::vector<std::string> files;
+    for (const char* asset : {"Lamp", "Bench"})
+        for (const std::string& file : FilesOf(asset))
+            files.push_back(file);
+    List<unsigned> statuses;
+    List<std::string> changelists;
+    ASSERT_EQ(FileVersionControl()->GetStatus(AliceSession(), {files.begin(), files.end()}, statuses, changelists, error, 0)
+                  .GetCode(),
+              0) << error;
+    before = services.connection->RoundTrips();
+    for (const auto& asset : created)
+        ASSERT_EQ(DataControl()->MarkForAdd({asset}, true, kPersistence, "", error).GetCode(), 0) << error;
+    EXPECT_EQ(services.connection->RoundTrips() - before, 2 * (askingItself - 1));
+    for (const char* asset : {"Vase", "Lamp", "Bench"})
+        EXPECT_EQ(StatusOf(asset), eStatusMarkedForAdd) << asset;
+}
+
 TEST_P(ObjectStatus, AMissAboutAnObjectOutsideTheWorkListAsksAboutItsOwnFilesOnly)
 {
     services.connection->Cache().Invalidate();

@@ -21,6 +21,8 @@ struct SaveReport
     // Files that could not be written or removed; their assets keep their edits and stay dirty.
     std::vector<Failure> failures;
 
+    // Logs "Could not save <path>: <reason>" as an error and adds the failure.
+    void Fail(const std::string& path, const std::string& reason);
     bool Succeeded() const { return !cancelled && failures.empty(); }
     // "Could not save N file(s):" and one "<path>: <reason>" line per failure; "" when none failed.
     std::string DescribeFailures() const;
