@@ -58,8 +58,8 @@ TEST_F(PropertiesMgrTest, AFreshStoreGivesTheDefaults)
     EXPECT_FALSE(mgr->GetUserSawSourceControlDialog());
 }
 
-// Whatever action is set, "check out" is stored; a stored value the settings do not know leaves
-// the caller's value as it was.
+// Whatever action is set, "check out" is stored; every stored value the settings know is read back,
+// and one they do not know leaves the caller's value as it was.
 TEST_F(PropertiesMgrTest, SettingTheActionAlwaysStoresCheckOutAndAnUnknownOneIsNotRead)
 {
     for (Action asked : {IRevisionControlPropertiesMgr::eActionNone, IRevisionControlPropertiesMgr::eActionPrompt,
@@ -69,8 +69,14 @@ TEST_F(PropertiesMgrTest, SettingTheActionAlwaysStoresCheckOutAndAnUnknownOneIsN
         ASSERT_TRUE(mgr->GetActionWhenEditingReadOnlyAsset(stored));
         EXPECT_EQ(stored, IRevisionControlPropertiesMgr::eActionCheckOut) << "asked " << asked;
     }
+    // The ends of the known range are read as they were stored (a host may store them itself).
+    Action action = IRevisionControlPropertiesMgr::eActionPrompt;
+    for (Action stored : {IRevisionControlPropertiesMgr::eActionNone, IRevisionControlPropertiesMgr::eActionMakeWritable}) {
+        host.prefs->SetIntPref(CHBRevisionControlPropertiesMgr::kActionKey, stored, 1);
+        EXPECT_TRUE(mgr->GetActionWhenEditingReadOnlyAsset(action));
+        EXPECT_EQ(action, stored);
+    }
     host.prefs->SetIntPref(CHBRevisionControlPropertiesMgr::kActionKey, 7, 1);
-    Action action = IRevisionControlPropertiesMgr::eActionMakeWritable;
     EXPECT_FALSE(mgr->GetActionWhenEditingReadOnlyAsset(action));
     EXPECT_EQ(action, IRevisionControlPropertiesMgr::eActionMakeWritable);
 }

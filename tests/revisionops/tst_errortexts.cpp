@@ -152,6 +152,8 @@ INSTANTIATE_TEST_SUITE_P(
         FilesCase{"LinesInAscendingOrderThenTheUsers", 0x20000 | 0x80 | 0x2, Users({"bob", "amy", "bob"}),
                   kCheckedOutByOthers + kNotInDatabase + kLockedByOthers + "\namy\nbob\n"},
         FilesCase{"NoUserNamingFlagAsksNoUsers", 0x40 | 0x8000, std::nullopt, kNotHead + kIOError},
+        FilesCase{"UsersNamedAlthoughALaterFlagNamesNone", 0x2 | 0x40, Users({"bob"}),
+                  kCheckedOutByOthers + kNotHead + "\nbob\n"},
         FilesCase{"AFailedUsersQueryHasItsOwnLine", 0x8, Users(std::vector<std::string>{}),
                   kMarkedForAddByOthers + "Sorry cannot get the list of users\n"},
         FilesCase{"AFlagOutsideTheSetIsUnexplained", 0x10 | 0x1, std::nullopt, kUnknown}),
