@@ -411,7 +411,8 @@ TEST_F(EditFlows, AFailedAssetIsReportedWithRetryAndTheOthersAreStillCheckedOut)
 }
 
 // The check-out is cancelled by the changelist dialog, which comes back when the changelist kept
-// for check-outs was submitted meanwhile, and at once when revision control is off.
+// for check-outs was submitted meanwhile, and at once when revision control is off (when an edit
+// is let through without a question).
 TEST_P(EditFlowsOnServers, CheckOutIsCancelledByTheDialogOrWhenRevisionControlIsOff)
 {
     const std::string kept = NewChangelist("kept for check-outs");
@@ -431,6 +432,8 @@ TEST_P(EditFlowsOnServers, CheckOutIsCancelledByTheDialogOrWhenRevisionControlIs
     cancelled = false;
     EXPECT_FALSE(helper.CheckOutObjects(Assets({"Rock"}), cancelled, true));
     EXPECT_TRUE(cancelled);
+    EXPECT_THAT(openedIn("Rock"), Each("-"));
+    EXPECT_TRUE(helper.CanEditObjects(Assets({"Rock"}), true, true, "an edit")) << "off: no question, no check-out";
     EXPECT_THAT(openedIn("Rock"), Each("-"));
 }
 
