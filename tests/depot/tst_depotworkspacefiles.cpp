@@ -32,6 +32,11 @@ TEST_F(DepotWorkspaceFiles, SyncKeepsAWritableLocalChangeUnlessForced)
     ok(m_bob->sync(m_bobTicket, {mine}, SyncMode::Force));
     EXPECT_EQ(read(mine), "v2");
     EXPECT_FALSE(isWritable(mine));
+
+    // A file opened in the workspace is left as it is: one opened for delete stays off the disk.
+    ok(m_bob->remove(m_bobTicket, {bobFile("ship.kel")}, ""));
+    ok(m_bob->sync(m_bobTicket, {}));
+    EXPECT_FALSE(fs::exists(bobFile("ship.kel")));
 }
 
 TEST_F(DepotWorkspaceFiles, AWritableFileWithoutLocalChangesIsReplaced)
