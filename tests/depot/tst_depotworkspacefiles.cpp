@@ -33,8 +33,10 @@ TEST_F(DepotWorkspaceFiles, SyncKeepsAWritableLocalChangeUnlessForced)
     EXPECT_EQ(read(mine), "v2");
     EXPECT_FALSE(isWritable(mine));
 
-    // A file opened in the workspace is left as it is: one opened for delete stays off the disk.
+    // A file opened in the workspace is left as it is: one opened for delete (whose local copy
+    // "hbdepot delete" removes) stays off the disk.
     ok(m_bob->remove(m_bobTicket, {bobFile("ship.kel")}, ""));
+    fs::remove(bobFile("ship.kel"));
     ok(m_bob->sync(m_bobTicket, {}));
     EXPECT_FALSE(fs::exists(bobFile("ship.kel")));
 }
