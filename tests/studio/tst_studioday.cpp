@@ -14,6 +14,8 @@
 #include "revisionoperations.h"
 #include "studiosession.h"
 
+#include "windowprobe.h"
+
 #include <dialogdriver.h>
 #include <svnrepositoryfixture.h>
 
@@ -44,7 +46,7 @@
 #include <memory>
 
 using namespace hbrc::studio;
-using hbrc::test::DialogDriver;
+using namespace hbrc::test;
 
 namespace {
 
@@ -125,15 +127,8 @@ protected:
         window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
-    void waitForStatus()
-    {
-        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->model().statusQuery().IsPending(); }, 20000));
-    }
-    void waitForOperations()
-    {
-        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->operations().IsBusy(); }, 20000));
-        waitForStatus();
-    }
+    void waitForStatus() { ASSERT_TRUE(WaitForStatus(*window)); }
+    void waitForOperations() { ASSERT_TRUE(WaitForOperations(*window)); }
     // A dialog takes the keys once the window manager has made it the active window.
     // The main window's own activation may still arrive after the dialog showed: ask again until
     // the dialog stays the active window.
@@ -155,20 +150,9 @@ protected:
     }
 
     KELHandle<kel4::IAsset> asset(const char* name) const { return session->CurrentWorkspace()->FindAsset(name); }
-    QString cell(const char* name, int column) const
-    {
-        const AssetBrowserModel& model = window->model();
-        return model.data(model.index(model.rowOf(asset(name)), column)).toString();
-    }
-    QString status(const char* name) const { return cell(name, AssetBrowserModel::StatusColumn); }
-    QString sessionLabel() const
-    {
-        return window->statusBar()->findChild<QLabel*>(QStringLiteral("sessionState"))->text();
-    }
-    bool logged(const QString& part) const
-    {
-        return !window->logDock().list()->findItems(part, Qt::MatchContains).isEmpty();
-    }
+    QString status(const char* name) const { return AssetCell(*window, asset(name), AssetBrowserModel::StatusColumn); }
+    QString sessionLabel() const { return SessionLabel(*window); }
+    bool logged(const QString& part) const { return Logged(*window, part, Qt::MatchContains); }
     // The file's write bit (the tests may run as root, for whom every file is writable).
     bool writable(const QString& file) const
     {

@@ -6,6 +6,8 @@
 #include "mainwindow.h"
 #include "studiosession.h"
 
+#include "windowprobe.h"
+
 #include <dialogdriver.h>
 
 #include <depot/depot.h>
@@ -34,7 +36,7 @@
 
 using namespace hbrc::studio;
 using hbrc::depot::TicketStore;
-using hbrc::test::DialogDriver;
+using namespace hbrc::test;
 
 namespace {
 
@@ -69,32 +71,23 @@ protected:
         window = std::make_unique<MainWindow>(*session);
         window->show();
         ASSERT_TRUE(window->openWorkspace(depot->Folder("alice")));
-        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->model().statusQuery().IsPending(); }, 20000));
+        ASSERT_TRUE(WaitForStatus(*window));
     }
-    QString sessionLabel() const
-    {
-        return window->statusBar()->findChild<QLabel*>(QStringLiteral("sessionState"))->text();
-    }
+    QString sessionLabel() const { return SessionLabel(*window); }
     QString rockStatus() const
     {
-        const AssetBrowserModel& model = window->model();
-        return model.data(model.index(model.rowOf(session->CurrentWorkspace()->FindAsset("Rock")),
-                                      AssetBrowserModel::StatusColumn))
-            .toString();
+        return AssetCell(*window, session->CurrentWorkspace()->FindAsset("Rock"), AssetBrowserModel::StatusColumn);
     }
     std::string keptTicket() const
     {
         const auto kept = TicketStore().find(TicketStore::depotKey(depot->Path()), "alice");
         return kept ? kept->ticket : std::string();
     }
-    bool logged(const QString& line) const
-    {
-        return !window->logDock().list()->findItems(line, Qt::MatchExactly).isEmpty();
-    }
+    bool logged(const QString& line) const { return Logged(*window, line); }
     void refresh()
     {
         window->refreshStatus();
-        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->model().statusQuery().IsPending(); }, 20000));
+        ASSERT_TRUE(WaitForStatus(*window));
     }
 
     QTemporaryDir m_dir;

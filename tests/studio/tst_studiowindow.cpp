@@ -15,6 +15,8 @@
 #include "studiosession.h"
 #include "studiotranslation.h"
 
+#include "windowprobe.h"
+
 #include <dialogdriver.h>
 
 #include <depot/depot.h>
@@ -58,7 +60,7 @@
 #include <memory>
 
 using namespace hbrc::studio;
-using hbrc::test::DialogDriver;
+using namespace hbrc::test;
 
 namespace {
 
@@ -100,25 +102,15 @@ protected:
         window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
-    void waitForStatus()
-    {
-        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->model().statusQuery().IsPending(); }, 20000));
-    }
+    void waitForStatus() { ASSERT_TRUE(WaitForStatus(*window)); }
     KELHandle<kel4::IAsset> asset(const char* name) const { return session->CurrentWorkspace()->FindAsset(name); }
     QString status(const char* name) const { return cell(name, AssetBrowserModel::StatusColumn); }
     QString cell(const char* name, int column, int role = Qt::DisplayRole) const
     {
-        const AssetBrowserModel& model = window->model();
-        return model.data(model.index(model.rowOf(asset(name)), column), role).toString();
+        return AssetCell(*window, asset(name), column, role);
     }
-    bool logged(const QString& line) const
-    {
-        return !window->logDock().list()->findItems(line, Qt::MatchExactly).isEmpty();
-    }
-    QString sessionLabel() const
-    {
-        return window->statusBar()->findChild<QLabel*>(QStringLiteral("sessionState"))->text();
-    }
+    bool logged(const QString& line) const { return Logged(*window, line); }
+    QString sessionLabel() const { return SessionLabel(*window); }
     // Sets "Refresh status every" in the settings dialog, from the keyboard.
     void setRefreshSeconds(int seconds)
     {
@@ -166,11 +158,7 @@ protected:
     {
         session->Settings()->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
     }
-    void waitForOperations()
-    {
-        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->operations().IsBusy(); }, 20000));
-        waitForStatus();
-    }
+    void waitForOperations() { ASSERT_TRUE(WaitForOperations(*window)); }
     PendingChangesModel& pending() const { return window->pendingChanges().model(); }
     std::string aliceFile(const char* name) const { return depot->FolderPath("alice") + "/" + name + ".kel"; }
     QModelIndex pendingFile(const char* name) const { return pending().fileIndex(aliceFile(name)); }
