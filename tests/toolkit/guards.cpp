@@ -1,19 +1,16 @@
 // The scope guards change Qt state for their lifetime only: the state is checked inside the
 // scope and after it, on real objects, cursors and painters.
+#include "toolkittest.h"
+
 #include <qtextention/guards.h>
 
 #include <QApplication>
 #include <QCursor>
-#include <QImage>
-#include <QPainter>
 #include <QSignalSpy>
 #include <QWidget>
 
-#include <gtest/gtest.h>
-
 #include <array>
-#include <functional>
-#include <memory>
+#include <tuple>
 #include <optional>
 
 namespace {
@@ -26,8 +23,6 @@ public:
 public slots:
     void hit() { ++hits; }
 };
-
-QStringList g_warnings;
 
 TEST(BlockSignalGuard, BlocksTheGivenObjectsWhereverNullsStandAndNestsWithEarlierBlocks)
 {
@@ -52,12 +47,7 @@ TEST(BlockSignalGuard, BlocksTheGivenObjectsWhereverNullsStandAndNestsWithEarlie
 
 TEST(BlockLocalSignalGuard, BreaksOneConnectionAndMakesItOnceAgainWhileConnectAssertWarnsOnlyOnFailure)
 {
-    g_warnings.clear();
-    const QtMessageHandler previous =
-        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
-            if (type == QtWarningMsg && text.contains(QStringLiteral("ConnectAssert")))
-                g_warnings << text;
-        });
+    QtWarnings warnings(QStringLiteral("ConnectAssert"));
     QObject sender;
     Counter guarded, other;
     ConnectAssert(&sender, SIGNAL(objectNameChanged(QString)), &guarded, SLOT(hit()));
@@ -69,10 +59,9 @@ TEST(BlockLocalSignalGuard, BreaksOneConnectionAndMakesItOnceAgainWhileConnectAs
     sender.setObjectName(QStringLiteral("b"));
     EXPECT_EQ(guarded.hits, 1);  // missed the first, reconnected once (not twice) for the second
     EXPECT_EQ(other.hits, 2);
-    EXPECT_TRUE(g_warnings.isEmpty()) << "good connections stay silent";
+    EXPECT_TRUE(warnings.texts.isEmpty()) << "good connections stay silent";
     ConnectAssert(&sender, SIGNAL(noSuchSignal()), &guarded, SLOT(hit()));
-    qInstallMessageHandler(previous);
-    EXPECT_EQ(g_warnings.size(), 1);
+    EXPECT_EQ(warnings.texts.size(), 1);
 }
 
 Qt::CursorShape overrideShape()
@@ -102,19 +91,14 @@ TEST(CursorGuard, PushesOnlyWhileAWindowExistsAndAsksForWindowsAgainAtDestructio
     EXPECT_EQ(overrideShape(), Qt::BlankCursor);
 }
 
-class PainterOnImage : public ::testing::Test
+TEST(AntialiasGuard, SetsTheHintForItsLifetimeOnly)
 {
-protected:
-    QImage image{40, 40, QImage::Format_ARGB32};
-    QPainter painter{&image};
-};
-
-TEST_F(PainterOnImage, AntialiasGuardSetsTheHintForItsLifetimeOnly)
-{
+    QImage image(4, 4, QImage::Format_ARGB32);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
     for (const bool before : {false, true}) {
         for (const bool wanted : {false, true}) {
             painter.setRenderHint(QPainter::Antialiasing, before);
-            painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
             {
                 AntialiasGuard guard(&painter, wanted);
                 EXPECT_EQ(painter.testRenderHint(QPainter::Antialiasing), wanted) << before << wanted;
@@ -128,30 +112,31 @@ TEST_F(PainterOnImage, AntialiasGuardSetsTheHintForItsLifetimeOnly)
 // Each form replaces the clip for its lifetime and gives back the one before: the outer clip, or
 // none at all (a delegate paints cell after cell with one painter: a clip left behind where nothing
 // was clipped cuts every later cell away).
-TEST_F(PainterOnImage, EveryClipGuardFormReplacesTheClipAndGivesTheOuterOneBack)
+TEST(ClipGuard, EveryFormReplacesTheClipAndGivesTheOuterOneBack)
 {
+    QImage image(40, 40, QImage::Format_ARGB32);
+    QPainter painter(&image);
     const QRect inner(10, 10, 5, 5);
     const QRectF innerF(inner);
     using Make = std::function<std::unique_ptr<ClipGuard>()>;
-    const std::tuple<const char*, Make, std::optional<QRegion>> forms[] = {  // nullopt: no clipping inside
-        {"QRect", [&] { return std::make_unique<ClipGuard>(&painter, inner); }, QRegion(inner)},
-        {"QRectF", [&] { return std::make_unique<ClipGuard>(&painter, innerF); }, QRegion(inner)},
-        {"QRectF*", [&] { return std::make_unique<ClipGuard>(&painter, &innerF); }, QRegion(inner)},
-        {"QRegion", [&] { return std::make_unique<ClipGuard>(&painter, QRegion(inner)); }, QRegion(inner)},
-        {"null", [&] { return std::make_unique<ClipGuard>(&painter, static_cast<const QRectF*>(nullptr)); },
-         std::nullopt},
+    const std::tuple<const char*, Make, bool> forms[] = {  // name, guard, whether it clips inside
+        {"QRect", [&] { return std::make_unique<ClipGuard>(&painter, inner); }, true},
+        {"QRectF", [&] { return std::make_unique<ClipGuard>(&painter, innerF); }, true},
+        {"QRectF*", [&] { return std::make_unique<ClipGuard>(&painter, &innerF); }, true},
+        {"QRegion", [&] { return std::make_unique<ClipGuard>(&painter, QRegion(inner)); }, true},
+        {"null", [&] { return std::make_unique<ClipGuard>(&painter, static_cast<const QRectF*>(nullptr)); }, false},
     };
     for (const std::optional<QRect> outer : {std::optional<QRect>(), std::optional<QRect>(QRect(0, 0, 30, 30))}) {
-        for (const auto& [name, make, clipInside] : forms) {
+        for (const auto& [name, make, clipsInside] : forms) {
             if (outer)
                 painter.setClipRect(*outer);
             else
                 painter.setClipping(false);
             {
                 const auto guard = make();
-                EXPECT_EQ(painter.hasClipping(), clipInside.has_value()) << name;
-                if (clipInside) {
-                    EXPECT_EQ(painter.clipRegion(), *clipInside) << name;
+                EXPECT_EQ(painter.hasClipping(), clipsInside) << name;
+                if (clipsInside) {
+                    EXPECT_EQ(painter.clipRegion(), QRegion(inner)) << name;
                 }
             }
             EXPECT_EQ(painter.hasClipping(), outer.has_value()) << name;
@@ -164,4 +149,4 @@ TEST_F(PainterOnImage, EveryClipGuardFormReplacesTheClipAndGivesTheOuterOneBack)
 
 }  // namespace
 
-#include "tst_guards.moc"
+#include "guards.moc"

@@ -1,5 +1,7 @@
 // The small widgets the studio's window is built from, driven offscreen: what they emit for a
 // user's edit, what they refuse, and what the text cache keeps.
+#include "toolkittest.h"
+
 #include <qtextention/cachedtextdrawer.h>
 #include <qtextention/qcolorcontrol.h>
 #include <qtextention/qfunctoraction.h>
@@ -14,8 +16,6 @@
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTest>
-
-#include <gtest/gtest.h>
 
 namespace {
 

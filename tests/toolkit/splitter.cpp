@@ -1,13 +1,13 @@
 // QSplitterWithButton: real clicks on the handle buttons collapse panes and restore their share;
 // collapsing the last visible pane expands the neighbour on the clicked side.
+#include "toolkittest.h"
+
 #include <qtextention/qsplitterhandlewithbutton.h>
 #include <qtextention/qsplitterwithbutton.h>
 
 #include <QPushButton>
 #include <QStyle>
 #include <QTest>
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <memory>
@@ -87,7 +87,6 @@ TEST(QSplitterWithButton, RightButtonOnlyOnHandlesCreatedWhileAskedForAndButtons
     EXPECT_EQ(panes.handle()->rightButton(), nullptr);
     auto* late = qobject_cast<QSplitterHandleWithButton*>(panes.splitter->handle(2));
     ASSERT_NE(late->rightButton(), nullptr);
-    EXPECT_EQ(late->rightButton()->cursor().shape(), Qt::ArrowCursor);
 
     const int w = late->width();
     ASSERT_EQ(late->height(), 300);

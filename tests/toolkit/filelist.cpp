@@ -1,5 +1,7 @@
 // The file list family on real files in a temporary folder: rows, clipboard, the right-button
 // menu, revealing through a recording launcher, the dialog and the main-window lookup.
+#include "toolkittest.h"
+
 #include <qtextention/fileexplorer.h>
 #include <qtextention/mainappwindow.h>
 #include <qtextention/programlauncher.h>
@@ -18,8 +20,6 @@
 #include <QTest>
 #include <QTimer>
 
-#include <gtest/gtest.h>
-
 #include <unistd.h>
 
 #include <tuple>
@@ -31,22 +31,19 @@ namespace {
 class RecordingLauncher
 {
 public:
-    RecordingLauncher()
-        : m_previous(SetProgramLauncher([this](const ProgramStart& start) { starts.push_back(start); }))
-    {
-    }
+    RecordingLauncher() : m_previous(SetProgramLauncher([this](const ProgramStart& start) { starts << start; })) {}
     ~RecordingLauncher() { SetProgramLauncher(m_previous); }
 
-    // Exactly one start so far, the one that reveals file.
-    void expectOneStartRevealing(const QString& file) const
+    // Exactly one start so far, the one that reveals file; then forgets it.
+    void expectOneStartRevealing(const QString& file)
     {
-        ASSERT_EQ(starts.size(), 1u);
         const ProgramStart expected = RevealFileCommand(file, CurrentFileBrowserPlatform());
+        ASSERT_EQ(starts.size(), 1);
         EXPECT_EQ(starts.front().program, expected.program);
-        EXPECT_EQ(starts.front().arguments, expected.arguments);
+        EXPECT_EQ(starts.takeFirst().arguments, expected.arguments);
     }
 
-    std::vector<ProgramStart> starts;
+    QList<ProgramStart> starts;
 
 private:
     ProgramLauncher m_previous;
@@ -115,12 +112,9 @@ protected:
 
 TEST_F(FileListTest, RowsShowTheAbsolutePathGreyAndExplainedForMissingFilesAndAReadOnlyStateNobodyCanToggle)
 {
-    struct Row {
-        QString path;
-        Qt::CheckState readOnly;
-        bool missing;
-    };
-    std::vector<Row> rows{{writable, Qt::Unchecked, false}, {missing, Qt::Checked, true}};
+    // path, read-only state, missing
+    std::vector<std::tuple<QString, Qt::CheckState, bool>> rows{{writable, Qt::Unchecked, false},
+                                                                {missing, Qt::Checked, true}};
     QStringList given{QDir::current().relativeFilePath(writable), missing};  // the first given relative
     // A user who may write everything (root) has no unwritable file to show.
     if (const QString locked = unwritableFile(); !locked.isEmpty()) {
@@ -129,32 +123,22 @@ TEST_F(FileListTest, RowsShowTheAbsolutePathGreyAndExplainedForMissingFilesAndAR
     }
     QFileListWidget list(given);
     EXPECT_EQ(list.textElideMode(), Qt::ElideMiddle) << "deep paths keep both ends";
-    ASSERT_EQ(list.topLevelItemCount(), given.size());
-    for (const Row& row : rows) {
-        const QList<QTreeWidgetItem*> found = list.findItems(row.path, Qt::MatchExactly, 0);
-        ASSERT_EQ(found.size(), 1) << row.path.toStdString();
-        const QTreeWidgetItem* item = found.first();
-        EXPECT_EQ(item->checkState(1), row.readOnly) << row.path.toStdString();
-        EXPECT_EQ(item->sizeHint(0).height(), 18);
-        EXPECT_FALSE(item->flags() & Qt::ItemIsUserCheckable);
-        EXPECT_EQ(item->data(0, Qt::ForegroundRole), row.missing ? QVariant(QBrush(Qt::darkGray)) : QVariant())
-            << row.path.toStdString();
-        EXPECT_EQ(item->toolTip(0),
-                  row.missing ? row.path + QStringLiteral("\nThis file does not exist.") : row.path);
-    }
-}
-
-TEST_F(FileListTest, ThreeTitledColumnsListingTheFilesFlatInAscendingOrder)
-{
-    QFileListWidget list({QStringLiteral("/w/c.kel"), QStringLiteral("/w/a.kel"), QStringLiteral("/w/b.kel")});
-    QStringList headers, shown;
+    EXPECT_FALSE(list.rootIsDecorated());
+    QStringList headers;
     for (int column = 0; column < list.columnCount(); ++column)
         headers << list.headerItem()->text(column);
-    for (int row = 0; row < list.topLevelItemCount(); ++row)
-        shown << list.topLevelItem(row)->text(0);
     EXPECT_EQ(headers, QStringList({"File", "Read Only", ""}));
-    EXPECT_EQ(shown, QStringList({"/w/a.kel", "/w/b.kel", "/w/c.kel"}));
-    EXPECT_FALSE(list.rootIsDecorated());
+    ASSERT_EQ(list.topLevelItemCount(), given.size());
+    for (const auto& [path, readOnly, gone] : rows) {
+        const QList<QTreeWidgetItem*> found = list.findItems(path, Qt::MatchExactly, 0);
+        ASSERT_EQ(found.size(), 1) << path.toStdString();
+        const QTreeWidgetItem* item = found.first();
+        EXPECT_EQ(item->checkState(1), readOnly) << path.toStdString();
+        EXPECT_EQ(item->sizeHint(0).height(), 18);
+        EXPECT_FALSE(item->flags() & Qt::ItemIsUserCheckable);
+        EXPECT_EQ(item->data(0, Qt::ForegroundRole), gone ? QVariant(QBrush(Qt::darkGray)) : QVariant()) << path.toStdString();
+        EXPECT_EQ(item->toolTip(0), gone ? path + QStringLiteral("\nThis file does not exist.") : path);
+    }
 }
 
 // The disk is asked about a file when its row is painted or its data asked for, not when the row
@@ -215,7 +199,7 @@ TEST_F(FileListTest, OnlyControlCCopiesTheSelectedPaths)
     }
 }
 
-TEST_F(FileListTest, RightClickMenuCopiesOrRevealsTheSelection)
+TEST_F(FileListTest, RightClickMenuCopiesOrRevealsTheSelectionAndRevealingStartsTheBrowserOnTheFirstFile)
 {
     RecordingLauncher launcher;
     QFileListWidget list({writable});
@@ -233,33 +217,11 @@ TEST_F(FileListTest, RightClickMenuCopiesOrRevealsTheSelection)
         QTest::mouseClick(list.viewport(), Qt::RightButton, {}, list.visualItemRect(list.topLevelItem(0)).center());
     });
     launcher.expectOneStartRevealing(writable);  // the row under the pointer was selected by the click
-}
 
-TEST_F(FileListTest, RevealingThreeFilesStartsTheBrowserOnceOnTheFirst)
-{
-    RecordingLauncher launcher;
+    // Several files start the browser once, on the first; none start nothing.
     ShowFilesInExplorer({temp.filePath("a/./one.txt"), temp.filePath("two.txt"), temp.filePath("three.txt")});
     ShowFilesInExplorer({});
     launcher.expectOneStartRevealing(temp.filePath("a/one.txt"));
-}
-
-TEST(RevealFileCommand, SelectsTheCleanedFileOnWindowsAndOpensItsFolderElsewhere)
-{
-    using P = FileBrowserPlatform;
-    const std::tuple<ProgramStart, QString, QString> rows[] = {
-        {RevealFileCommand("C:/a/./b/../c.txt", P::Windows), "explorer.exe", "/select,C:\\a\\c.txt"},
-        {RevealFileCommand(QStringLiteral(u"D:\\\u00e9t\u00e9/x//y.kel"), P::Windows), "explorer.exe",
-         QStringLiteral(u"/select,D:\\\u00e9t\u00e9\\x\\y.kel")},
-        {RevealFileCommand("/tmp/x/./y/../f.txt", P::FreeDesktop), "xdg-open", "/tmp/x"},
-        {RevealFileCommand(QStringLiteral(u"/tmp/\u00e9/f.txt"), P::FreeDesktop), "xdg-open",
-         QStringLiteral(u"/tmp/\u00e9")},
-    };
-    for (const auto& [start, program, argument] : rows) {
-        EXPECT_EQ(start.program, program) << argument.toStdString();
-        EXPECT_EQ(start.arguments, QStringList{argument}) << argument.toStdString();
-    }
-    EXPECT_EQ(MakeWindowsPath("C:/a/./b/..//c/"), "C:\\a\\c");
-    EXPECT_EQ(MakeWindowsPath(QStringLiteral(u"D:/\u00e9t\u00e9/f.txt")), "D:\\\xc3\xa9t\xc3\xa9\\f.txt");
 }
 
 TEST_F(FileListTest, DialogShowsTheFilesUnderItsTitleUntilOk)

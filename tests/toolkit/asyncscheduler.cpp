@@ -1,13 +1,13 @@
 // QAsyncScheduler and QValueAnimator: work off the UI thread delivered in order with stale requests
 // dropped, and a value moved smoothly to a target that may change mid-way.
+#include "toolkittest.h"
+
 #include <qtextention/qasyncscheduler.h>
 #include <qtextention/qvalueanimator.h>
 
 #include <QSemaphore>
 #include <QTest>
 #include <QThread>
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
@@ -42,8 +42,7 @@ TEST(QAsyncScheduler, CoalescesRequestsAndDeliversOnlyTheNewestInOrder)
     QAsyncScheduler scheduler;
     GatedWork work;
     QList<int> results;
-    QList<quint64> delivered;
-    QList<quint64> dropped;
+    QList<quint64> delivered, dropped;
     QObject::connect(&scheduler, &QAsyncScheduler::delivered, [&](quint64 n) { delivered << n; });
     QObject::connect(&scheduler, &QAsyncScheduler::dropped, [&](quint64 n) { dropped << n; });
     const auto deliver = [&](const int& result) {

@@ -1,12 +1,13 @@
-// Path helpers, table-driven: each row names its case and holds the helper's answer beside the
-// expected one.
+// Path helpers and the command that reveals a file, table-driven: each row names its case and holds
+// the helper's answer beside the expected one.
+#include "toolkittest.h"
+
+#include <qtextention/fileexplorer.h>
 #include <qtextention/pathutils.h>
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -16,22 +17,14 @@ QByteArray narrow(const QString& text)
     return QFile::encodeName(text);
 }
 
-template <typename T>
-struct Row {
-    const char* name;
-    T actual;
-    T expected;
-};
-
-template <typename T, size_t N>
-void expectRows(const Row<T> (&rows)[N])
+QString shown(const ProgramStart& start)
 {
-    for (const Row<T>& row : rows)
-        EXPECT_EQ(row.actual, row.expected) << row.name;
+    return start.program + '|' + start.arguments.join('|');  // '|' between arguments
 }
 
-TEST(PathText, RelativeAbsoluteAndJoinedPathsAreCleanedAndKeepTheirCharacters)
+TEST(PathText, RelativeAbsoluteJoinedAndRevealedPathsAreCleanedAndKeepTheirCharacters)
 {
+    using P = FileBrowserPlatform;
     const Row<QString> rows[] = {
         {"relative: below", MakePathRelative("/home/u", "/home/u/a/b.txt"), "a/b.txt"},
         {"relative: beside", MakePathRelative("/home/u/x", "/home/u/a.txt"), "../a.txt"},
@@ -52,6 +45,17 @@ TEST(PathText, RelativeAbsoluteAndJoinedPathsAreCleanedAndKeepTheirCharacters)
         {"joined: four parts", MakePath("/r", "b", "c", "d"), "/r/b/c/d"},
         {"joined: cleaned", MakePath("/r", "x/..", ".", "d/"), "/r/d"},
         {"joined: one part", MakePath("a", nullptr, nullptr, nullptr), "a"},
+        {"windows path: cleaned with backslashes", QString::fromStdString(MakeWindowsPath("C:/a/./b/..//c/")), "C:\\a\\c"},
+        {"windows path: non-ASCII", QString::fromStdString(MakeWindowsPath(QStringLiteral(u"D:/\u00e9t\u00e9/f.txt"))),
+         QStringLiteral(u"D:\\\u00e9t\u00e9\\f.txt")},
+        {"reveal on windows: selects the cleaned file", shown(RevealFileCommand("C:/a/./b/../c.txt", P::Windows)),
+         "explorer.exe|/select,C:\\a\\c.txt"},
+        {"reveal on windows: non-ASCII", shown(RevealFileCommand(QStringLiteral(u"D:\\\u00e9t\u00e9/x//y.kel"), P::Windows)),
+         QStringLiteral(u"explorer.exe|/select,D:\\\u00e9t\u00e9\\x\\y.kel")},
+        {"reveal elsewhere: opens the folder", shown(RevealFileCommand("/tmp/x/./y/../f.txt", P::FreeDesktop)),
+         "xdg-open|/tmp/x"},
+        {"reveal elsewhere: non-ASCII", shown(RevealFileCommand(QStringLiteral(u"/tmp/\u00e9/f.txt"), P::FreeDesktop)),
+         QStringLiteral(u"xdg-open|/tmp/\u00e9")},
     };
     expectRows(rows);
 }
@@ -82,9 +86,7 @@ protected:
 
     void SetUp() override
     {
-        ASSERT_TRUE(temp.isValid());
-        ASSERT_TRUE(QDir(root).mkpath(QStringLiteral("sub/deeper")));
-        ASSERT_TRUE(QDir(root).mkdir(QStringLiteral("folder.txt")));
+        ASSERT_TRUE(QDir(root).mkpath(QStringLiteral("sub/deeper")) && QDir(root).mkdir(QStringLiteral("folder.txt")));
         for (const QString& file : {root + QStringLiteral("/top.txt"), notes, odd})
             ASSERT_TRUE(QFile(file).open(QIODevice::WriteOnly)) << file.toStdString();
         ASSERT_TRUE(QFile::link(root, root + QStringLiteral("/sub/loop")));
@@ -92,31 +94,24 @@ protected:
     bool find(const QString& name, int depth) const { return FindFileRecursive(narrow(root), narrow(name), depth); }
 };
 
-TEST_F(PathsOnDisk, DirectoriesAreBackslashShapedOrExistFilesEndInANameAndAreNoDirectory)
-{
-    const Row<bool> rows[] = {
-        {"drive with trailing backslash", IsDirectoryPathValid("C:\\temp\\"), true},
-        {"share-like folder", IsDirectoryPathValid("\\server\\share"), true},
-        {"forbidden character in a folder", IsDirectoryPathValid("C:\\te|mp"), false},
-        {"slashes that do not exist", IsDirectoryPathValid("C:/temp"), false},
-        {"relative folder", IsDirectoryPathValid("relative\\dir"), false},
-        {"existing folder in any form", IsDirectoryPathValid(root + "/."), true},
-        {"existing file as folder", IsDirectoryPathValid(notes), false},
-        {"file with drive and backslashes", IsFilePathValid("C:\\a\\b.txt"), true},
-        {"file with drive and slashes", IsFilePathValid("C:/a/b.txt"), true},
-        {"non-ASCII file", IsFilePathValid(QStringLiteral(u"/tmp/\u00e9t\u00e9.txt")), true},
-        {"forbidden character before the name", IsFilePathValid("a<b/c.txt"), false},
-        {"file ending with a separator", IsFilePathValid("C:\\dir\\"), false},
-        {"colon after the drive", IsFilePathValid("C:\\a:b\\c.txt"), false},
-        {"existing folder named like a file", IsFilePathValid(root + "/folder.txt"), false},
-    };
-    expectRows(rows);
-}
-
-TEST_F(PathsOnDisk, SearchExistenceAndEqualityFollowTheDisk)
+TEST_F(PathsOnDisk, ValiditySearchExistenceAndEqualityFollowTheShapeAndTheDisk)
 {
     const QString unusual = QStringLiteral(u"\u00fcn\u00ef");
     const Row<bool> rows[] = {
+        {"folder: drive with trailing backslash", IsDirectoryPathValid("C:\\temp\\"), true},
+        {"folder: share-like", IsDirectoryPathValid("\\server\\share"), true},
+        {"folder: forbidden character", IsDirectoryPathValid("C:\\te|mp"), false},
+        {"folder: slashes that do not exist", IsDirectoryPathValid("C:/temp"), false},
+        {"folder: relative", IsDirectoryPathValid("relative\\dir"), false},
+        {"folder: existing in any form", IsDirectoryPathValid(root + "/."), true},
+        {"folder: existing file", IsDirectoryPathValid(notes), false},
+        {"file: drive and backslashes", IsFilePathValid("C:\\a\\b.txt"), true},
+        {"file: drive and slashes", IsFilePathValid("C:/a/b.txt"), true},
+        {"file: non-ASCII", IsFilePathValid(QStringLiteral(u"/tmp/\u00e9t\u00e9.txt")), true},
+        {"file: forbidden character before the name", IsFilePathValid("a<b/c.txt"), false},
+        {"file: ending with a separator", IsFilePathValid("C:\\dir\\"), false},
+        {"file: colon after the drive", IsFilePathValid("C:\\a:b\\c.txt"), false},
+        {"file: existing folder named like a file", IsFilePathValid(root + "/folder.txt"), false},
         {"find top at depth 1", find("top", 1), true},
         {"find notes at depth 1", find("notes", 1), false},
         {"find notes at depth 2", find("notes", 2), true},

@@ -1,5 +1,7 @@
 // QListViewDragDrop: files dragged from a list onto changelists in a tree, where the application's
 // decider moves them; drops it refuses and drags from elsewhere change nothing.
+#include "toolkittest.h"
+
 #include <qtextention/qlistviewdragdrop.h>
 
 #include <QListView>
@@ -7,8 +9,6 @@
 #include <QStandardItemModel>
 #include <QTest>
 #include <QTreeView>
-
-#include <gtest/gtest.h>
 
 #include <memory>
 

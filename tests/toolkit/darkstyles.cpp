@@ -1,0 +1,213 @@
+// What the dark styles answer rather than paint, in both styles: every element, metric and hint is
+// quiet with a default option, the shared dark palette and its exchanged form on tab bars, pixel
+// metrics (the marked menu bar), style hints and the push-button size.
+#include "toolkittest.h"
+
+#include <QCommonStyle>
+#include <QMetaEnum>
+#include <QProxyStyle>
+#include <QStyleOption>
+#include <QTabBar>
+
+#include <array>
+#include <optional>
+#include <tuple>
+
+namespace {
+
+// The named values of a QStyle enum, without the CustomBase marker.
+template <typename Enum>
+QList<Enum> namedValues()
+{
+    const QMetaEnum meta = QMetaEnum::fromType<Enum>();
+    QList<Enum> values;
+    for (int i = 0; i < meta.keyCount(); ++i) {
+        if (!QByteArray(meta.key(i)).endsWith("CustomBase"))
+            values << static_cast<Enum>(meta.value(i));
+    }
+    return values;
+}
+
+TEST_P(DarkStyle, EveryElementMetricAndHintWithADefaultOptionIsQuiet)
+{
+    const auto primitives = namedValues<QStyle::PrimitiveElement>();
+    const auto controls = namedValues<QStyle::ControlElement>();
+    const auto metrics = namedValues<QStyle::PixelMetric>();
+    const auto hints = namedValues<QStyle::StyleHint>();
+    ASSERT_TRUE(primitives.size() > 40 && controls.size() > 40 && metrics.size() > 80 && hints.size() > 100);
+
+    const QtWarnings warnings;
+    QStyleOption option;
+    option.rect = QRect(2, 2, 40, 24);
+    option.palette = style->standardPalette();
+    option.state = QStyle::State_Enabled;
+    for (const auto element : primitives)
+        paintedImage(QSize(48, 32), Qt::black, [&](QPainter& p) { style->drawPrimitive(element, &option, &p); });
+    for (const auto element : controls)
+        paintedImage(QSize(48, 32), Qt::black, [&](QPainter& p) { style->drawControl(element, &option, &p); });
+    for (const auto metric : metrics) {
+        style->pixelMetric(metric);
+        style->pixelMetric(metric, &option);
+    }
+    for (const auto hint : hints) {
+        style->styleHint(hint);
+        style->styleHint(hint, &option);
+    }
+    EXPECT_TRUE(warnings.texts.isEmpty()) << warnings.texts.join(QLatin1Char('\n')).toStdString();
+}
+
+constexpr QPalette::ColorGroup kGroups[] = {QPalette::Active, QPalette::Inactive, QPalette::Disabled};
+
+// The roles whose colour depends on the group or is derived from another role; the plain greys of
+// the other roles show in the painting tests.
+TEST_P(DarkStyle, PaletteRolesDifferWhereTheGroupAsksAndKeepQtsColoursElsewhere)
+{
+    constexpr int kUnchanged = -1;  // the plain QStyle palette's colour
+    const std::pair<QPalette::ColorRole, std::array<int, 3>> rows[] = {  // per group of kGroups
+        {QPalette::WindowText, {200, 200, kUnchanged}},
+        {QPalette::Button, {100, 100, 80}},
+        {QPalette::Text, {200, 200, 105}},  // disabled: the disabled base 42 lightened by 250
+        {QPalette::BrightText, {37, 37, kUnchanged}},
+        {QPalette::ButtonText, {200, 200, kUnchanged}},
+        {QPalette::AlternateBase, {46, 46, 46}},  // base 42 lightened by 110
+        {QPalette::Highlight, {kUnchanged, kUnchanged, kUnchanged}},
+        {QPalette::Link, {kUnchanged, kUnchanged, kUnchanged}},
+    };
+    const QPalette palette = style->standardPalette();
+    const QPalette plain = QCommonStyle().standardPalette();
+    for (const auto& [role, greys] : rows) {
+        for (int g = 0; g < 3; ++g) {
+            const QColor expected = greys[g] == kUnchanged ? plain.color(kGroups[g], role) : grey(greys[g]);
+            EXPECT_EQ(palette.color(kGroups[g], role).name(QColor::HexArgb), expected.name(QColor::HexArgb))
+                << "role " << role << " group " << kGroups[g];
+        }
+    }
+}
+
+// The palette with Window and Button exchanged in every group.
+QPalette exchanged(QPalette palette)
+{
+    const QPalette original = palette;
+    for (const auto group : kGroups) {
+        palette.setColor(group, QPalette::Window, original.color(group, QPalette::Button));
+        palette.setColor(group, QPalette::Button, original.color(group, QPalette::Window));
+    }
+    return palette;
+}
+
+// A polished tab bar, and the tab-widget frame exactly as the wrapped style draws it, have Window
+// and Button exchanged.
+TEST_P(DarkStyle, TabBarsAndTabWidgetFramesHaveWindowAndButtonExchanged)
+{
+    QTabBar tabBar;
+    tabBar.setStyle(style.get());
+    tabBar.ensurePolished();
+    const QPalette expected = exchanged(style->standardPalette());
+    for (const auto group : kGroups) {
+        for (const auto role : {QPalette::Button, QPalette::Window})
+            EXPECT_EQ(tabBar.palette().color(group, role), expected.color(group, role)) << group << " " << role;
+    }
+    tabBar.setStyle(nullptr);
+
+    QStyleOptionTabWidgetFrame frame;
+    frame.rect = QRect(0, 0, 60, 40);
+    frame.state = QStyle::State_Enabled;
+    frame.palette = style->standardPalette();
+    frame.tabBarSize = QSize(30, 20);
+    frame.tabBarRect = QRect(4, 0, 30, 20);
+    QStyleOptionTabWidgetFrame swapped = frame;
+    swapped.palette = expected;
+    const auto draw = [&](const QStyle& by, const QStyleOption& option) {
+        return paintedImage(QSize(60, 40), Qt::black,
+                            [&](QPainter& p) { by.drawPrimitive(QStyle::PE_FrameTabWidget, &option, &p); });
+    };
+    EXPECT_EQ(draw(*style, frame), draw(*base, swapped));
+    EXPECT_NE(draw(*style, frame), draw(*base, frame));
+}
+
+INSTANTIATE_TEST_SUITE_P(DarkStyles, DarkStyle, ::testing::Values(simpleStyleCase(), tarnStyleCase()),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+using Answer = std::optional<int>;  // nullopt: the wrapped style's answer
+
+// Asks both styles; each must give its expected answer.
+void expectInBothStyles(const char* name, Answer simple, Answer tarn, const std::function<int(const QStyle&)>& ask)
+{
+    const std::pair<const StyleCase*, Answer> cases[] = {{&simpleStyleCase(), simple}, {&tarnStyleCase(), tarn}};
+    for (const auto& [style, answer] : cases)
+        EXPECT_EQ(ask(*style->create()), answer ? *answer : ask(*style->createBase())) << name << " in " << *style;
+}
+
+// Rows: name, what is asked (and of which widget), the simple style's answer, the tarn style's.
+TEST(DarkStyleMetric, MenuBarMarginsFollowThePropertysPresenceAndTheRestComeFromTheWrappedStyle)
+{
+    // The property marks the host's menu bar by being present at all: false and text count too.
+    QWidget unmarked, markedTrue, markedFalse, markedText;
+    markedTrue.setProperty("isQtarnZelmarMenuBar", true);
+    markedFalse.setProperty("isQtarnZelmarMenuBar", false);
+    markedText.setProperty("isQtarnZelmarMenuBar", QStringLiteral("no"));
+    const std::tuple<const char*, QStyle::PixelMetric, const QWidget*, Answer, Answer> rows[] = {
+        {"PanelWidthMarked", QStyle::PM_MenuBarPanelWidth, &markedTrue, 0, 0},
+        {"VMarginNoWidget", QStyle::PM_MenuBarVMargin, nullptr, 1, 1},
+        {"VMarginUnmarked", QStyle::PM_MenuBarVMargin, &unmarked, 1, 1},
+        {"VMarginMarkedTrue", QStyle::PM_MenuBarVMargin, &markedTrue, 4, 4},
+        {"VMarginMarkedFalse", QStyle::PM_MenuBarVMargin, &markedFalse, 4, 4},
+        {"VMarginMarkedText", QStyle::PM_MenuBarVMargin, &markedText, 4, 4},
+        {"HMarginUnmarked", QStyle::PM_MenuBarHMargin, &unmarked, 0, 0},
+        {"HMarginMarkedFalse", QStyle::PM_MenuBarHMargin, &markedFalse, 3, 3},
+        {"FocusFrameVMargin", QStyle::PM_FocusFrameVMargin, nullptr, 0, 0},
+        {"FocusFrameHMargin", QStyle::PM_FocusFrameHMargin, nullptr, 0, 2},
+        {"IndicatorWidth", QStyle::PM_IndicatorWidth, nullptr, std::nullopt, std::nullopt},
+        {"ScrollBarExtent", QStyle::PM_ScrollBarExtent, nullptr, std::nullopt, std::nullopt},
+    };
+    for (const auto& [name, metric, widget, simple, tarn] : rows)
+        expectInBothStyles(name, simple, tarn, [&](const QStyle& s) { return s.pixelMetric(metric, nullptr, widget); });
+}
+
+TEST(DarkStyleHint, HintsFollowTheTableInBothStyles)
+{
+    const std::tuple<const char*, QStyle::StyleHint, Answer, Answer> rows[] = {
+        {"EtchDisabledText", QStyle::SH_EtchDisabledText, 0, 0},
+        {"ButtonFocusPolicy", QStyle::SH_Button_FocusPolicy, 0, 0},
+        {"TableGridLineColor", QStyle::SH_Table_GridLineColor, int(qRgb(68, 68, 68)), int(qRgb(68, 68, 68))},
+        {"SliderAbsoluteSetButtons", QStyle::SH_Slider_AbsoluteSetButtons, std::nullopt, int(Qt::LeftButton)},
+        {"DialogButtonLayout", QStyle::SH_DialogButtonLayout, std::nullopt, std::nullopt},
+        {"ComboBoxPopup", QStyle::SH_ComboBox_Popup, std::nullopt, std::nullopt},
+    };
+    for (const auto& [name, hint, simple, tarn] : rows)
+        expectInBothStyles(name, simple, tarn, [&](const QStyle& style) { return style.styleHint(hint); });
+}
+
+// A base style that draws a default-button indicator, which Fusion does not.
+class DefaultIndicatorStyle final : public QProxyStyle
+{
+public:
+    DefaultIndicatorStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
+    {
+        return metric == PM_ButtonDefaultIndicator ? 3 : QProxyStyle::pixelMetric(metric, option, widget);
+    }
+};
+
+TEST(DarkStyleTarnSize, PushButtonSizeIsTheCommonSizeAndGrowsOnceMoreForAutoDefaultButtons)
+{
+    QtlomDarkStyleTarn style;
+    const QSize contents(40, 16);
+    const QStyleOption notAButton;
+    EXPECT_EQ(style.sizeFromContents(QStyle::CT_PushButton, nullptr, contents), contents);
+    EXPECT_EQ(style.sizeFromContents(QStyle::CT_PushButton, &notAButton, contents), contents);
+
+    QStyleOptionButton button;
+    button.text = QStringLiteral("OK");
+    const QSize plain = style.sizeFromContents(QStyle::CT_PushButton, &button, contents);
+    EXPECT_EQ(plain, style.QCommonStyle::sizeFromContents(QStyle::CT_PushButton, &button, contents));
+    EXPECT_NE(plain, tarnStyleCase().createBase()->sizeFromContents(QStyle::CT_PushButton, &button, contents));
+
+    // The common size already holds the indicator on both sides (2 x 3); the style adds it once more.
+    style.setBaseStyle(new DefaultIndicatorStyle);
+    const QSize withIndicatorMetric = style.sizeFromContents(QStyle::CT_PushButton, &button, contents);
+    button.features = QStyleOptionButton::AutoDefaultButton;
+    EXPECT_EQ(style.sizeFromContents(QStyle::CT_PushButton, &button, contents) - withIndicatorMetric, QSize(9, 9));
+}
+
+}  // namespace
