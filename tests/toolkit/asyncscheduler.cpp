@@ -1,16 +1,7 @@
-// QAsyncScheduler and QValueAnimator: work off the UI thread delivered in order with stale requests
-// dropped, and a value moved smoothly to a target that may change mid-way.
+// QAsyncScheduler: work off the UI thread delivered in order with stale requests dropped.
 #include "toolkittest.h"
 
 #include <qtextention/qasyncscheduler.h>
-#include <qtextention/qvalueanimator.h>
-
-#include <QSemaphore>
-#include <QTest>
-#include <QThread>
-
-#include <algorithm>
-#include <atomic>
 
 namespace {
 
@@ -98,36 +89,4 @@ TEST(QAsyncScheduler, CancelDropsTheRunningAndWaitingRequestsAndDestructionWaits
     }
     QCoreApplication::processEvents();
     EXPECT_TRUE(results.isEmpty());
-}
-
-TEST(QValueAnimator, MovesSmoothlyAndARetargetMidWayStartsFromTheValueReached)
-{
-    QValueAnimator animator;
-    animator.setDuration(200);
-    QList<qreal> values;
-    int finished = 0;
-    QObject::connect(&animator, &QValueAnimator::valueChanged, [&](qreal v) { values << v; });
-    QObject::connect(&animator, &QValueAnimator::finished, [&] { ++finished; });
-
-    animator.animateTo(100);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return values.size() >= 2 && values.last() > 10; }));
-    EXPECT_TRUE(animator.isRunning());
-    const qreal reached = animator.value();
-    animator.animateTo(0);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return finished == 1; }));
-    EXPECT_EQ(animator.value(), 0.0);
-    EXPECT_TRUE(std::is_sorted(values.begin(), values.begin() + values.indexOf(reached) + 1)) << "rising to 100";
-    const QList<qreal> back = values.mid(values.indexOf(reached));
-    EXPECT_TRUE(std::is_sorted(back.rbegin(), back.rend())) << "falling back from where it was, no jump";
-
-    // finish() lands on the target at once; a zero duration never runs.
-    animator.animateTo(50);
-    animator.finish();
-    EXPECT_EQ(animator.value(), 50.0);
-    EXPECT_EQ(finished, 2);
-    animator.setDuration(0);
-    animator.animateTo(7);
-    EXPECT_FALSE(animator.isRunning());
-    EXPECT_EQ(animator.value(), 7.0);
-    EXPECT_EQ(finished, 3);
 }

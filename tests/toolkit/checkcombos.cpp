@@ -6,14 +6,6 @@
 #include <qtextention/qcheckboxtree.h>
 #include <qtextention/qcheckboxtreecombo.h>
 
-#include <QAbstractItemView>
-#include <QCheckBox>
-#include <QHeaderView>
-#include <QTest>
-
-#include <sstream>
-#include <tuple>
-
 namespace {
 
 // Opens the pop-up for the lifetime of the object, as the user sees the rows when ticking them.
@@ -65,7 +57,7 @@ TEST(QCheckBoxTreeCombo, FirstTopLevelItemNamesTheOnlyRowWhoseEditorIsTheTreeAnd
     EXPECT_FALSE(f.combo.isChecked(f.textures));
 }
 
-TEST(QCheckBoxTreeCombo, TickingInThePopupKeepsItOpen)
+TEST(QCheckBoxTreeCombo, TickingInThePopupPropagatesAndKeepsItOpen)
 {
     TreeComboFixture f;
     const OpenPopup popup(f.combo);
@@ -76,8 +68,8 @@ TEST(QCheckBoxTreeCombo, TickingInThePopupKeepsItOpen)
         << "the row is tall enough for the tree, not one line of it";
 
     tree->expandAll();
-    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, checkIndicatorRect(tree, f.models).center());
-    EXPECT_EQ(f.relayed, (Relayed{{true, {f.models}}})) << "the tree in the row reports the click";
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, checkIndicatorRect(tree, f.textures).center());
+    EXPECT_EQ(f.relayed, (Relayed{{false, {f.textures, f.assets}}})) << "a click propagates like setChecked";
     EXPECT_TRUE(f.combo.view()->isVisible());
 }
 

@@ -4,14 +4,6 @@
 // palette, size and pixel ratio, and the item-view variant on Base.
 #include "toolkittest.h"
 
-#include <QCommonStyle>
-#include <QPixmapCache>
-#include <QStyleOption>
-#include <QWidget>
-
-#include <optional>
-#include <tuple>
-
 namespace {
 
 const QSize kCanvas(40, 30);
@@ -34,6 +26,25 @@ QImage untouched()
     return paintedImage(kCanvas, kSentinel, [](QPainter&) {});
 }
 
+template <typename Option = QStyleOption>
+Option makeOption(const QRect& rect, QStyle::State state, const QPalette& palette = QPalette())
+{
+    Option option;
+    option.rect = rect;
+    option.state = state;
+    option.palette = palette;
+    return option;
+}
+
+// Pixels of painted images against the colours expected there, each named.
+using Pixel = std::tuple<const char*, const QImage&, QPoint, QColor>;
+
+void expectPixels(std::initializer_list<Pixel> pixels)
+{
+    for (const auto& [name, image, pixel, expected] : pixels)
+        EXPECT_EQ(pixelColor(image, pixel.x(), pixel.y()), expected) << name;
+}
+
 // The pixmap cache is empty before and after each test that paints through it.
 struct EmptyPixmapCache {
     EmptyPixmapCache() { QPixmapCache::clear(); }
@@ -49,10 +60,7 @@ TEST_P(DarkStyle, CheckedEnabledToolButtonIsTheBasePanelInTheSelectedColour)
         {QStyle::State_Enabled, false},
     };
     for (const auto& [state, selectedColour] : rows) {
-        QStyleOption panel;
-        panel.rect = QRect(QPoint(0, 0), kCanvas);
-        panel.palette = style->standardPalette();
-        panel.state = state;
+        const QStyleOption panel = makeOption(QRect(QPoint(0, 0), kCanvas), state, style->standardPalette());
         QStyleOption expected = panel;
         for (const auto group : {QPalette::Active, QPalette::Inactive}) {
             if (selectedColour)
@@ -65,21 +73,27 @@ TEST_P(DarkStyle, CheckedEnabledToolButtonIsTheBasePanelInTheSelectedColour)
 }
 
 // The focus frame is a one-pixel rectangle in the focus colour; a dock-widget title has a light and
-// a dark line along its bar, horizontal or vertical.
-TEST_P(DarkStyle, FocusFrameAndDockWidgetTitleLinesAreInTheirColours)
+// a dark line along its bar, horizontal or vertical; an item of the marked menu bar is outlined only
+// when selected and enabled.
+TEST_P(DarkStyle, FocusFrameDockWidgetTitleAndMarkedMenuBarItemAreDrawnInTheirColours)
 {
-    QStyleOption frame;
-    frame.rect = QRect(2, 2, 20, 10);
-    const QImage focus = control(*style, QStyle::CE_FocusFrame, frame);
-    QStyleOptionDockWidget title;
-    title.rect = QRect(0, 0, 40, 20);
-    title.palette = style->standardPalette();
-    title.state = QStyle::State_Enabled;
+    const QImage focus = control(*style, QStyle::CE_FocusFrame, makeOption(QRect(2, 2, 20, 10), QStyle::State_None));
+    auto title = makeOption<QStyleOptionDockWidget>(QRect(0, 0, 40, 20), QStyle::State_Enabled, style->standardPalette());
     title.movable = true;
     const QImage horizontal = control(*style, QStyle::CE_DockWidgetTitle, title);
     title.verticalTitleBar = true;
     const QImage vertical = control(*style, QStyle::CE_DockWidgetTitle, title);
-    const std::tuple<const char*, const QImage&, QPoint, QColor> rows[] = {
+    QWidget menuBar;
+    menuBar.setProperty("isQtarnZelmarMenuBar", false);
+    menuBar.setPalette(style->standardPalette());
+    const QColor background = menuBar.palette().color(menuBar.backgroundRole());
+    const auto menuItem = [&](QStyle::State state) {
+        const auto item = makeOption<QStyleOptionMenuItem>(QRect(QPoint(0, 0), kCanvas), state, menuBar.palette());
+        return control(*style, QStyle::CE_MenuBarItem, item, &menuBar);
+    };
+    const QImage selected = menuItem(QStyle::State_Enabled | QStyle::State_Selected);
+    const QImage unselected = menuItem(QStyle::State_Enabled), disabled = menuItem(QStyle::State_Selected);
+    expectPixels({
         {"focus: top left", focus, {2, 2}, grey(130)},
         {"focus: bottom right", focus, {21, 11}, grey(130)},
         {"focus: inside untouched", focus, {10, 6}, kSentinel},
@@ -89,31 +103,13 @@ TEST_P(DarkStyle, FocusFrameAndDockWidgetTitleLinesAreInTheirColours)
         {"dock title: nothing below the bar", horizontal, {20, 25}, kSentinel},
         {"vertical dock title: light left", vertical, {0, 10}, grey(97)},
         {"vertical dock title: dark right", vertical, {39, 10}, grey(37)},
-    };
-    for (const auto& [name, image, pixel, expected] : rows)
-        EXPECT_EQ(pixelColor(image, pixel.x(), pixel.y()), expected) << name;
-}
-
-TEST_P(DarkStyle, MarkedMenuBarItemIsOutlinedOnlyWhenSelectedAndEnabled)
-{
-    QWidget menuBar;
-    menuBar.setProperty("isQtarnZelmarMenuBar", false);
-    menuBar.setPalette(style->standardPalette());
-    const QColor background = menuBar.palette().color(menuBar.backgroundRole());
-    const std::tuple<QStyle::State, QColor, QColor> rows[] = {  // state, top edge, inside
-        {QStyle::State_Enabled | QStyle::State_Selected, grey(38), grey(53)},  // Window 68 darkened by 178; halves
-        {QStyle::State_Enabled, background, background},
-        {QStyle::State_Selected, background, background},
-    };
-    for (const auto& [state, edge, inside] : rows) {
-        QStyleOptionMenuItem item;
-        item.rect = QRect(QPoint(0, 0), kCanvas);
-        item.palette = menuBar.palette();
-        item.state = state;
-        const QImage image = control(*style, QStyle::CE_MenuBarItem, item, &menuBar);
-        EXPECT_EQ(pixelColor(image, 10, 0), edge) << "state " << int(state);
-        EXPECT_EQ(pixelColor(image, 5, 25), inside) << "state " << int(state);
-    }
+        {"menu item: outline of Window 68 darkened by 178", selected, {10, 0}, grey(38)},
+        {"menu item: inside the halves", selected, {5, 25}, grey(53)},
+        {"unselected menu item: no outline", unselected, {10, 0}, background},
+        {"unselected menu item: plain inside", unselected, {5, 25}, background},
+        {"disabled menu item: no outline", disabled, {10, 0}, background},
+        {"disabled menu item: plain inside", disabled, {5, 25}, background},
+    });
 }
 
 TEST_P(DarkStyle, ActiveIconsAreBrightenedAboveValueThirtyAndOtherModesAreTheCommonStyles)
@@ -153,12 +149,11 @@ TEST_P(DarkStyle, ActiveIconsAreBrightenedAboveValueThirtyAndOtherModesAreTheCom
 
 TEST(DarkStyleSimplePainting, NeverDrawsAFocusRectangle)
 {
-    QStyleOptionFocusRect focus;
-    focus.rect = QRect(QPoint(0, 0), kCanvas);
-    focus.state = QStyle::State_Enabled | QStyle::State_HasFocus | QStyle::State_KeyboardFocusChange;
+    auto focus = makeOption<QStyleOptionFocusRect>(
+        QRect(QPoint(0, 0), kCanvas), QStyle::State_Enabled | QStyle::State_HasFocus | QStyle::State_KeyboardFocusChange);
     focus.backgroundColor = Qt::white;
     EXPECT_EQ(primitive(QtlomDarkStyleSimple(), QStyle::PE_FrameFocusRect, focus), untouched());
-    EXPECT_NE(primitive(*simpleStyleCase().createBase(), QStyle::PE_FrameFocusRect, focus), untouched())
+    EXPECT_NE(primitive(*kSimpleStyle.createBase(), QStyle::PE_FrameFocusRect, focus), untouched())
         << "the wrapped style would draw one";
 }
 
@@ -179,12 +174,12 @@ TEST(TarnHeaderArrow, SortUpShowsTheDownwardImageAndSortDownTheUpwardOneWhenCach
         image.fill(colour);
         QPixmapCache::insert(QString::fromLatin1(key), image);
     }
-    const QImage up = drawArrow(QStyleOptionHeader::SortUp);
-    EXPECT_EQ(pixelColor(up, 5, 3), QColor(Qt::red));
-    EXPECT_EQ(pixelColor(up, 10, 6), QColor(Qt::red));
-    EXPECT_EQ(pixelColor(up, 11, 3), kSentinel);  // the image is drawn whole and unscaled
-    EXPECT_EQ(pixelColor(up, 4, 3), kSentinel);
-    EXPECT_EQ(pixelColor(drawArrow(QStyleOptionHeader::SortDown), 5, 3), QColor(Qt::blue));
+    const QImage up = drawArrow(QStyleOptionHeader::SortUp), down = drawArrow(QStyleOptionHeader::SortDown);
+    expectPixels({{"up: top left", up, {5, 3}, Qt::red},
+                  {"up: bottom right", up, {10, 6}, Qt::red},
+                  {"up: whole and unscaled", up, {11, 3}, kSentinel},
+                  {"up: nothing before", up, {4, 3}, kSentinel},
+                  {"down", down, {5, 3}, Qt::blue}});
 }
 
 const QSize kIndicator(13, 13);
@@ -196,15 +191,11 @@ protected:
 
     QStyleOptionButton option(QStyle::State state) const
     {
-        QStyleOptionButton button;
-        button.rect = QRect(QPoint(0, 0), kIndicator);
-        button.palette = m_palette;
-        button.state = state;
-        return button;
+        return makeOption<QStyleOptionButton>(QRect(QPoint(0, 0), kIndicator), state, m_palette);
     }
-    QImage draw(const QStyleOptionButton& button) const
+    QImage draw(const QStyleOptionButton& button, const QSize& size = kIndicator) const
     {
-        return primitive(m_style, QStyle::PE_IndicatorCheckBox, button, kIndicator);
+        return primitive(m_style, QStyle::PE_IndicatorCheckBox, button, size);
     }
     static QString cacheKey(const QStyleOptionButton& button)
     {
@@ -222,7 +213,7 @@ protected:
 
 // The mark's top-right pixel (image column 8, row 0) lands at (10, 2); (2, 2) is transparent in it.
 // The frame has dark sides and soft corners, and two highlight frames on hover when enabled.
-TEST_F(TarnCheckBox, MarkAndFrameAreDrawnInTheColoursOfTheState)
+TEST_F(TarnCheckBox, MarkAndFrameAreDrawnInTheColoursOfTheStateAndStandOutFromBaseInAnItemView)
 {
     const QColor text = grey(200);
     const QColor sunkenMark = grey(147);  // halves of base 42 darkened by 105 and text lightened by 250
@@ -247,7 +238,13 @@ TEST_F(TarnCheckBox, MarkAndFrameAreDrawnInTheColoursOfTheState)
     // Button 100 merged with highlight (0, 0, 200): 35 % for the outer frame, 58 % for the inner;
     // the right and bottom sides darkened by 110.
     const QImage hover = draw(option(QStyle::State_Enabled | QStyle::State_MouseOver));
-    const std::tuple<const char*, const QImage&, QPoint, QColor> pixels[] = {
+    // In an item view the box sits on Base (42), where the button's border (38) would vanish: its
+    // border is a grey between Text and Base that stands out at better than 3:1.
+    const auto viewItem = makeOption<QStyleOptionViewItem>(QRect(QPoint(0, 0), kIndicator), QStyle::State_Enabled, m_palette);
+    const QImage inView = paintedImage(kIndicator, grey(42), [&](QPainter& p) {
+        m_style.drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &viewItem, &p);
+    });
+    expectPixels({
         {"top side", plain, {6, 0}, grey(38)},  // window 68 darker by 178
         {"left side", plain, {0, 6}, grey(38)},
         {"right side", plain, {12, 6}, grey(38)},
@@ -259,13 +256,15 @@ TEST_F(TarnCheckBox, MarkAndFrameAreDrawnInTheColoursOfTheState)
         {"hover: outer right", hover, {11, 6}, QColor(32, 32, 150)},
         {"hover: inner right", hover, {10, 6}, QColor(53, 53, 129)},
         {"hover: outer bottom", hover, {6, 11}, QColor(32, 32, 150)},
-    };
-    for (const auto& [name, image, pixel, expected] : pixels)
-        EXPECT_EQ(pixelColor(image, pixel.x(), pixel.y()), expected) << name;
+        {"item view: top side", inView, {6, 0}, grey(128)},
+        {"item view: left side", inView, {0, 6}, grey(128)},
+        {"item view: right side", inView, {12, 6}, grey(128)},
+        {"item view: bottom side", inView, {6, 12}, grey(128)},
+    });
     EXPECT_EQ(draw(option(QStyle::State_MouseOver)), draw(option(QStyle::State_None))) << "disabled: no hover frames";
 }
 
-TEST_F(TarnCheckBox, IsPaintedOncePerKeyAndBlittedFromTheCacheAfterwards)
+TEST_F(TarnCheckBox, IsPaintedOncePerKeyAndBlittedFromTheCacheAfterwardsOrStraightWithoutACache)
 {
     const QStyleOptionButton checked = option(QStyle::State_Enabled | QStyle::State_On);
     const QImage first = draw(checked);
@@ -290,37 +289,17 @@ TEST_F(TarnCheckBox, IsPaintedOncePerKeyAndBlittedFromTheCacheAfterwards)
         EXPECT_TRUE(QPixmapCache::find(cacheKey(*other), &cached));
     }
     EXPECT_NE(first, draw(hovered));
-}
 
-TEST_F(TarnCheckBox, WithThePixmapCacheSwitchedOffIsPaintedStraightOntoTheDeviceAlike)
-{
-    const int limit = QPixmapCache::cacheLimit();
-    for (const QStyle::State state : {QStyle::State_Enabled | QStyle::State_On, QStyle::State(QStyle::State_Enabled),
-                                      QStyle::State_Enabled | QStyle::State_MouseOver | QStyle::State_Sunken}) {
-        QStyleOptionButton button = option(state);
-        button.rect.translate(3, 2);  // away from the device's origin
+    // With the cache switched off the box is painted straight onto the device, alike, wherever it is.
+    for (QStyleOptionButton button : {checked, option(QStyle::State_Enabled | QStyle::State_MouseOver | QStyle::State_Sunken)}) {
+        button.rect.translate(3, 2);
         QPixmapCache::clear();
-        const QImage cached = primitive(m_style, QStyle::PE_IndicatorCheckBox, button, kIndicator + QSize(5, 4));
+        const QImage viaCache = draw(button, kIndicator + QSize(5, 4));
+        const int limit = QPixmapCache::cacheLimit();
         QPixmapCache::setCacheLimit(0);
-        const QImage direct = primitive(m_style, QStyle::PE_IndicatorCheckBox, button, kIndicator + QSize(5, 4));
+        EXPECT_EQ(draw(button, kIndicator + QSize(5, 4)), viaCache) << int(button.state);
         QPixmapCache::setCacheLimit(limit);
-        EXPECT_EQ(direct, cached) << int(state);
     }
-}
-
-// In an item view the box sits on Base (42), where the button's border (38) would vanish: its
-// border is a grey between Text and Base that stands out at better than 3:1.
-TEST_F(TarnCheckBox, InAnItemViewTheUncheckedBoxHasABorderThatStandsOutFromBase)
-{
-    QStyleOptionViewItem item;
-    item.rect = QRect(QPoint(0, 0), kIndicator);
-    item.palette = m_palette;
-    item.state = QStyle::State_Enabled | QStyle::State_Off;
-    const QImage image = paintedImage(kIndicator, grey(42), [&](QPainter& p) {
-        m_style.drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &item, &p);
-    });
-    for (const QPoint side : {QPoint(6, 0), QPoint(0, 6), QPoint(12, 6), QPoint(6, 12)})
-        EXPECT_EQ(pixelColor(image, side.x(), side.y()), grey(128)) << side.x() << "," << side.y();
 }
 
 // On a screen of pixel ratio 2 the box is painted at twice the pixels, not scaled up: the one-pixel
@@ -335,8 +314,7 @@ TEST_F(TarnCheckBox, IsPaintedAtTheDevicePixelRatio)
         QPainter painter(&image);
         m_style.drawPrimitive(QStyle::PE_IndicatorCheckBox, &unchecked, &painter);
     }
-    EXPECT_EQ(pixelColor(image, 12, 0), grey(38));
-    EXPECT_EQ(pixelColor(image, 12, 1), grey(38));
+    expectPixels({{"border, first device row", image, {12, 0}, grey(38)}, {"border, second row", image, {12, 1}, grey(38)}});
     EXPECT_NE(pixelColor(image, 12, 2), grey(38));
     QPixmap cached;
     ASSERT_TRUE(QPixmapCache::find(cacheKey(unchecked) + QStringLiteral("@2x"), &cached));

@@ -1,17 +1,7 @@
 // What the dark styles answer rather than paint, in both styles: every element, metric and hint is
-// quiet with a default option, the shared dark palette and its exchanged form on tab bars, pixel
-// metrics (the marked menu bar), style hints and the push-button size.
+// quiet with a default option, tab bars take the dark palette with Window and Button exchanged,
+// pixel metrics (the marked menu bar), style hints and the push-button size.
 #include "toolkittest.h"
-
-#include <QCommonStyle>
-#include <QMetaEnum>
-#include <QProxyStyle>
-#include <QStyleOption>
-#include <QTabBar>
-
-#include <array>
-#include <optional>
-#include <tuple>
 
 namespace {
 
@@ -58,32 +48,6 @@ TEST_P(DarkStyle, EveryElementMetricAndHintWithADefaultOptionIsQuiet)
 
 constexpr QPalette::ColorGroup kGroups[] = {QPalette::Active, QPalette::Inactive, QPalette::Disabled};
 
-// The roles whose colour depends on the group or is derived from another role; the plain greys of
-// the other roles show in the painting tests.
-TEST_P(DarkStyle, PaletteRolesDifferWhereTheGroupAsksAndKeepQtsColoursElsewhere)
-{
-    constexpr int kUnchanged = -1;  // the plain QStyle palette's colour
-    const std::pair<QPalette::ColorRole, std::array<int, 3>> rows[] = {  // per group of kGroups
-        {QPalette::WindowText, {200, 200, kUnchanged}},
-        {QPalette::Button, {100, 100, 80}},
-        {QPalette::Text, {200, 200, 105}},  // disabled: the disabled base 42 lightened by 250
-        {QPalette::BrightText, {37, 37, kUnchanged}},
-        {QPalette::ButtonText, {200, 200, kUnchanged}},
-        {QPalette::AlternateBase, {46, 46, 46}},  // base 42 lightened by 110
-        {QPalette::Highlight, {kUnchanged, kUnchanged, kUnchanged}},
-        {QPalette::Link, {kUnchanged, kUnchanged, kUnchanged}},
-    };
-    const QPalette palette = style->standardPalette();
-    const QPalette plain = QCommonStyle().standardPalette();
-    for (const auto& [role, greys] : rows) {
-        for (int g = 0; g < 3; ++g) {
-            const QColor expected = greys[g] == kUnchanged ? plain.color(kGroups[g], role) : grey(greys[g]);
-            EXPECT_EQ(palette.color(kGroups[g], role).name(QColor::HexArgb), expected.name(QColor::HexArgb))
-                << "role " << role << " group " << kGroups[g];
-        }
-    }
-}
-
 // The palette with Window and Button exchanged in every group.
 QPalette exchanged(QPalette palette)
 {
@@ -125,7 +89,7 @@ TEST_P(DarkStyle, TabBarsAndTabWidgetFramesHaveWindowAndButtonExchanged)
     EXPECT_NE(draw(*style, frame), draw(*base, frame));
 }
 
-INSTANTIATE_TEST_SUITE_P(DarkStyles, DarkStyle, ::testing::Values(simpleStyleCase(), tarnStyleCase()),
+INSTANTIATE_TEST_SUITE_P(DarkStyles, DarkStyle, ::testing::Values(kSimpleStyle, kTarnStyle),
                          [](const auto& info) { return std::string(info.param.name); });
 
 using Answer = std::optional<int>;  // nullopt: the wrapped style's answer
@@ -133,13 +97,13 @@ using Answer = std::optional<int>;  // nullopt: the wrapped style's answer
 // Asks both styles; each must give its expected answer.
 void expectInBothStyles(const char* name, Answer simple, Answer tarn, const std::function<int(const QStyle&)>& ask)
 {
-    const std::pair<const StyleCase*, Answer> cases[] = {{&simpleStyleCase(), simple}, {&tarnStyleCase(), tarn}};
+    const std::pair<const StyleCase*, Answer> cases[] = {{&kSimpleStyle, simple}, {&kTarnStyle, tarn}};
     for (const auto& [style, answer] : cases)
         EXPECT_EQ(ask(*style->create()), answer ? *answer : ask(*style->createBase())) << name << " in " << *style;
 }
 
 // Rows: name, what is asked (and of which widget), the simple style's answer, the tarn style's.
-TEST(DarkStyleMetric, MenuBarMarginsFollowThePropertysPresenceAndTheRestComeFromTheWrappedStyle)
+TEST(DarkStyleMetric, MenuBarMarginsFollowThePropertysPresenceHintsFollowTheTableAndTheRestComeFromTheWrappedStyle)
 {
     // The property marks the host's menu bar by being present at all: false and text count too.
     QWidget unmarked, markedTrue, markedFalse, markedText;
@@ -147,7 +111,6 @@ TEST(DarkStyleMetric, MenuBarMarginsFollowThePropertysPresenceAndTheRestComeFrom
     markedFalse.setProperty("isQtarnZelmarMenuBar", false);
     markedText.setProperty("isQtarnZelmarMenuBar", QStringLiteral("no"));
     const std::tuple<const char*, QStyle::PixelMetric, const QWidget*, Answer, Answer> rows[] = {
-        {"PanelWidthMarked", QStyle::PM_MenuBarPanelWidth, &markedTrue, 0, 0},
         {"VMarginNoWidget", QStyle::PM_MenuBarVMargin, nullptr, 1, 1},
         {"VMarginUnmarked", QStyle::PM_MenuBarVMargin, &unmarked, 1, 1},
         {"VMarginMarkedTrue", QStyle::PM_MenuBarVMargin, &markedTrue, 4, 4},
@@ -155,26 +118,20 @@ TEST(DarkStyleMetric, MenuBarMarginsFollowThePropertysPresenceAndTheRestComeFrom
         {"VMarginMarkedText", QStyle::PM_MenuBarVMargin, &markedText, 4, 4},
         {"HMarginUnmarked", QStyle::PM_MenuBarHMargin, &unmarked, 0, 0},
         {"HMarginMarkedFalse", QStyle::PM_MenuBarHMargin, &markedFalse, 3, 3},
-        {"FocusFrameVMargin", QStyle::PM_FocusFrameVMargin, nullptr, 0, 0},
         {"FocusFrameHMargin", QStyle::PM_FocusFrameHMargin, nullptr, 0, 2},
         {"IndicatorWidth", QStyle::PM_IndicatorWidth, nullptr, std::nullopt, std::nullopt},
         {"ScrollBarExtent", QStyle::PM_ScrollBarExtent, nullptr, std::nullopt, std::nullopt},
     };
     for (const auto& [name, metric, widget, simple, tarn] : rows)
         expectInBothStyles(name, simple, tarn, [&](const QStyle& s) { return s.pixelMetric(metric, nullptr, widget); });
-}
 
-TEST(DarkStyleHint, HintsFollowTheTableInBothStyles)
-{
-    const std::tuple<const char*, QStyle::StyleHint, Answer, Answer> rows[] = {
-        {"EtchDisabledText", QStyle::SH_EtchDisabledText, 0, 0},
+    const std::tuple<const char*, QStyle::StyleHint, Answer, Answer> hints[] = {
         {"ButtonFocusPolicy", QStyle::SH_Button_FocusPolicy, 0, 0},
         {"TableGridLineColor", QStyle::SH_Table_GridLineColor, int(qRgb(68, 68, 68)), int(qRgb(68, 68, 68))},
         {"SliderAbsoluteSetButtons", QStyle::SH_Slider_AbsoluteSetButtons, std::nullopt, int(Qt::LeftButton)},
         {"DialogButtonLayout", QStyle::SH_DialogButtonLayout, std::nullopt, std::nullopt},
-        {"ComboBoxPopup", QStyle::SH_ComboBox_Popup, std::nullopt, std::nullopt},
     };
-    for (const auto& [name, hint, simple, tarn] : rows)
+    for (const auto& [name, hint, simple, tarn] : hints)
         expectInBothStyles(name, simple, tarn, [&](const QStyle& style) { return style.styleHint(hint); });
 }
 
@@ -201,7 +158,7 @@ TEST(DarkStyleTarnSize, PushButtonSizeIsTheCommonSizeAndGrowsOnceMoreForAutoDefa
     button.text = QStringLiteral("OK");
     const QSize plain = style.sizeFromContents(QStyle::CT_PushButton, &button, contents);
     EXPECT_EQ(plain, style.QCommonStyle::sizeFromContents(QStyle::CT_PushButton, &button, contents));
-    EXPECT_NE(plain, tarnStyleCase().createBase()->sizeFromContents(QStyle::CT_PushButton, &button, contents));
+    EXPECT_NE(plain, kTarnStyle.createBase()->sizeFromContents(QStyle::CT_PushButton, &button, contents));
 
     // The common size already holds the indicator on both sides (2 x 3); the style adds it once more.
     style.setBaseStyle(new DefaultIndicatorStyle);

@@ -4,14 +4,6 @@
 
 #include <qtextention/qlistviewdragdrop.h>
 
-#include <QListView>
-#include <QMimeData>
-#include <QStandardItemModel>
-#include <QTest>
-#include <QTreeView>
-
-#include <memory>
-
 namespace {
 
 QStringList Texts(const QStandardItemModel& model, const QModelIndex& parent = {})

@@ -10,20 +10,7 @@
 
 #include <dialogdriver.h>
 
-#include <QApplication>
-#include <QClipboard>
-#include <QDir>
-#include <QFile>
-#include <QMenu>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
-
 #include <unistd.h>
-
-#include <tuple>
-#include <vector>
 
 namespace {
 
@@ -122,8 +109,6 @@ TEST_F(FileListTest, RowsShowTheAbsolutePathGreyAndExplainedForMissingFilesAndAR
         given.append(locked);
     }
     QFileListWidget list(given);
-    EXPECT_EQ(list.textElideMode(), Qt::ElideMiddle) << "deep paths keep both ends";
-    EXPECT_FALSE(list.rootIsDecorated());
     QStringList headers;
     for (int column = 0; column < list.columnCount(); ++column)
         headers << list.headerItem()->text(column);
@@ -134,7 +119,6 @@ TEST_F(FileListTest, RowsShowTheAbsolutePathGreyAndExplainedForMissingFilesAndAR
         ASSERT_EQ(found.size(), 1) << path.toStdString();
         const QTreeWidgetItem* item = found.first();
         EXPECT_EQ(item->checkState(1), readOnly) << path.toStdString();
-        EXPECT_EQ(item->sizeHint(0).height(), 18);
         EXPECT_FALSE(item->flags() & Qt::ItemIsUserCheckable);
         EXPECT_EQ(item->data(0, Qt::ForegroundRole), gone ? QVariant(QBrush(Qt::darkGray)) : QVariant()) << path.toStdString();
         EXPECT_EQ(item->toolTip(0), gone ? path + QStringLiteral("\nThis file does not exist.") : path);

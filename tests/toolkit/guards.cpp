@@ -4,15 +4,6 @@
 
 #include <qtextention/guards.h>
 
-#include <QApplication>
-#include <QCursor>
-#include <QSignalSpy>
-#include <QWidget>
-
-#include <array>
-#include <tuple>
-#include <optional>
-
 namespace {
 
 class Counter : public QObject

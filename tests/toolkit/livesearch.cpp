@@ -4,14 +4,6 @@
 
 #include <qtextention/lmrqlivesearchwidget.h>
 
-#include <QMenu>
-#include <QSortFilterProxyModel>
-#include <QStandardItemModel>
-#include <QTest>
-#include <QToolButton>
-
-#include <tuple>
-
 namespace {
 
 struct SearchFixture {

@@ -5,10 +5,6 @@
 #include <qtextention/fileexplorer.h>
 #include <qtextention/pathutils.h>
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
 namespace {
 
 // Narrow text in the file-name encoding, as callers pass paths.

@@ -9,14 +9,6 @@
 #include <qtextention/qtabwidgetex.h>
 #include <qtextention/rangevalueeditwidget.h>
 
-#include <QDoubleSpinBox>
-#include <QImage>
-#include <QLineEdit>
-#include <QPainter>
-#include <QSignalSpy>
-#include <QSlider>
-#include <QTest>
-
 namespace {
 
 TEST(QFunctorAction, TriggerCallsTheFunctorAndTheConditionDecidesEnabled)

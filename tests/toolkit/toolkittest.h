@@ -7,17 +7,22 @@
 #include <qtextention/qtlomdarkstylesimple.h>
 #include <qtextention/qtlomdarkstyletarn.h>
 
-#include <QImage>
-#include <QPainter>
-#include <QStyleFactory>
-#include <QStyleOptionViewItem>
-#include <QTreeWidget>
+#include <QtTest>
+#include <QtWidgets>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <atomic>
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <ostream>
+#include <sstream>
+#include <tuple>
+#include <vector>
 
 inline void PrintTo(const QString& text, std::ostream* out)
 {
@@ -72,30 +77,22 @@ inline QRect checkIndicatorRect(QTreeWidget* tree, QTreeWidgetItem* item)
     return tree->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, tree);
 }
 
+// A dark style by name, with the QStyleFactory key of the Qt style it wraps.
 struct StyleCase {
     const char* name;
-    const char* baseKey;  // the QStyleFactory key of the wrapped style
-    std::function<std::unique_ptr<QStyle>()> create;
+    const char* baseKey;
 
+    std::unique_ptr<QStyle> create() const
+    {
+        return qstrcmp(name, "Tarn") == 0 ? std::unique_ptr<QStyle>(new QtlomDarkStyleTarn)
+                                          : std::unique_ptr<QStyle>(new QtlomDarkStyleSimple);
+    }
     std::unique_ptr<QStyle> createBase() const { return std::unique_ptr<QStyle>(QStyleFactory::create(baseKey)); }
+    friend std::ostream& operator<<(std::ostream& out, const StyleCase& style) { return out << style.name; }
 };
 
-inline const StyleCase& simpleStyleCase()
-{
-    static const StyleCase style{"Simple", "Windows", [] { return std::make_unique<QtlomDarkStyleSimple>(); }};
-    return style;
-}
-
-inline const StyleCase& tarnStyleCase()
-{
-    static const StyleCase style{"Tarn", "Fusion", [] { return std::make_unique<QtlomDarkStyleTarn>(); }};
-    return style;
-}
-
-inline std::ostream& operator<<(std::ostream& out, const StyleCase& style)
-{
-    return out << style.name;
-}
+inline const StyleCase kSimpleStyle{"Simple", "Windows"};
+inline const StyleCase kTarnStyle{"Tarn", "Fusion"};
 
 // Every test of this suite runs in both dark styles.
 class DarkStyle : public ::testing::TestWithParam<StyleCase>

@@ -1,16 +1,10 @@
 // Tree walking, tree state and branch painting on real QTreeWidget items and QImages, and the
 // check-box tree: one checkedStateChanged per user action carrying every item set, ancestors kept in
-// step with their descendants, clicks propagating like setChecked, colours following the state.
+// step with their descendants, colours following the state (clicks: in the combo's tree).
 #include "toolkittest.h"
 
 #include <qtextention/qcheckboxtree.h>
 #include <qtextention/qtreewidgetitemit.h>
-
-#include <QStyleOption>
-#include <QTest>
-
-#include <map>
-#include <sstream>
 
 namespace {
 
@@ -203,21 +197,6 @@ TEST(QCheckBoxTree, PartiallyCheckedReadsAsCheckedAndAddingItemsChecksTheSubtree
     EXPECT_TRUE(f.tree.isChecked(branch));
     EXPECT_TRUE(f.tree.isChecked(branch->child(0)));
     EXPECT_FALSE(f.tree.isChecked(f.items["E"])) << "adding does not update ancestors";
-}
-
-TEST(QCheckBoxTree, ClickOnTheCheckBoxPropagatesLikeSetChecked)
-{
-    CheckTree f;
-    f.tree.expandAll();
-    f.tree.resize(300, 300);
-    f.tree.show();
-    const QPoint box = checkIndicatorRect(&f.tree, f.items["C1"]).center();
-    for (const bool checked : {true, false}) {
-        f.emissions.clear();
-        QTest::mouseClick(f.tree.viewport(), Qt::LeftButton, {}, box);
-        EXPECT_EQ(f.emissions, (std::vector<Emission>{{checked, {"C1", "C", "B", "A"}}})) << checked;
-    }
-    EXPECT_TRUE(f.checkedNames().empty());
 }
 
 TEST(QCheckBoxTree, TextColourFollowsTheCheckStateAndPrintShowsEachItemIndentedWithItsState)
