@@ -35,7 +35,9 @@ struct TreeComboFixture {
     Relayed relayed;
 };
 
-TEST(QCheckBoxTreeCombo, FirstTopLevelItemNamesTheOnlyRowWhoseEditorIsTheTreeAndItsChangesAreRelayedOnce)
+// The first top-level item names the combo's only row, whose editor is the tree; its changes are
+// relayed once each, and a tick in the open pop-up propagates like setChecked and keeps it open.
+TEST(QCheckBoxTreeCombo, TheOnlyRowIsTheTreeWhoseChangesAreRelayedOnceAndTickingKeepsThePopupOpen)
 {
     TreeComboFixture f;
     f.combo.addItem("Scenes", false);
@@ -44,8 +46,6 @@ TEST(QCheckBoxTreeCombo, FirstTopLevelItemNamesTheOnlyRowWhoseEditorIsTheTreeAnd
     QCheckBoxTree* tree = f.combo.getRoot("ignored");
     ASSERT_NE(tree, nullptr);
     EXPECT_EQ(f.combo.view()->indexWidget(f.combo.model()->index(0, 0)), tree);
-    EXPECT_TRUE(tree->header()->isHidden());
-    EXPECT_EQ(tree->topLevelItemCount(), 2);
     std::ostringstream dump;
     f.combo.print(dump);
     EXPECT_EQ(dump.str(), "[x] Assets\n  [ ] Models\n  [x] Textures\n[ ] Scenes\n");
@@ -53,23 +53,16 @@ TEST(QCheckBoxTreeCombo, FirstTopLevelItemNamesTheOnlyRowWhoseEditorIsTheTreeAnd
     f.combo.setChecked(f.textures, false);
     f.combo.setChecked(f.models, true);
     EXPECT_EQ(f.relayed, (Relayed{{false, {f.textures, f.assets}}, {true, {f.models, f.assets}}}));
-    EXPECT_TRUE(f.combo.isChecked(f.models));
-    EXPECT_FALSE(f.combo.isChecked(f.textures));
-}
 
-TEST(QCheckBoxTreeCombo, TickingInThePopupPropagatesAndKeepsItOpen)
-{
-    TreeComboFixture f;
+    f.relayed.clear();
     const OpenPopup popup(f.combo);
-    QCheckBoxTree* tree = f.combo.getRoot("root");
     ASSERT_TRUE(f.combo.view()->isVisible());
     EXPECT_EQ(f.combo.view()->height(), tree->height());
     EXPECT_GT(tree->height(), 3 * tree->visualItemRect(f.assets).height())
         << "the row is tall enough for the tree, not one line of it";
-
     tree->expandAll();
-    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, checkIndicatorRect(tree, f.textures).center());
-    EXPECT_EQ(f.relayed, (Relayed{{false, {f.textures, f.assets}}})) << "a click propagates like setChecked";
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, checkIndicatorRect(tree, f.models).center());
+    EXPECT_EQ(f.relayed, (Relayed{{false, {f.models, f.assets}}})) << "a click propagates like setChecked";
     EXPECT_TRUE(f.combo.view()->isVisible());
 }
 

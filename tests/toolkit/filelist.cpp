@@ -162,44 +162,37 @@ TEST_F(FileListTest, FileStatesAreAskedWhenRowsAreFirstShownAndAgainAfterARefres
     EXPECT_TRUE(missing(2));
 }
 
-TEST_F(FileListTest, OnlyControlCCopiesTheSelectedPaths)
-{
-    const std::tuple<const char*, int, Qt::KeyboardModifiers, bool> rows[] = {  // name, rows selected, keys, copies
-        {"Ctrl+C, two rows", 2, Qt::ControlModifier, true},
-        {"Ctrl+C, nothing selected", 0, Qt::ControlModifier, true},
-        {"Ctrl+Shift+C", 2, Qt::ControlModifier | Qt::ShiftModifier, false},
-        {"C alone", 2, Qt::NoModifier, false},
-    };
-    for (const auto& [name, selectedRows, modifiers, copies] : rows) {
-        QFileListWidget list({writable, temp.filePath(QStringLiteral("other.txt"))});
-        QString expected;
-        for (int i = 0; i < selectedRows; ++i) {
-            list.topLevelItem(i)->setSelected(true);
-            expected += list.topLevelItem(i)->text(0) + '\n';
-        }
-        QApplication::clipboard()->setText(kUntouched);
-        QTest::keyClick(&list, Qt::Key_C, modifiers);
-        EXPECT_EQ(QApplication::clipboard()->text(), copies ? expected : kUntouched) << name;
-    }
-}
-
-TEST_F(FileListTest, RightClickMenuCopiesOrRevealsTheSelectionAndRevealingStartsTheBrowserOnTheFirstFile)
+TEST_F(FileListTest, OnlyControlCOrTheMenuCopiesTheSelectedPathsAndTheMenuRevealsTheRowUnderThePointer)
 {
     RecordingLauncher launcher;
-    QFileListWidget list({writable});
+    QFileListWidget list({writable, temp.filePath(QStringLiteral("other.txt"))});
     list.resize(400, 300);
     list.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&list));
+    const QString both = list.topLevelItem(0)->text(0) + '\n' + list.topLevelItem(1)->text(0) + '\n';
+    const std::tuple<const char*, bool, Qt::KeyboardModifiers, QString> rows[] = {  // name, both selected, keys, copied
+        {"Ctrl+C, two rows", true, Qt::ControlModifier, both},
+        {"Ctrl+C, nothing selected", false, Qt::ControlModifier, ""},
+        {"Ctrl+Shift+C", true, Qt::ControlModifier | Qt::ShiftModifier, kUntouched},
+        {"C alone", true, Qt::NoModifier, kUntouched},
+    };
+    for (const auto& [name, selected, modifiers, copied] : rows) {
+        list.topLevelItem(0)->setSelected(selected);
+        list.topLevelItem(1)->setSelected(selected);
+        QApplication::clipboard()->setText(kUntouched);
+        QTest::keyClick(&list, Qt::Key_C, modifiers);
+        EXPECT_EQ(QApplication::clipboard()->text(), copied) << name;
+    }
 
+    list.clearSelection();
     const QStringList entries = chooseInMenu(QStringLiteral("Copy to clipboard"), [&] {
         QTest::mouseClick(list.viewport(), Qt::RightButton, {}, QPoint(50, 250));
     });
     EXPECT_EQ(entries, QStringList({QStringLiteral("Show in Explorer"), QStringLiteral("Copy to clipboard")}));
     EXPECT_EQ(QApplication::clipboard()->text(), QString());  // nothing was selected
 
-    chooseInMenu(QStringLiteral("Show in Explorer"), [&] {
-        QTest::mouseClick(list.viewport(), Qt::RightButton, {}, list.visualItemRect(list.topLevelItem(0)).center());
-    });
+    const QPoint onWritable = list.visualItemRect(list.findItems(writable, Qt::MatchExactly).value(0)).center();
+    chooseInMenu(QStringLiteral("Show in Explorer"), [&] { QTest::mouseClick(list.viewport(), Qt::RightButton, {}, onWritable); });
     launcher.expectOneStartRevealing(writable);  // the row under the pointer was selected by the click
 
     // Several files start the browser once, on the first; none start nothing.

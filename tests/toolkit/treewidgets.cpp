@@ -184,7 +184,6 @@ TEST(QCheckBoxTree, PartiallyCheckedReadsAsCheckedAndAddingItemsChecksTheSubtree
 {
     CheckTree f;
     f.preset({"C1"}, Qt::PartiallyChecked);
-    ASSERT_EQ(f.items["C1"]->checkState(0), Qt::PartiallyChecked);
     EXPECT_TRUE(f.tree.isChecked(f.items["C1"]));
     EXPECT_TRUE(f.tree.hasChildEnabled(f.items["A"]));
     EXPECT_FALSE(f.tree.hasChildEnabled(f.items["C1"])) << "a leaf has no children to be checked";
