@@ -1,20 +1,30 @@
-// The changelist selection dialog, driven as a user drives it, over a scripted data control.
-// Creating changelists through "New" is exercised over the real depot (tst_changelistdialoginhost).
+// The changelist selection dialog, driven as a user drives it, over a scripted data control; and
+// the plug-in's dialogs driven from the keyboard alone under both dark styles (which give buttons
+// and check boxes no focus of their own): Tab reaches every control, Return presses a button that
+// can act, Escape cancels. Creating changelists through "New" is exercised over the real depot
+// (tst_changelistdialoginhost).
 #include "changelistdialogui.h"
+#include "hbpasswordrequireddialog.h"
 #include "plugintranslation.h"
 
 #include <hostmocks.h>
 
 #include <qtextention/fileexplorer.h>
 #include <qtextention/qfilelistwidget.h>
+#include <qtextention/qtlomdarkstylesimple.h>
+#include <qtextention/qtlomdarkstyletarn.h>
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QStyle>
 #include <QTranslator>
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -59,10 +69,11 @@ protected:
             .WillByDefault(DoAll(SetArgReferee<0>(ids), Return(kelResult(listingResult))));
     }
 
-    std::unique_ptr<Dialog> changeListDialog(const std::set<std::string>& files = {}, bool filesVisible = false)
+    std::unique_ptr<Dialog> changeListDialog(const std::set<std::string>& files = {}, bool filesVisible = false,
+                                             const QString& assets = {}, bool selectChangeList = true)
     {
-        return std::make_unique<Dialog>(KELPtr<kel4::IDataControl>(dataControl.Get()), QString(), files,
-                                        filesVisible, true, nullptr);
+        return std::make_unique<Dialog>(KELPtr<kel4::IDataControl>(dataControl.Get()), assets, files,
+                                        filesVisible, selectChangeList, nullptr);
     }
 
     KELPtr<NiceMock<MockDataControl>> dataControl{new NiceMock<MockDataControl>};
@@ -286,5 +297,121 @@ TEST_F(ChangeListDialogTest, SpeaksGermanWithThePluginsTranslationAndItsOwnWords
     EXPECT_NE(button(*own, QStringLiteral("Check Out")), nullptr);
     EXPECT_EQ(optionBox(*own)->text(), QStringLiteral("Don't show this dialog again (always use this changelist)"));
 }
+
+enum class DarkStyle { Simple, Tarn };
+
+class DialogKeyboard : public ChangeListDialogTest, public ::testing::WithParamInterface<DarkStyle>
+{
+protected:
+    void SetUp() override
+    {
+        m_previousStyle = QApplication::style()->name();
+        std::unique_ptr<QStyle> style;
+        if (GetParam() == DarkStyle::Simple)
+            style = std::make_unique<QtlomDarkStyleSimple>();
+        else
+            style = std::make_unique<QtlomDarkStyleTarn>();
+        QApplication::setStyle(style.release());
+    }
+    void TearDown() override { QApplication::setStyle(m_previousStyle); }
+
+    // Object names of the widgets that Tab visits, starting from the focused one, for one round.
+    static std::set<QString> tabRound(QWidget& dialog)
+    {
+        std::set<QString> visited;
+        for (int i = 0; i < 20; ++i) {
+            QWidget* focus = QApplication::focusWidget();
+            if (!focus)
+                break;
+            visited.insert(focus->objectName());
+            QTest::keyClick(focus, Qt::Key_Tab);
+        }
+        EXPECT_TRUE(dialog.isActiveWindow());
+        return visited;
+    }
+
+    std::unique_ptr<Dialog> dialog(bool selectChangeList)
+    {
+        return changeListDialog({"/ws/rock.kel"}, false, QStringLiteral("Rock\nSky"), selectChangeList);
+    }
+
+private:
+    QString m_previousStyle;
+};
+
+TEST_P(DialogKeyboard, TabReachesEveryControlOfTheChangeListDialogAndReturnUsesTheDefaultChangeList)
+{
+    auto d = dialog(true);
+    std::set<QString> visited;
+    const int result = runDialog(*d, [&] {
+        ASSERT_TRUE(QTest::qWaitForWindowActive(d.get()));
+        visited = tabRound(*d);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    });
+    EXPECT_EQ(result, Dialog::Cancelled) << "Escape cancels";
+    // The description editor is disabled while "Default" is selected, and then not in the round.
+    for (const char* name : {"changeListCombo", "assetsEdit", "showFilesButton", "refreshButton",
+                             "checkOutButton", "cancelButton", "dontShowAgain"})
+        EXPECT_TRUE(visited.count(QString::fromLatin1(name))) << name << " is not reached by Tab";
+
+    auto again = dialog(true);
+    EXPECT_EQ(runDialog(*again, [&] { QTest::keyClick(combo(*again), Qt::Key_Return); }),
+              Dialog::UseChangeList);
+    EXPECT_EQ(again->getChangeList(), "") << "the default changelist is preselected";
+}
+
+struct ReadOnlyCase {
+    bool continueOffered;
+    bool makeWritableOffered;
+    int returnGives;
+};
+
+TEST_P(DialogKeyboard, ReturnInTheReadOnlyDialogPressesTheFirstOfferedChoice)
+{
+    const ReadOnlyCase cases[] = {
+        {true, true, Dialog::ContinueWithoutAction},
+        {false, true, Dialog::MakeWritable},
+        {false, false, Dialog::Cancelled},
+    };
+    for (const ReadOnlyCase& c : cases) {
+        auto d = dialog(false);
+        d->includeContinueButton(c.continueOffered);
+        d->includeMakeWritableButton(c.makeWritableOffered);
+        EXPECT_EQ(runDialog(*d,
+                            [&] {
+                                ASSERT_TRUE(QTest::qWaitForWindowActive(d.get()));
+                                ASSERT_NE(d->focusWidget(), nullptr);
+                                QTest::keyClick(d->focusWidget(), Qt::Key_Return);
+                            }),
+                  c.returnGives)
+            << "continue " << c.continueOffered << ", make writable " << c.makeWritableOffered;
+    }
+}
+
+TEST_P(DialogKeyboard, ThePasswordDialogTakesTypingReturnAndTab)
+{
+    PasswordRequiredDialog password(nullptr);
+    DialogDriver driver;
+    std::set<QString> visited;
+    driver.expect(QStringLiteral("password"), [&](QWidget*) {
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&password));
+        auto* field = password.findChild<QLineEdit*>();
+        QTest::keyClicks(field, QStringLiteral("secret"));
+        for (int i = 0; i < 4; ++i) {
+            visited.insert(qobject_cast<QPushButton*>(QApplication::focusWidget())
+                               ? qobject_cast<QPushButton*>(QApplication::focusWidget())->text()
+                               : QStringLiteral("field"));
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        }
+        QTest::keyClick(field, Qt::Key_Return);
+    });
+    EXPECT_EQ(password.exec(), QDialog::Accepted);
+    EXPECT_TRUE(driver.finished()) << driver.failures().join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(password.GetPassword(), QStringLiteral("secret"));
+    EXPECT_EQ(visited, (std::set<QString>{QStringLiteral("field"), QStringLiteral("Ok"), QStringLiteral("Cancel")}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Styles, DialogKeyboard, ::testing::Values(DarkStyle::Simple, DarkStyle::Tarn),
+                         [](const auto& info) { return info.param == DarkStyle::Simple ? "Simple" : "Tarn"; });
 
 }  // namespace
