@@ -1,9 +1,6 @@
-// The changelist dialog and the object-files services over the reference host: alice's workspace
-// on the embedded depot and on a Subversion server with its real pending changelists, and the
-// host's data control.
+// The changelist dialog over the reference host: alice's workspace on the embedded depot and on a
+// Subversion server with its real pending changelists, and the host's data control.
 #include "changelistdialogui.h"
-#include "objectlisthelpers.h"
-#include "revisioncontroluihelper.h"
 
 #include <depothostfixture.h>
 
@@ -67,29 +64,6 @@ TEST_P(InHost, AnExpiredSessionListsNothingAndKeepsTheDialogOpenOnNew)
     });
     EXPECT_TRUE(stayedOpen);
     EXPECT_EQ(result, Dialog::Cancelled);
-}
-
-TEST_P(InHost, TheFilesOfASavedAssetAreListedSortedAndDescribed)
-{
-    const KELHandle<IDbObject> moss = CreateSavedAsset("Moss", "moss.geo");
-    ASSERT_TRUE(workspace->AddExternalFile(moss, "albedo.tex", "texture"));
-    workspace->Save();
-
-    CRevisionControlUIHelper helper;
-    QStringList files;
-    helper.GetObjectFiles(moss, files);
-    QStringList sorted = files;
-    sorted.sort();
-    EXPECT_EQ(files, sorted);
-    ASSERT_EQ(files.size(), 3);
-    EXPECT_TRUE(files.contains(QString::fromStdString(AlicePath("albedo.tex"))));
-    EXPECT_TRUE(files.contains(QString::fromStdString(AlicePath("moss.geo"))));
-    EXPECT_TRUE(helper.ObjectHasExternalFile(moss));
-    EXPECT_FALSE(helper.ObjectHasExternalFile(Asset("Sky")));
-
-    QString text;
-    hbrc::internal::GetAssetListPrettyNames(DataControl(), {moss}, true, text);
-    EXPECT_EQ(text.toStdString(), DataControl()->GetAssetDisplayName(moss) + " (with External: albedo.tex)moss.geo)\n");
 }
 
 }  // namespace

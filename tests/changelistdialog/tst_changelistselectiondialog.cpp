@@ -1,20 +1,30 @@
-// The changelist selection dialog, driven as a user drives it, over a scripted data control.
-// Creating changelists through "New" is exercised over the real depot (tst_changelistdialoginhost).
+// The changelist selection dialog, driven as a user drives it, over a scripted data control; and
+// the plug-in's dialogs driven from the keyboard alone under both dark styles (which give buttons
+// and check boxes no focus of their own): Tab reaches every control, Return presses a button that
+// can act, Escape cancels. Creating changelists through "New" is exercised over the real depot
+// (tst_changelistdialoginhost).
 #include "changelistdialogui.h"
+#include "hbpasswordrequireddialog.h"
 #include "plugintranslation.h"
 
 #include <hostmocks.h>
 
 #include <qtextention/fileexplorer.h>
 #include <qtextention/qfilelistwidget.h>
+#include <qtextention/qtlomdarkstylesimple.h>
+#include <qtextention/qtlomdarkstyletarn.h>
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QStyle>
 #include <QTranslator>
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -59,10 +69,11 @@ protected:
             .WillByDefault(DoAll(SetArgReferee<0>(ids), Return(kelResult(listingResult))));
     }
 
-    std::unique_ptr<Dialog> changeListDialog(const std::set<std::string>& files = {}, bool filesVisible = false)
+    std::unique_ptr<Dialog> changeListDialog(const std::set<std::string>& files = {}, bool filesVisible = false,
+                                             const QString& assets = {}, bool selectChangeList = true)
     {
-        return std::make_unique<Dialog>(KELPtr<kel4::IDataControl>(dataControl.Get()), QString(), files,
-                                        filesVisible, true, nullptr);
+        return std::make_unique<Dialog>(KELPtr<kel4::IDataControl>(dataControl.Get()), assets, files,
+                                        filesVisible, selectChangeList, nullptr);
     }
 
     KELPtr<NiceMock<MockDataControl>> dataControl{new NiceMock<MockDataControl>};
@@ -180,8 +191,7 @@ INSTANTIATE_TEST_SUITE_P(
                       WayOutCase{"Continue", kTwo, 2, clicking("Continue"), 1, ""},
                       WayOutCase{"Cancel", kTwo, 2, clicking("Cancel"), 2, ""},
                       WayOutCase{"MakeWritable", kTwo, 2, clicking("Make Writable"), 3, ""},
-                      WayOutCase{"ClosingTheWindow", kTwo, 2, [](Dialog& d) { d.close(); }, 2, ""},
-                      WayOutCase{"Escape", kTwo, 2, [](Dialog& d) { QTest::keyClick(&d, Qt::Key_Escape); }, 2, ""}),
+                      WayOutCase{"ClosingTheWindow", kTwo, 2, [](Dialog& d) { d.close(); }, 2, ""}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(ReadOnlyAssetsDialog, ShowsTheAssetsAndAsksTheDataControlNothing)
@@ -268,8 +278,8 @@ TEST_F(ChangeListDialogTest, TheFilesAreListedToggledAndTheFirstRevealedInTheFil
 }
 
 // A German host sees the dialog in German (the combo's "New" and "Default" stay as they are, as
-// the hooks compare them); without the translation every text is the dialog's own.
-TEST_F(ChangeListDialogTest, SpeaksGermanWithThePluginsTranslationAndItsOwnWordsWithout)
+// the hooks compare them); the other tests see the dialog's own words once it is removed.
+TEST_F(ChangeListDialogTest, SpeaksGermanWithThePluginsTranslation)
 {
     std::unique_ptr<QTranslator> german = hbrc::internal::LoadPluginTranslator(QLocale(QLocale::German));
     ASSERT_NE(german, nullptr) << "the plug-in carries a German translation";
@@ -280,11 +290,116 @@ TEST_F(ChangeListDialogTest, SpeaksGermanWithThePluginsTranslationAndItsOwnWords
     EXPECT_EQ(translated->windowTitle(), QStringLiteral("Ausstehende \u00c4nderungsliste ausw\u00e4hlen"));
     EXPECT_NE(button(*translated, QStringLiteral("Auschecken")), nullptr);
     EXPECT_EQ(comboTexts(*translated).mid(0, 2), (QStringList{QStringLiteral("New"), QStringLiteral("Default")}));
-
-    auto own = changeListDialog();
-    EXPECT_EQ(own->windowTitle(), QStringLiteral("Select Pending ChangeList"));
-    EXPECT_NE(button(*own, QStringLiteral("Check Out")), nullptr);
-    EXPECT_EQ(optionBox(*own)->text(), QStringLiteral("Don't show this dialog again (always use this changelist)"));
 }
+
+enum class DarkStyle { Simple, Tarn };
+
+class DialogKeyboard : public ChangeListDialogTest, public ::testing::WithParamInterface<DarkStyle>
+{
+protected:
+    void SetUp() override
+    {
+        m_previousStyle = QApplication::style()->name();
+        QApplication::setStyle(GetParam() == DarkStyle::Simple ? static_cast<QStyle*>(new QtlomDarkStyleSimple)
+                                                               : new QtlomDarkStyleTarn);
+    }
+    void TearDown() override { QApplication::setStyle(m_previousStyle); }
+
+    // Object names of the widgets that Tab visits, starting from the focused one, for one round.
+    static std::set<QString> tabRound(QWidget& dialog)
+    {
+        std::set<QString> visited;
+        for (int i = 0; i < 20; ++i) {
+            QWidget* focus = QApplication::focusWidget();
+            if (!focus)
+                break;
+            visited.insert(focus->objectName());
+            QTest::keyClick(focus, Qt::Key_Tab);
+        }
+        EXPECT_TRUE(dialog.isActiveWindow());
+        return visited;
+    }
+
+    std::unique_ptr<Dialog> dialog(bool selectChangeList)
+    {
+        return changeListDialog({"/ws/rock.kel"}, false, QStringLiteral("Rock\nSky"), selectChangeList);
+    }
+
+private:
+    QString m_previousStyle;
+};
+
+TEST_P(DialogKeyboard, TabReachesEveryControlOfTheChangeListDialogAndReturnUsesTheDefaultChangeList)
+{
+    auto d = dialog(true);
+    std::set<QString> visited;
+    const int result = runDialog(*d, [&] {
+        ASSERT_TRUE(QTest::qWaitForWindowActive(d.get()));
+        visited = tabRound(*d);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    });
+    EXPECT_EQ(result, Dialog::Cancelled) << "Escape cancels";
+    // The description editor is disabled while "Default" is selected, and then not in the round.
+    for (const char* name : {"changeListCombo", "assetsEdit", "showFilesButton", "refreshButton",
+                             "checkOutButton", "cancelButton", "dontShowAgain"})
+        EXPECT_TRUE(visited.count(QString::fromLatin1(name))) << name << " is not reached by Tab";
+
+    auto again = dialog(true);
+    EXPECT_EQ(runDialog(*again, [&] { QTest::keyClick(combo(*again), Qt::Key_Return); }),
+              Dialog::UseChangeList);
+    EXPECT_EQ(again->getChangeList(), "") << "the default changelist is preselected";
+}
+
+struct ReadOnlyCase {
+    bool continueOffered;
+    bool makeWritableOffered;
+    int returnGives;
+};
+
+TEST_P(DialogKeyboard, ReturnInTheReadOnlyDialogPressesTheFirstOfferedChoice)
+{
+    const ReadOnlyCase cases[] = {
+        {true, true, Dialog::ContinueWithoutAction},
+        {false, true, Dialog::MakeWritable},
+        {false, false, Dialog::Cancelled},
+    };
+    for (const ReadOnlyCase& c : cases) {
+        auto d = dialog(false);
+        d->includeContinueButton(c.continueOffered);
+        d->includeMakeWritableButton(c.makeWritableOffered);
+        const int result = runDialog(*d, [&] {
+            ASSERT_TRUE(QTest::qWaitForWindowActive(d.get()));
+            ASSERT_NE(d->focusWidget(), nullptr);
+            QTest::keyClick(d->focusWidget(), Qt::Key_Return);
+        });
+        EXPECT_EQ(result, c.returnGives) << "continue " << c.continueOffered << ", make writable " << c.makeWritableOffered;
+    }
+}
+
+TEST_P(DialogKeyboard, ThePasswordDialogTakesTypingReturnAndTab)
+{
+    PasswordRequiredDialog password(nullptr);
+    DialogDriver driver;
+    std::set<QString> visited;
+    driver.expect(QStringLiteral("password"), [&](QWidget*) {
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&password));
+        auto* field = password.findChild<QLineEdit*>();
+        QTest::keyClicks(field, QStringLiteral("secret"));
+        for (int i = 0; i < 4; ++i) {
+            visited.insert(qobject_cast<QPushButton*>(QApplication::focusWidget())
+                               ? qobject_cast<QPushButton*>(QApplication::focusWidget())->text()
+                               : QStringLiteral("field"));
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        }
+        QTest::keyClick(field, Qt::Key_Return);
+    });
+    EXPECT_EQ(password.exec(), QDialog::Accepted);
+    EXPECT_TRUE(driver.finished()) << driver.failures().join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(password.GetPassword(), QStringLiteral("secret"));
+    EXPECT_EQ(visited, (std::set<QString>{QStringLiteral("field"), QStringLiteral("Ok"), QStringLiteral("Cancel")}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Styles, DialogKeyboard, ::testing::Values(DarkStyle::Simple, DarkStyle::Tarn),
+                         [](const auto& info) { return info.param == DarkStyle::Simple ? "Simple" : "Tarn"; });
 
 }  // namespace

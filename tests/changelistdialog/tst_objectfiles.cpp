@@ -16,7 +16,6 @@
 
 #include <vector>
 
-using hbrc::internal::DbObjectListsAreEqual;
 using hbrc::internal::GetAssetListPrettyNames;
 using hbrc::test::DialogDriver;
 using hbrc::test::FakeHost;
@@ -28,7 +27,6 @@ using ::testing::SetArgReferee;
 namespace {
 
 using Files = kel4::Set<std::string>;
-using ObjectList = kel4::IDataControl::ObjectList;
 
 class ObjectFilesTest : public ::testing::Test
 {
@@ -84,10 +82,21 @@ struct LogCase {
     std::vector<std::string> files;
     bool inFileBrowser;
     const char* expected;
+    bool ownListing = false;  // by a host that lists an object's files its own way
 };
 
 class ShowObjectFilesLog : public ObjectFilesTest, public ::testing::WithParamInterface<LogCase>
 {
+};
+
+// A host that lists files its own way: ShowObjectFiles goes through the interface.
+class HelperWithOwnFiles : public CRevisionControlUIHelper
+{
+public:
+    void GetObjectFiles(const KELHandle<IDbObject>&, QStringList& files) override
+    {
+        files << QStringLiteral("/own/listing.kel");
+    }
 };
 
 // Without a main window: the file browser, when asked for, shows the first file; no dialog.
@@ -98,7 +107,8 @@ TEST_P(ShowObjectFilesLog, LogsTheFilesOnePerLineSeparatedByCommas)
     ProgramLauncher previous = SetProgramLauncher([&](const ProgramStart& s) { started.push_back(s); });
     hbrc::host::LogCapture log;
     DialogDriver driver;  // any dialog would be recorded as unexpected
-    helper.ShowObjectFiles(rock, GetParam().inFileBrowser);
+    HelperWithOwnFiles own;
+    (GetParam().ownListing ? own : helper).ShowObjectFiles(rock, GetParam().inFileBrowser);
     SetProgramLauncher(previous);
     EXPECT_TRUE(driver.finished()) << driver.failures().join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(log.TextsOfType(Log::eMessage), std::vector<std::string>{GetParam().expected});
@@ -110,7 +120,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(LogCase{"NoFile", {}, true, "Files for asset: Rock\n"},
                       LogCase{"OneFile", {"/w/rock.kel"}, true, "Files for asset: Rock\n/w/rock.kel\n"},
                       LogCase{"ThreeFilesInABatchRun", {"/w/c.bin", "/w/a.kel", "/w/b.bin"}, false,
-                              "Files for asset: Rock\n/w/a.kel,\n/w/b.bin,\n/w/c.bin\n"}),
+                              "Files for asset: Rock\n/w/a.kel,\n/w/b.bin,\n/w/c.bin\n"},
+                      LogCase{"AHostsOwnListing", {"/w/rock.kel"}, false, "Files for asset: Rock\n/own/listing.kel\n", true}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(ObjectFilesTest, AFailedFilesQueryShowsAnEmptyFileDialog)
@@ -131,26 +142,6 @@ TEST_F(ObjectFilesTest, AFailedFilesQueryShowsAnEmptyFileDialog)
     EXPECT_EQ(title, QStringLiteral("Files for asset Rock"));
     EXPECT_EQ(rows, 0);
     EXPECT_EQ(log.TextsOfType(Log::eMessage), std::vector<std::string>{"Files for asset: Rock\n"});
-}
-
-// A host that lists files its own way: ShowObjectFiles goes through the interface.
-class HelperWithOwnFiles : public CRevisionControlUIHelper
-{
-public:
-    void GetObjectFiles(const KELHandle<IDbObject>&, QStringList& files) override
-    {
-        files << QStringLiteral("/own/listing.kel");
-    }
-};
-
-TEST_F(ObjectFilesTest, ShowObjectFilesUsesAnOverriddenFileListing)
-{
-    HelperWithOwnFiles own;
-    hbrc::host::LogCapture log;
-    DialogDriver driver;  // a batch run: the log only
-    own.ShowObjectFiles(rock, false);
-    EXPECT_TRUE(driver.finished()) << driver.failures().join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(log.TextsOfType(Log::eMessage), std::vector<std::string>{"Files for asset: Rock\n/own/listing.kel\n"});
 }
 
 struct PrettyCase {
@@ -187,20 +178,5 @@ INSTANTIATE_TEST_SUITE_P(
                    "Rock [rocks] (with External: a.bin)b.tex)\n"},
         PrettyCase{"NoQualifyingFileLeavesTheParenthesisOpen", true, {"/d/x.kel"}, "Rock [rocks] (with External: \n"}),
     [](const auto& info) { return std::string(info.param.name); });
-
-TEST(ObjectListEquality, ComparesHandlesInOrder)
-{
-    const auto handles = [](std::initializer_list<std::pair<std::uint32_t, std::uint32_t>> ids) {
-        ObjectList list;  // (cache index, instance number)
-        for (const auto& [index, instance] : ids)
-            list.emplace_back(nullptr, index, instance);
-        return list;
-    };
-    const ObjectList ab = handles({{1, 1}, {2, 1}});
-    EXPECT_TRUE(DbObjectListsAreEqual(ab, handles({{1, 1}, {2, 1}})));
-    EXPECT_FALSE(DbObjectListsAreEqual(ab, handles({{2, 1}, {1, 1}})));
-    EXPECT_FALSE(DbObjectListsAreEqual(ab, handles({{1, 1}})));
-    EXPECT_FALSE(DbObjectListsAreEqual(ab, handles({{1, 1}, {2, 2}})));
-}
 
 }  // namespace

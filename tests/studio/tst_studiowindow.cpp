@@ -1,116 +1,58 @@
 // hbrc-studio's main window driven as alice would drive it, offscreen, on a demo depot with the
 // sample workspace: her real host with the revision-control plug-in, bob acting from his own
-// workspace, the plug-in's real dialogs answered by the dialog driver.
-#include "assetbrowser.h"
-#include "assetbrowsermodel.h"
+// workspace, the plug-in's real dialogs answered by the dialog driver; and her session: the kept
+// log-in that hbdepot shares, Log Out, revision control turned off.
 #include "changelistwork.h"
-#include "statuschange.h"
-#include "fieldeditors.h"
-#include "logdock.h"
 #include "demodepot.h"
-#include "mainwindow.h"
+#include "fieldeditors.h"
 #include "pendingchangespane.h"
-#include "propertypane.h"
-#include "revisionoperations.h"
-#include "studiosession.h"
+#include "statuschange.h"
+#include "studiofixture.h"
 #include "studiotranslation.h"
 
-#include "windowprobe.h"
-
-#include <dialogdriver.h>
-
 #include <depot/depot.h>
-#include <hbrcdatamodel/workspace.h>
+#include <depot/ticketstore.h>
 #include <hbrcservices/revisionserver.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
-#include <log/log.h>
 #include <qtextention/lmrqlivesearchwidget.h>
-#include <qtextention/qlistviewdragdrop.h>
-#include <qtextention/qcolorcontrol.h>
 #include <qtextention/qfunctoraction.h>
+#include <qtextention/qlistviewdragdrop.h>
 #include <qtextention/rangevalueeditwidget.h>
 
-#include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDropEvent>
+#include <QInputDialog>
 #include <QMenu>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QDoubleSpinBox>
-#include <QFileInfo>
-#include <QInputDialog>
-#include <QListWidget>
-#include <QStandardPaths>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QSignalSpy>
 #include <QSpinBox>
-#include <QStatusBar>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTreeView>
-
-#include <gtest/gtest.h>
-
-#include <memory>
+#include <QStandardPaths>
 
 using namespace hbrc::studio;
 using namespace hbrc::test;
+using hbrc::depot::TicketStore;
 
 namespace {
 
-class StudioWindow : public ::testing::Test
+class StudioWindow : public StudioFixture<>
 {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(m_dir.isValid());
-        Log::Singleton::Instance().SetStderrEnabled(false);
+        StudioFixture::SetUp();
         depot = std::make_unique<DemoServer>(m_dir.path());
         SeedSampleWorkspace(*depot);
-        session = std::make_unique<StudioSession>(m_dir.filePath(QStringLiteral("preferences.ini")));
-        std::string error;
-        ASSERT_TRUE(session->Start(error)) << error;
-        session->StoreAccount({depot->Path(), "alice", depot->Workspace("alice"), {}});
-        session->SetPassword("alice-pw");
-        session->Host().Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
-        window = std::make_unique<MainWindow>(*session);
-        window->show();
-        activate();
-        ASSERT_TRUE(window->openWorkspace(depot->Folder("alice")));
-        waitForStatus();
+        startAlice("alice-pw");
     }
-    void TearDown() override
+    void startAlice(const char* password = "")
     {
-        EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString();
-        if (session->CurrentWorkspace() && session->CurrentWorkspace()->HasUnsavedChanges())
-            driver.expectMessageBox(QStringLiteral("Unsaved Edits"), QMessageBox::Discard);
-        window.reset();
-        session.reset();
-        depot.reset();
-        Log::Singleton::Instance().SetStderrEnabled(true);
+        start(depot->Path(), depot->Workspace("alice"), depot->Folder("alice"), password);
     }
-
-    // The offscreen platform activates no window after a modal dialog closes; a desktop does.
-    void activate()
-    {
-        window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    }
-    void waitForStatus() { ASSERT_TRUE(WaitForStatus(*window)); }
-    KELHandle<kel4::IAsset> asset(const char* name) const { return session->CurrentWorkspace()->FindAsset(name); }
-    QString status(const char* name) const { return cell(name, AssetBrowserModel::StatusColumn); }
-    QString cell(const char* name, int column, int role = Qt::DisplayRole) const
-    {
-        return AssetCell(*window, asset(name), column, role);
-    }
-    bool logged(const QString& line) const { return Logged(*window, line); }
-    QString sessionLabel() const { return SessionLabel(*window); }
     // Sets "Refresh status every" in the settings dialog, from the keyboard.
     void setRefreshSeconds(int seconds)
     {
@@ -129,38 +71,22 @@ protected:
         const hbrc::host::DataModelMgr& model = session->CurrentWorkspace()->Model();
         return model.Store().AssetAt(model.SlotOf(asset(name))).record.fields.at(key);
     }
-    void select(const char* name)
+    // bob opens the asset's file for edit from his own workspace (and locks it).
+    void bobHolds(const char* name, const std::string& changelist = "", bool locked = false)
     {
-        window->browser().selectAsset(asset(name));
-        ASSERT_EQ(window->propertyPane().asset(), KELHandle<kel4::IDbObject>(asset(name)));
-    }
-    // Types a colour into the selected asset's colour field and presses Return, as alice does.
-    void typeColour(const QString& colour)
-    {
-        auto* control = qobject_cast<QColorControl*>(window->propertyPane().editor(QStringLiteral("colour")));
-        ASSERT_NE(control, nullptr);
-        control->nameEdit()->setFocus();
-        control->nameEdit()->selectAll();
-        QTest::keyClicks(control->nameEdit(), colour);
-        QTest::keyClick(control->nameEdit(), Qt::Key_Return);
-    }
-    QString colourShown() const
-    {
-        return qobject_cast<QColorControl*>(window->propertyPane().editor(QStringLiteral("colour")))->color().name();
-    }
-    void bobEdits(const char* name)
-    {
-        ASSERT_TRUE(depot->Bob().edit(depot->BobTicket(), {depot->FolderPath("bob") + "/" + name + ".kel"}, "").ok());
-        window->refreshStatus();
-        waitForStatus();
+        const std::string file = depot->FolderPath("bob") + "/" + name + ".kel";
+        ASSERT_TRUE(depot->Bob().edit(depot->BobTicket(), {file}, changelist).ok());
+        if (locked) {
+            ASSERT_TRUE(hbrc::depot::Depot(depot->Path()).lock(depot->BobTicket(), {file}).ok());
+        }
     }
     void checkOutWithoutAsking()
     {
         session->Settings()->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
     }
-    void waitForOperations() { ASSERT_TRUE(WaitForOperations(*window)); }
     PendingChangesModel& pending() const { return window->pendingChanges().model(); }
     std::string aliceFile(const char* name) const { return depot->FolderPath("alice") + "/" + name + ".kel"; }
+    bool aliceMayWrite(const char* name) const { return writable(QString::fromStdString(aliceFile(name))); }
     QModelIndex pendingFile(const char* name) const { return pending().fileIndex(aliceFile(name)); }
     QStringList pendingAssets(const std::string& changelist) const
     {
@@ -213,11 +139,7 @@ protected:
         return drop.isAccepted();
     }
 
-    QTemporaryDir m_dir;
     std::unique_ptr<DemoServer> depot;
-    std::unique_ptr<StudioSession> session;
-    std::unique_ptr<MainWindow> window;
-    DialogDriver driver;
 };
 
 // The tour's scenario: bob holds Rock, so alice's edit of Rock is refused with bob named and the
@@ -227,7 +149,9 @@ TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedAndChecksOutSky)
 {
     EXPECT_EQ(status("Rock"), "up to date");
     EXPECT_EQ(window->model().statusQuery().RoundTrips(), 1u) << "one status question for all assets";
-    bobEdits("Rock");
+    bobHolds("Rock");
+    window->refreshStatus();
+    waitForStatus();
     EXPECT_EQ(status("Rock"), "held by bob");
     checkOutWithoutAsking();
 
@@ -331,10 +255,9 @@ TEST_F(StudioWindow, RenameDeleteMakeWritableAndCheckOutFromTheMenus)
     EXPECT_EQ(window->model().rowCount(), 19);
 
     select("Sand");
-    const QString sand = depot->Folder("alice") + QStringLiteral("/Sand.kel");
-    ASSERT_FALSE(QFileInfo(sand).permissions() & QFile::WriteOwner);
+    ASSERT_FALSE(aliceMayWrite("Sand"));
     window->action(QStringLiteral("makeWritable"))->trigger();
-    EXPECT_TRUE(QFileInfo(sand).permissions() & QFile::WriteOwner);
+    EXPECT_TRUE(aliceMayWrite("Sand"));
 
     select("Snow");
     window->action(QStringLiteral("checkOut"))->trigger();
@@ -355,17 +278,11 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
     setRefreshSeconds(1);
     EXPECT_EQ(session->StatusRefreshSeconds(), 1);
 
-    const std::unique_ptr<hbrc::host::RevisionServer> bob = hbrc::host::OpenRevisionServer(depot->Path(), {});
-    std::string ticket;
-    ASSERT_TRUE(bob->login("bob", "bob-pw", depot->Workspace("bob"), ticket).ok());
+    hbrc::host::RevisionServer& bob = depot->Bob();
+    const std::string& ticket = depot->BobTicket();
     hbrc::depot::ChangelistId changelist;
-    ASSERT_TRUE(bob->createChangelist(ticket, "rougher rock", changelist).ok());
-    const std::string rock = depot->FolderPath("bob") + "/Rock.kel";
-    ASSERT_TRUE(bob->edit(ticket, {rock}, changelist).ok());
-    hbrc::depot::Depot bobsLocks(depot->Path());
-    std::string lockTicket;
-    ASSERT_TRUE(bobsLocks.login("bob", "bob-pw", depot->Workspace("bob"), lockTicket).ok());
-    ASSERT_TRUE(bobsLocks.lock(lockTicket, {rock}).ok());
+    ASSERT_TRUE(bob.createChangelist(ticket, "rougher rock", changelist).ok());
+    bobHolds("Rock", changelist, true);
 
     const QString cl = QString::fromStdString(changelist);
     const QString opened = QStringLiteral("Rock: bob opened it for edit in changelist %1; bob locked it").arg(cl);
@@ -381,7 +298,7 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
     EXPECT_TRUE(cell("Sky", AssetBrowserModel::HolderColumn, Qt::ToolTipRole).isEmpty());
 
     hbrc::depot::ChangelistId submitted;
-    ASSERT_TRUE(bob->submit(ticket, changelist, "", submitted).ok());
+    ASSERT_TRUE(bob.submit(ticket, changelist, "", submitted).ok());
     ASSERT_TRUE(DialogDriver::waitUntil(
         [&] { return cell("Rock", AssetBrowserModel::RevisionColumn) == QLatin1String("#1/#2"); }, 10000));
     ASSERT_NE(model.statusAt(row), nullptr);
@@ -394,7 +311,7 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
     // With the timer off, coming back to the window asks (not more often than every 3 s).
     setRefreshSeconds(0);
     const std::uint64_t roundTrips = model.statusQuery().RoundTrips();
-    ASSERT_TRUE(bob->edit(ticket, {depot->FolderPath("bob") + "/Sky.kel"}, "").ok());
+    bobHolds("Sky");
     QTest::qWait(3100);
     EXPECT_EQ(model.statusQuery().RoundTrips(), roundTrips) << "0 turns the timer off";
     QWidget elsewhere;
@@ -419,11 +336,8 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
 TEST_F(StudioWindow, TheStatusBarTellsAnExpiredSessionFromAnUnreachableServer)
 {
     EXPECT_EQ(window->sessionState(), "logged in as alice");
-    std::string error;
-    ASSERT_TRUE(session->Services()
-                    .connection->ExpireSession(session->Services().dataControl->GetUserParameters().Get(), error)
-                    .IsSuccess())
-        << error;
+    hbrc::host::RevisionControlServices services = session->Services();
+    ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
     window->refreshStatus();
     waitForStatus();
     EXPECT_EQ(window->sessionState(), "expired");
@@ -642,8 +556,8 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     EXPECT_TRUE(logged(QStringLiteral("Not reverted: Leaf has unsaved edits. Save or undo them first.")));
     EXPECT_TRUE(window->statusBar()->currentMessage().startsWith("Reverted 1 unchanged file(s): //depot/"))
         << window->statusBar()->currentMessage().toStdString();
-    EXPECT_FALSE(QFileInfo(depot->Folder("alice") + "/Snow.kel").permissions() & QFile::WriteOwner);
-    EXPECT_TRUE(QFileInfo(depot->Folder("alice") + "/Leaf.kel").permissions() & QFile::WriteOwner);
+    EXPECT_FALSE(aliceMayWrite("Snow"));
+    EXPECT_TRUE(aliceMayWrite("Leaf"));
     EXPECT_EQ(status("Snow"), "up to date");
 
     ASSERT_TRUE(pending().setData(pending().changelistIndex(warmer), Qt::Checked, Qt::CheckStateRole));
@@ -730,8 +644,7 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     EXPECT_FALSE(window->action(QStringLiteral("getLatestAll"))->isEnabled());
 }
 
-// What submitting the checked files of a changelist does first: the unchecked files of a
-// numbered one go back to the default changelist, the checked ones of the default go into a new one.
+// A pending changelist of the given files (their local paths).
 hbrc::depot::PendingChangelist changelist(const char* id, const std::vector<std::string>& paths)
 {
     hbrc::depot::PendingChangelist list;
@@ -743,30 +656,6 @@ hbrc::depot::PendingChangelist changelist(const char* id, const std::vector<std:
         list.files.push_back(file);
     }
     return list;
-}
-
-TEST(StudioPendingChanges, SubmitPlans)
-{
-    using Files = ChangelistWork::Files;
-    const struct {
-        const char* name;
-        hbrc::depot::PendingChangelist pending;
-        Files checked;
-        std::string submitted;
-        Files toDefault, intoNew;
-        std::size_t count;
-    } rows[] = {
-        {"all of a numbered one", changelist("7", {"a", "b"}), {"a", "b"}, "7", {}, {}, 2},
-        {"part of a numbered one", changelist("7", {"a", "b", "c"}), {"b"}, "7", {"a", "c"}, {}, 1},
-        {"part of the default one", changelist("", {"a", "b"}), {"b", "elsewhere"}, "", {}, {"b"}, 1},
-    };
-    for (const auto& row : rows) {
-        const ChangelistWork::SubmitPlan plan = ChangelistWork::PlanSubmit(row.pending, row.checked);
-        EXPECT_EQ(plan.changelist, row.submitted) << row.name;
-        EXPECT_EQ(plan.toDefault, row.toDefault) << row.name;
-        EXPECT_EQ(plan.intoNew, row.intoNew) << row.name;
-        EXPECT_EQ(plan.fileCount, row.count) << row.name;
-    }
 }
 
 // A changelist's box shows whether none, some or all of its files are checked and checks or
@@ -856,11 +745,11 @@ TEST_F(StudioWindow, RevisionOperationsRunInOrderAndReportEachOutcome)
 
 // Submitting part of a changelist on the depot: from the default changelist the checked files go
 // into a new numbered changelist and are submitted; from a numbered one the unchecked files go back
-// to the default changelist first. Either way only the checked files are submitted.
+// to the default changelist first. Either way only the checked files of that changelist are
+// submitted, not those checked in another one.
 TEST(StudioPendingChanges, SubmitWorkSubmitsOnlyTheCheckedFiles)
 {
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
+    const QTemporaryDir dir;
     DemoServer depot(dir.path());
     SeedSampleWorkspace(depot);
     const std::unique_ptr<hbrc::host::RevisionServer> alice = hbrc::host::OpenRevisionServer(depot.Path(), {});
@@ -887,10 +776,12 @@ TEST(StudioPendingChanges, SubmitWorkSubmitsOnlyTheCheckedFiles)
         const char* name;
         std::string changelist;
         ChangelistWork::Files checked;
+        int submitted;
         std::vector<std::vector<std::string>> pendingAfter;
     } submits[] = {
-        {"from the default changelist", "", {file("Rock"), file("Snow")}, {{file("Sky")}, {file("Oak"), file("Sand")}}},
-        {"from a numbered changelist", numbered, {file("Sand")}, {{file("Oak"), file("Sky")}}},
+        {"from the default changelist", "", {file("Rock"), file("Oak"), file("Snow")}, 2,
+         {{file("Sky")}, {file("Oak"), file("Sand")}}},
+        {"from a numbered changelist", numbered, {file("Sand")}, 1, {{file("Oak"), file("Sky")}}},
     };
     for (const auto& submit : submits) {
         std::vector<hbrc::depot::PendingChangelist> pending;
@@ -902,9 +793,66 @@ TEST(StudioPendingChanges, SubmitWorkSubmitsOnlyTheCheckedFiles)
         const hbrc::depot::Result result = ChangelistWork::Submit(ChangelistWork::PlanSubmit(*list, submit.checked),
                                                                   "part of it")(*alice, ticket, outcome);
         ASSERT_TRUE(result.ok()) << submit.name << ": " << result.error;
-        EXPECT_TRUE(outcome.done.endsWith(QStringLiteral("(%1 file(s))").arg(submit.checked.size()))) << submit.name;
+        EXPECT_TRUE(outcome.done.endsWith(QStringLiteral("(%1 file(s))").arg(submit.submitted))) << submit.name;
         EXPECT_EQ(pendingFiles(), submit.pendingAfter) << submit.name;
     }
+}
+
+// A log-in kept by "hbdepot login" serves the studio's next start without a dialog; Log Out ends
+// the depot's session and forgets the kept log-in, so that hbdepot is logged out too. The next
+// start has the window's last size.
+TEST_F(StudioWindow, AKeptLogInServesTheNextStartAndLogOutForgetsIt)
+{
+    hbrc::depot::Depot terminal(depot->Path());
+    std::string ticket;
+    ASSERT_TRUE(terminal.login("alice", "alice-pw", depot->Workspace("alice"), ticket).ok());
+    TicketStore().save(TicketStore::depotKey(depot->Path()), "alice", {depot->Workspace("alice"), ticket});
+    window->resize(900, 640);
+    window->close();
+    startAlice();
+    EXPECT_EQ(window->size(), QSize(900, 640));
+    EXPECT_EQ(sessionLabel(), "Session: logged in as alice");
+    EXPECT_TRUE(logged(QStringLiteral("Logged in as alice with the kept log-in")));
+    EXPECT_EQ(status("Rock"), "up to date");
+
+    window->action(QStringLiteral("logOut"))->trigger();
+    EXPECT_EQ(sessionLabel(), "Session: not logged in");
+    EXPECT_EQ(status("Rock"), "not logged in");
+    EXPECT_FALSE(TicketStore().find(TicketStore::depotKey(depot->Path()), "alice"));
+    std::string user, workspace;
+    EXPECT_LT(terminal.session(ticket, user, workspace).code, 0);
+}
+
+// The user's own "off" holds on the next start; while it is off the window says so, and a save
+// names who holds the read-only files it would make writable. A click on the session offers to
+// turn revision control on.
+TEST_F(StudioWindow, RevisionControlTurnedOffByTheUserStaysOffAndTheSaveNamesTheHolder)
+{
+    bobHolds("Rock", "", true);
+
+    driver.expect(QStringLiteral("settings"), [](QWidget* dialog) {
+        auto* use = dialog->findChild<QCheckBox*>(QStringLiteral("useSourceDataControl"));
+        ASSERT_TRUE(use && use->isChecked());
+        use->setChecked(false);
+        qobject_cast<QDialog*>(dialog)->accept();
+    });
+    window->action(QStringLiteral("settings"))->trigger();
+    startAlice("alice-pw");
+    EXPECT_EQ(sessionLabel(), "Session: revision control off");
+    EXPECT_EQ(status("Rock"), "revision control off");
+    EXPECT_TRUE(window->action(QStringLiteral("turnRevisionControlOn"))->isEnabled());
+
+    ASSERT_TRUE(session->CurrentWorkspace()->SetField(asset("Rock"), "colour", "#b0483a"));
+    driver.expect(QStringLiteral("the save's question"), [](QWidget* dialog) { qobject_cast<QDialog*>(dialog)->reject(); });
+    window->save();
+    EXPECT_TRUE(logged(QStringLiteral("Rock is locked by bob: turn revision control on to check it out")));
+
+    QTest::mouseClick(window->statusBar()->findChild<QLabel*>(QStringLiteral("sessionState")), Qt::LeftButton);
+    auto* offer = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_TRUE(offer && offer->actions().size() == 1);
+    offer->actions().first()->trigger();
+    offer->close();
+    EXPECT_EQ(sessionLabel(), "Session: logged in as alice");
 }
 
 }  // namespace

@@ -1,0 +1,148 @@
+#pragma once
+
+// One world for the studio's tests: the studio's preferences and kept log-ins in a folder of the
+// test's own, the real main window with the plug-in opened on alice's workspace, and the dialog
+// driver that answers its dialogs. Starts again as after a restart; reads what the window shows as
+// its user reads it, waits for its background work, and edits as alice does, with clicks and keys.
+#include "assetbrowser.h"
+#include "assetbrowsermodel.h"
+#include "logdock.h"
+#include "mainwindow.h"
+#include "propertypane.h"
+#include "revisionoperations.h"
+#include "studiosession.h"
+
+#include <dialogdriver.h>
+
+#include <hbrcdatamodel/workspace.h>
+#include <log/log.h>
+#include <qtextention/qcolorcontrol.h>
+
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QStatusBar>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTreeView>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace hbrc::test {
+
+template <class TestBase = ::testing::Test>
+class StudioFixture : public TestBase
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        // The kept log-ins of this run, apart from the user's own.
+        qputenv("HBDEPOT_TICKETS", m_dir.filePath(QStringLiteral("tickets")).toLocal8Bit());
+        Log::Singleton::Instance().SetStderrEnabled(false);
+    }
+    void TearDown() override
+    {
+        EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString();
+        if (session && session->CurrentWorkspace() && session->CurrentWorkspace()->HasUnsavedChanges())
+            driver.expectMessageBox(QStringLiteral("Unsaved Edits"), QMessageBox::Discard);
+        window.reset();
+        session.reset();
+        Log::Singleton::Instance().SetStderrEnabled(true);
+    }
+
+    // A start of the studio on alice's workspace folder with the account given on the command
+    // line; without a password the kept log-in or the Log In dialog logs her in.
+    void start(const std::string& server, const std::string& workspaceName, const QString& folder,
+               const char* password = "")
+    {
+        window.reset();
+        session = std::make_unique<studio::StudioSession>(m_dir.filePath(QStringLiteral("preferences.ini")));
+        std::string error;
+        ASSERT_TRUE(session->Start(error)) << error;
+        session->StoreAccount({server, "alice", workspaceName, {}});
+        session->SetPassword(password);
+        window = std::make_unique<studio::MainWindow>(*session);
+        window->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+        ASSERT_TRUE(window->openWorkspace(folder));
+        waitForStatus();
+        activate();
+    }
+    // Neither the offscreen platform nor a bare X server activates a window after a modal dialog
+    // closed; a desktop does.
+    void activate()
+    {
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    }
+    // Until the status question the window asked is answered.
+    void waitForStatus()
+    {
+        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->model().statusQuery().IsPending(); }, 20000));
+    }
+    // Until the queued revision operations ran and the status they changed is answered.
+    void waitForOperations()
+    {
+        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->operations().IsBusy(); }, 20000));
+        waitForStatus();
+    }
+
+    KELHandle<kel4::IAsset> asset(const char* name) const { return session->CurrentWorkspace()->FindAsset(name); }
+    QString cell(const char* name, int column, int role = Qt::DisplayRole) const
+    {
+        const studio::AssetBrowserModel& model = window->model();
+        return model.data(model.index(model.rowOf(asset(name)), column), role).toString();
+    }
+    QString status(const char* name) const { return cell(name, studio::AssetBrowserModel::StatusColumn); }
+    QString sessionLabel() const
+    {
+        return window->statusBar()->findChild<QLabel*>(QStringLiteral("sessionState"))->text();
+    }
+    bool logged(const QString& line, Qt::MatchFlags match = Qt::MatchExactly) const
+    {
+        return !window->logDock().list()->findItems(line, match).isEmpty();
+    }
+    // The file's write bit (the tests may run as root, for whom every file is writable).
+    static bool writable(const QString& path) { return QFileInfo(path).permissions() & QFileDevice::WriteOwner; }
+
+    // Clicks the asset's row in the browser.
+    void select(const char* name)
+    {
+        QTreeView* view = window->browser().view();
+        for (int row = 0; row < view->model()->rowCount(); ++row) {
+            const QModelIndex index = view->model()->index(row, studio::AssetBrowserModel::NameColumn);
+            if (index.data().toString() == QString::fromUtf8(name)) {
+                view->scrollTo(index);
+                QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(index).center());
+                break;
+            }
+        }
+        ASSERT_EQ(window->propertyPane().asset(), KELHandle<kel4::IDbObject>(asset(name)));
+    }
+    // Types a colour into the selected asset's colour field and presses Return.
+    void typeColour(const QString& colour)
+    {
+        auto* control = qobject_cast<QColorControl*>(window->propertyPane().editor(QStringLiteral("colour")));
+        ASSERT_NE(control, nullptr);
+        QTest::mouseDClick(control->nameEdit(), Qt::LeftButton);
+        control->nameEdit()->selectAll();
+        QTest::keyClicks(control->nameEdit(), colour);
+        QTest::keyClick(control->nameEdit(), Qt::Key_Return);
+    }
+    QString colourShown() const
+    {
+        return qobject_cast<QColorControl*>(window->propertyPane().editor(QStringLiteral("colour")))->color().name();
+    }
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<studio::StudioSession> session;
+    std::unique_ptr<studio::MainWindow> window;
+    DialogDriver driver;
+};
+
+}  // namespace hbrc::test
