@@ -124,24 +124,24 @@ TEST_F(PropertiesMgrTest, AStoredActionIsReadWithinTheKnownRangeOnly)
     EXPECT_EQ(action, Mgr::eActionMakeWritable);
 }
 
-TEST_F(PropertiesMgrTest, TheAccountReachesTheDataControlAsTheServiceDescribesIt)
+// The account reaches the data control as the file service describes it; one the service rejects
+// is logged and handed over as null; an empty account is silent.
+TEST_F(PropertiesMgrTest, TheAccountReachesTheDataControlAsTheServiceDescribesItOrAsNull)
 {
+    hbrc::host::LogCapture log;
     KELPtr<kel4::IUserParameters> described(new FakeUserParameters("carol", "carol-ws", "/d.db"));
     EXPECT_CALL(*host.fileVersionControl, CreateUserParameters("carol", "", "/d.db", "carol-ws", _))
         .WillOnce(Return(described));
-    EXPECT_CALL(*host.dataControl, SetUserParameters(described));
-    mgr->SetAccountProperties("carol", "/d.db", "carol-ws");
-}
-
-TEST_F(PropertiesMgrTest, AnAccountTheServiceRejectsIsLoggedAndHandedOverAsNull)
-{
-    hbrc::host::LogCapture log;
-    EXPECT_CALL(*host.fileVersionControl, CreateUserParameters(_, _, _, _, _))
-        .WillRepeatedly([](auto&&, auto&&, auto&&, auto&&, std::string& error) {
+    EXPECT_CALL(*host.fileVersionControl, CreateUserParameters("dave", _, _, _, _))
+        .WillOnce([](auto&&, auto&&, auto&&, auto&&, std::string& error) {
             error = "no such workspace";
             return KELPtr<kel4::IUserParameters>();
         });
+    EXPECT_CALL(*host.fileVersionControl, CreateUserParameters("", _, _, _, _));
+    ::testing::InSequence order;
+    EXPECT_CALL(*host.dataControl, SetUserParameters(described));
     EXPECT_CALL(*host.dataControl, SetUserParameters(KELPtr<kel4::IUserParameters>()));
+    mgr->SetAccountProperties("carol", "/d.db", "carol-ws");
     mgr->SetAccountProperties("dave", "/d.db", "missing");
     EXPECT_EQ(log.TextsOfType(Log::eWarning), std::vector<std::string>{"no such workspace\n"});
 
