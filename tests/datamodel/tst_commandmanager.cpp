@@ -82,37 +82,31 @@ protected:
     int counter = 0;
 };
 
-TEST_F(CommandManagerTest, ReportsWhetherACommandRanAndKeepsOnlyUndoableOnesThatRan)
-{
-    auto* transient = new StepCommand(counter, "transient");
-    transient->SetTransient(true);
-    EXPECT_TRUE(Execute(new StepCommand(counter, "kept")));
-    EXPECT_TRUE(Execute(new StepCommand(counter, "not undoable"), false));
-    EXPECT_TRUE(Execute(transient));
-    EXPECT_FALSE(Execute(new StepCommand(counter, "refused", true)));
-    EXPECT_EQ(counter, 3);
-    EXPECT_EQ(manager->GetUndoCount(), 1u);
-    EXPECT_EQ(manager->GetUndoCommand()->GetName(), "kept");
-}
-
-TEST_F(CommandManagerTest, UndoRedoAndCollapsingWalkTheHistoryUntilTheWorkspaceCloses)
+// Only undoable commands that ran are kept; undo and redo walk that history, a new step drops what
+// could be redone, successive drags form one step, and closing the workspace ends the history.
+TEST_F(CommandManagerTest, UndoableCommandsThatRanFormTheHistoryUntilTheWorkspaceCloses)
 {
     EXPECT_FALSE(manager->CanUndo());
     EXPECT_FALSE(manager->Undo());
-    Execute(new StepCommand(counter, "first"));
-    Execute(new StepCommand(counter, "second"));
+    auto* transient = new StepCommand(counter, "transient");
+    transient->SetTransient(true);
+    EXPECT_TRUE(Execute(new StepCommand(counter, "first")));
+    EXPECT_TRUE(Execute(new StepCommand(counter, "not undoable"), false));
+    EXPECT_TRUE(Execute(transient));
+    EXPECT_FALSE(Execute(new StepCommand(counter, "refused", true)));
+    EXPECT_TRUE(Execute(new StepCommand(counter, "second")));
+    EXPECT_EQ(counter, 4);
     ASSERT_EQ(manager->GetUndoCount(), 2u);
     EXPECT_EQ(manager->GetUndoCommand()->GetName(), "second");
     EXPECT_TRUE(manager->Undo());
-    EXPECT_EQ(counter, 1);
+    EXPECT_EQ(counter, 3);
     EXPECT_EQ(manager->GetUndoCommand()->GetName(), "first");
     EXPECT_TRUE(manager->CanRedo());
     EXPECT_TRUE(manager->Redo());
-    EXPECT_EQ(counter, 2);
+    EXPECT_EQ(counter, 4);
     EXPECT_FALSE(manager->CanRedo());
     EXPECT_TRUE(manager->Undo());
 
-    // A new step drops what could be redone; successive drags form one step.
     for (int i = 0; i < 3; ++i)
         Execute(new StepCommand(counter, "drag"));
     EXPECT_FALSE(manager->CanRedo());
@@ -121,7 +115,7 @@ TEST_F(CommandManagerTest, UndoRedoAndCollapsingWalkTheHistoryUntilTheWorkspaceC
     EXPECT_EQ(manager->GetUndoCount(), 3u);
     manager->Undo();
     manager->Undo();
-    EXPECT_EQ(counter, 1);
+    EXPECT_EQ(counter, 3);
 
     host->CloseWorkspace();
     EXPECT_FALSE(manager->CanUndo());

@@ -37,63 +37,41 @@ TEST(KelFormat, RecordSurvivesSerializeAndParse)
     EXPECT_EQ(part(parsed.parts[1]), part(record.parts[1]));
 }
 
-struct MalformedCase
+// Each malformed text is rejected naming its line: a body with no "kel" header follows a valid
+// header and identity (lines 1 to 6).
+TEST(KelFormat, MalformedTextIsRejectedNamingTheLine)
 {
-    const char* name;
-    const char* body;  // the lines after a valid header and identity, or a whole file when it has no "kel"
-    const char* error;
-};
-
-const char* const kValidStart = "kel 1\nid x1\nkind metadata\ntype Material\nname Steel\nversion 2\n";
-
-std::string wholeText(const MalformedCase& c)
-{
-    const std::string body = c.body;
-    return body.rfind("kel", 0) == 0 || body.empty() || body.rfind("#", 0) == 0 || body.rfind("id", 0) == 0
-               ? body
-               : kValidStart + body;
+    const std::string validStart = "kel 1\nid x1\nkind metadata\ntype Material\nname Steel\nversion 2\n";
+    const std::string control = " (write it as an escape in a text, leave it out of names and words)";
+    const std::tuple<const char*, std::string, std::string> cases[] = {
+        {"Empty", "", "the file is empty or has no \"kel 1\" header"},
+        {"OnlyComments", "# nothing\n", "the file is empty or has no \"kel 1\" header"},
+        {"NoHeader", "id x1\n", "line 1: expected the header \"kel 1\""},
+        {"FutureVersion", "kel 2\n", "line 1: unsupported format version \"2\""},
+        {"MissingName", "kel 1\nid x\nkind data\ntype T\nversion 1\n", "the entry \"name\" is missing"},
+        {"TwiceNamed", validStart + "name Other\n", "line 7: the entry \"name\" appears twice"},
+        {"UnknownKind", "kel 1\nkind texture\n", "line 2: unknown kind \"texture\""},
+        {"IdWithSpace", "kel 1\nid a b\n", "line 2: \"id\" needs one word without spaces"},
+        {"NegativeVersion", "kel 1\nversion -3\n", "line 2: \"version\" must be a whole number"},
+        {"UnknownEntry", validStart + "colour red\n", "line 7: unknown entry \"colour\""},
+        {"FieldWithoutValue", validStart + "field roughness\n", "line 7: a field reads \"field <name> = <value>\""},
+        {"FieldTwice", validStart + "field a = 1\nfield a = 2\n", "line 8: the field \"a\" appears twice"},
+        {"BadEscape", validStart + "field a = c:\\temp\n", "line 7: bad escape sequence in \"field\""},
+        {"EscapedPrintable", validStart + "field a = \\x41\n", "line 7: bad escape sequence in \"field\""},
+        {"ControlInExternal", validStart + "external fade\x01.bin\n", "line 7, column 14: control character 0x01" + control},
+        {"CarriageReturnInside", validStart + "external a\rb.bin\r\n", "line 7, column 11: control character 0x0d" + control},
+        {"ExternalOutside", validStart + "external ../other.bin\n",
+         "line 7: \"../other.bin\" is not a file name inside the asset's folder"},
+        {"PartWithoutType", validStart + "part p1\n", "line 7: a part reads \"part <id> <type> <name>\""},
+        {"BadPersistable", validStart + "persistable maybe\n", "line 7: \"persistable\" must be yes or no"},
+    };
+    for (const auto& [name, text, expected] : cases) {
+        AssetRecord record;
+        std::string error;
+        EXPECT_FALSE(KelFormat::Parse(text, record, error)) << name;
+        EXPECT_EQ(error, expected) << name;
+    }
 }
-
-class KelFormatMalformed : public ::testing::TestWithParam<MalformedCase>
-{
-};
-
-TEST_P(KelFormatMalformed, IsRejectedNamingTheLine)
-{
-    AssetRecord record;
-    std::string error;
-    EXPECT_FALSE(KelFormat::Parse(wholeText(GetParam()), record, error));
-    EXPECT_EQ(error, GetParam().error);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Lines, KelFormatMalformed,
-    ::testing::Values(
-        MalformedCase{"Empty", "", "the file is empty or has no \"kel 1\" header"},
-        MalformedCase{"OnlyComments", "# nothing\n", "the file is empty or has no \"kel 1\" header"},
-        MalformedCase{"NoHeader", "id x1\n", "line 1: expected the header \"kel 1\""},
-        MalformedCase{"FutureVersion", "kel 2\n", "line 1: unsupported format version \"2\""},
-        MalformedCase{"MissingName", "kel 1\nid x\nkind data\ntype T\nversion 1\n", "the entry \"name\" is missing"},
-        MalformedCase{"TwiceNamed", "name Other\n", "line 7: the entry \"name\" appears twice"},
-        MalformedCase{"UnknownKind", "kel 1\nkind texture\n", "line 2: unknown kind \"texture\""},
-        MalformedCase{"IdWithSpace", "kel 1\nid a b\n", "line 2: \"id\" needs one word without spaces"},
-        MalformedCase{"NegativeVersion", "kel 1\nversion -3\n", "line 2: \"version\" must be a whole number"},
-        MalformedCase{"UnknownEntry", "colour red\n", "line 7: unknown entry \"colour\""},
-        MalformedCase{"FieldWithoutValue", "field roughness\n", "line 7: a field reads \"field <name> = <value>\""},
-        MalformedCase{"FieldTwice", "field a = 1\nfield a = 2\n", "line 8: the field \"a\" appears twice"},
-        MalformedCase{"BadEscape", "field a = c:\\temp\n", "line 7: bad escape sequence in \"field\""},
-        MalformedCase{"EscapedPrintable", "field a = \\x41\n", "line 7: bad escape sequence in \"field\""},
-        MalformedCase{"ControlInExternal", "external fade\x01.bin\n",
-                      "line 7, column 14: control character 0x01 (write it as an escape in a text, leave it out "
-                      "of names and words)"},
-        MalformedCase{"CarriageReturnInside", "external a\rb.bin\r\n",
-                      "line 7, column 11: control character 0x0d (write it as an escape in a text, leave it out "
-                      "of names and words)"},
-        MalformedCase{"ExternalOutside", "external ../other.bin\n",
-                      "line 7: \"../other.bin\" is not a file name inside the asset's folder"},
-        MalformedCase{"PartWithoutType", "part p1\n", "line 7: a part reads \"part <id> <type> <name>\""},
-        MalformedCase{"BadPersistable", "persistable maybe\n", "line 7: \"persistable\" must be yes or no"}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 TEST(KelFormat, ExternalFileNamesStayInsideTheAssetFolder)
 {

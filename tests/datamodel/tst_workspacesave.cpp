@@ -72,56 +72,89 @@ protected:
     RecordingReceiver receiver;
 };
 
-TEST_F(WorkspaceSave, WritesExactlyTheDirtyAssets)
+// One save flow: the first save writes every new asset; the next ones only the dirty ones, leaving
+// a clean asset's file changed elsewhere alone; a read-only file and an unwritable external file
+// are reported and their assets' edits kept (with the old asset file); a cancelled pre-commit
+// writes, deletes and tracks nothing; what was saved is what the workspace opens with.
+TEST_F(WorkspaceSave, WritesExactlyTheDirtyAssetsAndKeepsTheEditsItCannotWrite)
 {
     const auto steel = Create(AssetKind::Metadata, "steel", {{"roughness", "0.4"}});
-    Create(AssetKind::Value, "fade");
-    Create(AssetKind::Data, "rock");
+    const auto fade = Create(AssetKind::Value, "fade");
+    const auto mesh = Create(AssetKind::Data, "mesh");
     const SaveReport first = workspace->Save();
-    EXPECT_EQ(Paths(first.writtenFiles), (std::set<std::string>{PathOf("steel.kel"), PathOf("fade.kel"), PathOf("rock.kel")}));
+    EXPECT_EQ(Paths(first.writtenFiles), (std::set<std::string>{PathOf("steel.kel"), PathOf("fade.kel"), PathOf("mesh.kel")}));
+    EXPECT_EQ(receiver.events, (std::vector<std::string>{"pre", "post"}));
 
-    // A clean asset's file changed behind the host's back must survive the next save untouched.
-    const QByteArray foreign = ReadFile("rock.kel") + "# edited elsewhere\n";
-    WriteFile("rock.kel", foreign);
+    const QByteArray foreign = ReadFile("mesh.kel") + "# edited elsewhere\n";
+    WriteFile("mesh.kel", foreign);
     ASSERT_TRUE(workspace->SetField(steel, "roughness", "0.9"));
     const SaveReport second = workspace->Save();
     EXPECT_TRUE(second.Succeeded()) << second.DescribeFailures();
     EXPECT_EQ(second.writtenFiles, std::vector<std::string>{PathOf("steel.kel")});
-    EXPECT_EQ(ReadFile("rock.kel"), foreign);
+    EXPECT_EQ(ReadFile("mesh.kel"), foreign);
     EXPECT_FALSE(workspace->HasUnsavedChanges());
 
-    Workspace& reopened = Open();
-    const auto loaded = reopened.FindAsset("steel");
-    ASSERT_FALSE(loaded.IsNull());
-    EXPECT_EQ(reopened.Model().Store().AssetAt(loaded.GetCacheIndex()).record.fields.at("roughness"), "0.9");
-    EXPECT_EQ(loaded.GetAncestorId().GetStr(), "2");
-}
-
-TEST_F(WorkspaceSave, ReadOnlyFileIsReportedAndItsEditKept)
-{
-    const auto steel = Create(AssetKind::Metadata, "steel");
-    const auto fade = Create(AssetKind::Value, "fade");
-    ASSERT_TRUE(workspace->Save().Succeeded());
     ASSERT_EQ(::chmod(PathOf("steel.kel").c_str(), 0444), 0);
     const QByteArray onDisk = ReadFile("steel.kel");
     ASSERT_TRUE(workspace->SetField(steel, "colour", "grey"));
     ASSERT_TRUE(workspace->SetField(fade, "length", "3"));
-
-    LogCapture log;
-    const SaveReport report = workspace->Save();
-    EXPECT_EQ(report.DescribeFailures(), "Could not save 1 file:\n" + PathOf("steel.kel") + ": the file is read-only");
-    EXPECT_EQ(log.TextsOfType(Log::eError),
-              std::vector<std::string>{"Could not save " + PathOf("steel.kel") + ": the file is read-only"});
-    EXPECT_EQ(report.writtenFiles, std::vector<std::string>{PathOf("fade.kel")});
+    {
+        LogCapture log;
+        const SaveReport report = workspace->Save();
+        EXPECT_EQ(report.DescribeFailures(), "Could not save 1 file:\n" + PathOf("steel.kel") + ": the file is read-only");
+        EXPECT_EQ(log.TextsOfType(Log::eError),
+                  std::vector<std::string>{"Could not save " + PathOf("steel.kel") + ": the file is read-only"});
+        EXPECT_EQ(report.writtenFiles, std::vector<std::string>{PathOf("fade.kel")});
+    }
     EXPECT_EQ(ReadFile("steel.kel"), onDisk);
     EXPECT_TRUE(workspace->Model().IsDirty(steel));
     EXPECT_FALSE(workspace->Model().IsDirty(fade));
-    EXPECT_EQ(receiver.events, (std::vector<std::string>{"pre", "post", "pre", "post"}));
-
     // Once writable (checked out), the kept edit is saved.
     ASSERT_EQ(::chmod(PathOf("steel.kel").c_str(), 0644), 0);
     EXPECT_EQ(workspace->Save().writtenFiles, std::vector<std::string>{PathOf("steel.kel")});
     EXPECT_TRUE(ReadFile("steel.kel").contains("field colour = grey\n"));
+
+    // A folder where the external file should go: the write fails as on a full or broken disk.
+    ASSERT_TRUE(QDir().mkpath(QFile::decodeName(QByteArray::fromStdString(PathOf("mesh.bin")))));
+    ASSERT_TRUE(workspace->AddExternalFile(mesh, "mesh.bin", "vertices"));
+    ASSERT_TRUE(workspace->AddExternalFile(mesh, "mesh.idx", "indices"));
+    const SaveReport broken = workspace->Save();
+    ASSERT_EQ(broken.failures.size(), 1u);
+    EXPECT_EQ(broken.failures[0].path, PathOf("mesh.bin"));
+    EXPECT_EQ(broken.writtenFiles, std::vector<std::string>{PathOf("mesh.idx")});
+    EXPECT_EQ(ReadFile("mesh.kel"), foreign);
+    EXPECT_TRUE(workspace->Model().IsDirty(mesh));
+
+    TakeTracked();
+    receiver.events.clear();
+    ASSERT_TRUE(workspace->SetField(steel, "colour", "blue"));
+    ASSERT_TRUE(workspace->AddExternalFile(steel, "steel.bin", "data"));
+    ASSERT_TRUE(workspace->DeleteAsset(fade));
+    Create(AssetKind::Value, "fresh");
+    const QByteArray before = ReadFile("steel.kel");
+    receiver.cancelSave = true;
+    const SaveReport cancelled = workspace->Save();
+    EXPECT_TRUE(cancelled.cancelled);
+    EXPECT_FALSE(cancelled.Succeeded());
+    EXPECT_TRUE(cancelled.writtenFiles.empty());
+    EXPECT_EQ(receiver.events, std::vector<std::string>{"pre"});
+    EXPECT_EQ(receiver.lastLibrary, workspace->Accessor());
+    EXPECT_EQ(ReadFile("steel.kel"), before);
+    EXPECT_TRUE(Exists("fade.kel"));
+    EXPECT_FALSE(Exists("fresh.kel"));
+    EXPECT_FALSE(Exists("steel.bin"));
+    EXPECT_TRUE(workspace->Model().IsDirty(steel));
+    const Tracked tracked = TakeTracked();
+    EXPECT_TRUE(tracked.deleted.empty());
+    EXPECT_TRUE(tracked.addedNames.empty());
+
+    Workspace& reopened = Open();
+    const auto loaded = reopened.FindAsset("steel");
+    ASSERT_FALSE(loaded.IsNull());
+    const auto& fields = reopened.Model().Store().AssetAt(loaded.GetCacheIndex()).record.fields;
+    EXPECT_EQ(fields.at("roughness"), "0.9");
+    EXPECT_EQ(fields.at("colour"), "grey");
+    EXPECT_EQ(loaded.GetAncestorId().GetStr(), "3") << "written three times";
 }
 
 // A save killed at any moment leaves every asset file with either its old or its new content, and
@@ -187,53 +220,6 @@ TEST_F(WorkspaceSave, KilledSaveLeavesEachFileOldOrNew)
     EXPECT_FALSE(workspace->FindAsset("a" + std::to_string(kAssets - 1)).IsNull());
 }
 
-TEST_F(WorkspaceSave, AssetWithAnUnwritableExternalFileKeepsItsOldAssetFile)
-{
-    const auto mesh = Create(AssetKind::Data, "mesh");
-    ASSERT_TRUE(workspace->Save().Succeeded());
-    // A folder where the external file should go: the write fails as on a full or broken disk.
-    ASSERT_TRUE(QDir().mkpath(QFile::decodeName(QByteArray::fromStdString(PathOf("mesh.bin")))));
-    ASSERT_TRUE(workspace->AddExternalFile(mesh, "mesh.bin", "vertices"));
-    ASSERT_TRUE(workspace->AddExternalFile(mesh, "mesh.idx", "indices"));
-
-    const SaveReport report = workspace->Save();
-    ASSERT_EQ(report.failures.size(), 1u);
-    EXPECT_EQ(report.failures[0].path, PathOf("mesh.bin"));
-    EXPECT_EQ(report.writtenFiles, std::vector<std::string>{PathOf("mesh.idx")});
-    EXPECT_FALSE(ReadFile("mesh.kel").contains("external"));
-    EXPECT_TRUE(workspace->Model().IsDirty(mesh));
-}
-
-TEST_F(WorkspaceSave, CancelledPreCommitWritesNothing)
-{
-    const auto steel = Create(AssetKind::Metadata, "steel");
-    const auto old = Create(AssetKind::Metadata, "old");
-    ASSERT_TRUE(workspace->Save().Succeeded());
-    TakeTracked();
-    receiver.events.clear();
-    ASSERT_TRUE(workspace->SetField(steel, "colour", "grey"));
-    ASSERT_TRUE(workspace->AddExternalFile(steel, "steel.bin", "data"));
-    ASSERT_TRUE(workspace->DeleteAsset(old));
-    Create(AssetKind::Value, "fresh");
-    const QByteArray before = ReadFile("steel.kel");
-
-    receiver.cancelSave = true;
-    const SaveReport report = workspace->Save();
-    EXPECT_TRUE(report.cancelled);
-    EXPECT_FALSE(report.Succeeded());
-    EXPECT_TRUE(report.writtenFiles.empty());
-    EXPECT_EQ(receiver.events, std::vector<std::string>{"pre"});
-    EXPECT_EQ(receiver.lastLibrary, workspace->Accessor());
-    EXPECT_EQ(ReadFile("steel.kel"), before);
-    EXPECT_TRUE(Exists("old.kel"));
-    EXPECT_FALSE(Exists("fresh.kel"));
-    EXPECT_FALSE(Exists("steel.bin"));
-    EXPECT_TRUE(workspace->Model().IsDirty(steel));
-    const Tracked tracked = TakeTracked();
-    EXPECT_TRUE(tracked.deleted.empty());
-    EXPECT_TRUE(tracked.addedNames.empty());
-}
-
 TEST_F(WorkspaceSave, TracksTheFilesTheSaveCreatedAndDeleted)
 {
     const auto terrain = Create(AssetKind::Data, "terrain");
@@ -270,8 +256,21 @@ TEST_F(WorkspaceSave, TracksTheFilesTheSaveCreatedAndDeleted)
     EXPECT_EQ(terrain.GetAncestorId().GetStr(), "1");
 }
 
-TEST_F(WorkspaceSave, HandleOfADeletedAssetStopsResolvingEvenWhenItsSlotIsReused)
+// Invalid edits and a handle whose asset was deleted (even with its slot reused) change nothing.
+TEST_F(WorkspaceSave, InvalidEditsAndHandlesOfDeletedAssetsChangeNothing)
 {
+    const auto steel = Create(AssetKind::Metadata, "steel");
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    EXPECT_EQ(workspace->SetField(steel, "two words", "x").error, "The field name \"two words\" must be one word without '='");
+    EXPECT_EQ(workspace->AddExternalFile(steel, "../escape.bin", "x").error,
+              "\"../escape.bin\" is not a file name inside the asset's folder");
+    EXPECT_EQ(workspace->RemoveExternalFile(steel, "none.bin").error, "The asset has no external file \"none.bin\"");
+    EXPECT_EQ(workspace->Rename(steel, "").error, "A name cannot be empty");
+    EXPECT_FALSE(workspace->HasUnsavedChanges());
+    std::string error;
+    EXPECT_TRUE(workspace->CreateAsset(NewAsset{}, error).IsNull());
+    EXPECT_EQ(error, "An asset needs a name");
+
     const auto doomed = Create(AssetKind::Data, "doomed");
     const DbObjectId id = doomed.GetDbObjectId();
     ASSERT_TRUE(workspace->DeleteAsset(doomed));
@@ -283,22 +282,6 @@ TEST_F(WorkspaceSave, HandleOfADeletedAssetStopsResolvingEvenWhenItsSlotIsReused
     EXPECT_TRUE(workspace->Model().ResolveObject(id).IsNull());
     EXPECT_FALSE(workspace->DeleteAsset(doomed));
     EXPECT_FALSE(workspace->SetField(doomed, "a", "b"));
-}
-
-TEST_F(WorkspaceSave, InvalidEditsChangeNothing)
-{
-    const auto steel = Create(AssetKind::Metadata, "steel");
-    ASSERT_TRUE(workspace->Save().Succeeded());
-    EXPECT_EQ(workspace->SetField(steel, "two words", "x").error, "The field name \"two words\" must be one word without '='");
-    EXPECT_EQ(workspace->AddExternalFile(steel, "../escape.bin", "x").error,
-              "\"../escape.bin\" is not a file name inside the asset's folder");
-    EXPECT_EQ(workspace->RemoveExternalFile(steel, "none.bin").error, "The asset has no external file \"none.bin\"");
-    EXPECT_EQ(workspace->Rename(steel, "").error, "A name cannot be empty");
-    EXPECT_FALSE(workspace->HasUnsavedChanges());
-    std::string error;
-    NewAsset unnamed;
-    EXPECT_TRUE(workspace->CreateAsset(unnamed, error).IsNull());
-    EXPECT_EQ(error, "An asset needs a name");
 }
 
 TEST_F(WorkspaceSave, NewAssetsGetDistinctFilesInTheirFolder)

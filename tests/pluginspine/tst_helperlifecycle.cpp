@@ -1,6 +1,5 @@
 // The helper's frame: start and end, the proxy's connection events, the progress box protocol and
 // the host-facing queries that the flows lean on.
-#include "hbrevisioncontrolpropertiesmgr.h"
 #include "interactivemode.h"
 #include "revisioncontroluihelper.h"
 
@@ -128,15 +127,6 @@ TEST_F(HelperTest, TheHiddenProgressBoxDoesNotMakeTheSessionInteractive)
     EXPECT_FALSE(hbrc::internal::InteractiveMode());
     QWidget window;
     EXPECT_TRUE(hbrc::internal::InteractiveMode());
-}
-
-TEST_F(HelperTest, RevisionControlIsEnabledOnlyThroughTheSettings)
-{
-    EXPECT_FALSE(helper->IsRevisionControlEnabled()) << "no settings singleton";
-    host.system.RegisterFactory("RevisionControlPropertiesMgr", &CHBRevisionControlPropertiesMgr::Factory);
-    EXPECT_FALSE(helper->IsRevisionControlEnabled());
-    host.prefs->SetBoolPref("RevControl.UseSourceDataControl", true, 1);
-    EXPECT_TRUE(helper->IsRevisionControlEnabled());
 }
 
 TEST_F(HelperTest, GetDataControlFollowsTheProxyOnlyWhileConnected)

@@ -9,69 +9,52 @@
 
 namespace {
 
-bool contains(const std::vector<std::string>& names, const std::string& name)
+// The helper and settings factories go to a running system that takes registrations only.
+TEST(PluginLoading, RegistersItsFactoriesWithARunningSystemThatTakesThem)
 {
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-TEST(PluginLoading, RegistersTheHelperAndSettingsFactories)
-{
+    std::string error;
+    {
+        hbrc::host::PluginLoader loader;
+        ASSERT_FALSE(nrkIsSystemInitialized());
+        ASSERT_TRUE(loader.Load(HBRC_PLUGIN_PATH, error)) << error;
+    }
+    {
+        hbrc::host::ComponentSystem system;
+        EXPECT_TRUE(system.GetFactoryNames().empty()) << "loaded before the system ran";
+        system.SetAcceptingRegistrations(false);
+        hbrc::host::PluginLoader loader;
+        ASSERT_TRUE(loader.Load(HBRC_PLUGIN_PATH, error)) << error;
+        EXPECT_TRUE(system.GetFactoryNames().empty());
+    }
     hbrc::host::ComponentSystem system;
     hbrc::host::PluginLoader loader;
-    std::string error;
     ASSERT_TRUE(loader.Load(HBRC_PLUGIN_PATH, error)) << error;
-    EXPECT_TRUE(contains(system.GetFactoryNames(), "RevisionControlUIHelper"));
-    EXPECT_TRUE(contains(system.GetFactoryNames(), "RevisionControlPropertiesMgr"));
+    std::vector<std::string> names = system.GetFactoryNames();
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"RevisionControlPropertiesMgr", "RevisionControlUIHelper"}));
     // The helper needs a database proxy to start; the settings manager stands alone.
     nrk::IBase* settings = system.GetSingleton("RevisionControlPropertiesMgr");
     ASSERT_NE(settings, nullptr);
     EXPECT_STREQ(settings->GetClsName(), "Korvex.QLT.RevisionControlPropertiesMgr");
 }
 
-TEST(PluginLoading, ASystemThatTakesNoRegistrationsGetsNoFactory)
-{
-    hbrc::host::ComponentSystem system;
-    system.SetAcceptingRegistrations(false);
-    hbrc::host::PluginLoader loader;
-    std::string error;
-    ASSERT_TRUE(loader.Load(HBRC_PLUGIN_PATH, error)) << error;
-    EXPECT_TRUE(system.GetFactoryNames().empty());
-}
-
-TEST(PluginLoading, WithoutARunningSystemNothingIsRegistered)
-{
-    {
-        hbrc::host::PluginLoader loader;
-        std::string error;
-        ASSERT_FALSE(nrkIsSystemInitialized());
-        ASSERT_TRUE(loader.Load(HBRC_PLUGIN_PATH, error)) << error;
-    }
-    hbrc::host::ComponentSystem system;
-    EXPECT_TRUE(system.GetFactoryNames().empty());
-}
-
+// A library that is missing, or has no plug-in entry, is refused with its name and the reason,
+// logged once.
 TEST(PluginLoading, AFailedLoadNamesTheLibraryAndTheReason)
 {
-    hbrc::host::ComponentSystem system;
-    hbrc::host::LogCapture log;
-    hbrc::host::PluginLoader loader;
-    std::string error;
-    const std::string missing = "/nonexistent/libnothing.so";
-    EXPECT_FALSE(loader.Load(missing, error));
-    EXPECT_NE(error.find(missing), std::string::npos) << error;
-    EXPECT_NE(error.find("No such file"), std::string::npos) << error;
-    ASSERT_EQ(log.TextsOfType(Log::eError).size(), 1u);
-    EXPECT_EQ(log.TextsOfType(Log::eError).front(), error);
-    EXPECT_TRUE(loader.LoadedLibraries().empty());
-}
-
-TEST(PluginLoading, ALibraryWithoutTheEntryIsRefused)
-{
-    hbrc::host::ComponentSystem system;
-    hbrc::host::PluginLoader loader;
-    std::string error;
-    EXPECT_FALSE(loader.Load("libm.so.6", error));
-    EXPECT_NE(error.find("plxPluginRegister"), std::string::npos) << error;
+    const std::pair<std::string, const char*> libraries[] = {{"/nonexistent/libnothing.so", "No such file"},
+                                                             {"libm.so.6", "plxPluginRegister"}};
+    for (const auto& [library, reason] : libraries) {
+        hbrc::host::ComponentSystem system;
+        hbrc::host::LogCapture log;
+        hbrc::host::PluginLoader loader;
+        std::string error;
+        EXPECT_FALSE(loader.Load(library, error));
+        EXPECT_NE(error.find(library), std::string::npos) << error;
+        EXPECT_NE(error.find(reason), std::string::npos) << error;
+        EXPECT_EQ(log.TextsOfType(Log::eError), std::vector<std::string>{error});
+        EXPECT_TRUE(loader.LoadedLibraries().empty());
+    }
 }
 
 }  // namespace

@@ -10,7 +10,9 @@
 
 namespace {
 
-TEST(PrefManager, SessionOnlyWritesAreNotPersisted)
+// Session-only writes are read back but not persisted; a value of another type is not read as
+// this one and leaves the caller's value alone.
+TEST(PrefManager, SessionOnlyWritesAreNotPersistedAndTypesAreNotMixed)
 {
     QTemporaryDir dir;
     const QString file = dir.filePath("p.ini");
@@ -18,27 +20,20 @@ TEST(PrefManager, SessionOnlyWritesAreNotPersisted)
         hbrc::host::PrefManager prefs(file);
         prefs.SetIntPref("kept", 5, 1);
         prefs.SetIntPref("session", 6, 0);
+        prefs.SetStringPref("text", "not a number", 1);
         int value = 0;
         prefs.GetIntPref("session", 1, value, 0);
         EXPECT_EQ(value, 6);
     }
     hbrc::host::PrefManager reopened(file);
-    int kept = 0, session = 0;
+    int kept = 0, session = 0, number = 42;
+    bool flag = true;
     reopened.GetIntPref("kept", 1, kept, 0);
     reopened.GetIntPref("session", 1, session, 0);
     EXPECT_EQ(kept, 5);
     EXPECT_EQ(session, 1);
-}
-
-TEST(PrefManager, AValueOfAnotherTypeIsNotReadAsThisOne)
-{
-    QTemporaryDir dir;
-    hbrc::host::PrefManager prefs(dir.filePath("p.ini"));
-    prefs.SetStringPref("k", "not a number", 1);
-    int number = 42;
-    bool flag = true;
-    EXPECT_FALSE(prefs.GetIntPref("k", 1, number, 0));
-    EXPECT_FALSE(prefs.GetBoolPref("k", false, flag, 0));
+    EXPECT_FALSE(reopened.GetIntPref("text", 1, number, 0));
+    EXPECT_FALSE(reopened.GetBoolPref("text", false, flag, 0));
     EXPECT_EQ(number, 42);
     EXPECT_TRUE(flag);
 }

@@ -11,12 +11,14 @@
 
 #include <functional>
 #include <memory>
+#include <sstream>
+#include <string>
 
 using hbrc::test::FakeHost;
 using hbrc::test::FakeUserParameters;
 using ::testing::_;
 using ::testing::Return;
-using Action = IRevisionControlPropertiesMgr::ActionWhenEditingReadOnlyAsset;
+using Mgr = IRevisionControlPropertiesMgr;
 
 namespace {
 
@@ -35,145 +37,111 @@ public:
 class PropertiesMgrTest : public ::testing::Test
 {
 protected:
+    // Every setting on one line, as the manager reads it back.
+    std::string Snapshot() const
+    {
+        std::string user = "x", server = "x", workspace = "x", changelist = "x";
+        bool always = true, prompt = true, use = true;
+        Mgr::ActionWhenEditingReadOnlyAsset action = Mgr::eActionNone;
+        const bool actionRead = mgr->GetActionWhenEditingReadOnlyAsset(action);
+        mgr->GetAccountProperties(user, server, workspace);
+        mgr->GetChangeListToUseWhenAutoCheckingOut(changelist);
+        mgr->GetAlwaysUseSetting(always);
+        mgr->GetPromptForChangeListWhenCheckingOut(prompt);
+        mgr->GetUseSourceDataControl(use);
+        std::ostringstream line;
+        line << user << '|' << server << '|' << workspace << " action " << (actionRead ? int(action) : -1) << " changelist "
+             << changelist << " always " << always << " prompt " << prompt << " use " << use << " saw "
+             << mgr->GetUserSawSourceControlDialog();
+        return line.str();
+    }
+    // A new store object over the same file, and a new manager, as after a restart.
+    void Restart()
+    {
+        const QString file = host.prefs->FilePath();
+        host.system.UnregisterSingleton(IHBPrefManager::GetSingletonName());
+        host.prefs = std::make_unique<hbrc::host::PrefManager>(file);
+        host.system.RegisterSingleton(IHBPrefManager::GetSingletonName(), host.prefs.get());
+        mgr = std::make_unique<CHBRevisionControlPropertiesMgr>();
+    }
+
     FakeHost host;
     std::unique_ptr<CHBRevisionControlPropertiesMgr> mgr{new CHBRevisionControlPropertiesMgr};
 };
 
-TEST_F(PropertiesMgrTest, AFreshStoreGivesTheDefaults)
+// Every setter stores its value (the action always as check-out, whatever is asked: a reset to
+// prompting still leaves check-out stored) and notifies each listener each time, also with the
+// same value; the account and the switch hand the account over to the data control. Everything
+// but the dialog flag survives a restart.
+TEST_F(PropertiesMgrTest, SettersStoreNotifyAndHandOverAndAllButTheDialogFlagSurviveARestart)
 {
-    Action action = IRevisionControlPropertiesMgr::eActionNone;
-    EXPECT_TRUE(mgr->GetActionWhenEditingReadOnlyAsset(action));
-    EXPECT_EQ(action, IRevisionControlPropertiesMgr::eActionPrompt);
-    bool always = true, prompt = true, use = true;
-    mgr->GetAlwaysUseSetting(always);
-    mgr->GetPromptForChangeListWhenCheckingOut(prompt);
-    mgr->GetUseSourceDataControl(use);
-    EXPECT_FALSE(always);
-    EXPECT_FALSE(prompt);
-    EXPECT_FALSE(use);
-    std::string user = "x", server = "x", workspace = "x", changelist = "x";
-    mgr->GetAccountProperties(user, server, workspace);
-    mgr->GetChangeListToUseWhenAutoCheckingOut(changelist);
-    EXPECT_EQ(user + server + workspace + changelist, "");
-    EXPECT_FALSE(mgr->GetUserSawSourceControlDialog());
+    EXPECT_EQ(Snapshot(), "|| action 1 changelist  always 0 prompt 0 use 0 saw 0");
+    EXPECT_CALL(*host.dataControl, SetUserParameters(_)).Times(4);
+    CountingSlot first, second;
+    nrk::signalling::IConnection* c1 = nullptr;
+    nrk::signalling::IConnection* c2 = nullptr;
+    mgr->Connect_OnRevisionControlPropertiesChange(&first, &c1);
+    mgr->Connect_OnRevisionControlPropertiesChange(&second, &c2);
+    const std::function<void()> setters[] = {
+        [&] { mgr->SetAccountProperties("bob", "/srv/depot.db", "bob-ws"); },
+        [&] { mgr->SetActionWhenEditingReadOnlyAsset(Mgr::eActionPrompt); },
+        [&] { mgr->SetAlwaysUseSetting(true); },
+        [&] { mgr->SetChangeListToUseWhenAutoCheckingOut("12"); },
+        [&] { mgr->SetPromptForChangeListWhenCheckingOut(true); },
+        [&] { mgr->SetUseSourceDataControl(true); },
+        [&] { mgr->SetUserSawSourceControlDialog(true); },
+    };
+    int calls = 0;
+    for (int pass = 0; pass < 2; ++pass) {
+        for (const auto& set : setters) {
+            set();
+            EXPECT_EQ(first.calls, ++calls) << "setter " << (&set - setters) << " in pass " << pass;
+        }
+    }
+    EXPECT_EQ(first.last, mgr.get());
+    EXPECT_EQ(Snapshot(), "bob|/srv/depot.db|bob-ws action 2 changelist 12 always 1 prompt 1 use 1 saw 1");
+    delete c1;  // releasing the connection disconnects
+    setters[2]();
+    EXPECT_EQ(first.calls, calls);
+    EXPECT_EQ(second.calls, calls + 1);
+    delete c2;
+    Restart();
+    EXPECT_EQ(Snapshot(), "bob|/srv/depot.db|bob-ws action 2 changelist 12 always 1 prompt 1 use 1 saw 0");
 }
 
-// Whatever action is set, "check out" is stored; every stored value the settings know is read back,
-// and one they do not know leaves the caller's value as it was.
-TEST_F(PropertiesMgrTest, SettingTheActionAlwaysStoresCheckOutAndAnUnknownOneIsNotRead)
+// The ends of the known range are read as they were stored (a host may store them itself); a value
+// the settings do not know leaves the caller's value as it was.
+TEST_F(PropertiesMgrTest, AStoredActionIsReadWithinTheKnownRangeOnly)
 {
-    for (Action asked : {IRevisionControlPropertiesMgr::eActionNone, IRevisionControlPropertiesMgr::eActionPrompt,
-                         IRevisionControlPropertiesMgr::eActionMakeWritable}) {
-        mgr->SetActionWhenEditingReadOnlyAsset(asked);
-        Action stored = IRevisionControlPropertiesMgr::eActionNone;
-        ASSERT_TRUE(mgr->GetActionWhenEditingReadOnlyAsset(stored));
-        EXPECT_EQ(stored, IRevisionControlPropertiesMgr::eActionCheckOut) << "asked " << asked;
-    }
-    // The ends of the known range are read as they were stored (a host may store them itself).
-    Action action = IRevisionControlPropertiesMgr::eActionPrompt;
-    for (Action stored : {IRevisionControlPropertiesMgr::eActionNone, IRevisionControlPropertiesMgr::eActionMakeWritable}) {
+    Mgr::ActionWhenEditingReadOnlyAsset action = Mgr::eActionPrompt;
+    for (Mgr::ActionWhenEditingReadOnlyAsset stored : {Mgr::eActionNone, Mgr::eActionMakeWritable}) {
         host.prefs->SetIntPref(CHBRevisionControlPropertiesMgr::kActionKey, stored, 1);
         EXPECT_TRUE(mgr->GetActionWhenEditingReadOnlyAsset(action));
         EXPECT_EQ(action, stored);
     }
     host.prefs->SetIntPref(CHBRevisionControlPropertiesMgr::kActionKey, 7, 1);
     EXPECT_FALSE(mgr->GetActionWhenEditingReadOnlyAsset(action));
-    EXPECT_EQ(action, IRevisionControlPropertiesMgr::eActionMakeWritable);
+    EXPECT_EQ(action, Mgr::eActionMakeWritable);
 }
 
-TEST_F(PropertiesMgrTest, ValuesSurviveARestartOfTheStoreButTheDialogFlagDoesNot)
+// The account reaches the data control as the file service describes it; one the service rejects
+// is logged and handed over as null; an empty account is silent.
+TEST_F(PropertiesMgrTest, TheAccountReachesTheDataControlAsTheServiceDescribesItOrAsNull)
 {
-    EXPECT_CALL(*host.dataControl, SetUserParameters(_)).Times(2);
-    mgr->SetAccountProperties("bob", "/srv/depot.db", "bob-ws");
-    mgr->SetAlwaysUseSetting(true);
-    mgr->SetChangeListToUseWhenAutoCheckingOut("12");
-    mgr->SetPromptForChangeListWhenCheckingOut(true);
-    mgr->SetUseSourceDataControl(true);
-    mgr->SetUserSawSourceControlDialog(true);
-    const QString file = host.prefs->FilePath();
-
-    // A new store object over the same file, and a new manager, as after a restart.
-    host.system.UnregisterSingleton(IHBPrefManager::GetSingletonName());
-    host.prefs = std::make_unique<hbrc::host::PrefManager>(file);
-    host.system.RegisterSingleton(IHBPrefManager::GetSingletonName(), host.prefs.get());
-    mgr = std::make_unique<CHBRevisionControlPropertiesMgr>();
-
-    std::string user, server, workspace, changelist;
-    bool always = false, prompt = false, use = false;
-    mgr->GetAccountProperties(user, server, workspace);
-    mgr->GetChangeListToUseWhenAutoCheckingOut(changelist);
-    mgr->GetAlwaysUseSetting(always);
-    mgr->GetPromptForChangeListWhenCheckingOut(prompt);
-    mgr->GetUseSourceDataControl(use);
-    EXPECT_EQ(user, "bob");
-    EXPECT_EQ(server, "/srv/depot.db");
-    EXPECT_EQ(workspace, "bob-ws");
-    EXPECT_EQ(changelist, "12");
-    EXPECT_TRUE(always && prompt && use);
-    EXPECT_FALSE(mgr->GetUserSawSourceControlDialog());
-}
-
-struct SetterCase {
-    const char* name;
-    std::function<void(IRevisionControlPropertiesMgr&)> set;
-};
-
-class PropertiesMgrSignalTest : public PropertiesMgrTest, public ::testing::WithParamInterface<SetterCase>
-{
-};
-
-TEST_P(PropertiesMgrSignalTest, EverySetterNotifiesEachTimeEvenWithTheSameValue)
-{
-    CountingSlot first, second;
-    nrk::signalling::IConnection* c1 = nullptr;
-    nrk::signalling::IConnection* c2 = nullptr;
-    mgr->Connect_OnRevisionControlPropertiesChange(&first, &c1);
-    mgr->Connect_OnRevisionControlPropertiesChange(&second, &c2);
-    GetParam().set(*mgr);
-    GetParam().set(*mgr);
-    EXPECT_EQ(first.calls, 2);
-    EXPECT_EQ(second.calls, 2);
-    EXPECT_EQ(first.last, mgr.get());
-    delete c1;  // releasing the connection disconnects
-    GetParam().set(*mgr);
-    EXPECT_EQ(first.calls, 2);
-    EXPECT_EQ(second.calls, 3);
-    delete c2;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Setters, PropertiesMgrSignalTest,
-    ::testing::Values(
-        SetterCase{"Account", [](IRevisionControlPropertiesMgr& m) { m.SetAccountProperties("u", "s", "w"); }},
-        SetterCase{"Action",
-                   [](IRevisionControlPropertiesMgr& m) {
-                       m.SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionPrompt);
-                   }},
-        SetterCase{"AlwaysUse", [](IRevisionControlPropertiesMgr& m) { m.SetAlwaysUseSetting(false); }},
-        SetterCase{"ChangeList", [](IRevisionControlPropertiesMgr& m) { m.SetChangeListToUseWhenAutoCheckingOut(""); }},
-        SetterCase{"Prompt", [](IRevisionControlPropertiesMgr& m) { m.SetPromptForChangeListWhenCheckingOut(false); }},
-        SetterCase{"UseSource", [](IRevisionControlPropertiesMgr& m) { m.SetUseSourceDataControl(false); }},
-        SetterCase{"SawDialog", [](IRevisionControlPropertiesMgr& m) { m.SetUserSawSourceControlDialog(true); }}),
-    [](const ::testing::TestParamInfo<SetterCase>& info) { return std::string(info.param.name); });
-
-TEST_F(PropertiesMgrTest, TheAccountReachesTheDataControlAsTheServiceDescribesIt)
-{
+    hbrc::host::LogCapture log;
     KELPtr<kel4::IUserParameters> described(new FakeUserParameters("carol", "carol-ws", "/d.db"));
     EXPECT_CALL(*host.fileVersionControl, CreateUserParameters("carol", "", "/d.db", "carol-ws", _))
         .WillOnce(Return(described));
-    EXPECT_CALL(*host.dataControl, SetUserParameters(described));
-    mgr->SetAccountProperties("carol", "/d.db", "carol-ws");
-}
-
-TEST_F(PropertiesMgrTest, AnAccountTheServiceRejectsIsLoggedAndHandedOverAsNull)
-{
-    hbrc::host::LogCapture log;
-    EXPECT_CALL(*host.fileVersionControl, CreateUserParameters(_, _, _, _, _))
-        .WillRepeatedly([](auto&&, auto&&, auto&&, auto&&, std::string& error) {
+    EXPECT_CALL(*host.fileVersionControl, CreateUserParameters("dave", _, _, _, _))
+        .WillOnce([](auto&&, auto&&, auto&&, auto&&, std::string& error) {
             error = "no such workspace";
             return KELPtr<kel4::IUserParameters>();
         });
+    EXPECT_CALL(*host.fileVersionControl, CreateUserParameters("", _, _, _, _));
+    ::testing::InSequence order;
+    EXPECT_CALL(*host.dataControl, SetUserParameters(described));
     EXPECT_CALL(*host.dataControl, SetUserParameters(KELPtr<kel4::IUserParameters>()));
+    mgr->SetAccountProperties("carol", "/d.db", "carol-ws");
     mgr->SetAccountProperties("dave", "/d.db", "missing");
     EXPECT_EQ(log.TextsOfType(Log::eWarning), std::vector<std::string>{"no such workspace\n"});
 

@@ -53,12 +53,14 @@ TEST_P(StatusQuestions, AnswerFromTheSettingsAndTheDataControl)
 {
     const StatusQuestionCase& row = GetParam();
     const KELHandle<IDbObject> rock = host.manager->AddObject("id-rock", "Rock");
+    EXPECT_EQ(helper.IsRevisionControlEnabled(), row.settings == Settings::On);
     EXPECT_EQ(helper.CanCheckOutObject(rock, true), row.expectCanCheckOut);
     EXPECT_EQ(helper.CanMakeObjectWritable(rock, true), row.expectCanMakeWritable);
 }
 
-// Making writable asks the data control whatever the settings say; checking out needs revision
-// control switched on, and is allowed when the data control cannot tell.
+// Revision control is on only through the settings. Making writable asks the data control whatever
+// the settings say; checking out needs revision control switched on, and is allowed when the data
+// control cannot tell.
 INSTANTIATE_TEST_SUITE_P(
     Helper, StatusQuestions,
     ::testing::Values(

@@ -4,6 +4,7 @@
 #include <kel4/revisionstatus.h>
 
 #include <algorithm>
+#include <chrono>
 #include <functional>
 #include <tuple>
 
@@ -30,19 +31,30 @@ public:
 TEST_P(OtherUserStatus, AliceSeesBobsWorkWithHisName)
 {
     const OtherUserCase& row = std::get<1>(GetParam());
+    EXPECT_EQ(StatusOf("Rock"), 0u) << "known before bob acts";
     row.bobDoes(*this, BobFilesOf("Rock"));
 
+    // A refresh asks the server again, and the questions from the cache after it get its answer.
     // A Subversion check-out is a lock: the others' word says so too.
     const unsigned lockedBit = IsSubversion() && (row.expectedWord & eStatusCheckedOutByOthers) ? eStatusLockedByOthers : 0u;
     EXPECT_EQ(StatusOf("Rock"), row.expectedWord | lockedBit);
-    EXPECT_EQ(StatusOf("Sky"), 0u) << "an asset bob did not touch";
-    List<std::string> users;
-    ASSERT_EQ(DataControl()->GetUsersOfObject(Asset("Rock"), kPersistence, users).GetCode(), 0);
-    EXPECT_EQ(users, row.expectedUsers);
     bool canCheckOut = !row.canCheckOut;
     ASSERT_EQ(DataControl()->CanCheckOut(Asset("Rock"), true, kPersistence, canCheckOut).GetCode(), 0);
     EXPECT_EQ(canCheckOut, row.canCheckOut);
     EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence)) << "alice's copy is still read-only";
+    List<std::string> users, usersOfFiles;
+    std::string error;
+    ASSERT_EQ(DataControl()->GetUsersOfObject(Asset("Rock"), kPersistence, users).GetCode(), 0);
+    EXPECT_EQ(users, row.expectedUsers);
+    ASSERT_EQ(FileVersionControl()->GetUsersOfFiles(AliceSession(), FilesOf("Rock"), usersOfFiles, error).GetCode(), 0);
+    EXPECT_EQ(usersOfFiles, row.expectedUsers);
+
+    // A check-out with an asset bob did not touch succeeds or fails whole, naming who holds the rock.
+    EXPECT_EQ(DataControl()->CheckOut({Asset("Sky"), Asset("Rock")}, true, kPersistence, "", error).GetCode(),
+              row.canCheckOut ? 0 : kResultFailed) << error;
+    EXPECT_EQ(StatusOf("Sky"), row.canCheckOut ? eStatusCheckedOut : 0u);
+    for (const std::string& user : row.expectedUsers)
+        EXPECT_NE(error.find(user), std::string::npos) << error;
 }
 
 // Locks and deletes of others reach the object word as the depot reports them (tst_depot) and
@@ -74,36 +86,29 @@ class ObjectStatus : public ServerFixture
 };
 INSTANTIATE_TEST_SUITE_P(Servers, ObjectStatus, ServerKinds(), ServerKindName);
 
-TEST_P(ObjectStatus, ObjectWordIsTheUnionOfItsFilesWords)
+// An object's word is the union of its files' words: bob holds only the tree's external file,
+// alice checks out only its .kel file. Mark-for-add adds only the files the depot lacks: a new
+// asset's, and a new external file of the rock, which is in the depot and checked out.
+TEST_P(ObjectStatus, ObjectWordIsTheUnionOfItsFilesAndMarkForAddAddsOnlyTheMissingOnes)
 {
-    // Bob holds only the external file; alice checks out only the .kel file.
-    BobExpects(Bob().edit(BobTicket(), {BobPath("rock.bin")}, ""));
+    BobExpects(Bob().edit(BobTicket(), {BobPath("tree.bin")}, ""));
     std::string error;
-    ASSERT_EQ(DataControl()->CheckOut({Asset("Rock")}, false, kPersistence, "", error).GetCode(), 0) << error;
-
+    ASSERT_EQ(DataControl()->CheckOut({Asset("Tree")}, false, kPersistence, "", error).GetCode(), 0) << error;
     List<unsigned> statuses;
-    ASSERT_EQ(DataControl()->GetStatus({Asset("Rock"), Asset("Sky")}, true, kPersistence, true, statuses, error)
-                  .GetCode(),
-              0);
+    ASSERT_EQ(DataControl()->GetStatus({Asset("Tree"), Asset("Sky")}, true, kPersistence, true, statuses, error).GetCode(), 0);
     const unsigned lockedBit = IsSubversion() ? eStatusLockedByOthers : 0u;
     EXPECT_EQ(statuses, (List<unsigned>{eStatusCheckedOut | eStatusCheckedOutByOthers | lockedBit, 0u}));
-    ASSERT_EQ(DataControl()->GetStatus({Asset("Rock")}, false, kPersistence, true, statuses, error).GetCode(), 0);
+    ASSERT_EQ(DataControl()->GetStatus({Asset("Tree")}, false, kPersistence, true, statuses, error).GetCode(), 0);
     EXPECT_EQ(statuses, List<unsigned>{eStatusCheckedOut}) << "without external files only the .kel file counts";
-}
 
-TEST_P(ObjectStatus, MarkForAddAddsOnlyTheFilesTheDepotLacks)
-{
     const auto lamp = CreateSavedAsset("Lamp", "lamp.bin");
     EXPECT_EQ(StatusOf("Lamp"), eStatusNotInDatabase);
     EXPECT_FALSE(DataControl()->NeedsAction(lamp, true, kPersistence)) << "a new asset is editable as it is";
     bool canCheckOut = true;
     ASSERT_EQ(DataControl()->CanCheckOut(lamp, true, kPersistence, canCheckOut).GetCode(), 0);
     EXPECT_FALSE(canCheckOut);
-    std::string error;
     ASSERT_EQ(DataControl()->MarkForAdd({lamp}, true, kPersistence, "", error).GetCode(), 0) << error;
     EXPECT_EQ(StatusOf("Lamp"), eStatusMarkedForAdd);
-
-    // Rock is in the depot; after a check-out it gains a new external file.
     AliceChecksOut("Rock");
     ASSERT_TRUE(workspace->AddExternalFile(Asset("Rock"), "moss.bin", "moss"));
     workspace->Save();
@@ -138,16 +143,29 @@ TEST_P(ObjectStatus, ThousandObjectStatusQuestionIsOneRoundTripAnEmptyOneNone)
 
 TEST_P(ObjectStatus, PerObjectQuestionsAboutTheWorkListShareOneRoundTripAndAChangeForgetsOnlyItsFiles)
 {
+    // The status cache on the test's clock: its entries go stale when the clock passes their lifetime.
+    auto now = std::chrono::steady_clock::now();
+    services.connection->Cache() = hbrc::host::StatusCache(std::chrono::minutes(10), [&now] { return now; });
+    // A question about an object outside any work list asks about its own files only.
+    auto before = services.connection->RoundTrips();
+    EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
+    EXPECT_EQ(services.connection->RoundTrips() - before, 1u);
+    EXPECT_EQ(services.connection->Cache().Size(), 2u) << "Rock.kel and rock.bin, not the workspace";
+
     AliceChecksOut("Sky");
-    // An editability question names its work list through the related-objects question first.
+    // An editability question names its work list through the related-objects question first; the
+    // work list is asked about in one question, again so once its statuses went stale.
     IDataControl::ObjectSet related;
     ASSERT_EQ(DataControl()->GetRelatedObjects({Asset("Rock"), Asset("Tree"), Asset("Sky")}, related).GetCode(), 0);
-    auto before = services.connection->RoundTrips();
-    std::vector<bool> needsAction;
-    for (const char* asset : {"Rock", "Tree", "Sky"})
-        needsAction.push_back(DataControl()->NeedsAction(Asset(asset), true, kPersistence));
-    EXPECT_EQ(needsAction, (std::vector<bool>{true, true, false}));
-    EXPECT_EQ(services.connection->RoundTrips() - before, 1u) << "one status query for the work list";
+    for (const bool stale : {false, true}) {
+        now += stale ? std::chrono::minutes(11) : std::chrono::minutes(0);
+        before = services.connection->RoundTrips();
+        std::vector<bool> needsAction;
+        for (const char* asset : {"Rock", "Tree", "Sky"})
+            needsAction.push_back(DataControl()->NeedsAction(Asset(asset), true, kPersistence));
+        EXPECT_EQ(needsAction, (std::vector<bool>{true, true, false}));
+        EXPECT_EQ(services.connection->RoundTrips() - before, 1u) << "one status query for the work list";
+    }
 
     // A change through the services: the next question about its files asks the depot again,
     // about those files only; the others' statuses still hold.
@@ -190,15 +208,6 @@ TEST_P(ObjectStatus, MarkForAddAfterAStatusQuestionAboutItsFilesSkipsItsOwnStatu
     EXPECT_EQ(services.connection->RoundTrips() - before, 2 * (askingItself - 1));
     for (const char* asset : {"Vase", "Lamp", "Bench"})
         EXPECT_EQ(StatusOf(asset), eStatusMarkedForAdd) << asset;
-}
-
-TEST_P(ObjectStatus, AMissAboutAnObjectOutsideTheWorkListAsksAboutItsOwnFilesOnly)
-{
-    services.connection->Cache().Invalidate();
-    const auto before = services.connection->RoundTrips();
-    EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
-    EXPECT_EQ(services.connection->RoundTrips() - before, 1u);
-    EXPECT_EQ(services.connection->Cache().Size(), 2u) << "Rock.kel and rock.bin, not the workspace";
 }
 
 }  // namespace

@@ -10,50 +10,65 @@
 
 namespace {
 
-using hbrc::depot::CancelCheck;
 using hbrc::depot::ChangelistId;
 using hbrc::depot::FileStatus;
 using hbrc::depot::PendingChangelist;
 using hbrc::depot::Result;
 using hbrc::host::RevisionServer;
 namespace status = hbrc::depot::status;
+using Lines = std::vector<std::string>;
 
-std::vector<PendingChangelist> AlicesPendingWork(DepotHostFixture& fixture)
-{
-    std::vector<PendingChangelist> pending;
-    const Result listed = fixture.AliceAsks([&](RevisionServer& server, const std::string& ticket) {
-        return server.pendingChangelists(ticket, pending);
-    });
-    EXPECT_TRUE(listed.ok()) << listed.error;
-    return pending;
-}
-
-// "id: description: file, file" per changelist, for comparing whole listings.
-std::vector<std::string> Summary(const std::vector<PendingChangelist>& pending)
-{
-    std::vector<std::string> lines;
-    for (const PendingChangelist& changelist : pending) {
-        std::string line = changelist.changelist.id + ": " + changelist.changelist.description + ":";
-        for (const auto& file : changelist.files)
-            line += " " + file.localPath;
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-std::vector<std::string> Files(const kel4::List<std::string>& files)
+Lines Files(const kel4::List<std::string>& files)
 {
     return {files.begin(), files.end()};
 }
 
-void AppendTo(const std::string& file, const char* text)
+std::string Joined(const Lines& files)
 {
-    QFile edited(QFile::decodeName(file.c_str()));
-    ASSERT_TRUE(edited.open(QIODevice::Append) && edited.write(text) > 0) << file;
+    std::string text;
+    for (const std::string& file : files)
+        text += " " + file;
+    return text;
+}
+
+// "id: description: file file" per changelist, for comparing whole listings.
+Lines Summary(const std::vector<PendingChangelist>& pending)
+{
+    Lines lines;
+    for (const PendingChangelist& changelist : pending) {
+        lines.push_back(changelist.changelist.id + ": " + changelist.changelist.description + ":");
+        for (const auto& file : changelist.files)
+            lines.back() += " " + file.localPath;
+    }
+    return lines;
 }
 
 class PendingWork : public ServerFixture
 {
+public:
+    // Alice's calls about pending work go straight to the server of her services' connection, with
+    // her session's ticket; her data control's questions still go through the connection.
+    void SetUp() override
+    {
+        ServerFixture::SetUp();
+        if (HasFatalFailure())
+            return;
+        AliceAsks([this](RevisionServer& server, const std::string& ticket) {
+            alice = &server;
+            aliceTicket = ticket;
+            return Result{};
+        });
+        ASSERT_NE(alice, nullptr);
+    }
+    Lines AlicesPendingWork()
+    {
+        std::vector<PendingChangelist> pending;
+        BobExpects(alice->pendingChangelists(aliceTicket, pending));
+        return Summary(pending);
+    }
+
+    RevisionServer* alice = nullptr;
+    std::string aliceTicket;
 };
 INSTANTIATE_TEST_SUITE_P(Servers, PendingWork, ServerKinds(), ServerKindName);
 
@@ -65,10 +80,7 @@ TEST_P(PendingWork, AliceSortsRevertsAndSubmitsWhileBobWatchesAndGetsHerChange)
 
     // Alice sees who holds the tree and where, and that she is at the head.
     std::vector<FileStatus> tree;
-    const std::string treeFile = AlicePath("tree.bin");
-    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& ticket) {
-                    return server.status(ticket, {treeFile}, tree);
-                }).ok());
+    BobExpects(alice->status(aliceTicket, {AlicePath("tree.bin")}, tree));
     ASSERT_EQ(tree.size(), 1u);
     ASSERT_EQ(tree[0].heldBy.size(), 1u);
     EXPECT_EQ(tree[0].heldBy[0].user, "bob");
@@ -82,62 +94,46 @@ TEST_P(PendingWork, AliceSortsRevertsAndSubmitsWhileBobWatchesAndGetsHerChange)
     AliceChecksOut("Rock");
     AliceChecksOut("Sky");
     ChangelistId moss;
-    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& ticket) {
-                    return server.createChangelist(ticket, "Moss", moss);
-                }).ok());
-    const std::vector<std::string> rock = Files(FilesOf("Rock"));
-    const std::vector<std::string> sky = Files(FilesOf("Sky"));
-    const Result moved = AliceAsks([&](RevisionServer& server, const std::string& ticket) {
-        return server.reopen(ticket, rock, moss);
-    });
-    ASSERT_TRUE(moved.ok()) << moved.error;
-    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& ticket) {
-                    return server.setDescription(ticket, moss, "Mossy rock");
-                }).ok());
+    BobExpects(alice->createChangelist(aliceTicket, "Moss", moss));
+    const Lines rock = Files(FilesOf("Rock")), sky = Files(FilesOf("Sky"));
+    BobExpects(alice->reopen(aliceTicket, rock, moss));
+    BobExpects(alice->setDescription(aliceTicket, moss, "Mossy rock"));
     const auto roundTrips = services.connection->RoundTrips();
-    std::vector<PendingChangelist> pending = AlicesPendingWork(*this);
+    EXPECT_EQ(AlicesPendingWork(), (Lines{": :" + Joined(sky), moss + ": Mossy rock:" + Joined(rock)}));
     EXPECT_LE(services.connection->RoundTrips() - roundTrips, 1u) << "one question for all pending work";
-    const auto joined = [](const std::vector<std::string>& files) {
-        std::string text;
-        for (const std::string& file : files)
-            text += " " + file;
-        return text;
-    };
-    EXPECT_EQ(Summary(pending), (std::vector<std::string>{": :" + joined(sky), moss + ": Mossy rock:" + joined(rock)}));
 
     // Only the edited external file stays open after reverting the unchanged ones.
-    AppendTo(AlicePath("rock.bin"), "moss");
-    std::vector<std::string> reverted;
-    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& ticket) {
-                    return server.revertUnchanged(ticket, {}, reverted);
-                }).ok());
+    QFile edited(QFile::decodeName(AlicePath("rock.bin").c_str()));
+    ASSERT_TRUE(edited.open(QIODevice::Append) && edited.write("moss") > 0);
+    edited.close();
+    Lines reverted;
+    BobExpects(alice->revertUnchanged(aliceTicket, {}, reverted));
     EXPECT_EQ(reverted.size(), rock.size() + sky.size() - 1);
-    EXPECT_EQ(Summary(AlicesPendingWork(*this)),
-              (std::vector<std::string>{": :", moss + ": Mossy rock: " + AlicePath("rock.bin")}));
     EXPECT_TRUE(DataControl()->IsReadOnly(Asset("Sky"), true, kPersistence));
 
-    // The numbered changelist goes in with its own description; an empty new one can be deleted.
-    ChangelistId submitted;
-    const Result submit = AliceAsks([&](RevisionServer& server, const std::string& ticket) {
-        return server.submit(ticket, moss, "", submitted);
-    });
-    ASSERT_TRUE(submit.ok()) << submit.error;
-    ChangelistId empty;
-    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& ticket) {
-                    return server.createChangelist(ticket, "Nothing yet", empty);
-                }).ok());
-    const Result deleted = AliceAsks([&](RevisionServer& server, const std::string& ticket) {
-        return server.deleteChangelist(ticket, empty);
-    });
-    ASSERT_TRUE(deleted.ok()) << deleted.error;
-    EXPECT_EQ(Summary(AlicesPendingWork(*this)), std::vector<std::string>{": :"});
+    // With the sky marked for delete in the default changelist, the numbered one goes in alone, with
+    // its own description; an empty new one can be deleted; then the default goes in.
+    BobExpects(alice->remove(aliceTicket, sky, ""));
+    EXPECT_EQ(AlicesPendingWork(), (Lines{": :" + Joined(sky), moss + ": Mossy rock: " + AlicePath("rock.bin")}));
+    ChangelistId submitted, empty;
+    BobExpects(alice->submit(aliceTicket, moss, "", submitted));
+    EXPECT_EQ(AlicesPendingWork(), Lines{": :" + Joined(sky)});
+    EXPECT_EQ(StatusOf("Rock"), 0u);
+    EXPECT_TRUE(DataControl()->IsReadOnly(Asset("Rock"), true, kPersistence));
+    EXPECT_FALSE(DataControl()->ChangeListExists(moss));
+    BobExpects(alice->createChangelist(aliceTicket, "Nothing yet", empty));
+    BobExpects(alice->deleteChangelist(aliceTicket, empty));
+    AliceSubmits("No sky");
+    EXPECT_EQ(AlicesPendingWork(), Lines{": :"});
 
-    // Bob is behind on the rock, gets the latest of that file alone, and has alice's change.
-    const std::string bobsRock = BobFilesOf("Rock").back();
-    ASSERT_EQ(bobsRock, BobPath("rock.bin"));
+    // Bob is behind on the rock and on the sky deleted at the head, gets the latest of the rock
+    // alone, and has alice's change.
+    const std::string bobsRock = BobPath("rock.bin");
     std::vector<FileStatus> bobSees;
-    BobExpects(Bob().status(BobTicket(), {bobsRock}, bobSees));
+    BobExpects(Bob().status(BobTicket(), {bobsRock, BobFilesOf("Sky").front()}, bobSees));
+    ASSERT_EQ(bobSees.size(), 2u);
     EXPECT_TRUE(bobSees[0].word & status::NotAtHead);
+    EXPECT_TRUE(bobSees[1].word & status::NotAtHead) << "the sky, deleted at the head";
     EXPECT_LT(bobSees[0].haveRevision, bobSees[0].headRevision);
     BobExpects(Bob().sync(BobTicket(), {bobsRock}));
     BobExpects(Bob().status(BobTicket(), {bobsRock}, bobSees));
@@ -159,112 +155,47 @@ TEST_P(PendingWork, ASecondConnectionOnTheWorkspaceListsTheChangelistsTheFirstFi
     std::string ticket;
     BobExpects(second->login("alice", "alice-pw", AliceWorkspace(), ticket));
 
-    ChangelistId lookDev;
-    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& aliceTicket) {
-                    return server.createChangelist(aliceTicket, "look dev", lookDev);
-                }).ok());
+    ChangelistId lookDev, sunset;
+    BobExpects(alice->createChangelist(aliceTicket, "look dev", lookDev));
     AliceChecksOut("Sky", lookDev);
     const std::string sky = Files(FilesOf("Sky")).front();
     std::vector<PendingChangelist> seen;
     BobExpects(second->pendingChangelists(ticket, seen));
-    EXPECT_EQ(Summary(seen), (std::vector<std::string>{": :", lookDev + ": look dev: " + sky}));
+    EXPECT_EQ(Summary(seen), (Lines{": :", lookDev + ": look dev: " + sky}));
 
-    ChangelistId sunset;
     BobExpects(second->createChangelist(ticket, "sunset", sunset));
     BobExpects(second->reopen(ticket, {sky}, sunset));
-    EXPECT_EQ(Summary(AlicesPendingWork(*this)),
-              (std::vector<std::string>{": :", lookDev + ": look dev:", sunset + ": sunset: " + sky}));
+    EXPECT_EQ(AlicesPendingWork(), (Lines{": :", lookDev + ": look dev:", sunset + ": sunset: " + sky}));
 }
 
 // Requests the server refuses, each leaving alice's pending work as it was. Alice has the sky open
 // in the default changelist and the rock in a numbered one (full).
-struct AlicesWork
+TEST_P(PendingWork, RefusedRequestsChangeNothingAndSayWhy)
 {
-    std::vector<std::string> tree;
-    std::vector<std::string> sky;
-    ChangelistId full;
-};
-
-struct Refusal
-{
-    const char* name;
-    std::function<Result(const AlicesWork& f, RevisionServer& s, const std::string& t)> request;
-    const char* errorPart;
-};
-
-const Refusal kRefusals[] = {
-    {"DescriptionOfTheDefault",
-     [](const AlicesWork&, RevisionServer& s, const std::string& t) {
-         return s.setDescription(t, "", "Anything");
-     },
-     "default changelist"},
-    {"EmptyDescription",
-     [](const AlicesWork& f, RevisionServer& s, const std::string& t) {
-         return s.setDescription(t, f.full, "");
-     },
-     "cannot be empty"},
-    {"DescriptionOfAnUnknownChangelist",
-     [](const AlicesWork&, RevisionServer& s, const std::string& t) {
-         return s.setDescription(t, "9999", "Anything");
-     },
-     "Change 9999"},
-    {"DeleteTheDefault",
-     [](const AlicesWork&, RevisionServer& s, const std::string& t) {
-         return s.deleteChangelist(t, "");
-     },
-     "cannot be deleted"},
-    {"DeleteAChangelistWithFiles",
-     [](const AlicesWork& f, RevisionServer& s, const std::string& t) {
-         return s.deleteChangelist(t, f.full);
-     },
-     "open file(s)"},
-    {"MoveAFileNotOpen",
-     [](const AlicesWork& f, RevisionServer& s, const std::string& t) {
-         return s.reopen(t, f.tree, f.full);
-     },
-     "is not opened"},
-    {"MoveIntoAnUnknownChangelist",
-     [](const AlicesWork& f, RevisionServer& s, const std::string& t) {
-         return s.reopen(t, f.sky, "9999");
-     },
-     "Change 9999"},
-    {"SubmitTheDefaultWithoutDescription",
-     [](const AlicesWork&, RevisionServer& s, const std::string& t) {
-         ChangelistId submitted;
-         return s.submit(t, "", "", submitted);
-     },
-     "description"},
-};
-
-class PendingWorkRefusals : public DepotHostFixture,
-                            public ::testing::WithParamInterface<std::tuple<ServerKind, Refusal>>
-{
-public:
-    ServerKind Server() const override { return std::get<0>(GetParam()); }
-};
-
-TEST_P(PendingWorkRefusals, ChangeNothingAndSayWhy)
-{
-    const Refusal& row = std::get<1>(GetParam());
-    AlicesWork work{Files(FilesOf("Tree")), Files(FilesOf("Sky")), {}};
     AliceChecksOut("Sky");
-    ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& ticket) {
-                    return server.createChangelist(ticket, "Full", work.full);
-                }).ok());
-    AliceChecksOut("Rock", work.full);
-    const std::vector<std::string> before = Summary(AlicesPendingWork(*this));
-
-    const Result refused =
-        AliceAsks([&](RevisionServer& server, const std::string& ticket) { return row.request(work, server, ticket); });
-    EXPECT_EQ(refused.code, hbrc::depot::code::Failed) << refused.error;
-    EXPECT_NE(refused.error.find(row.errorPart), std::string::npos) << refused.error;
-    EXPECT_EQ(Summary(AlicesPendingWork(*this)), before);
+    ChangelistId full, submitted;
+    BobExpects(alice->createChangelist(aliceTicket, "Full", full));
+    AliceChecksOut("Rock", full);
+    const Lines tree = Files(FilesOf("Tree")), sky = Files(FilesOf("Sky"));
+    RevisionServer& s = *alice;
+    const std::string& t = aliceTicket;
+    const std::tuple<const char*, std::function<Result()>, const char*> refusals[] = {
+        {"DescriptionOfTheDefault", [&] { return s.setDescription(t, "", "Anything"); }, "default changelist"},
+        {"EmptyDescription", [&] { return s.setDescription(t, full, ""); }, "cannot be empty"},
+        {"DescriptionOfAnUnknownChangelist", [&] { return s.setDescription(t, "9999", "Anything"); }, "Change 9999"},
+        {"DeleteTheDefault", [&] { return s.deleteChangelist(t, ""); }, "cannot be deleted"},
+        {"DeleteAChangelistWithFiles", [&] { return s.deleteChangelist(t, full); }, "open file(s)"},
+        {"MoveAFileNotOpen", [&] { return s.reopen(t, tree, full); }, "is not opened"},
+        {"MoveIntoAnUnknownChangelist", [&] { return s.reopen(t, sky, "9999"); }, "Change 9999"},
+        {"SubmitTheDefaultWithoutDescription", [&] { return s.submit(t, "", "", submitted); }, "description"},
+    };
+    const Lines before = AlicesPendingWork();
+    for (const auto& [name, request, errorPart] : refusals) {
+        const Result refused = request();
+        EXPECT_EQ(refused.code, hbrc::depot::code::Failed) << name << ": " << refused.error;
+        EXPECT_NE(refused.error.find(errorPart), std::string::npos) << name << ": " << refused.error;
+        EXPECT_EQ(AlicesPendingWork(), before) << name;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(, PendingWorkRefusals, ::testing::Combine(ServerKinds(), ::testing::ValuesIn(kRefusals)),
-                         [](const ::testing::TestParamInfo<std::tuple<ServerKind, Refusal>>& info) {
-                             return ServerKindName({std::get<0>(info.param), info.index}) +
-                                    std::get<1>(info.param).name;
-                         });
 
 }  // namespace

@@ -3,12 +3,14 @@
 #include <depothostfixture.h>
 
 #include <hbrcservices/depotqueries.h>
+#include <kel4/revisionstatus.h>
+
+#include <QProcess>
 
 #include <chrono>
 #include <functional>
 #include <set>
 #include <thread>
-#include <tuple>
 
 using namespace kel4;
 
@@ -19,55 +21,41 @@ class SessionsAndFaults : public ServerFixture
 };
 INSTANTIATE_TEST_SUITE_P(Servers, SessionsAndFaults, ServerKinds(), ServerKindName);
 
-struct LoginCase
+TEST_P(SessionsAndFaults, FailedLogInsGiveNoSessionAndSayWhy)
 {
-    const char* name;
-    const char* user;
-    const char* password;
-    bool bobsWorkspace;
-    bool unreachable;
-    const char* errorPart;
-    // What a Subversion server answers: a working copy has no owner (nullptr: the log-in succeeds).
-    const char* svnErrorPart;
-};
-
-class LoginFailures : public DepotHostFixture,
-                      public ::testing::WithParamInterface<std::tuple<ServerKind, LoginCase>>
-{
-public:
-    ServerKind Server() const override { return std::get<0>(GetParam()); }
-};
-
-TEST_P(LoginFailures, GiveNoSessionAndSayWhy)
-{
-    const LoginCase& row = std::get<1>(GetParam());
-    std::string error;
-    const std::string server = row.unreachable ? UnreachableServer() : DepotPath();
-    const KELPtr<IUserParameters> session = FileVersionControl()->Login(
-        row.user, row.password, row.bobsWorkspace ? BobWorkspace() : AliceWorkspace(), server, error);
-    const char* expected = IsSubversion() ? row.svnErrorPart : row.errorPart;
-    EXPECT_EQ(session.IsNull(), expected != nullptr) << error;
-    if (expected) {
-        EXPECT_NE(error.find(expected), std::string::npos) << error;
+    // What a Subversion server answers differs where a working copy has no owner (nullptr: the
+    // log-in succeeds); file:// repositories have no authentication: only the unreachable row applies.
+    const struct
+    {
+        const char* name;
+        const char* user;
+        const char* password;
+        bool bobsWorkspace;
+        bool unreachable;
+        const char* errorPart;
+        const char* svnErrorPart;
+    } rows[] = {
+        {"WrongPassword", "alice", "guess", false, false, "Invalid password", "Invalid password"},
+        {"MissingPassword", "alice", "", false, false, "Invalid password", "Invalid password"},
+        {"UnknownUser", "carol", "x", false, false, "Invalid password", "Invalid password"},
+        {"SomeoneElsesWorkspace", "alice", "alice-pw", true, false, "belongs to user bob", nullptr},
+        {"UnreachableServer", "alice", "alice-pw", false, true, "Cannot reach the depot", "Cannot reach the Subversion server"},
+    };
+    for (const auto& row : rows) {
+        if (Server() == ServerKind::SvnFile && !row.unreachable)
+            continue;
+        std::string error;
+        const KELPtr<IUserParameters> session =
+            FileVersionControl()->Login(row.user, row.password, row.bobsWorkspace ? BobWorkspace() : AliceWorkspace(),
+                                        row.unreachable ? UnreachableServer() : DepotPath(), error);
+        const char* expected = IsSubversion() ? row.svnErrorPart : row.errorPart;
+        EXPECT_EQ(session.IsNull(), expected != nullptr) << row.name << ": " << error;
+        if (expected) {
+            EXPECT_NE(error.find(expected), std::string::npos) << row.name << ": " << error;
+        }
     }
     EXPECT_EQ(StatusOf("Rock"), 0u) << "alice's installed session still works, on the same server";
 }
-
-// file:// repositories have no authentication: only the unreachable row applies to them.
-INSTANTIATE_TEST_SUITE_P(
-    , LoginFailures,
-    ::testing::Combine(
-        ::testing::Values(ServerKind::EmbeddedDepot, ServerKind::SvnServe),
-        ::testing::Values(
-            LoginCase{"WrongPassword", "alice", "guess", false, false, "Invalid password", "Invalid password"},
-            LoginCase{"MissingPassword", "alice", "", false, false, "Invalid password", "Invalid password"},
-            LoginCase{"UnknownUser", "carol", "x", false, false, "Invalid password", "Invalid password"},
-            LoginCase{"SomeoneElsesWorkspace", "alice", "alice-pw", true, false, "belongs to user bob", nullptr},
-            LoginCase{"UnreachableServer", "alice", "alice-pw", false, true, "Cannot reach the depot",
-                      "Cannot reach the Subversion server"})),
-    [](const ::testing::TestParamInfo<std::tuple<ServerKind, LoginCase>>& info) {
-        return ServerKindName({std::get<0>(info.param), info.index}) + std::get<1>(info.param).name;
-    });
 
 // Every operation that needs the depot, as the plug-in calls them; each answers a result code.
 struct DepotOperation
@@ -76,65 +64,72 @@ struct DepotOperation
     std::function<kelResult(DepotHostFixture&, std::string& error)> run;
 };
 
+using F = DepotHostFixture;
 const DepotOperation kOperations[] = {
-    {"status", [](DepotHostFixture& f, std::string& error) {
+    {"status", [](F& f, std::string& error) {
          List<unsigned> statuses;
          return f.DataControl()->GetStatus({f.Asset("Rock")}, true, closureId::Persistence, true, statuses, error);
      }},
-    {"check-out", [](DepotHostFixture& f, std::string& error) {
-         return f.DataControl()->CheckOut({f.Asset("Rock")}, true, closureId::Persistence, "", error);
-     }},
-    {"users", [](DepotHostFixture& f, std::string&) {
-         List<std::string> users;
-         return f.DataControl()->GetUsersOfObject(f.Asset("Rock"), closureId::Persistence, users);
-     }},
-    {"changelists", [](DepotHostFixture& f, std::string& error) {
-         List<std::string> changelists;
-         return f.DataControl()->GetPendingChangeLists(changelists, error);
-     }},
-    {"revert", [](DepotHostFixture& f, std::string& error) {
-         return f.FileVersionControl()->Revert(f.AliceSession(), {f.AlicePath("rock.bin")}, error, 0, 0);
-     }},
-    {"mark-for-delete", [](DepotHostFixture& f, std::string& error) {
+    {"check-out", [](F& f, std::string& error) {
+         return f.DataControl()->CheckOut({f.Asset("Rock")}, true, closureId::Persistence, "", error); }},
+    {"users", [](F& f, std::string&) { List<std::string> users;
+         return f.DataControl()->GetUsersOfObject(f.Asset("Rock"), closureId::Persistence, users); }},
+    {"changelists", [](F& f, std::string& error) { List<std::string> changelists;
+         return f.DataControl()->GetPendingChangeLists(changelists, error); }},
+    {"revert", [](F& f, std::string& error) {
+         return f.FileVersionControl()->Revert(f.AliceSession(), {f.AlicePath("rock.bin")}, error, 0, 0); }},
+    {"mark-for-delete", [](F& f, std::string& error) {
          return f.FileVersionControl()->MarkForDeleteInChangelist(f.AliceSession(), {f.AlicePath("rock.bin")}, "", error);
      }},
+    // Answered from the status cache while the session's statuses are known.
+    {"can-check-out", [](F& f, std::string&) { bool can = false;
+         return f.DataControl()->CanCheckOut(f.Asset("Sky"), true, closureId::Persistence, can); }},
 };
 
-TEST_P(SessionsAndFaults, ExpiredSessionMakesEveryOperationUnusableUntilALogIn)
+// Runs every operation: each works, or each answers that the session is unusable.
+void ExpectEveryOperation(DepotHostFixture& fixture, bool usable)
 {
-    ASSERT_EQ(services.ExpireSessionNow().GetCode(), 0);
     std::string error;
-    for (const DepotOperation& operation : kOperations)
-        EXPECT_EQ(operation.run(*this, error).GetCode(), kResultSessionUnusable) << operation.name;
+    for (const DepotOperation& operation : kOperations) {
+        const int code = operation.run(fixture, error).GetCode();
+        EXPECT_TRUE(usable ? code >= 0 : code == kResultSessionUnusable) << operation.name << ": " << code << ' ' << error;
+    }
+}
+
+// Alice's session through its life. A failed change reaches her with its text and opens nothing
+// (how injected failures count is the depot's, tst_depot). An expired session makes every
+// operation unusable until the plug-in's re-connection logs in again. The settings hand the account
+// over when revision control is switched on or the account is written again: the same account
+// keeps its session; another one, or none, makes every operation unusable without asking the
+// server. A log-in kept on one connection opens a session on the next one, as after a restart (the
+// embedded depot keeps the ticket in the ticket store hbdepot shares, Subversion the password in its
+// client's credential cache in $HOME), until she logs out.
+TEST_P(SessionsAndFaults, ASessionLivesUntilItExpiresOrAnotherAccountIsHandedOver)
+{
+    std::string error;
+    services.connection->Faults().failOperation(hbrc::depot::Operation::Edit, hbrc::depot::code::IoError, "disk on fire");
+    EXPECT_EQ(DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error).GetCode(), kResultFailed);
+    EXPECT_EQ(error, "disk on fire");
+    services.connection->Faults().clear();
+    EXPECT_EQ(StatusOf("Rock"), 0u);
+    EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
+
+    ASSERT_EQ(services.ExpireSessionNow().GetCode(), 0);
+    ExpectEveryOperation(*this, false);
     EXPECT_FALSE(DataControl()->ChangeListExists("1"));
     EXPECT_TRUE(DataControl()->ChangeListExists("")) << "the default changelist exists without asking";
     std::vector<hbrc::depot::FileStatus> bobSees;
     BobExpects(Bob().status(BobTicket(), BobFilesOf("Rock"), bobSees));
     for (const auto& status : bobSees)
         EXPECT_EQ(status.word, 0u) << "the refused check-out opened nothing";
-
-    // What the plug-in's re-connection does: log in again and install the session.
     const KELPtr<IUserParameters> session = FileVersionControl()->Login("alice", "alice-pw", AliceWorkspace(), DepotPath(), error);
     ASSERT_FALSE(session.IsNull()) << error;
     EXPECT_TRUE(session->HasSession());
     DataControl()->SetSession(session);
-    for (const DepotOperation& operation : kOperations)
-        EXPECT_GE(operation.run(*this, error).GetCode(), 0) << operation.name << ": " << error;
-}
-
-// The settings hand the account over when revision control is switched on or the account is written
-// again: the same account keeps its session; another one, or none, makes every operation unusable
-// without asking the server.
-TEST_P(SessionsAndFaults, AnAccountHandedOverAgainKeepsTheSessionAndAnyOtherNeedsALogIn)
-{
-    std::string error;
-    const KELPtr<IUserParameters> running = DataControl()->GetUserParameters();
     DataControl()->SetUserParameters(
         FileVersionControl()->CreateUserParameters("alice", "", DepotPath(), AliceWorkspace(), error));
-    EXPECT_EQ(DataControl()->GetUserParameters(), running);
-    for (const DepotOperation& operation : kOperations)
-        EXPECT_GE(operation.run(*this, error).GetCode(), 0) << operation.name << ": " << error;
-
+    EXPECT_EQ(DataControl()->GetUserParameters(), session);
+    ExpectEveryOperation(*this, true);
     // An account without a session, as the host describes it before logging in.
     const KELPtr<IUserParameters> bob =
         FileVersionControl()->CreateUserParameters("bob", "", DepotPath(), BobWorkspace(), error);
@@ -145,8 +140,7 @@ TEST_P(SessionsAndFaults, AnAccountHandedOverAgainKeepsTheSessionAndAnyOtherNeed
     for (const KELPtr<IUserParameters>& account : {bob, KELPtr<IUserParameters>()}) {
         DataControl()->SetUserParameters(account);
         EXPECT_EQ(DataControl()->GetUserParameters(), account);
-        for (const DepotOperation& operation : kOperations)
-            EXPECT_EQ(operation.run(*this, error).GetCode(), kResultSessionUnusable) << operation.name;
+        ExpectEveryOperation(*this, false);
     }
     EXPECT_EQ(services.connection->RoundTrips(), before);
     if (!IsSubversion()) {
@@ -155,36 +149,11 @@ TEST_P(SessionsAndFaults, AnAccountHandedOverAgainKeepsTheSessionAndAnyOtherNeed
                         .IsNull());
         EXPECT_NE(error.find("Cannot reach the depot"), std::string::npos) << error;
     }
-}
 
-TEST_P(SessionsAndFaults, ServicesOnAnUnreachableDepotAnswerUnusable)
-{
-    std::string error;
-    auto unreachable = hbrc::host::InstallRevisionControlServices(
-        *workspace, UnreachableServer(), {"alice", "alice-pw", AliceWorkspace()}, error, ConnectionOptionsForAlice());
-    EXPECT_NE(error.find("Cannot reach the"), std::string::npos) << error;
-    for (const DepotOperation& operation : kOperations)
-        EXPECT_EQ(operation.run(*this, error).GetCode(), kResultSessionUnusable) << operation.name;
-
-    // Logging in to the right depot moves the services there.
-    const KELPtr<IUserParameters> session = FileVersionControl()->Login("alice", "alice-pw", AliceWorkspace(), DepotPath(), error);
-    ASSERT_FALSE(session.IsNull()) << error;
-    DataControl()->SetSession(session);
-    EXPECT_EQ(unreachable.connection->Server(), DepotPath());
-    EXPECT_EQ(StatusOf("Rock"), 0u);
-}
-
-// A log-in kept on one connection opens a session on the next one, as after a restart: the
-// embedded depot keeps the ticket in the ticket store hbdepot shares, Subversion the password in
-// its client's credential cache (in $HOME, as the svn command-line client keeps it). Logging out
-// ends the session and forgets what was kept.
-TEST_P(SessionsAndFaults, AKeptLogInServesTheNextStartUntilLogOut)
-{
     const QByteArray home = qgetenv("HOME");
     const QTemporaryDir ownHome;
     qputenv("HOME", QFile::encodeName(ownHome.path()));
-    std::string error;
-    ASSERT_TRUE(services.connection->Keep(DataControl()->GetUserParameters().Get(), error).IsSuccess()) << error;
+    ASSERT_TRUE(services.connection->Keep(session.Get(), error).IsSuccess()) << error;
     hbrc::host::DepotConnection restart(DepotPath());
     const KELPtr<hbrc::host::UserParameters> resumed = restart.ResumeKept("alice", AliceWorkspace(), error);
     ASSERT_FALSE(resumed.IsNull()) << error;
@@ -200,17 +169,18 @@ TEST_P(SessionsAndFaults, AKeptLogInServesTheNextStartUntilLogOut)
     qputenv("HOME", home);
 }
 
-// How injected failures count and pick their operation is the depot's (tst_depot); here, that a
-// failed change reaches the caller with its text and opens nothing.
-TEST_P(SessionsAndFaults, FailedCheckOutLeavesNothingOpen)
+TEST_P(SessionsAndFaults, ServicesOnAnUnreachableServerAnswerUnusableUntilALogInThere)
 {
-    services.connection->Faults().failOperation(hbrc::depot::Operation::Edit, hbrc::depot::code::IoError, "disk on fire");
     std::string error;
-    EXPECT_EQ(DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error).GetCode(), kResultFailed);
-    EXPECT_EQ(error, "disk on fire");
-    services.connection->Faults().clear();
+    auto unreachable = hbrc::host::InstallRevisionControlServices(
+        *workspace, UnreachableServer(), {"alice", "alice-pw", AliceWorkspace()}, error, ConnectionOptionsForAlice());
+    EXPECT_NE(error.find("Cannot reach the"), std::string::npos) << error;
+    ExpectEveryOperation(*this, false);
+    const KELPtr<IUserParameters> session = FileVersionControl()->Login("alice", "alice-pw", AliceWorkspace(), DepotPath(), error);
+    ASSERT_FALSE(session.IsNull()) << error;
+    DataControl()->SetSession(session);
+    EXPECT_EQ(unreachable.connection->Server(), DepotPath());
     EXPECT_EQ(StatusOf("Rock"), 0u);
-    EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
 }
 
 class SvnServeFaults : public DepotHostFixture
@@ -236,6 +206,22 @@ TEST_F(SvnServeFaults, ACredentialTheServerNoLongerAcceptsMakesTheSessionUnusabl
     ASSERT_FALSE(session.IsNull()) << error;
     DataControl()->SetSession(session);
     EXPECT_EQ(StatusOf("Rock"), 0u);
+}
+
+// Bob forces his lock over alice's in the repository (svn lock --force): her working copy still
+// has its token, but the files are no longer checked out here, they are locked by bob.
+TEST_F(SvnServeFaults, ALockStolenInTheRepositoryIsTheThiefsNotAlices)
+{
+    AliceChecksOut("Rock");
+    const QTemporaryDir config;
+    QStringList arguments{"lock", "--force", "--non-interactive", "--no-auth-cache", "--config-dir", config.path(),
+                          "--username", "bob", "--password", "bob-pw"};
+    for (const std::string& file : FilesOf("Rock"))
+        arguments << QString::fromStdString(DepotPath() + file.substr(AlicePath("").size() - 1));
+    QProcess svn;
+    svn.start(QStringLiteral("svn"), arguments);
+    ASSERT_TRUE(svn.waitForFinished(30000) && svn.exitCode() == 0) << svn.readAllStandardError().toStdString();
+    EXPECT_EQ(StatusOf("Rock"), eStatusCheckedOutByOthers | eStatusLockedByOthers);
 }
 
 // The server dies while a check-out is under way (its round trip delayed): the check-out and every
