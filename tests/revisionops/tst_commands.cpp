@@ -1,23 +1,15 @@
 // The revision commands run by the reference host's command manager ("UndoManager") against its
-// embedded depot: alice's workspace with the assets Rock, Tree and Sky submitted and read-only.
+// embedded depot: alice's workspace with the assets Rock, Tree and Sky submitted and read-only;
+// and the helper's mark-for-add into a pending changelist, which runs one of them.
 #include "hbcheckoutcommand.h"
 #include "hbmakewritablecommand.h"
 #include "hbmarkforaddcommand.h"
+#include "helperhostfixture.h"
 #include "itemaccessorlisting.h"
 
-#include <depothostfixture.h>
-
 #include <borax/datamodel/iitemlibrarynotification.h>
-#include <kel4/revisionstatus.h>
+#include <nrk/fwk/icommand.h>
 #include <nrk/isystem.h>
-
-#include <QFileInfo>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <optional>
 
 using borax::datamodel::ItemID;
 using borax::datamodel::ItemLibraryAccessor;
@@ -91,18 +83,18 @@ INSTANTIATE_TEST_SUITE_P(
                                    "MakeWritable Command", ""}),
     [](const auto& info) { return std::string(info.param.name); });
 
-class CommandsOnDepot : public DepotHostFixture
+class CommandsOnDepot : public HelperOnHost
 {
 protected:
     void SetUp() override
     {
-        DepotHostFixture::SetUp();
+        HelperOnHost::SetUp();
         workspace->Library().Context().RegisterNotification(&receiver, 40, 0);
     }
     void TearDown() override
     {
         workspace->Library().Context().UnregisterNotification(&receiver, 40, 0);
-        DepotHostFixture::TearDown();
+        HelperOnHost::TearDown();
     }
 
     ItemLibraryAccessor library() const { return host->Proxy().GetItemLibraryAccessor(); }
@@ -137,8 +129,16 @@ protected:
         const auto* error = nrk::fwk::GetParamAs<nrk::fwk::StringParam>(command, BaseScsCommand::kErrorStringParam);
         return error ? error->GetValue() : "<no ErrorString>";
     }
+    kelResult markForAdd(const ObjectList& objects, const std::string& changelist = "")
+    {
+        return helper.MarkForAddObjectsInChangelist(DataControl(), objects, true, changelist, errorString, message,
+                                                    details);
+    }
 
     AccessStateReceiver receiver;
+    std::string errorString = "untouched";
+    std::string message = "untouched";
+    std::string details = "untouched";
 };
 
 // The commands that reach the server run on the embedded depot and on a Subversion server.
@@ -222,13 +222,8 @@ TEST_F(CommandsOnDepot, AMakeWritableWhoseSecondAssetFailsLeavesTheThirdAndStill
 {
     const auto rock = FilesOf("Rock");
     const auto sky = FilesOf("Sky");
-    // tree.bin becomes a read-only entry whose mode nobody may change, not even root.
-    const QString tree = QString::fromStdString(AlicePath("tree.bin"));
-    const QString unchangeable = QStringLiteral("/proc/sys/kernel/osrelease");
-    if (!QFileInfo::exists(unchangeable))
+    if (!MakeUnchangeable("tree.bin"))
         GTEST_SKIP() << "no file whose mode cannot be changed";
-    ASSERT_TRUE(QFile::remove(tree));
-    ASSERT_TRUE(QFile::link(unchangeable, tree));
     const KELPtr<ScsMakeWritableCommand> command(
         new ScsMakeWritableCommand(library(), accessorsOf({"Rock", "Tree", "Sky"}), true));
     EXPECT_EQ(execute(*command), kel4::kResultFailed);
@@ -269,6 +264,89 @@ TEST_F(CommandsOnDepot, AccessorListingAppendsEachKnownItemOnceInItemOrder)
     EXPECT_THAT(accessorsOf({"Tree", "Sky", "Rock", "Tree"}, earlier),
                 ElementsAre(earlier.front(), UnspecifiedAccessor(library(), itemOf("Rock")),
                             UnspecifiedAccessor(library(), itemOf("Tree"))));
+}
+
+// --- the helper's mark-for-add ------------------------------------------------------------------------
+
+// One undoable command; nothing the item library knows needs none.
+TEST_F(CommandsOnDepot, TheHelpersMarkForAddOpensTheNewFilesInTheChangelistAsOneUndoStep)
+{
+    const KELHandle<IDbObject> gone = CreateSavedAsset("Gone");
+    ASSERT_TRUE(workspace->DeleteAsset(gone));
+    const std::size_t undoSteps = host->Commands().GetUndoCount();
+    for (const ObjectList& objects : {ObjectList{}, ObjectList{gone}}) {
+        EXPECT_EQ(markForAdd(objects).GetCode(), kel4::kResultSuccess);
+        EXPECT_EQ(host->Commands().GetUndoCount(), undoSteps);
+        EXPECT_EQ(message, "untouched");
+    }
+
+    const KELHandle<IDbObject> fern = CreateSavedAsset("Fern", "fern.bin");
+    const std::string changelist = NewChangelist("ferns");
+    EXPECT_EQ(markForAdd({fern}, changelist).GetCode(), kel4::kResultSuccess);
+    EXPECT_THAT(StatesOf(FilesOf("Fern")), Each(FileState{kel4::eStatusMarkedForAdd, changelist}));
+    EXPECT_EQ(host->Commands().GetUndoCount(), undoSteps + 1);
+    ASSERT_NE(host->Commands().GetUndoCommand(), nullptr);
+    EXPECT_STREQ(host->Commands().GetUndoCommand()->GetCommandIdentifier(), "markForAddKELDbObjects");
+}
+
+// Without a command manager, or without a data control in the database, the helper's command
+// cannot run: it says so and leaves the texts it does not own.
+TEST_F(CommandsOnDepot, AHelperCommandThatCannotRunIsReportedAsSuch)
+{
+    const KELHandle<IDbObject> fern = CreateSavedAsset("Fern");
+    host->System().UnregisterSingleton("UndoManager");
+    EXPECT_TRUE(helper.CheckOutObjectsInChangelist(DataControl(), Assets({"Rock"}), true, "", errorString, message,
+                                                   details)
+                    .IsFailure());
+    EXPECT_EQ(message, "Could not execute command: Unknown error");
+    ASSERT_TRUE(host->System().RegisterSingleton("UndoManager", &host->Commands()));
+
+    message.clear();
+    const KELPtr<kel4::IDataControl> dataControl = DataControl();
+    workspace->Model().Instance().RegisterService(kel4::UID_DataControl(), nullptr);
+    const kelResult result =
+        helper.MarkForAddObjectsInChangelist(dataControl, {fern}, true, "", errorString, message, details);
+    EXPECT_EQ(result.GetCode(), kel4::kResultCommandRefused);
+    EXPECT_EQ(message, "Could not execute command: Unknown error");
+    EXPECT_EQ(errorString, "untouched");
+    EXPECT_EQ(details, "untouched");
+}
+
+// bob has opened a file of the same name for add: alice's add is refused and the message names
+// him. The file is also new to the depot (0x80), which a mark-for-add does not explain.
+TEST_F(CommandsOnDepot, ARefusedMarkForAddNamesTheUserWhoAddedTheSameFileFirst)
+{
+    const KELHandle<IDbObject> fern = CreateSavedAsset("Fern");
+    const std::string bobFern = BobPath(FilesOf("Fern").front().substr(AlicePath("").size()));
+    QFile file(QFile::decodeName(QByteArray::fromStdString(bobFern)));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("bob's fern\n");
+    file.close();
+    BobExpects(Bob().add(BobTicket(), {bobFern}, ""));
+
+    EXPECT_LT(markForAdd({fern}).GetCode(), 0);
+    EXPECT_NE(errorString.find("bob"), std::string::npos) << errorString;
+    EXPECT_EQ(message, "Cannot mark-for-add the assets\n"
+                       "because the following users have marked for add some of the files\n"
+                       "\nbob\n");
+    EXPECT_EQ(details, "Files:\n" + FilesOf("Fern").front() + "\n");
+}
+
+// An expired session: a batch run fails with the session's code; with a window the password is
+// asked for once, and the files are marked.
+TEST_F(CommandsOnDepot, AnExpiredSessionFailsABatchMarkForAddAndIsReopenedOnceWhenTheUserGivesThePassword)
+{
+    const KELHandle<IDbObject> fern = CreateSavedAsset("Fern");
+    ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
+    window.reset();
+    EXPECT_EQ(markForAdd({fern}).GetCode(), kel4::kResultSessionUnusable);
+    EXPECT_EQ(message.rfind("Cannot mark-for-add the assets\nCannot connect to source control.\n", 0), 0u) << message;
+    EXPECT_FALSE(errorString.empty());
+
+    window = std::make_unique<QWidget>();
+    driver.expect("password", hbrc::test::answerPassword(QStringLiteral("alice-pw")));
+    EXPECT_EQ(markForAdd({fern}).GetCode(), kel4::kResultSuccess);
+    EXPECT_THAT(StatesOf(FilesOf("Fern")), ElementsAre(FileState{kel4::eStatusMarkedForAdd, ""}));
 }
 
 }  // namespace
