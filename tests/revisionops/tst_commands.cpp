@@ -1,6 +1,6 @@
 // The revision commands run by the reference host's command manager ("UndoManager") against its
 // embedded depot: alice's workspace with the assets Rock, Tree and Sky submitted and read-only;
-// and the helper's mark-for-add into a pending changelist, which runs one of them.
+// and the helper's mark-for-add and make-writable, which run them.
 #include "hbcheckoutcommand.h"
 #include "hbmakewritablecommand.h"
 #include "hbmarkforaddcommand.h"
@@ -8,14 +8,19 @@
 #include "itemaccessorlisting.h"
 
 #include <borax/datamodel/iitemlibrarynotification.h>
+#include <hbrchost/logcapture.h>
 #include <nrk/fwk/icommand.h>
 #include <nrk/isystem.h>
+
+#include <QMessageBox>
 
 using borax::datamodel::ItemID;
 using borax::datamodel::ItemLibraryAccessor;
 using borax::datamodel::UnspecifiedAccessor;
 using ::testing::Each;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using hbrc::test::pressMessageBoxButton;
 
 namespace {
 
@@ -45,43 +50,6 @@ const CommandFactory newMarkForAdd = [](const ItemLibraryAccessor& l, const Acce
 const CommandFactory newMakeWritable = [](const ItemLibraryAccessor& l, const AccessorList& a) -> BaseScsCommand* {
     return new ScsMakeWritableCommand(l, a, true);
 };
-
-struct IdentityCase {
-    const char* name;
-    CommandFactory make;
-    const char* identifier;
-    const char* displayName;
-    const char* changelist;
-};
-
-class CommandIdentity : public ::testing::TestWithParam<IdentityCase>
-{
-};
-
-TEST_P(CommandIdentity, CarriesItsIdentifierNameAndParametersInOrder)
-{
-    const AccessorList assets{UnspecifiedAccessor(ItemLibraryAccessor(), ItemID(4)),
-                              UnspecifiedAccessor(ItemLibraryAccessor(), ItemID(2))};
-    const KELPtr<BaseScsCommand> command(GetParam().make(ItemLibraryAccessor(), assets));
-    EXPECT_STREQ(command->GetCommandIdentifier(), GetParam().identifier);
-    EXPECT_EQ(command->GetName(), GetParam().displayName);
-    std::vector<std::string> names;
-    for (const auto* param : command->GetAllParams())
-        names.push_back(param->GetName());
-    EXPECT_THAT(names, ElementsAre("changelist", "asset", "includeexternalfile"));
-    EXPECT_EQ(nrk::fwk::GetParamAs<nrk::fwk::StringParam>(*command, "changelist")->GetValue(), GetParam().changelist);
-    EXPECT_EQ(nrk::fwk::GetParamAs<borax::datamodel::UnspecifiedAccessorListParam>(*command, "asset")->GetValue(),
-              assets);
-    EXPECT_TRUE(nrk::fwk::GetParamAs<nrk::fwk::BoolParam>(*command, "includeexternalfile")->GetValue());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Commands, CommandIdentity,
-    ::testing::Values(IdentityCase{"CheckOut", newCheckOut, "checkoutKELDbObjects", "CheckOut Command", "cl 7"},
-                      IdentityCase{"MarkForAdd", newMarkForAdd, "markForAddKELDbObjects", "MarkForAdd Command", "cl 7"},
-                      IdentityCase{"MakeWritable", newMakeWritable, "makewritableKELDbObjects",
-                                   "MakeWritable Command", ""}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 class CommandsOnDepot : public HelperOnHost
 {
@@ -180,17 +148,6 @@ TEST_F(CommandsOnDepot, MissingChangelistAndIncludeFlagMeanTheDefaultChangelistW
                 ElementsAre(FileState{kel4::eStatusCheckedOut, ""}, FileState{}));
 }
 
-TEST_P(CommandsOnServers, AMarkForAddOpensANewAssetForAddInTheNamedChangelistAndNotifies)
-{
-    CreateSavedAsset("Moss", "moss.bin");
-    const std::string changelist = NewChangelist("new plants");
-    const KELPtr<ScsMarkForAddCommand> command(
-        new ScsMarkForAddCommand(library(), changelist.c_str(), accessorsOf({"Moss"}), true));
-    ASSERT_EQ(execute(*command), 0);
-    EXPECT_THAT(StatesOf(FilesOf("Moss")), Each(FileState{kel4::eStatusMarkedForAdd, changelist}));
-    EXPECT_THAT(receiver.items, ElementsAre(itemOf("Moss")));
-}
-
 // A refused check-out (bob holds Tree; then an expired session) opens nothing and notifies nobody.
 TEST_P(CommandsOnServers, ARefusedCheckOutOpensNothingNotifiesNobodyAndSaysWhy)
 {
@@ -208,17 +165,25 @@ TEST_P(CommandsOnServers, ARefusedCheckOutOpensNothingNotifiesNobodyAndSaysWhy)
     EXPECT_THAT(Writable(FilesOf("Rock")), Each(false));
 }
 
+// The command alone leaves the external files; the helper writes them too, without checking out.
 TEST_F(CommandsOnDepot, AMakeWritableWithoutExternalFilesWritesEachAssetAndNotifies)
 {
     const KELPtr<ScsMakeWritableCommand> command(
         new ScsMakeWritableCommand(library(), accessorsOf({"Rock", "Sky"}), false));
     EXPECT_EQ(execute(*command), 0);
+    EXPECT_STREQ(command->GetCommandIdentifier(), "makewritableKELDbObjects");
     EXPECT_THAT(Writable({AlicePath("Rock.kel"), AlicePath("Sky.kel"), AlicePath("rock.bin")}),
                 ElementsAre(true, true, false));
     EXPECT_THAT(receiver.items, ElementsAre(itemOf("Rock"), itemOf("Sky")));
+
+    EXPECT_TRUE(helper.MakeObjectWritable(Asset("Rock"), true));
+    EXPECT_TRUE(AllWritable("Rock"));
+    EXPECT_THAT(OpenedIn("Rock"), Each("-"));
 }
 
-TEST_F(CommandsOnDepot, AMakeWritableWhoseSecondAssetFailsLeavesTheThirdAndStillNotifies)
+// A file whose mode cannot change: the command leaves the assets after it and still notifies
+// each; the helper shows the failure once to a user and logs it once in a batch run.
+TEST_F(CommandsOnDepot, AMakeWritableWhoseSecondAssetFailsLeavesTheThirdAndIsShownOrLoggedOnce)
 {
     const auto rock = FilesOf("Rock");
     const auto sky = FilesOf("Sky");
@@ -231,6 +196,26 @@ TEST_F(CommandsOnDepot, AMakeWritableWhoseSecondAssetFailsLeavesTheThirdAndStill
     EXPECT_THAT(Writable(rock), Each(true));
     EXPECT_THAT(Writable(sky), Each(false));
     EXPECT_EQ(receiver.items.size(), 3u);
+
+    const std::string name = DataControl()->GetAssetDisplayName(Asset("Tree"));
+    driver.expect("failure", [&](QWidget* w) {
+        auto* box = qobject_cast<QMessageBox*>(w);
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->windowTitle(), "I/O Error");
+        EXPECT_THAT(box->text().toStdString(),
+                    HasSubstr("Error found while trying to make the asset " + name + " writable:\n"));
+        EXPECT_EQ(box->standardButtons(), QMessageBox::Ok);
+        EXPECT_EQ(box->detailedText().toStdString(), AlicePath("Tree.kel") + "\n" + AlicePath("tree.bin") + "\n");
+        pressMessageBoxButton(box, QMessageBox::Ok);
+    });
+    EXPECT_FALSE(helper.MakeObjectWritable(Asset("Tree"), true));
+
+    window.reset();
+    hbrc::host::LogCapture log;
+    EXPECT_FALSE(helper.MakeObjectWritable(Asset("Tree"), true));
+    ASSERT_EQ(log.TextsOfType(Log::eError).size(), 1u);
+    EXPECT_THAT(log.TextsOfType(Log::eError).front(), HasSubstr("writable:\n"));
+    EXPECT_THAT(log.TextsOfType(Log::eError).front(), HasSubstr("\nDetails:\n" + AlicePath("Tree.kel") + "\n"));
 }
 
 // An asset that does not resolve stops every command before any service call: nothing is
@@ -287,6 +272,7 @@ TEST_F(CommandsOnDepot, TheHelpersMarkForAddOpensTheNewFilesInTheChangelistAsOne
     EXPECT_EQ(host->Commands().GetUndoCount(), undoSteps + 1);
     ASSERT_NE(host->Commands().GetUndoCommand(), nullptr);
     EXPECT_STREQ(host->Commands().GetUndoCommand()->GetCommandIdentifier(), "markForAddKELDbObjects");
+    EXPECT_THAT(receiver.items, ElementsAre(itemOf("Fern")));
 }
 
 // Without a command manager, or without a data control in the database, the helper's command

@@ -1,4 +1,4 @@
-// The editability decision, the check-out flow and the make-writable flow as alice meets them in
+// The editability decision and the check-out flow as alice meets them in
 // the reference host: her workspace on the embedded depot holds Rock (with rock.bin), Tree (with
 // tree.bin) and Sky, submitted and read-only; bob works on the same depot. Dialogs are the real
 // ones, answered by the dialog driver.
@@ -313,35 +313,6 @@ TEST_P(EditFlowsOnServers, CheckOutIsCancelledByTheDialogOrWhenRevisionControlIs
     EXPECT_THAT(OpenedIn("Rock"), Each("-"));
     EXPECT_TRUE(helper.CanEditObjects(Assets({"Rock"}), true, true, "an edit")) << "off: no question, no check-out";
     EXPECT_THAT(OpenedIn("Rock"), Each("-"));
-}
-
-TEST_F(EditFlows, MakeObjectWritableWritesTheFilesWithoutCheckingOutAndShowsAFailureOnce)
-{
-    EXPECT_TRUE(helper.MakeObjectWritable(Asset("Rock"), true));
-    EXPECT_TRUE(AllWritable("Rock"));
-    EXPECT_THAT(OpenedIn("Rock"), Each("-"));
-
-    if (!MakeUnchangeable("tree.bin"))
-        GTEST_SKIP() << "no file whose mode cannot be changed";
-    const std::string name = DataControl()->GetAssetDisplayName(Asset("Tree"));
-    driver.expect("failure", [&](QWidget* w) {
-        auto* box = qobject_cast<QMessageBox*>(w);
-        ASSERT_NE(box, nullptr);
-        EXPECT_EQ(box->windowTitle(), "I/O Error");
-        EXPECT_THAT(box->text().toStdString(),
-                    HasSubstr("Error found while trying to make the asset " + name + " writable:\n"));
-        EXPECT_EQ(box->standardButtons(), QMessageBox::Ok);
-        EXPECT_EQ(box->detailedText().toStdString(), AlicePath("Tree.kel") + "\n" + AlicePath("tree.bin") + "\n");
-        pressMessageBoxButton(box, QMessageBox::Ok);
-    });
-    EXPECT_FALSE(helper.MakeObjectWritable(Asset("Tree"), true));
-
-    window.reset();
-    hbrc::host::LogCapture log;
-    EXPECT_FALSE(helper.MakeObjectWritable(Asset("Tree"), true));
-    ASSERT_EQ(log.TextsOfType(Log::eError).size(), 1u);
-    EXPECT_THAT(log.TextsOfType(Log::eError).front(), HasSubstr("writable:\n"));
-    EXPECT_THAT(log.TextsOfType(Log::eError).front(), HasSubstr("\nDetails:\n" + AlicePath("Tree.kel") + "\n"));
 }
 
 }  // namespace
