@@ -318,21 +318,4 @@ TEST_F(CommandsOnDepot, ARefusedMarkForAddNamesTheUserWhoAddedTheSameFileFirst)
     EXPECT_EQ(details, "Files:\n" + FilesOf("Fern").front() + "\n");
 }
 
-// An expired session: a batch run fails with the session's code; with a window the password is
-// asked for once, and the files are marked.
-TEST_F(CommandsOnDepot, AnExpiredSessionFailsABatchMarkForAddAndIsReopenedOnceWhenTheUserGivesThePassword)
-{
-    const KELHandle<IDbObject> fern = CreateSavedAsset("Fern");
-    ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
-    window.reset();
-    EXPECT_EQ(markForAdd({fern}).GetCode(), kel4::kResultSessionUnusable);
-    EXPECT_EQ(message.rfind("Cannot mark-for-add the assets\nCannot connect to source control.\n", 0), 0u) << message;
-    EXPECT_FALSE(errorString.empty());
-
-    window = std::make_unique<QWidget>();
-    driver.expect("password", hbrc::test::answerPassword(QStringLiteral("alice-pw")));
-    EXPECT_EQ(markForAdd({fern}).GetCode(), kel4::kResultSuccess);
-    EXPECT_THAT(StatesOf(FilesOf("Fern")), ElementsAre(FileState{kel4::eStatusMarkedForAdd, ""}));
-}
-
 }  // namespace
