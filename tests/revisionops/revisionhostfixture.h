@@ -75,13 +75,9 @@ inline QStringList listedFiles(QWidget* dialog)
 // What the user does in a changelist dialog: the button pressed, the changelist ("" keeps the one
 // selected, otherwise a new one with this description) and whether "don't show again" is ticked.
 struct ChangelistAnswer {
-    ChangelistAnswer(QString pressed, QString newDescription = {}, bool ticked = false)
-        : button(std::move(pressed)), newChangelist(std::move(newDescription)), tick(ticked)
-    {
-    }
     QString button;
-    QString newChangelist;
-    bool tick;
+    QString newChangelist = {};
+    bool tick = false;
 };
 
 // Checks the title, lets inspect look at the dialog, then answers.

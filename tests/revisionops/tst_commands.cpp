@@ -53,7 +53,7 @@ const CommandFactory newMakeWritable = [](const ItemLibraryAccessor& l, const Ac
 
 class CommandsOnDepot : public HelperOnHost
 {
-protected:
+public:
     void SetUp() override
     {
         HelperOnHost::SetUp();
@@ -109,12 +109,7 @@ protected:
     std::string details = "untouched";
 };
 
-// The commands that reach the server run on the embedded depot and on a Subversion server.
-class CommandsOnServers : public CommandsOnDepot, public ::testing::WithParamInterface<ServerKind>
-{
-public:
-    ServerKind Server() const override { return GetParam(); }
-};
+using CommandsOnServers = OnServers<CommandsOnDepot>;
 INSTANTIATE_TEST_SUITE_P(Servers, CommandsOnServers,
                          ::testing::Values(ServerKind::EmbeddedDepot, ServerKind::SvnServe), ServerKindName);
 

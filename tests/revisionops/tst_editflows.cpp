@@ -36,12 +36,7 @@ bool canEdit(EditFlows& flows, const DepotHostFixture::ObjectList& objects, bool
     return flows.helper.CanEditObjects(objects, true, allowMakeWritable, "Rock is about to change");
 }
 
-// The flows that depend on what the server answers run on the embedded depot and on svnserve.
-class EditFlowsOnServers : public EditFlows, public ::testing::WithParamInterface<ServerKind>
-{
-public:
-    ServerKind Server() const override { return GetParam(); }
-};
+using EditFlowsOnServers = OnServers<EditFlows>;
 INSTANTIATE_TEST_SUITE_P(Servers, EditFlowsOnServers,
                          ::testing::Values(ServerKind::EmbeddedDepot, ServerKind::SvnServe), ServerKindName);
 
