@@ -195,7 +195,10 @@ TEST_P(EditFlowsOnServers, AnExpiredSessionIsReopenedOnlyWithThePasswordTheUserT
     EXPECT_THAT(OpenedIn("Rock"), Each(""));
 }
 
-TEST_F(EditFlows, IgnoreEditsDespiteAFailureAndCancelRefuses)
+// Bob holds Rock. A user's Ignore edits despite the failure and Cancel refuses; a batch run, where
+// no dialog may appear, checks out into the default changelist, retrying with growing waits until
+// bob lets go.
+TEST_F(EditFlows, ACheckOutBobRefusesIsIgnoredOrCancelledByTheUserAndRetriedInABatch)
 {
     BobEdits("Rock");
     StoreAction(kCheckOut);
@@ -204,15 +207,10 @@ TEST_F(EditFlows, IgnoreEditsDespiteAFailureAndCancelRefuses)
     driver.expectMessageBox("Checkout Error", QMessageBox::Cancel, "bob");
     EXPECT_FALSE(canEdit(*this, Assets({"Rock"})));
     EXPECT_THAT(OpenedIn("Rock"), Each("-"));
-}
 
-// Batch runs: no window, so no dialog may appear (the driver fails the test if one does).
-TEST_F(EditFlows, ABatchPromptChecksOutIntoTheDefaultChangeListRetryingWithGrowingWaits)
-{
     window.reset();
     hbrc::host::LogCapture log;
     StoreAction(kPrompt);
-    BobEdits("Rock");
     onWait = [this](int waitNumber) {
         if (waitNumber == 3)
             BobReverts("Rock");
