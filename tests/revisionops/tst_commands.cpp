@@ -1,29 +1,26 @@
 // The revision commands run by the reference host's command manager ("UndoManager") against its
-// embedded depot: alice's workspace with the assets Rock, Tree and Sky submitted and read-only.
+// embedded depot: alice's workspace with the assets Rock, Tree and Sky submitted and read-only;
+// and the helper's mark-for-add and make-writable, which run them.
 #include "hbcheckoutcommand.h"
 #include "hbmakewritablecommand.h"
 #include "hbmarkforaddcommand.h"
+#include "helperhostfixture.h"
 #include "itemaccessorlisting.h"
 
-#include <depothostfixture.h>
-
 #include <borax/datamodel/iitemlibrarynotification.h>
-#include <kel4/revisionstatus.h>
+#include <hbrchost/logcapture.h>
+#include <nrk/fwk/icommand.h>
 #include <nrk/isystem.h>
 
-#include <QFileInfo>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <optional>
+#include <QMessageBox>
 
 using borax::datamodel::ItemID;
 using borax::datamodel::ItemLibraryAccessor;
 using borax::datamodel::UnspecifiedAccessor;
 using ::testing::Each;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using hbrc::test::pressMessageBoxButton;
 
 namespace {
 
@@ -54,55 +51,18 @@ const CommandFactory newMakeWritable = [](const ItemLibraryAccessor& l, const Ac
     return new ScsMakeWritableCommand(l, a, true);
 };
 
-struct IdentityCase {
-    const char* name;
-    CommandFactory make;
-    const char* identifier;
-    const char* displayName;
-    const char* changelist;
-};
-
-class CommandIdentity : public ::testing::TestWithParam<IdentityCase>
+class CommandsOnDepot : public HelperOnHost
 {
-};
-
-TEST_P(CommandIdentity, CarriesItsIdentifierNameAndParametersInOrder)
-{
-    const AccessorList assets{UnspecifiedAccessor(ItemLibraryAccessor(), ItemID(4)),
-                              UnspecifiedAccessor(ItemLibraryAccessor(), ItemID(2))};
-    const KELPtr<BaseScsCommand> command(GetParam().make(ItemLibraryAccessor(), assets));
-    EXPECT_STREQ(command->GetCommandIdentifier(), GetParam().identifier);
-    EXPECT_EQ(command->GetName(), GetParam().displayName);
-    std::vector<std::string> names;
-    for (const auto* param : command->GetAllParams())
-        names.push_back(param->GetName());
-    EXPECT_THAT(names, ElementsAre("changelist", "asset", "includeexternalfile"));
-    EXPECT_EQ(nrk::fwk::GetParamAs<nrk::fwk::StringParam>(*command, "changelist")->GetValue(), GetParam().changelist);
-    EXPECT_EQ(nrk::fwk::GetParamAs<borax::datamodel::UnspecifiedAccessorListParam>(*command, "asset")->GetValue(),
-              assets);
-    EXPECT_TRUE(nrk::fwk::GetParamAs<nrk::fwk::BoolParam>(*command, "includeexternalfile")->GetValue());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Commands, CommandIdentity,
-    ::testing::Values(IdentityCase{"CheckOut", newCheckOut, "checkoutKELDbObjects", "CheckOut Command", "cl 7"},
-                      IdentityCase{"MarkForAdd", newMarkForAdd, "markForAddKELDbObjects", "MarkForAdd Command", "cl 7"},
-                      IdentityCase{"MakeWritable", newMakeWritable, "makewritableKELDbObjects",
-                                   "MakeWritable Command", ""}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-class CommandsOnDepot : public DepotHostFixture
-{
-protected:
+public:
     void SetUp() override
     {
-        DepotHostFixture::SetUp();
+        HelperOnHost::SetUp();
         workspace->Library().Context().RegisterNotification(&receiver, 40, 0);
     }
     void TearDown() override
     {
         workspace->Library().Context().UnregisterNotification(&receiver, 40, 0);
-        DepotHostFixture::TearDown();
+        HelperOnHost::TearDown();
     }
 
     ItemLibraryAccessor library() const { return host->Proxy().GetItemLibraryAccessor(); }
@@ -137,16 +97,19 @@ protected:
         const auto* error = nrk::fwk::GetParamAs<nrk::fwk::StringParam>(command, BaseScsCommand::kErrorStringParam);
         return error ? error->GetValue() : "<no ErrorString>";
     }
+    kelResult markForAdd(const ObjectList& objects, const std::string& changelist = "")
+    {
+        return helper.MarkForAddObjectsInChangelist(DataControl(), objects, true, changelist, errorString, message,
+                                                    details);
+    }
 
     AccessStateReceiver receiver;
+    std::string errorString = "untouched";
+    std::string message = "untouched";
+    std::string details = "untouched";
 };
 
-// The commands that reach the server run on the embedded depot and on a Subversion server.
-class CommandsOnServers : public CommandsOnDepot, public ::testing::WithParamInterface<ServerKind>
-{
-public:
-    ServerKind Server() const override { return GetParam(); }
-};
+using CommandsOnServers = OnServers<CommandsOnDepot>;
 INSTANTIATE_TEST_SUITE_P(Servers, CommandsOnServers,
                          ::testing::Values(ServerKind::EmbeddedDepot, ServerKind::SvnServe), ServerKindName);
 
@@ -180,17 +143,6 @@ TEST_F(CommandsOnDepot, MissingChangelistAndIncludeFlagMeanTheDefaultChangelistW
                 ElementsAre(FileState{kel4::eStatusCheckedOut, ""}, FileState{}));
 }
 
-TEST_P(CommandsOnServers, AMarkForAddOpensANewAssetForAddInTheNamedChangelistAndNotifies)
-{
-    CreateSavedAsset("Moss", "moss.bin");
-    const std::string changelist = NewChangelist("new plants");
-    const KELPtr<ScsMarkForAddCommand> command(
-        new ScsMarkForAddCommand(library(), changelist.c_str(), accessorsOf({"Moss"}), true));
-    ASSERT_EQ(execute(*command), 0);
-    EXPECT_THAT(StatesOf(FilesOf("Moss")), Each(FileState{kel4::eStatusMarkedForAdd, changelist}));
-    EXPECT_THAT(receiver.items, ElementsAre(itemOf("Moss")));
-}
-
 // A refused check-out (bob holds Tree; then an expired session) opens nothing and notifies nobody.
 TEST_P(CommandsOnServers, ARefusedCheckOutOpensNothingNotifiesNobodyAndSaysWhy)
 {
@@ -208,27 +160,30 @@ TEST_P(CommandsOnServers, ARefusedCheckOutOpensNothingNotifiesNobodyAndSaysWhy)
     EXPECT_THAT(Writable(FilesOf("Rock")), Each(false));
 }
 
+// The command alone leaves the external files; the helper writes them too, without checking out.
 TEST_F(CommandsOnDepot, AMakeWritableWithoutExternalFilesWritesEachAssetAndNotifies)
 {
     const KELPtr<ScsMakeWritableCommand> command(
         new ScsMakeWritableCommand(library(), accessorsOf({"Rock", "Sky"}), false));
     EXPECT_EQ(execute(*command), 0);
+    EXPECT_STREQ(command->GetCommandIdentifier(), "makewritableKELDbObjects");
     EXPECT_THAT(Writable({AlicePath("Rock.kel"), AlicePath("Sky.kel"), AlicePath("rock.bin")}),
                 ElementsAre(true, true, false));
     EXPECT_THAT(receiver.items, ElementsAre(itemOf("Rock"), itemOf("Sky")));
+
+    EXPECT_TRUE(helper.MakeObjectWritable(Asset("Rock"), true));
+    EXPECT_TRUE(AllWritable("Rock"));
+    EXPECT_THAT(OpenedIn("Rock"), Each("-"));
 }
 
-TEST_F(CommandsOnDepot, AMakeWritableWhoseSecondAssetFailsLeavesTheThirdAndStillNotifies)
+// A file whose mode cannot change: the command leaves the assets after it and still notifies
+// each; the helper shows the failure once to a user and logs it once in a batch run.
+TEST_F(CommandsOnDepot, AMakeWritableWhoseSecondAssetFailsLeavesTheThirdAndIsShownOrLoggedOnce)
 {
     const auto rock = FilesOf("Rock");
     const auto sky = FilesOf("Sky");
-    // tree.bin becomes a read-only entry whose mode nobody may change, not even root.
-    const QString tree = QString::fromStdString(AlicePath("tree.bin"));
-    const QString unchangeable = QStringLiteral("/proc/sys/kernel/osrelease");
-    if (!QFileInfo::exists(unchangeable))
+    if (!MakeUnchangeable("tree.bin"))
         GTEST_SKIP() << "no file whose mode cannot be changed";
-    ASSERT_TRUE(QFile::remove(tree));
-    ASSERT_TRUE(QFile::link(unchangeable, tree));
     const KELPtr<ScsMakeWritableCommand> command(
         new ScsMakeWritableCommand(library(), accessorsOf({"Rock", "Tree", "Sky"}), true));
     EXPECT_EQ(execute(*command), kel4::kResultFailed);
@@ -236,6 +191,26 @@ TEST_F(CommandsOnDepot, AMakeWritableWhoseSecondAssetFailsLeavesTheThirdAndStill
     EXPECT_THAT(Writable(rock), Each(true));
     EXPECT_THAT(Writable(sky), Each(false));
     EXPECT_EQ(receiver.items.size(), 3u);
+
+    const std::string name = DataControl()->GetAssetDisplayName(Asset("Tree"));
+    driver.expect("failure", [&](QWidget* w) {
+        auto* box = qobject_cast<QMessageBox*>(w);
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->windowTitle(), "I/O Error");
+        EXPECT_THAT(box->text().toStdString(),
+                    HasSubstr("Error found while trying to make the asset " + name + " writable:\n"));
+        EXPECT_EQ(box->standardButtons(), QMessageBox::Ok);
+        EXPECT_EQ(box->detailedText().toStdString(), AlicePath("Tree.kel") + "\n" + AlicePath("tree.bin") + "\n");
+        pressMessageBoxButton(box, QMessageBox::Ok);
+    });
+    EXPECT_FALSE(helper.MakeObjectWritable(Asset("Tree"), true));
+
+    window.reset();
+    hbrc::host::LogCapture log;
+    EXPECT_FALSE(helper.MakeObjectWritable(Asset("Tree"), true));
+    ASSERT_EQ(log.TextsOfType(Log::eError).size(), 1u);
+    EXPECT_THAT(log.TextsOfType(Log::eError).front(), HasSubstr("writable:\n"));
+    EXPECT_THAT(log.TextsOfType(Log::eError).front(), HasSubstr("\nDetails:\n" + AlicePath("Tree.kel") + "\n"));
 }
 
 // An asset that does not resolve stops every command before any service call: nothing is
@@ -269,6 +244,73 @@ TEST_F(CommandsOnDepot, AccessorListingAppendsEachKnownItemOnceInItemOrder)
     EXPECT_THAT(accessorsOf({"Tree", "Sky", "Rock", "Tree"}, earlier),
                 ElementsAre(earlier.front(), UnspecifiedAccessor(library(), itemOf("Rock")),
                             UnspecifiedAccessor(library(), itemOf("Tree"))));
+}
+
+// --- the helper's mark-for-add ------------------------------------------------------------------------
+
+// One undoable command; nothing the item library knows needs none.
+TEST_F(CommandsOnDepot, TheHelpersMarkForAddOpensTheNewFilesInTheChangelistAsOneUndoStep)
+{
+    const KELHandle<IDbObject> gone = CreateSavedAsset("Gone");
+    ASSERT_TRUE(workspace->DeleteAsset(gone));
+    const std::size_t undoSteps = host->Commands().GetUndoCount();
+    for (const ObjectList& objects : {ObjectList{}, ObjectList{gone}}) {
+        EXPECT_EQ(markForAdd(objects).GetCode(), kel4::kResultSuccess);
+        EXPECT_EQ(host->Commands().GetUndoCount(), undoSteps);
+        EXPECT_EQ(message, "untouched");
+    }
+
+    const KELHandle<IDbObject> fern = CreateSavedAsset("Fern", "fern.bin");
+    const std::string changelist = NewChangelist("ferns");
+    EXPECT_EQ(markForAdd({fern}, changelist).GetCode(), kel4::kResultSuccess);
+    EXPECT_THAT(StatesOf(FilesOf("Fern")), Each(FileState{kel4::eStatusMarkedForAdd, changelist}));
+    EXPECT_EQ(host->Commands().GetUndoCount(), undoSteps + 1);
+    ASSERT_NE(host->Commands().GetUndoCommand(), nullptr);
+    EXPECT_STREQ(host->Commands().GetUndoCommand()->GetCommandIdentifier(), "markForAddKELDbObjects");
+    EXPECT_THAT(receiver.items, ElementsAre(itemOf("Fern")));
+}
+
+// Without a command manager, or without a data control in the database, the helper's command
+// cannot run: it says so and leaves the texts it does not own.
+TEST_F(CommandsOnDepot, AHelperCommandThatCannotRunIsReportedAsSuch)
+{
+    const KELHandle<IDbObject> fern = CreateSavedAsset("Fern");
+    host->System().UnregisterSingleton("UndoManager");
+    EXPECT_TRUE(helper.CheckOutObjectsInChangelist(DataControl(), Assets({"Rock"}), true, "", errorString, message,
+                                                   details)
+                    .IsFailure());
+    EXPECT_EQ(message, "Could not execute command: Unknown error");
+    ASSERT_TRUE(host->System().RegisterSingleton("UndoManager", &host->Commands()));
+
+    message.clear();
+    const KELPtr<kel4::IDataControl> dataControl = DataControl();
+    workspace->Model().Instance().RegisterService(kel4::UID_DataControl(), nullptr);
+    const kelResult result =
+        helper.MarkForAddObjectsInChangelist(dataControl, {fern}, true, "", errorString, message, details);
+    EXPECT_EQ(result.GetCode(), kel4::kResultCommandRefused);
+    EXPECT_EQ(message, "Could not execute command: Unknown error");
+    EXPECT_EQ(errorString, "untouched");
+    EXPECT_EQ(details, "untouched");
+}
+
+// bob has opened a file of the same name for add: alice's add is refused and the message names
+// him. The file is also new to the depot (0x80), which a mark-for-add does not explain.
+TEST_F(CommandsOnDepot, ARefusedMarkForAddNamesTheUserWhoAddedTheSameFileFirst)
+{
+    const KELHandle<IDbObject> fern = CreateSavedAsset("Fern");
+    const std::string bobFern = BobPath(FilesOf("Fern").front().substr(AlicePath("").size()));
+    QFile file(QFile::decodeName(QByteArray::fromStdString(bobFern)));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("bob's fern\n");
+    file.close();
+    BobExpects(Bob().add(BobTicket(), {bobFern}, ""));
+
+    EXPECT_LT(markForAdd({fern}).GetCode(), 0);
+    EXPECT_NE(errorString.find("bob"), std::string::npos) << errorString;
+    EXPECT_EQ(message, "Cannot mark-for-add the assets\n"
+                       "because the following users have marked for add some of the files\n"
+                       "\nbob\n");
+    EXPECT_EQ(details, "Files:\n" + FilesOf("Fern").front() + "\n");
 }
 
 }  // namespace

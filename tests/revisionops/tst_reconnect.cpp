@@ -30,6 +30,7 @@ namespace {
 using Session = KELPtr<kel4::IUserParameters>;
 
 const char* const kReason = "Source control session expired. Password required to re-connect.";
+const char* const kSettings = CHBRevisionControlPropertiesMgr::GetSingletonName();
 const std::string kUser = "ann";
 const std::string kWorkspace = "ann-ws";
 const std::string kServer = "depot:1666";
@@ -128,29 +129,43 @@ protected:
     DialogDriver driver;
 };
 
-// The first attempt logs in with the empty password; when that is refused as an invalid password,
-// the password loop follows. Each attempt types a password (none: Cancel) that the server answers
-// with a message (none: a session).
-struct LoopCase {
+// The first attempt logs in with the empty password (firstAnswer: the server's refusal, "" for a
+// session, nullptr when no log-in may happen at all). Refused as an invalid password (the test is
+// case-sensitive), the password loop follows: each attempt types a password (none: Cancel) that
+// the server answers with a message (none: a session). Any other first failure is shown once.
+struct ReconnectCase {
     const char* name;
+    const char* firstAnswer;
     std::vector<std::pair<QString, std::string>> attempts;
     bool connects;
+    const char* box = nullptr;      // the one "Connection Error" before any password dialog
+    const char* missing = nullptr;  // singleton taken from the host
+    bool batch = false;
 };
 
-class PasswordLoop : public ReconnectTest, public ::testing::WithParamInterface<LoopCase>
+class Reconnect : public ReconnectTest, public ::testing::WithParamInterface<ReconnectCase>
 {
 };
 
-TEST_P(PasswordLoop, AsksAgainOnlyAfterAnInvalidPasswordAndNeverLogsIt)
+TEST_P(Reconnect, AsksAgainOnlyAfterAnInvalidPasswordShowsAtMostOneBoxAndNeverLogsThePassword)
 {
+    const ReconnectCase& c = GetParam();
+    if (c.batch)
+        mainWindow.reset();
+    if (c.missing)
+        host.system.UnregisterSingleton(c.missing);
     hbrc::host::LogCapture log;
     hbrc::host::DebugOutputCapture debug;
+    EXPECT_CALL(*host.fileVersionControl, Login(_, _, _, _, _)).Times(0);
+    EXPECT_CALL(*host.dataControl, SetSession(_)).Times(0);
+    if (c.connects)
+        EXPECT_CALL(*host.dataControl, SetSession(session));
     ::testing::InSequence order;
-    if (GetParam().attempts.empty())
-        expectLogIn("", session);
-    else
-        expectLogIn("", nullptr, "login refused: Invalid password (try again)");
-    for (const auto& [password, answer] : GetParam().attempts) {
+    if (c.firstAnswer)
+        expectLogIn("", *c.firstAnswer ? nullptr : session, c.firstAnswer);
+    if (c.box)
+        driver.expectMessageBox("Connection Error", QMessageBox::Ok, c.box);
+    for (const auto& [password, answer] : c.attempts) {
         driver.expect("password dialog", answerPasswordDialog(password));
         if (password.isEmpty())
             break;
@@ -158,9 +173,8 @@ TEST_P(PasswordLoop, AsksAgainOnlyAfterAnInvalidPasswordAndNeverLogsIt)
         if (!answer.empty())
             driver.expectMessageBox("Connection Error", QMessageBox::Ok, QString::fromStdString(answer));
     }
-    EXPECT_CALL(*host.dataControl, SetSession(session)).Times(GetParam().connects ? 1 : 0);
 
-    EXPECT_EQ(reconnect(), GetParam().connects);
+    EXPECT_EQ(reconnect(), c.connects);
     EXPECT_FALSE(waitCursorShown());
     expectFinished();
     std::string written;
@@ -171,58 +185,22 @@ TEST_P(PasswordLoop, AsksAgainOnlyAfterAnInvalidPasswordAndNeverLogsIt)
     EXPECT_EQ(written.find("s3cret"), std::string::npos) << written;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Rows, PasswordLoop,
-    ::testing::Values(LoopCase{"AServerThatAcceptsTheEmptyPasswordGetsNoDialog", {}, true},
-                      LoopCase{"AWrongPasswordBringsTheDialogBackEmpty",
-                               {{"wrong", "Invalid password for ann"}, {"s3cret", ""}},
-                               true},
-                      LoopCase{"CancelGivesUpWithoutAFurtherBox", {{"", ""}}, false},
-                      LoopCase{"AnotherFailureIsShownOnceAndGivesUp", {{"s3cret", "Connect to server failed"}}, false}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-// Every way to give up before the password dialog: one "Connection Error" box at most, no session.
-struct GiveUpCase {
-    const char* name;
-    const char* firstAnswer;  // of the empty-password log-in; none: no log-in at all
-    const char* missing;      // singleton taken from the host
-    bool batch;
-    const char* box;
-};
-
-class GiveUpAtOnce : public ReconnectTest, public ::testing::WithParamInterface<GiveUpCase>
-{
-};
-
-TEST_P(GiveUpAtOnce, ShowsAtMostOneBoxAndNoDialog)
-{
-    const GiveUpCase& c = GetParam();
-    if (c.batch)
-        mainWindow.reset();
-    if (c.missing)
-        host.system.UnregisterSingleton(c.missing);
-    EXPECT_CALL(*host.fileVersionControl, Login(_, _, _, _, _)).Times(0);
-    if (c.firstAnswer)
-        expectLogIn("", nullptr, c.firstAnswer);
-    if (c.box)
-        driver.expectMessageBox("Connection Error", QMessageBox::Ok, c.box);
-    EXPECT_CALL(*host.dataControl, SetSession(_)).Times(0);
-    EXPECT_FALSE(reconnect());
-    expectFinished();
-    EXPECT_EQ(driver.seenTitles().size(), c.box ? 1 : 0);
-}
-
+const char* const kInvalid = "login refused: Invalid password (try again)";
 const char* const kServerDown = "Connect to server failed; check the server address.";
-const char* const kSettings = CHBRevisionControlPropertiesMgr::GetSingletonName();
 
-// The test for "Invalid password" is case-sensitive: any other first failure is shown as it is.
 INSTANTIATE_TEST_SUITE_P(
-    Rows, GiveUpAtOnce,
-    ::testing::Values(GiveUpCase{"ServerUnreachable", kServerDown, nullptr, false, kServerDown},
-                      GiveUpCase{"LowerCaseInvalidPassword", "invalid password", nullptr, false, "invalid password"},
-                      GiveUpCase{"MissingSettings", nullptr, kSettings, false, "Cannot connect to version control"},
-                      GiveUpCase{"MissingDatabaseProxy", nullptr, "KELDBProxy", false, nullptr},
-                      GiveUpCase{"BatchTouchesNothing", nullptr, kSettings, true, nullptr}),
+    Rows, Reconnect,
+    ::testing::Values(
+        ReconnectCase{"AServerThatAcceptsTheEmptyPasswordGetsNoDialog", "", {}, true},
+        ReconnectCase{"AWrongPasswordBringsTheDialogBackEmpty", kInvalid,
+                      {{"wrong", "Invalid password for ann"}, {"s3cret", ""}}, true},
+        ReconnectCase{"CancelGivesUpWithoutAFurtherBox", kInvalid, {{"", ""}}, false},
+        ReconnectCase{"AnotherFailureIsShownOnceAndGivesUp", kInvalid, {{"s3cret", "Connect to server failed"}}, false},
+        ReconnectCase{"ServerUnreachable", kServerDown, {}, false, kServerDown},
+        ReconnectCase{"LowerCaseInvalidPassword", "invalid password", {}, false, "invalid password"},
+        ReconnectCase{"MissingSettings", nullptr, {}, false, "Cannot connect to version control", kSettings},
+        ReconnectCase{"MissingDatabaseProxy", nullptr, {}, false, nullptr, "KELDBProxy"},
+        ReconnectCase{"BatchTouchesNothing", nullptr, {}, false, nullptr, kSettings, true}),
     [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace

@@ -1,50 +1,30 @@
 // Never lose an edit: whatever happens to the check-out before a save, and whatever the user
-// answers, every edited read-only asset ends up on disk with its edit or still dirty in memory with
-// it. A batch save shows no dialog; an interactive save asks once per answer the user gives.
+// answers, every edited read-only asset ends up on disk with its edit (its files, the first asset's
+// external file included, writable) or still dirty in memory with it (its files untouched). A batch
+// save shows no dialog; an interactive save asks once per answer the user gives.
 #include "savehooksfixture.h"
 
 #include <QMessageBox>
-
-#include <gmock/gmock.h>
 
 #include <cstdio>
 
 namespace {
 
-using hbrc::test::answerChangelistDialog;
-using hbrc::test::answerPassword;
-using hbrc::test::DialogDriver;
+using namespace hbrc::test;
 
 enum class Outcome { CheckOutSucceeds, CheckOutFails, MakeWritable, Cancel, PasswordRefused, DepotUnreachable };
-enum class Mode { Interactive, Batch };
+const char* const kOutcomeNames[] = {"CheckOutSucceeds", "CheckOutFails", "MakeWritable", "Cancel",
+                                     "SessionExpiredPasswordRefused", "DepotUnreachable"};
 
 struct Row {
     Outcome outcome;
     int assets;
-    Mode mode;
+    bool interactive;
 };
-
-const char* nameOf(Outcome outcome)
-{
-    switch (outcome) {
-    case Outcome::CheckOutSucceeds: return "CheckOutSucceeds";
-    case Outcome::CheckOutFails: return "CheckOutFails";
-    case Outcome::MakeWritable: return "MakeWritable";
-    case Outcome::Cancel: return "Cancel";
-    case Outcome::PasswordRefused: return "SessionExpiredPasswordRefused";
-    case Outcome::DepotUnreachable: return "DepotUnreachable";
-    }
-    return "?";
-}
-
-bool savesTheEdits(Outcome outcome)
-{
-    return outcome == Outcome::CheckOutSucceeds || outcome == Outcome::MakeWritable;
-}
 
 const QString kBeforeSaving = QStringLiteral("Check Out Before Saving");
 
-class NeverLoseAnEdit : public hbrc::test::SaveHooksFixture, public ::testing::WithParamInterface<Row>
+class NeverLoseAnEdit : public SaveHooksFixture, public ::testing::WithParamInterface<Row>
 {
 protected:
     std::vector<std::string> EditableAssetNames() const override
@@ -60,56 +40,43 @@ protected:
 
     // Stages the outcome in the depot and the settings; in an interactive run, scripts the user's
     // answers: what they try, then Cancel when the dialog comes back after a failure.
-    void Stage(DialogDriver& driver)
+    void Stage()
     {
         const Row row = GetParam();
-        const bool interactive = row.mode == Mode::Interactive;
-        auto setStoredAction = [&](int action) {
-            host->Preferences().SetIntPref("RevControl.ActionWhenEditingReadOnlyAsset", action, 1);
+        auto answer = [&](const QString& button) {
+            if (row.interactive)
+                driver.expect(button, answerChangelistDialog(kBeforeSaving, {button}));
         };
         switch (row.outcome) {
-        case Outcome::CheckOutSucceeds:
-            if (interactive)
-                driver.expect("check out", answerChangelistDialog(kBeforeSaving, {"Check Out"}));
-            break;
+        case Outcome::CheckOutSucceeds: answer("Check Out"); break;
         case Outcome::CheckOutFails:
             BobHolds(EditableAssetNames().front());
-            if (interactive) {
-                driver.expect("check out", answerChangelistDialog(kBeforeSaving, {"Check Out"}));
+            answer("Check Out");
+            if (row.interactive)
                 driver.expectMessageBox(QStringLiteral("Checkout Error"), QMessageBox::Ok, QStringLiteral("\nbob\n"));
-                driver.expect("asked again", answerChangelistDialog(kBeforeSaving, {"Cancel"}));
-            }
+            answer("Cancel");
             break;
         case Outcome::MakeWritable:
-            if (interactive)
-                driver.expect("make writable", answerChangelistDialog(kBeforeSaving, {"Make Writable"}));
-            else
-                setStoredAction(3);
-            break;
         case Outcome::Cancel:
-            if (interactive)
-                driver.expect("cancel", answerChangelistDialog(kBeforeSaving, {"Cancel"}));
-            else
-                setStoredAction(0);
+            if (!row.interactive)
+                StoreAction(row.outcome == Outcome::Cancel ? kNone : kMakeWritable);
+            answer(row.outcome == Outcome::Cancel ? "Cancel" : "Make Writable");
             break;
         case Outcome::PasswordRefused:
             ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
-            if (interactive) {
-                driver.expect("check out", answerChangelistDialog(kBeforeSaving, {"Check Out"}));
-                driver.expect("password", answerPassword({}, QStringLiteral("Source control session expired. "
-                                                                            "Password required to re-connect.")));
-                driver.expect("asked again", answerChangelistDialog(kBeforeSaving, {"Cancel"}));
-            }
+            answer("Check Out");
+            if (row.interactive)
+                driver.expect("password", answerPassword({}));
+            answer("Cancel");
             break;
         case Outcome::DepotUnreachable:
             services.connection->Faults().failNextCalls(1000000, hbrc::depot::code::SessionUnusable,
                                                         "The depot cannot be reached.");
-            if (interactive) {
-                driver.expect("check out", answerChangelistDialog(kBeforeSaving, {"Check Out"}));
+            answer("Check Out");
+            if (row.interactive)
                 driver.expectMessageBox(QStringLiteral("Connection Error"), QMessageBox::Ok,
                                         QStringLiteral("The depot cannot be reached."));
-                driver.expect("asked again", answerChangelistDialog(kBeforeSaving, {"Cancel"}));
-            }
+            answer("Cancel");
             break;
         }
     }
@@ -118,26 +85,21 @@ protected:
 TEST_P(NeverLoseAnEdit, EveryEditIsOnDiskOrStillInMemory)
 {
     const Row row = GetParam();
-    std::unique_ptr<QWidget> window;
-    if (row.mode == Mode::Interactive)
-        window = std::make_unique<QWidget>();
+    if (!row.interactive)
+        window.reset();
     const std::vector<std::string> assets = EditableAssetNames();
     for (const std::string& asset : assets)
         Edit(asset, "edited " + asset);
 
-    DialogDriver driver;
-    Stage(driver);
+    Stage();
     if (HasFatalFailure())
         return;
     const hbrc::host::SaveReport report = Save();
     services.connection->Faults().clear();
+    ExpectDriverFinished();
+    EXPECT_EQ(driver.seenTitles().size(), driver.answered()) << driver.seenTitles().join(',').toStdString();
 
-    ExpectDriverFinished(driver);
-    if (row.mode == Mode::Batch)
-        EXPECT_TRUE(driver.seenTitles().isEmpty()) << driver.seenTitles().join(',').toStdString();
-    else
-        EXPECT_EQ(driver.seenTitles().size(), driver.answered()) << driver.seenTitles().join(',').toStdString();
-
+    const bool savesTheEdits = row.outcome == Outcome::CheckOutSucceeds || row.outcome == Outcome::MakeWritable;
     int onDisk = 0;
     int inMemory = 0;
     for (const std::string& asset : assets) {
@@ -145,31 +107,28 @@ TEST_P(NeverLoseAnEdit, EveryEditIsOnDiskOrStillInMemory)
         const bool saved = OnDiskWith(asset, value);
         const bool kept = DirtyInMemoryWith(asset, value);
         EXPECT_TRUE(saved || kept) << asset << " lost its edit";
-        // Saved edits went to writable files; kept ones left the files read-only and untouched.
         EXPECT_THAT(Writable(FilesOf(asset)), ::testing::Each(saved)) << asset;
         onDisk += saved;
         inMemory += kept;
     }
-    const int expectedOnDisk = savesTheEdits(row.outcome) ? row.assets : 0;
-    EXPECT_EQ(onDisk, expectedOnDisk);
-    EXPECT_EQ(inMemory, row.assets - expectedOnDisk);
-    EXPECT_EQ(report.cancelled, !savesTheEdits(row.outcome));
+    EXPECT_EQ(onDisk, savesTheEdits ? row.assets : 0);
+    EXPECT_EQ(inMemory, savesTheEdits ? 0 : row.assets);
+    EXPECT_EQ(report.cancelled, !savesTheEdits);
 }
 
 std::vector<Row> allRows()
 {
     std::vector<Row> rows;
-    for (Outcome outcome : {Outcome::CheckOutSucceeds, Outcome::CheckOutFails, Outcome::MakeWritable, Outcome::Cancel,
-                            Outcome::PasswordRefused, Outcome::DepotUnreachable})
+    for (int outcome = 0; outcome < 6; ++outcome)
         for (int assets : {1, 100})
-            for (Mode mode : {Mode::Interactive, Mode::Batch})
-                rows.push_back({outcome, assets, mode});
+            for (bool interactive : {true, false})
+                rows.push_back({Outcome(outcome), assets, interactive});
     return rows;
 }
 
 INSTANTIATE_TEST_SUITE_P(Matrix, NeverLoseAnEdit, ::testing::ValuesIn(allRows()), [](const auto& info) {
-    return std::string(nameOf(info.param.outcome)) + "_" + std::to_string(info.param.assets) + "Assets_" +
-           (info.param.mode == Mode::Interactive ? "Interactive" : "Batch");
+    return std::string(kOutcomeNames[int(info.param.outcome)]) + "_" + std::to_string(info.param.assets) + "Assets_" +
+           (info.param.interactive ? "Interactive" : "Batch");
 });
 
 }  // namespace

@@ -8,130 +8,87 @@
 
 #include <QMessageBox>
 
-#include <gmock/gmock.h>
-
 namespace {
 
-using hbrc::test::answerChangelistDialog;
-using hbrc::test::answerPassword;
-using hbrc::test::ChangelistAnswer;
-using hbrc::test::DialogDriver;
-using hbrc::test::SaveHooksFixture;
+using namespace hbrc::test;
+using ::testing::Each;
 
 const QString kBeforeSaving = QStringLiteral("Check Out Before Saving");
 const QString kMarkForAdd = QStringLiteral("Post-Saving: Mark For Add");
-const QString kPasswordRequired = QStringLiteral("Data Source Password Required");
-const QString kSessionExpired = QStringLiteral("Source control session expired. Password required to re-connect.");
+const QString kDeleteError = QStringLiteral("Mark-For-Delete Error");
 
-class SaveHooks : public SaveHooksFixture
-{
-protected:
-    // Any top-level widget makes the session interactive.
-    std::unique_ptr<QWidget> OpenWindow() { return std::make_unique<QWidget>(); }
-    void PromptForChangelists()
-    {
-        host->Preferences().SetBoolPref("RevControl.PromptForChangeListWhenCheckingOut", true, 1);
-    }
-    std::string ChangelistDescription(const std::string& changelist) const
-    {
-        std::string description;
-        std::string error;
-        DataControl()->GetChangeListDescription(changelist, description, error);
-        return description;
-    }
-};
+using SaveHooks = SaveHooksFixture;
 
 // --- before the save: read-only assets -----------------------------------------------------------------
 
-TEST_F(SaveHooks, AReadOnlyAssetIsCheckedOutIntoANewChangelistThenSaved)
+// A check-out into a new changelist, ticked, keeps that changelist for the next save, which asks
+// nothing; Make Writable, ticked, leaves the files writable and not opened, and the settings keep
+// an automatic check-out from then on.
+TEST_F(SaveHooks, TheAnswerBeforeTheSaveIsFollowedAndATickedOneKeptForLaterSaves)
 {
-    const auto window = OpenWindow();
-    Edit("Stone", "polished");
+    Edit("Reed", "cut");
     Edit("Moss", "green");
-    DialogDriver driver;
     driver.expect("check out before saving",
-                  answerChangelistDialog(kBeforeSaving, {"Check Out", "before the save"}, [this](QWidget* dialog) {
-                      EXPECT_EQ(hbrc::test::infoText(dialog),
-                                "Some of the files of the following assets are read-only\n"
-                                "Please select an option before saving continues");
-                      EXPECT_EQ(hbrc::test::assetsText(dialog), "Moss\nStone (with External: stone.bin)\n");
+                  answerChangelistDialog(kBeforeSaving, {"Check Out", "before the save", true}, [this](QWidget* dialog) {
+                      EXPECT_EQ(infoText(dialog), "Some of the files of the following assets are read-only\n"
+                                                  "Please select an option before saving continues");
+                      EXPECT_EQ(assetsText(dialog), "Moss\nReed\n");
                       QStringList files;
-                      for (const char* asset : {"Moss", "Stone"}) {
+                      for (const char* asset : {"Moss", "Reed"})
                           for (const std::string& file : FilesOf(asset))
                               files << QString::fromStdString(file);
-                      }
                       files.sort();
-                      EXPECT_EQ(hbrc::test::listedFiles(dialog), files);
+                      EXPECT_EQ(listedFiles(dialog), files);
                   }));
-    const hbrc::host::SaveReport report = Save();
-    ExpectDriverFinished(driver);
-    EXPECT_TRUE(report.Succeeded()) << report.DescribeFailures();
-    EXPECT_TRUE(OnDiskWith("Stone", "polished") && OnDiskWith("Moss", "green"));
+    SaveAnswered();
+    EXPECT_TRUE(OnDiskWith("Reed", "cut") && OnDiskWith("Moss", "green"));
     const std::string changelist = StateOfFile(KelFileOf("Moss")).changelist;
     EXPECT_EQ(ChangelistDescription(changelist), "before the save");
-    for (const char* asset : {"Stone", "Moss"})
-        EXPECT_THAT(StatesOf(FilesOf(asset)), ::testing::Each(FileState{kel4::eStatusCheckedOut, changelist})) << asset;
-}
+    EXPECT_EQ(StoredChangelist(), changelist);
+    for (const char* asset : {"Reed", "Moss"})
+        EXPECT_THAT(StatesOf(FilesOf(asset)), Each(FileState{kel4::eStatusCheckedOut, changelist})) << asset;
 
-TEST_F(SaveHooks, MakeWritableWithTheBoxTickedStopsTheQuestionForLaterSaves)
-{
-    const auto window = OpenWindow();
-    Edit("Stone", "rough");
-    {
-        DialogDriver driver;
-        driver.expect("check out before saving", answerChangelistDialog(kBeforeSaving, {"Make Writable", {}, true}));
-        const hbrc::host::SaveReport first = Save();
-        ExpectDriverFinished(driver);
-        EXPECT_TRUE(first.Succeeded()) << first.DescribeFailures();
-    }
-    EXPECT_TRUE(OnDiskWith("Stone", "rough"));
-    EXPECT_THAT(StatesOf(FilesOf("Stone")), ::testing::Each(FileState{})) << "writable, not opened";
-
-    // The stored action is the settings' own (automatic check-out, into the default changelist).
     Edit("Leaf", "autumn");
-    DialogDriver silent;
-    const hbrc::host::SaveReport second = Save();
-    ExpectDriverFinished(silent);
-    EXPECT_TRUE(silent.seenTitles().isEmpty()) << silent.seenTitles().join(',').toStdString();
-    EXPECT_TRUE(second.Succeeded()) << second.DescribeFailures();
+    SaveAnswered();
     EXPECT_TRUE(OnDiskWith("Leaf", "autumn"));
-    EXPECT_EQ(StateOfFile(KelFileOf("Leaf")), (FileState{kel4::eStatusCheckedOut, ""}));
-}
+    EXPECT_EQ(StateOfFile(KelFileOf("Leaf")), (FileState{kel4::eStatusCheckedOut, changelist}));
 
-TEST_F(SaveHooks, WhenOnlyTheAssetsWithExternalFilesCheckOutTheQuestionListsTheOthersFiles)
-{
-    BobHolds("Moss");
-    const auto window = OpenWindow();
-    Edit("Stone", "veined");
-    Edit("Moss", "wet");
-    const QString mossFile = QString::fromStdString(KelFileOf("Moss"));
-    DialogDriver driver;
-    driver.expect("check out before saving", answerChangelistDialog(kBeforeSaving, {"Check Out"}));
-    driver.expectMessageBox(QStringLiteral("Checkout Error"), QMessageBox::Ok, QStringLiteral("bob"));
-    driver.expect("asked again", answerChangelistDialog(kBeforeSaving, {"Cancel"}, [&](QWidget* dialog) {
-                      EXPECT_EQ(hbrc::test::listedFiles(dialog), QStringList{mossFile});
-                      EXPECT_EQ(hbrc::test::assetsText(dialog), "Moss\nStone (with External: stone.bin)\n");
-                  }));
-    const hbrc::host::SaveReport report = Save();
-    ExpectDriverFinished(driver);
-    EXPECT_TRUE(report.cancelled);
-    EXPECT_THAT(StatesOf(FilesOf("Stone")), ::testing::Each(FileState{kel4::eStatusCheckedOut, ""}));
-    EXPECT_TRUE(DirtyInMemoryWith("Stone", "veined") && DirtyInMemoryWith("Moss", "wet"));
+    StoreAction(kPrompt);
+    Edit("Stone", "rough");
+    driver.expect("make writable", answerChangelistDialog(kBeforeSaving, {"Make Writable", {}, true}));
+    SaveAnswered();
+    EXPECT_TRUE(OnDiskWith("Stone", "rough"));
+    EXPECT_TRUE(AllWritable("Stone")) << "the external file too";
+    EXPECT_THAT(StatesOf(FilesOf("Stone")), Each(FileState{})) << "writable, not opened";
+    EXPECT_EQ(StoredActionNow(), kCheckOut);
 }
 
 // Refused, the password leaves the edit in memory (tst_neverloseanedit); given, the save goes on.
 TEST_F(SaveHooks, AnExpiredSessionBeforeTheSaveAsksForThePassword)
 {
     ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
-    const auto window = OpenWindow();
     Edit("Leaf", "after expiry");
-    DialogDriver driver;
     driver.expect("check out before saving", answerChangelistDialog(kBeforeSaving, {"Check Out"}));
-    driver.expect("password", answerPassword(QStringLiteral("alice-pw"), kSessionExpired));
-    const hbrc::host::SaveReport report = Save();
-    ExpectDriverFinished(driver);
-    EXPECT_TRUE(report.Succeeded()) << report.DescribeFailures();
+    driver.expect("password", answerPassword(QStringLiteral("alice-pw")));
+    SaveAnswered();
     EXPECT_TRUE(OnDiskWith("Leaf", "after expiry"));
+}
+
+TEST_F(SaveHooks, WhenOnlyTheAssetsWithExternalFilesCheckOutTheQuestionListsTheOthersFiles)
+{
+    BobHolds("Moss");
+    Edit("Stone", "veined");
+    Edit("Moss", "wet");
+    const QString mossFile = QString::fromStdString(KelFileOf("Moss"));
+    driver.expect("check out before saving", answerChangelistDialog(kBeforeSaving, {"Check Out"}));
+    driver.expectMessageBox(QStringLiteral("Checkout Error"), QMessageBox::Ok, QStringLiteral("bob"));
+    driver.expect("asked again", answerChangelistDialog(kBeforeSaving, {"Cancel"}, [&](QWidget* dialog) {
+                      EXPECT_EQ(listedFiles(dialog), QStringList{mossFile});
+                      EXPECT_EQ(assetsText(dialog), "Moss\nStone (with External: stone.bin)\n");
+                  }));
+    EXPECT_TRUE(Save().cancelled);
+    EXPECT_THAT(StatesOf(FilesOf("Stone")), Each(FileState{kel4::eStatusCheckedOut, ""}));
+    EXPECT_TRUE(DirtyInMemoryWith("Stone", "veined") && DirtyInMemoryWith("Moss", "wet"));
 }
 
 // A stored automatic check-out needs revision control switched on and its changelist still
@@ -144,18 +101,16 @@ TEST_F(SaveHooks, AStoredCheckOutThatCannotBeFollowedAsksOrCancels)
         const char* storedChangelist;
         bool interactive;
     };
-    const Row rows[] = {{"revision control off, interactive", false, "", true},
-                        {"changelist gone, interactive", true, "999", true},
-                        {"revision control off, batch", false, "", false},
-                        {"changelist gone, batch", true, "999", false}};
-    for (const Row& row : rows) {
+    for (const Row& row : {Row{"revision control off, interactive", false, "", true},
+                           Row{"changelist gone, interactive", true, "999", true},
+                           Row{"revision control off, batch", false, "", false},
+                           Row{"changelist gone, batch", true, "999", false}}) {
         SCOPED_TRACE(row.name);
-        host->Preferences().SetIntPref("RevControl.ActionWhenEditingReadOnlyAsset", 2, 1);
-        host->Preferences().SetStringPref("RevControl.ChangeListToUseWhenAutoCheckingOut", row.storedChangelist, 1);
-        host->Preferences().SetBoolPref("RevControl.UseSourceDataControl", row.useSourceDataControl, 1);
-        std::unique_ptr<QWidget> window = row.interactive ? OpenWindow() : nullptr;
+        StoreAction(kCheckOut, row.storedChangelist);
+        SetRevisionControl(row.useSourceDataControl);
+        if (!row.interactive)
+            window.reset();
         Edit("Stone", row.name);
-        DialogDriver driver;
         if (row.interactive) {
             driver.expect("asked", answerChangelistDialog(kBeforeSaving, {"Cancel"}, [&](QWidget* dialog) {
                               // Without revision control the dialog offers no changelist.
@@ -164,7 +119,7 @@ TEST_F(SaveHooks, AStoredCheckOutThatCannotBeFollowedAsksOrCancels)
                           }));
         }
         EXPECT_TRUE(Save().cancelled);
-        ExpectDriverFinished(driver);
+        ExpectDriverFinished();
         EXPECT_TRUE(DirtyInMemoryWith("Stone", row.name));
     }
 }
@@ -172,7 +127,7 @@ TEST_F(SaveHooks, AStoredCheckOutThatCannotBeFollowedAsksOrCancels)
 // A host may ask without wanting an answer: the hook then only acts.
 TEST_F(SaveHooks, ANullCancelPointerIsAcceptedAndTheHookStillActs)
 {
-    host->Preferences().SetIntPref("RevControl.ActionWhenEditingReadOnlyAsset", 3, 1);  // make writable
+    StoreAction(kMakeWritable);
     Edit("Stone", "asked without an answer");
     auto* hooks = dynamic_cast<borax::datamodel::IItemLibraryNotification*>(
         host->System().GetSingleton("RevisionControlUIHelper"));
@@ -188,27 +143,23 @@ TEST_F(SaveHooks, ANullCancelPointerIsAcceptedAndTheHookStillActs)
 // other deleted files go to the changelist the user chooses.
 TEST_F(SaveHooks, DeletedFilesInTheDepotGoToTheirChangelistOrTheOneTheUserChooses)
 {
-    PromptForChangelists();
+    SetPromptForChangelist(true);
     const std::string changelist = NewChangelist("sky rework");
     AliceChecksOut("Sky", changelist);
     const std::string skyFile = KelFileOf("Sky");
     const std::string treeFile = KelFileOf("Tree");
-    const auto window = OpenWindow();
     ASSERT_TRUE(workspace->DeleteAsset(Asset("Sky")));
     ASSERT_TRUE(workspace->DeleteAsset(Asset("Tree")));
-    DialogDriver driver;
     driver.expect("mark for delete",
                   answerChangelistDialog(QStringLiteral("Mark For Delete"), {"Mark For Delete", "felled"},
                                          [&](QWidget* dialog) {
-                                             EXPECT_EQ(hbrc::test::infoText(dialog),
+                                             EXPECT_EQ(infoText(dialog),
                                                        "The files below were deleted during the commit\n"
                                                        "We can now mark them for delete in your revision control");
-                                             EXPECT_TRUE(hbrc::test::assetsText(dialog).isEmpty());
-                                             EXPECT_EQ(hbrc::test::listedFiles(dialog).size(), 2) << "Tree's only";
+                                             EXPECT_TRUE(assetsText(dialog).isEmpty());
+                                             EXPECT_EQ(listedFiles(dialog).size(), 2) << "Tree's only";
                                          }));
-    const hbrc::host::SaveReport report = Save();
-    ExpectDriverFinished(driver);
-    EXPECT_TRUE(report.Succeeded()) << report.DescribeFailures();
+    SaveAnswered();
     EXPECT_EQ(StateOfFile(skyFile), (FileState{kel4::eStatusMarkedForDelete, changelist}));
     EXPECT_FALSE(QFile::exists(QString::fromStdString(skyFile)));
     const auto state = StateOfFile(treeFile);
@@ -225,13 +176,10 @@ TEST_F(SaveHooks, AMarkForDeleteThatBobBlocksNamesHimAndOffersRetry)
                                             "because the following users have checked out some of the files\n"
                                             "because the following users have locked some of the files\n\nbob\n")
                                  .arg(QString::fromStdString(treeFile), QString::fromStdString(AlicePath("tree.bin")));
-    const auto window = OpenWindow();
     ASSERT_TRUE(workspace->DeleteAsset(Asset("Tree")));
-    DialogDriver driver;
-    driver.expectMessageBox(QStringLiteral("Mark-For-Delete Error"), QMessageBox::Retry, expected);
-    driver.expectMessageBox(QStringLiteral("Mark-For-Delete Error"), QMessageBox::Ok, expected);
-    EXPECT_TRUE(Save().Succeeded());
-    ExpectDriverFinished(driver);
+    driver.expectMessageBox(kDeleteError, QMessageBox::Retry, expected);
+    driver.expectMessageBox(kDeleteError, QMessageBox::Ok, expected);
+    SaveAnswered();
     EXPECT_EQ(StateOfFile(treeFile).status, kel4::eStatusCheckedOutByOthers | kel4::eStatusLockedByOthers);
 }
 
@@ -241,88 +189,69 @@ TEST_F(SaveHooks, AMarkForDeleteThatBobBlocksNamesHimAndOffersRetry)
 // go to the changelist the user chooses, and with the box ticked later ones follow silently.
 TEST_F(SaveHooks, NewAssetsAreMarkedForAddInTheirFilesOrTheUsersChangelist)
 {
-    PromptForChangelists();
+    SetPromptForChangelist(true);
     const std::string rockWork = NewChangelist("rock work");
     AliceChecksOut("Rock", rockWork);
-    const auto window = OpenWindow();
     CreateAsset("Pebble", "rock.bin");  // shares Rock's open external file
-    {
-        DialogDriver silent;
-        EXPECT_TRUE(Save().Succeeded());
-        ExpectDriverFinished(silent);
-    }
+    SaveAnswered();
     EXPECT_EQ(StateOfFile(KelFileOf("Pebble")), (FileState{kel4::eStatusMarkedForAdd, rockWork}));
 
     CreateAsset("Fern", "fern.bin");
-    {
-        DialogDriver driver;
-        driver.expect("mark for add",
-                      answerChangelistDialog(kMarkForAdd, {"Mark For Add", "ferns", true}, [](QWidget* d) {
-                          EXPECT_EQ(hbrc::test::infoText(d),
-                                    "These assets have just been added during the save operation\n"
-                                    "We can now mark them for add in the revision control");
-                          EXPECT_EQ(hbrc::test::assetsText(d), "Fern\n");
-                          EXPECT_EQ(hbrc::test::listedFiles(d).size(), 2);
-                      }));
-        EXPECT_TRUE(Save().Succeeded());
-        ExpectDriverFinished(driver);
-    }
+    driver.expect("mark for add", answerChangelistDialog(kMarkForAdd, {"Mark For Add", "ferns", true}, [](QWidget* d) {
+                      EXPECT_EQ(infoText(d), "These assets have just been added during the save operation\n"
+                                             "We can now mark them for add in the revision control");
+                      EXPECT_EQ(assetsText(d), "Fern\n");
+                      EXPECT_EQ(listedFiles(d).size(), 2);
+                  }));
+    SaveAnswered();
     const std::string changelist = StateOfFile(KelFileOf("Fern")).changelist;
     EXPECT_EQ(ChangelistDescription(changelist), "ferns");
-    EXPECT_THAT(StatesOf(FilesOf("Fern")), ::testing::Each(FileState{kel4::eStatusMarkedForAdd, changelist}));
-    std::string stored;
-    host->Preferences().GetStringPref("RevControl.ChangeListToUseWhenAutoCheckingOut", "", stored, 1);
-    EXPECT_EQ(stored, changelist);
+    EXPECT_THAT(StatesOf(FilesOf("Fern")), Each(FileState{kel4::eStatusMarkedForAdd, changelist}));
+    EXPECT_EQ(StoredChangelist(), changelist);
     CreateAsset("Bracken");
-    DialogDriver silent;
-    EXPECT_TRUE(Save().Succeeded());
-    ExpectDriverFinished(silent);
+    SaveAnswered();
     EXPECT_EQ(StateOfFile(KelFileOf("Bracken")).changelist, changelist);
 }
 
+// Deleted files: the password is given, the file is marked for delete in its changelist. New
+// assets: the password is refused, nothing is marked and nothing more is asked; deleted before
+// it ever reached the depot, the new asset is left alone.
 TEST_F(SaveHooks, AnExpiredSessionAfterTheSaveAsksForThePasswordWithTheWorksPrefix)
 {
     const std::string changelist = NewChangelist("sky rework");
     AliceChecksOut("Sky", changelist);
     const std::string skyFile = KelFileOf("Sky");
-    const auto window = OpenWindow();
-
-    // Deleted files: the password is given, the file is marked for delete in its changelist.
     ASSERT_TRUE(workspace->DeleteAsset(Asset("Sky")));
     ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
-    {
-        DialogDriver driver;
-        driver.expect("password",
-                      answerPassword(QStringLiteral("alice-pw"),
-                                     QStringLiteral("Post-Save Mark-for-Delete: Revision control system needs to be "
-                                                    "queried for file status but\nsession was lost. Enter a password "
-                                                    "to re-connect, or cancel the mark-for-delete.")));
-        EXPECT_TRUE(Save().Succeeded());
-        ExpectDriverFinished(driver);
-        EXPECT_EQ(StateOfFile(skyFile).status, kel4::eStatusMarkedForDelete);
-    }
+    driver.expect("password", answerPassword(QStringLiteral("alice-pw"),
+                                             QStringLiteral("Post-Save Mark-for-Delete: Revision control system needs "
+                                                            "to be queried for file status but\nsession was lost. Enter "
+                                                            "a password to re-connect, or cancel the mark-for-delete.")));
+    SaveAnswered();
+    EXPECT_EQ(StateOfFile(skyFile).status, kel4::eStatusMarkedForDelete);
 
-    // New assets: the password is refused, nothing is marked and nothing more is asked.
     CreateAsset("Fern");
     ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
-    {
-        DialogDriver driver;
-        driver.expect("password", answerPassword({}, QStringLiteral("Post-Save Mark-for-Add: Revision control "
-                                                                     "system needs to be queried for file status "
-                                                                     "but\nsession was lost. Enter a password to "
-                                                                     "re-connect, or cancel the mark-for-add.")));
-        EXPECT_TRUE(Save().Succeeded());
-        ExpectDriverFinished(driver);
-    }
+    driver.expect("password", answerPassword({}, QStringLiteral("Post-Save Mark-for-Add: Revision control system "
+                                                                 "needs to be queried for file status but\nsession was "
+                                                                 "lost. Enter a password to re-connect, or cancel the "
+                                                                 "mark-for-add.")));
+    SaveAnswered();
     AliceLogsInAgain();
-    EXPECT_EQ(StateOfFile(KelFileOf("Fern")).status, kel4::eStatusNotInDatabase);
+    const std::string fernFile = KelFileOf("Fern");
+    EXPECT_EQ(StateOfFile(fernFile).status, kel4::eStatusNotInDatabase);
+
+    ASSERT_TRUE(workspace->DeleteAsset(Asset("Fern")));
+    SaveAnswered();
+    EXPECT_EQ(StateOfFile(fernFile).status, kel4::eStatusNotInDatabase);
 }
 
 // --- batch ---------------------------------------------------------------------------------------------
 
 TEST_F(SaveHooks, ABatchSaveDecidesEverythingWithoutADialog)
 {
-    PromptForChangelists();
+    window.reset();
+    SetPromptForChangelist(true);
     const std::string changelist = NewChangelist("sky rework");
     AliceChecksOut("Sky", changelist);
     const std::string skyFile = KelFileOf("Sky");
@@ -331,39 +260,39 @@ TEST_F(SaveHooks, ABatchSaveDecidesEverythingWithoutADialog)
     ASSERT_TRUE(workspace->DeleteAsset(Asset("Tree")));
     Edit("Moss", "batch");
     CreateAsset("Fern");
-
-    DialogDriver driver;
-    const hbrc::host::SaveReport report = Save();
-    ExpectDriverFinished(driver);
-    EXPECT_TRUE(driver.seenTitles().isEmpty()) << driver.seenTitles().join(',').toStdString();
-    EXPECT_TRUE(report.Succeeded()) << report.DescribeFailures();
+    SaveAnswered();
     // Read-only asset: checked out into the default changelist. Deleted files: the checked-out
     // one in its changelist, the other one in the default changelist (prompting would be needed).
     // New asset: marked for add in the default changelist.
     EXPECT_TRUE(OnDiskWith("Moss", "batch"));
     EXPECT_EQ(StateOfFile(KelFileOf("Moss")).status, kel4::eStatusCheckedOut);
     EXPECT_EQ(StateOfFile(skyFile).changelist, changelist);
-    EXPECT_EQ(StateOfFile(treeFile).status, kel4::eStatusMarkedForDelete);
-    EXPECT_EQ(StateOfFile(treeFile).changelist, "");
+    EXPECT_EQ(StateOfFile(treeFile), (FileState{kel4::eStatusMarkedForDelete, ""}));
     const std::string fernFile = KelFileOf("Fern");
     EXPECT_EQ(StateOfFile(fernFile), (FileState{kel4::eStatusMarkedForAdd, ""}));
 
     // Deleted again before any submit, the new asset leaves revision control.
     ASSERT_TRUE(workspace->DeleteAsset(Asset("Fern")));
-    EXPECT_TRUE(Save().Succeeded());
-    ExpectDriverFinished(driver);
+    SaveAnswered();
     EXPECT_EQ(StateOfFile(fernFile).status, kel4::eStatusNotInDatabase);
+
+    // Revision control switched off: the hook follows nothing the save did.
+    SetRevisionControl(false);
+    const std::string rockFile = KelFileOf("Rock");
+    ASSERT_TRUE(workspace->DeleteAsset(Asset("Rock")));
+    CreateAsset("Heath");
+    SaveAnswered();
+    EXPECT_EQ(StateOfFile(KelFileOf("Heath")).status, kel4::eStatusNotInDatabase);
+    EXPECT_FALSE(StateOfFile(rockFile).status & kel4::eStatusMarkedForDelete);
 }
 
 TEST_F(SaveHooks, ABatchFailureIsLoggedAndTheSaveCancelled)
 {
+    window.reset();
     BobHolds("Moss");
     Edit("Moss", "logged");
     hbrc::host::LogCapture log;
-    DialogDriver driver;
-    const hbrc::host::SaveReport report = Save();
-    ExpectDriverFinished(driver);
-    EXPECT_TRUE(report.cancelled);
+    EXPECT_TRUE(Save().cancelled);
     EXPECT_TRUE(DirtyInMemoryWith("Moss", "logged"));
     ASSERT_FALSE(log.TextsOfType(Log::eError).empty());
     const std::string entry = log.TextsOfType(Log::eError).back();
