@@ -13,7 +13,7 @@ endif()
 
 # hbrc_add_library(<name> [SHARED|STATIC] SOURCES ... [PUBLIC_LIBS ...] [PRIVATE_LIBS ...] [INCLUDES ...]
 #                  [EXPORT_HEADER <folder>/<file>.h])
-# EXPORT_HEADER generates the header with which public headers export their symbols, with
+# Symbols are hidden unless a public header exports them. EXPORT_HEADER generates that header, with
 # the macro <NAME>_EXPORT (hbrc_depot: HBRC_DEPOT_EXPORT), for the public headers to include as
 # <folder>/<file>.h; a library without one brings its own macro (the toolkit's, the SDK's).
 function(hbrc_add_library name)
@@ -27,6 +27,9 @@ function(hbrc_add_library name)
   foreach(dir ${A_INCLUDES})
     target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${dir}>)
   endforeach()
+  set_target_properties(${name} PROPERTIES
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
   if(A_EXPORT_HEADER)
     set(generated ${CMAKE_CURRENT_BINARY_DIR}/exportheader)
     generate_export_header(${name} EXPORT_FILE_NAME ${generated}/${A_EXPORT_HEADER})
