@@ -19,8 +19,8 @@ using ReadOnlyTest = std::function<bool(const std::string& file)>;
 HBRC_SERVICES_EXPORT unsigned ObjectWord(const std::vector<depot::FileStatus>& statuses);
 // True when a file is in the depot, not open in this workspace and read-only on disk: the user
 // must check it out (or make it writable) before editing.
-bool NeedsAction(const std::vector<std::string>& files, const std::vector<depot::FileStatus>& statuses,
-                 const ReadOnlyTest& isReadOnly);
+HBRC_SERVICES_EXPORT bool NeedsAction(const std::vector<std::string>& files,
+                                      const std::vector<depot::FileStatus>& statuses, const ReadOnlyTest& isReadOnly);
 // True when a check-out would open something and nothing refuses it: every file not yet open in
 // this workspace is in the depot at the head revision, readable, and held by no other user.
 HBRC_SERVICES_EXPORT bool CanCheckOut(const std::vector<depot::FileStatus>& statuses);
