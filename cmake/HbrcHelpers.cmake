@@ -1,5 +1,7 @@
 # Project-wide compiler settings and the small helpers every folder uses.
 
+include(GenerateExportHeader)
+
 add_compile_options(-Wall -Wextra -Wpedantic)
 if(HBRC_WERROR)
   add_compile_options(-Werror)
@@ -9,9 +11,13 @@ if(HBRC_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
-# hbrc_add_library(<name> [SHARED|STATIC] SOURCES ... [PUBLIC_LIBS ...] [PRIVATE_LIBS ...] [INCLUDES ...])
+# hbrc_add_library(<name> [SHARED|STATIC] SOURCES ... [PUBLIC_LIBS ...] [PRIVATE_LIBS ...] [INCLUDES ...]
+#                  [EXPORT_HEADER <folder>/<file>.h])
+# Symbols are hidden unless a public header exports them. EXPORT_HEADER generates that header, with
+# the macro <NAME>_EXPORT (hbrc_depot: HBRC_DEPOT_EXPORT), for the public headers to include as
+# <folder>/<file>.h; a library without one brings its own macro (the toolkit's, the SDK's).
 function(hbrc_add_library name)
-  cmake_parse_arguments(A "SHARED;STATIC" "" "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS;INCLUDES" ${ARGN})
+  cmake_parse_arguments(A "SHARED;STATIC" "EXPORT_HEADER" "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS;INCLUDES" ${ARGN})
   set(kind SHARED)
   if(A_STATIC)
     set(kind STATIC)
@@ -21,6 +27,14 @@ function(hbrc_add_library name)
   foreach(dir ${A_INCLUDES})
     target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${dir}>)
   endforeach()
+  set_target_properties(${name} PROPERTIES
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+  if(A_EXPORT_HEADER)
+    set(generated ${CMAKE_CURRENT_BINARY_DIR}/exportheader)
+    generate_export_header(${name} EXPORT_FILE_NAME ${generated}/${A_EXPORT_HEADER})
+    target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${generated}>)
+  endif()
   if(NOT A_STATIC)
     set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
   endif()
@@ -47,15 +61,4 @@ function(hbrc_add_bench name)
   find_package(benchmark REQUIRED)
   add_executable(${name} ${B_SOURCES})
   target_link_libraries(${name} PRIVATE ${B_LIBS} benchmark::benchmark)
-endfunction()
-
-# Adds every direct sub-folder of the current folder that has a CMakeLists.txt, except those named.
-function(hbrc_add_subdirectories)
-  file(GLOB children LIST_DIRECTORIES true CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*)
-  foreach(dir ${children})
-    get_filename_component(leaf ${dir} NAME)
-    if(IS_DIRECTORY ${dir} AND EXISTS ${dir}/CMakeLists.txt AND NOT leaf IN_LIST ARGN)
-      add_subdirectory(${dir})
-    endif()
-  endforeach()
 endfunction()

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Checks what the shipped libraries export and need:
 #   the plug-in exports plxPluginRegister and nothing else, and links no library of the reference host;
-#   the toolkit exports none of the classes and namespaces that only its sources declare.
-# Usage: check-exports.sh <plug-in .so> <toolkit .so> <toolkit public header folder> <toolkit source folder>
+#   every other library named exports none of the classes and namespaces that only its sources declare.
+# Usage: check-exports.sh <plug-in .so> [<library .so> <public header folder> <source folder>]...
 set -euo pipefail
-plugin=$1 toolkit=$2 headers=$3 sources=$4
+plugin=$1
+shift
 status=0
 
 # Defined dynamic symbols, without the linker's own section markers.
@@ -23,21 +24,49 @@ if [ -n "$host_libs" ]; then
   status=1
 fi
 
-# The first name of each demangled toolkit symbol (class, namespace or function) must not be one
-# that only the toolkit's sources declare. (Qt's, the standard library's and a sanitizer's own
-# symbols may appear in a build; they are not the toolkit's.)
-public_names=$(cat "$headers"/*.h | grep -oE '[A-Za-z_][A-Za-z0-9_]*' | sort -u)
-internal_names=$(cat "$sources"/*.h "$sources"/*.cpp | grep -oE '^(class|struct|namespace) [A-Za-z_][A-Za-z0-9_]*( |$)' |
-  awk '{print $2}' | sort -u | comm -23 - <(echo "$public_names"))
-exported_names=$(nm -D --defined-only --demangle "$toolkit" | cut -d' ' -f3- |
-  sed -E 's/^(typeinfo name for|typeinfo for|vtable for|VTT for|non-virtual thunk to|virtual thunk to) //' |
-  grep -oE '^[A-Za-z_][A-Za-z0-9_]*' | sort -u)
-unexpected=$(comm -12 <(echo "$exported_names") <(echo "$internal_names"))
-if [ -n "$unexpected" ]; then
-  echo "The toolkit exports names that only its sources declare:"
-  echo "$unexpected"
-  status=1
-fi
+# The names a library's sources declare as class, struct or namespace (each part of a nested
+# namespace) that appear nowhere in its public headers.
+internal_names() {
+  local headers=$1 sources=$2
+  comm -23 \
+    <(find "$sources" \( -name '*.h' -o -name '*.cpp' \) -exec cat {} + |
+        sed -nE 's/^[[:space:]]*(class|struct|namespace) ([A-Za-z_][A-Za-z0-9_]*(::[A-Za-z_][A-Za-z0-9_]*)*)([[:space:]]|$).*/\2/p' |
+        tr -s ':' '\n' | sort -u) \
+    <(find "$headers" -name '*.h' -exec cat {} + | grep -oE '[A-Za-z_][A-Za-z0-9_]*' | sort -u)
+}
 
-[ $status -eq 0 ] && echo "exports: plug-in 1 symbol (plxPluginRegister); toolkit $(defined_dynamic "$toolkit" | wc -l) symbols, all public"
+# Every part of the qualified name of each exported symbol (template arguments and parameters left
+# out: a template instantiated for a hidden type is hidden itself). Symbols of the standard library,
+# Boost and Qt may appear in a build; they are not the library's.
+exported_name_parts() {
+  nm -D --defined-only --demangle "$1" | cut -d' ' -f3- |
+    sed -E 's/^(typeinfo name for|typeinfo for|vtable for|VTT for|guard variable for|non-virtual thunk to|virtual thunk to) //
+            s/operator(<<=|>>=|<=>|<<|>>|<=|>=|->\*|->|<|>)/operator/g
+            s/\[abi:[a-z0-9]+\]//g
+            :strip
+            s/<[^<>]*>//g
+            t strip
+            s/\(.*//' |
+    awk '{print $NF}' | grep -vE '^(std|boost|__gnu_cxx|Q[A-Za-z0-9_]*|qt_[A-Za-z0-9_]*)(::|$)' |
+    tr -s ':' '\n' | sort -u
+}
+
+counts=()
+while [ $# -gt 0 ]; do
+  library=$1 headers=$2 sources=$3
+  shift 3
+  name=$(basename "$library")
+  unexpected=$(comm -12 <(exported_name_parts "$library") <(internal_names "$headers" "$sources"))
+  if [ -n "$unexpected" ]; then
+    echo "$name exports names that only its sources declare:"
+    echo "$unexpected"
+    status=1
+  fi
+  counts+=("$name $(defined_dynamic "$library" | wc -l)")
+done
+
+if [ $status -eq 0 ]; then
+  echo "exports: plug-in 1 symbol (plxPluginRegister); all public:"
+  printf '  %s\n' "${counts[@]}"
+fi
 exit $status

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
 #include <hbrcdatamodel/savereport.h>
 
 #include <QString>
@@ -10,7 +11,7 @@ namespace hbrc::host {
 namespace AssetFiles {
 
 // Removes path when it exists; true also when there was nothing to remove.
-bool Remove(const QString& path, SaveReport& report);
+HBRC_DATAMODEL_EXPORT bool Remove(const QString& path, SaveReport& report);
 
 }  // namespace AssetFiles
 }  // namespace hbrc::host

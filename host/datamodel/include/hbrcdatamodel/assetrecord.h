@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
+
 #include <cstdint>
 #include <map>
 #include <string>
@@ -12,9 +14,9 @@ namespace hbrc::host {
 // workspace but neither of the two).
 enum class AssetKind { Metadata, Value, Data };
 
-const char* AssetKindName(AssetKind kind);
+HBRC_DATAMODEL_EXPORT const char* AssetKindName(AssetKind kind);
 // False when text names no kind.
-bool AssetKindFromName(const std::string& text, AssetKind& kind);
+HBRC_DATAMODEL_EXPORT bool AssetKindFromName(const std::string& text, AssetKind& kind);
 
 // A sub-object held inside an asset (a layer of a material, a key of a curve). It is stored in
 // its asset's file and saved with it.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
+
 #include <nrk/fwk/icommandmanager.h>
 #include <nrk/ibase.h>
 
@@ -15,7 +17,7 @@ namespace hbrc::host {
 // history too), and a command whose predecessor CanCollapse with it joins the predecessor's step.
 // Undo undoes a step's commands newest first; a new step clears the redo history. An execution
 // command without a command manager gets this one.
-class CommandManager final : public nrk::fwk::ICommandManager, public nrk::IBase
+class HBRC_DATAMODEL_EXPORT CommandManager final : public nrk::fwk::ICommandManager, public nrk::IBase
 {
 public:
     CommandManager() = default;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
 #include <hbrcdatamodel/kelinstance.h>
 #include <hbrcdatamodel/multifiledatasource.h>
 #include <hbrcdatamodel/objectstore.h>
@@ -18,7 +19,7 @@ namespace hbrc::host {
 // File paths handed out are absolute, in the file-name encoding (QFile::encodeName). Objects of
 // the persistence closure (and of closureId::All) are stored in files; the runtime closure has
 // none. A part is stored in its asset's files.
-class DataModelMgr final : public kel4::RefCounted<kel4::IDataModelMgr>
+class HBRC_DATAMODEL_EXPORT DataModelMgr final : public kel4::RefCounted<kel4::IDataModelMgr>
 {
 public:
     using ObjectList = kel4::List<KELHandle<kel4::IDbObject>>;

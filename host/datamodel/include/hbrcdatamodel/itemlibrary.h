@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
 #include <hbrcdatamodel/itemlibrarycontext.h>
 
 #include <borax/datamodel/iitemlibrary.h>
@@ -13,7 +14,7 @@ class DataModelMgr;
 
 // The item library of an open workspace: one item per object of the data model, bound to the
 // object's id, and the notifications the library posts through its context.
-class ItemLibrary final : public borax::datamodel::IItemLibrary
+class HBRC_DATAMODEL_EXPORT ItemLibrary final : public borax::datamodel::IItemLibrary
 {
 public:
     // The model must outlive the library.

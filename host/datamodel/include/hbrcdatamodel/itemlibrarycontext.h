@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
+
 #include <borax/datamodel/accessors.h>
 #include <borax/datamodel/iitemlibrary.h>
 #include <borax/datamodel/iitemlibrarynotification.h>
@@ -18,7 +20,7 @@ enum NotificationCode : int {
 // The context in which the host's item library is accessed. Receivers register with a code and a
 // context index; each registration is one entry (registering twice means being called twice until
 // unregistered twice), called in registration order.
-class ItemLibraryContext final : public borax::datamodel::IItemLibraryContext
+class HBRC_DATAMODEL_EXPORT ItemLibraryContext final : public borax::datamodel::IItemLibraryContext
 {
 public:
     using Notification = std::function<void(borax::datamodel::IItemLibraryNotification&,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
+
 #include <nrk/fwk/ikeldbproxy.h>
 #include <nrk/ibase.h>
 
@@ -11,7 +13,7 @@ class Workspace;
 // The database proxy ("KELDBProxy"): the workspace the user works in now. Attaching a workspace
 // emits OnInitialConnectionToDB (the first time in the proxy's life only), then OnConnectedToDB;
 // detaching emits OnDisconnectedFromDB while the workspace is still reachable through the proxy.
-class KelDbProxy final : public nrk::fwk::IKELDBProxy, public nrk::IBase
+class HBRC_DATAMODEL_EXPORT KelDbProxy final : public nrk::fwk::IKELDBProxy, public nrk::IBase
 {
 public:
     const char* GetClsName() const override { return "Korvex.NRK.KELDBProxy"; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
 #include <hbrcdatamodel/assetrecord.h>
 
 #include <string>
@@ -27,12 +28,12 @@ constexpr int kVersion = 1;
 
 // Parses text into record. On failure returns false and sets errorText to "line N: reason"
 // ("line N, column C: ..." for a control character).
-bool Parse(const std::string& text, AssetRecord& record, std::string& errorText);
-std::string Serialize(const AssetRecord& record);
+HBRC_DATAMODEL_EXPORT bool Parse(const std::string& text, AssetRecord& record, std::string& errorText);
+HBRC_DATAMODEL_EXPORT std::string Serialize(const AssetRecord& record);
 
 // True when name may be an external file name: relative, inside the asset's folder (sub-folders
 // allowed, no "..", no backslash, no control character or tab), not another .kel file.
-bool IsValidExternalFileName(const std::string& name);
+HBRC_DATAMODEL_EXPORT bool IsValidExternalFileName(const std::string& name);
 
 }  // namespace KelFormat
 }  // namespace hbrc::host

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
+
 #include <kel4/ikelinstance.h>
 #include <kel4/iservice.h>
 #include <kel4/kelptr.h>
@@ -12,7 +14,7 @@ namespace hbrc::host {
 // The database instance of an open workspace: the services registered on it by name. Services
 // often hold the data model they serve; ClearServices (called when the workspace closes) breaks
 // that cycle.
-class KelInstance final : public kel4::RefCounted<kel4::IKELInstance>
+class HBRC_DATAMODEL_EXPORT KelInstance final : public kel4::RefCounted<kel4::IKELInstance>
 {
 public:
     KELPtr<kel4::IService> GetService(const kel4::ServiceId& id) const override;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
+
 #include <kel4/idatasource.h>
 
 #include <QString>
@@ -12,7 +14,7 @@ namespace hbrc::host {
 // The workspace folder as a data source. Each save reports here the files it removed and the
 // objects it wrote for the first time; the record lasts until ResetTracking. It names objects by
 // slot and instance only, so it holds no reference to the data model (which owns it).
-class MultiFileDataSource final : public kel4::RefCounted<kel4::IMultiFileDataSource>
+class HBRC_DATAMODEL_EXPORT MultiFileDataSource final : public kel4::RefCounted<kel4::IMultiFileDataSource>
 {
 public:
     explicit MultiFileDataSource(QString root) : m_root(std::move(root)) {}

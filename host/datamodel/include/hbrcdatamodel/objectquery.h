@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,7 +19,7 @@ enum ObjectFlag : unsigned {
 // A parsed object query: "select object where EXPR", EXPR being a flag (IS_PERSISTABLE,
 // IS_METADATA, IS_DIRTY, IS_VALUE_ASSET) or AND(EXPR, EXPR), OR(EXPR, EXPR), NOT(EXPR).
 // Keywords and flags are case-sensitive; blanks may stand between any two symbols.
-class ObjectQuery
+class HBRC_DATAMODEL_EXPORT ObjectQuery
 {
 public:
     // The query, or null with errorText "position N: reason" (N counts characters from 1).

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
 #include <hbrcdatamodel/assetrecord.h>
 
 #include <kel4/dbobjectid.h>
@@ -52,7 +53,7 @@ struct PendingDeletion
 // The object cache of a data model: every asset and part in a numbered slot. A slot keeps an
 // instance number that grows each time the slot is freed, so that handles to a removed object
 // stop resolving even when the slot is reused.
-class ObjectStore
+class HBRC_DATAMODEL_EXPORT ObjectStore
 {
 public:
     static constexpr std::uint32_t kNoSlot = 0xffffffffu;

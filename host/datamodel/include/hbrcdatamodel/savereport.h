@@ -1,12 +1,14 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
+
 #include <string>
 #include <vector>
 
 namespace hbrc::host {
 
 // What a save did. Paths are absolute, in the file-name encoding.
-struct SaveReport
+struct HBRC_DATAMODEL_EXPORT SaveReport
 {
     struct Failure
     {

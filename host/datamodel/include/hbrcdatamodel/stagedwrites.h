@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
 #include <hbrcdatamodel/savereport.h>
 
 #include <QByteArray>
@@ -17,7 +18,7 @@ namespace hbrc::host {
 // each over its target and flushes every touched folder once. A crash at any moment leaves each
 // target with either its old or its new content, and the save pays for one flush of the batch
 // rather than one per file. Temporary files that were not renamed are removed when the batch ends.
-class StagedWrites
+class HBRC_DATAMODEL_EXPORT StagedWrites
 {
 public:
     using Ticket = std::size_t;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
 #include <hbrcdatamodel/assetrecord.h>
 #include <hbrcdatamodel/datamodelmgr.h>
 #include <hbrcdatamodel/itemlibrary.h>
@@ -40,7 +41,7 @@ struct NewAsset
 // and tests use, and the save. Edits change the model only and mark the asset dirty; files change
 // on Save. An asset's .kel file name is chosen from its name when it is created and kept when the
 // asset is renamed.
-class Workspace
+class HBRC_DATAMODEL_EXPORT Workspace
 {
 public:
     // Loads every asset below folder; null with errorText when folder is not a readable folder.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
+
 #include <QString>
 
 #include <cstddef>
@@ -10,7 +12,7 @@ class ObjectStore;
 // Reads every .kel file below a workspace folder into an object store, in one pass over the
 // folder, in path order. A file that cannot be read or parsed, or whose ids are already taken, is skipped with
 // one error line in the host log naming the file; it is never written to.
-class WorkspaceLoader
+class HBRC_DATAMODEL_EXPORT WorkspaceLoader
 {
 public:
     struct Outcome

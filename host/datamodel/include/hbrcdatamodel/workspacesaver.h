@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcdatamodel/export.h>
 #include <hbrcdatamodel/savereport.h>
 
 namespace hbrc::host {
@@ -13,7 +14,7 @@ class ItemLibrary;
 // could not be written stays dirty with its edits; the report names every such file. Removed
 // files and assets written for the first time are recorded by the workspace's data source.
 // Finally the receivers' OnPostCommit runs.
-class WorkspaceSaver
+class HBRC_DATAMODEL_EXPORT WorkspaceSaver
 {
 public:
     static SaveReport Save(DataModelMgr& model, ItemLibrary& library);

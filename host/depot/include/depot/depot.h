@@ -15,6 +15,8 @@
 // workspace sees the whole depot below its root. Files open exclusively: a file open in one
 // workspace cannot be opened in another. A Depot object is used from one thread at a time.
 
+#include <depot/export.h>
+
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -38,7 +40,7 @@ struct DepotOptions
     PasswordHashCost passwordHashCost = PasswordHashCost::Interactive;
 };
 
-class Depot
+class HBRC_DEPOT_EXPORT Depot
 {
 public:
     using Files = std::vector<std::string>;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <depot/export.h>
+
 #include <chrono>
 #include <map>
 #include <optional>
@@ -11,7 +13,7 @@ namespace hbrc::depot {
 
 // Faults that tests and benchmarks inject into a depot connection: a delay in every round trip
 // (a slow server) and failures forced onto the next calls or onto one operation.
-class FaultInjector
+class HBRC_DEPOT_EXPORT FaultInjector
 {
 public:
     void setLatency(std::chrono::milliseconds perRoundTrip) { m_latency = perRoundTrip; }

@@ -4,6 +4,8 @@
 // ($HBDEPOT_TICKETS, else ~/.hbdepot_tickets): "hbdepot login" keeps them and every host on the
 // embedded depot reads and keeps them too, so that a log-in in a terminal and one in a host are one.
 
+#include <depot/export.h>
+
 #include <optional>
 #include <string>
 
@@ -15,7 +17,7 @@ struct StoredTicket
     std::string ticket;
 };
 
-class TicketStore
+class HBRC_DEPOT_EXPORT TicketStore
 {
 public:
     explicit TicketStore(std::string file = defaultFile());

@@ -3,6 +3,8 @@
 // Value types of the embedded depot's API: result codes, status bits, and what the list
 // questions answer.
 
+#include <depot/export.h>
+
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -138,6 +140,6 @@ enum class SyncMode { Safe, Force };
 // Polled between the steps of an operation; returning true cancels it and rolls it back.
 using CancelCheck = std::function<bool()>;
 
-const char* actionName(FileAction action);
+HBRC_DEPOT_EXPORT const char* actionName(FileAction action);
 
 }  // namespace hbrc::depot

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kel4/sdkglobal.h>
+#include <hbrchost/export.h>
 #include <nrk/isystem.h>
 
 #include <map>
@@ -13,7 +13,7 @@ namespace hbrc::host {
 // The host's component system. One instance is the running system (nrkGetSystem) from its
 // construction to its destruction; singletons it created are terminated and destroyed then, in
 // reverse order of creation.
-class KEL_RUNTIME_API ComponentSystem final : public nrk::ISystem
+class HBRC_HOSTRUNTIME_EXPORT ComponentSystem final : public nrk::ISystem
 {
 public:
     ComponentSystem();
@@ -43,6 +43,6 @@ private:
 };
 
 // Destroys an object the component system handed out: through IDestroy when it offers it.
-KEL_RUNTIME_API void DestroyComponent(nrk::IBase* object);
+HBRC_HOSTRUNTIME_EXPORT void DestroyComponent(nrk::IBase* object);
 
 }  // namespace hbrc::host

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kel4/sdkglobal.h>
+#include <hbrchost/export.h>
 
 #include <string>
 #include <vector>
@@ -8,7 +8,7 @@
 namespace hbrc::host {
 
 // Records what kel4::PrintDebugString prints while it lives.
-class KEL_RUNTIME_API DebugOutputCapture
+class HBRC_HOSTRUNTIME_EXPORT DebugOutputCapture
 {
 public:
     DebugOutputCapture();

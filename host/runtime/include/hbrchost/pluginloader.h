@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kel4/sdkglobal.h>
+#include <hbrchost/export.h>
 
 #include <string>
 #include <vector>
@@ -10,7 +10,7 @@ namespace hbrc::host {
 // Loads plug-in shared libraries and calls their plxPluginRegister. A loaded library stays mapped
 // for the life of the process, also after the loader is gone: the factories it registered and the
 // components it made may outlive the loader (a component system destroyed after it, say).
-class KEL_RUNTIME_API PluginLoader
+class HBRC_HOSTRUNTIME_EXPORT PluginLoader
 {
 public:
     PluginLoader() = default;

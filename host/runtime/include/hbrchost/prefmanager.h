@@ -1,7 +1,7 @@
 #pragma once
 
+#include <hbrchost/export.h>
 #include <ihbprefmanager.h>
-#include <kel4/sdkglobal.h>
 #include <nrk/ibase.h>
 
 #include <QString>
@@ -20,7 +20,7 @@ namespace hbrc::host {
 // QStandardPaths' test mode never touches the user's real one). A store that cannot be parsed is
 // moved aside to "<file>.corrupt" and replaced by defaults; one that cannot be read or written
 // keeps the values in memory for the session. Both cases write one log line.
-class KEL_RUNTIME_API PrefManager final : public IHBPrefManager, public nrk::IBase, public nrk::IDestroy
+class HBRC_HOSTRUNTIME_EXPORT PrefManager final : public IHBPrefManager, public nrk::IBase, public nrk::IDestroy
 {
 public:
     explicit PrefManager(const QString& filePath = DefaultFilePath());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcservices/export.h>
 #include <hbrcservices/depotconnection.h>
 
 #include <hbrcdatamodel/datamodelmgr.h>
@@ -20,7 +21,7 @@ namespace hbrc::host {
 // question about one of them misses the cache, one round trip fetches every file of theirs whose
 // status is not known, so that the whole series costs one round trip. A miss about any other
 // object asks about that object's files only.
-class DataControl final : public kel4::RefCounted<kel4::IDataControl>
+class HBRC_SERVICES_EXPORT DataControl final : public kel4::RefCounted<kel4::IDataControl>
 {
 public:
     DataControl(KELPtr<DataModelMgr> model, std::shared_ptr<DepotConnection> connection);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcservices/export.h>
 #include <hbrcservices/revisionserver.h>
 #include <hbrcservices/statuscache.h>
 #include <hbrcservices/timeoutrunner.h>
@@ -36,7 +37,7 @@ struct ConnectionOptions
 // version control: the server connection, the time-out runner every operation goes through,
 // the status cache, and the knobs tests and benchmarks turn (round trips, fault injection).
 // Used from the host's UI thread; the depot itself may be driven from the runner's worker.
-class DepotConnection
+class HBRC_SERVICES_EXPORT DepotConnection
 {
 public:
     // What an operation does with the depot, in one or more round trips, for a session's ticket.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcservices/export.h>
 #include <hbrcservices/depotconnection.h>
 
 #include <kel4/containers.h>
@@ -13,16 +14,17 @@ namespace hbrc::host {
 namespace DepotQueries {
 
 // The status of every file, in their order; stored in the connection's status cache.
-kelResult Status(DepotConnection& connection, const kel4::IUserParameters* session,
-                 const std::vector<std::string>& files, std::vector<depot::FileStatus>& statuses,
-                 std::string& errorText);
+HBRC_SERVICES_EXPORT kelResult Status(DepotConnection& connection, const kel4::IUserParameters* session,
+                                      const std::vector<std::string>& files, std::vector<depot::FileStatus>& statuses,
+                                      std::string& errorText);
 // The users of other workspaces holding any of the files: sorted, each once.
-kelResult Holders(DepotConnection& connection, const kel4::IUserParameters* session,
-                  const std::vector<std::string>& files, kel4::List<std::string>& users, std::string& errorText);
+HBRC_SERVICES_EXPORT kelResult Holders(DepotConnection& connection, const kel4::IUserParameters* session,
+                                       const std::vector<std::string>& files, kel4::List<std::string>& users,
+                                       std::string& errorText);
 // Runs a change of files (edit, add, delete, revert, ...) and makes the status cache forget them.
-kelResult Change(DepotConnection& connection, const kel4::IUserParameters* session,
-                 const std::vector<std::string>& files, const DepotConnection::Operation& change,
-                 std::string& errorText);
+HBRC_SERVICES_EXPORT kelResult Change(DepotConnection& connection, const kel4::IUserParameters* session,
+                                      const std::vector<std::string>& files, const DepotConnection::Operation& change,
+                                      std::string& errorText);
 
 }  // namespace DepotQueries
 }  // namespace hbrc::host

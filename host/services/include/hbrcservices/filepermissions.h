@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcservices/export.h>
+
 #include <string>
 
 namespace hbrc::host {
@@ -8,9 +10,9 @@ namespace hbrc::host {
 // permission bits are clear, as a sync or a revert leaves it; a missing file is not read-only.
 namespace FilePermissions {
 
-bool IsReadOnly(const std::string& path);
+HBRC_SERVICES_EXPORT bool IsReadOnly(const std::string& path);
 // Gives the owner write permission; true when the file is writable afterwards.
-bool MakeWritable(const std::string& path, std::string& errorText);
+HBRC_SERVICES_EXPORT bool MakeWritable(const std::string& path, std::string& errorText);
 
 }  // namespace FilePermissions
 }  // namespace hbrc::host

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcservices/export.h>
 #include <hbrcservices/depotconnection.h>
 
 #include <kel4/ifileversioncontrol.h>
@@ -11,7 +12,7 @@ namespace hbrc::host {
 // The file-level revision-control service of the reference host, over its revision server. Each
 // operation on a list of files is one round trip; the server of a log-in is the depot file's path
 // or the repository's URL. Status answers refresh the connection's status cache; changes empty it.
-class FileVersionControl final : public kel4::RefCounted<kel4::IFileVersionControl>
+class HBRC_SERVICES_EXPORT FileVersionControl final : public kel4::RefCounted<kel4::IFileVersionControl>
 {
 public:
     explicit FileVersionControl(std::shared_ptr<DepotConnection> connection);

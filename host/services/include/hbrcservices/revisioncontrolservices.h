@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcservices/export.h>
 #include <hbrcservices/datacontrol.h>
 #include <hbrcservices/depotconnection.h>
 #include <hbrcservices/fileversioncontrol.h>
@@ -20,7 +21,7 @@ struct RevisionControlAccount
 };
 
 // The two revision-control services of one open workspace and the connection they share.
-struct RevisionControlServices
+struct HBRC_SERVICES_EXPORT RevisionControlServices
 {
     std::shared_ptr<DepotConnection> connection;
     KELPtr<DataControl> dataControl;
@@ -36,14 +37,16 @@ struct RevisionControlServices
 // and calls SetSession. With HostSession, call it from a workspace setup:
 //
 //     host.AddWorkspaceSetup([&](Workspace& w) { services = InstallRevisionControlServices(w, depot); });
-RevisionControlServices InstallRevisionControlServices(Workspace& workspace, const std::string& depotPath,
-                                                       const ConnectionOptions& options = {});
+HBRC_SERVICES_EXPORT RevisionControlServices InstallRevisionControlServices(Workspace& workspace,
+                                                                            const std::string& depotPath,
+                                                                            const ConnectionOptions& options = {});
 
 // The same, then logs account in and installs the session in the data control. When the log-in
 // fails the services are installed all the same, errorText says why and they answer -34.
-RevisionControlServices InstallRevisionControlServices(Workspace& workspace, const std::string& depotPath,
-                                                       const RevisionControlAccount& account,
-                                                       std::string& errorText,
-                                                       const ConnectionOptions& options = {});
+HBRC_SERVICES_EXPORT RevisionControlServices InstallRevisionControlServices(Workspace& workspace,
+                                                                            const std::string& depotPath,
+                                                                            const RevisionControlAccount& account,
+                                                                            std::string& errorText,
+                                                                            const ConnectionOptions& options = {});
 
 }  // namespace hbrc::host

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcservices/export.h>
+
 #include <depot/depot.h>
 #include <depot/faultinjector.h>
 #include <depot/types.h>
@@ -15,7 +17,7 @@ namespace hbrc::host {
 // a server, in the embedded depot's terms (result codes, status words, changelist ids). Two
 // servers implement it: the embedded depot and a Subversion repository (see svn/README.md). An
 // object is used from one thread at a time; operations never throw.
-class RevisionServer
+class HBRC_SERVICES_EXPORT RevisionServer
 {
 public:
     using Files = std::vector<std::string>;
@@ -103,14 +105,15 @@ public:
 };
 
 // True for the URLs that name a Subversion repository (svn://, svn+ssh://, http(s)://, file://).
-bool IsSubversionUrl(const std::string& server);
+HBRC_SERVICES_EXPORT bool IsSubversionUrl(const std::string& server);
 
 // True for the text of a failure (-34) because the server could not be reached at all, as opposed
 // to one that refused a session.
-bool IsUnreachableServerError(const std::string& error);
+HBRC_SERVICES_EXPORT bool IsUnreachableServerError(const std::string& error);
 
 // The server a setting names: a Subversion repository for a URL, the embedded depot otherwise.
 // Connects lazily: an unreachable server fails the calls with depot::code::SessionUnusable.
-std::unique_ptr<RevisionServer> OpenRevisionServer(const std::string& server, const depot::DepotOptions& options);
+HBRC_SERVICES_EXPORT std::unique_ptr<RevisionServer> OpenRevisionServer(const std::string& server,
+                                                                        const depot::DepotOptions& options);
 
 }  // namespace hbrc::host

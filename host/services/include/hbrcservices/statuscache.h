@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcservices/export.h>
+
 #include <depot/types.h>
 
 #include <chrono>
@@ -15,7 +17,7 @@ namespace hbrc::host {
 // out) need no round trip of their own. Filled by every status question; a change made through
 // the services forgets the files it touched, a change of session forgets everything; entries
 // older than the lifetime count as unknown, so that changes by other users are seen again.
-class StatusCache
+class HBRC_SERVICES_EXPORT StatusCache
 {
 public:
     using Clock = std::function<std::chrono::steady_clock::time_point()>;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcservices/export.h>
+
 #include <depot/types.h>
 
 #include <functional>
@@ -14,14 +16,14 @@ namespace StatusRules {
 using ReadOnlyTest = std::function<bool(const std::string& file)>;
 
 // The object's status word: the OR of its files' words.
-unsigned ObjectWord(const std::vector<depot::FileStatus>& statuses);
+HBRC_SERVICES_EXPORT unsigned ObjectWord(const std::vector<depot::FileStatus>& statuses);
 // True when a file is in the depot, not open in this workspace and read-only on disk: the user
 // must check it out (or make it writable) before editing.
-bool NeedsAction(const std::vector<std::string>& files, const std::vector<depot::FileStatus>& statuses,
-                 const ReadOnlyTest& isReadOnly);
+HBRC_SERVICES_EXPORT bool NeedsAction(const std::vector<std::string>& files,
+                                      const std::vector<depot::FileStatus>& statuses, const ReadOnlyTest& isReadOnly);
 // True when a check-out would open something and nothing refuses it: every file not yet open in
 // this workspace is in the depot at the head revision, readable, and held by no other user.
-bool CanCheckOut(const std::vector<depot::FileStatus>& statuses);
+HBRC_SERVICES_EXPORT bool CanCheckOut(const std::vector<depot::FileStatus>& statuses);
 
 }  // namespace StatusRules
 }  // namespace hbrc::host

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcservices/export.h>
+
 #include <depot/types.h>
 
 #include <chrono>
@@ -25,7 +27,7 @@ namespace hbrc::host {
 // back. An operation blocked in a network read polls nothing: the interrupt given to Run ends that
 // wait (it runs on the calling thread, repeatedly, until the worker has finished). The runner
 // always waits for the worker, so the operation never outlives the call.
-class TimeOutRunner
+class HBRC_SERVICES_EXPORT TimeOutRunner
 {
 public:
     using Operation = std::function<depot::Result(const depot::CancelCheck& cancel)>;
@@ -64,6 +66,6 @@ private:
 
 // True when the application shows a window, i.e. a person can answer a dialog; false when called
 // off the application's thread.
-bool ApplicationShowsWindow();
+HBRC_SERVICES_EXPORT bool ApplicationShowsWindow();
 
 }  // namespace hbrc::host

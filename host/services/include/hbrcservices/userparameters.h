@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcservices/export.h>
+
 #include <kel4/iuserparameters.h>
 
 #include <string>
@@ -9,7 +11,7 @@ namespace hbrc::host {
 // An account on a depot and, after a log-in, the ticket of its session. The password is never
 // kept. The ticket is what the services hand to the depot; it stays here even after the depot
 // has expired it, so that the depot can say so.
-class UserParameters final : public kel4::RefCounted<kel4::IUserParameters>
+class HBRC_SERVICES_EXPORT UserParameters final : public kel4::RefCounted<kel4::IUserParameters>
 {
 public:
     UserParameters(std::string userName, std::string workspace, std::string server, std::string ticket = {})

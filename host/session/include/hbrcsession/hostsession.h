@@ -1,5 +1,7 @@
 #pragma once
 
+#include <hbrcsession/export.h>
+
 #include <hbrcdatamodel/commandmanager.h>
 #include <hbrcdatamodel/keldbproxy.h>
 #include <hbrcdatamodel/workspace.h>
@@ -30,7 +32,7 @@ namespace hbrc::host {
 // "PrefManager", "KELDBProxy" and "UndoManager" registered. Only one session may live at a time.
 // On destruction it closes the workspace, destroys the singletons the system created (the
 // plug-ins' components), then its own, and unloads the plug-ins last.
-class HostSession
+class HBRC_HOSTSESSION_EXPORT HostSession
 {
 public:
     using WorkspaceSetup = std::function<void(Workspace&)>;
