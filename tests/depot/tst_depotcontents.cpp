@@ -11,29 +11,23 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Reads one number from the depot file, as a look inside the storage.
-std::int64_t count(const std::string& depotPath, const char* sql)
-{
-    sqlite3* db = nullptr;
-    sqlite3_open_v2(depotPath.c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
-    sqlite3_stmt* statement = nullptr;
-    std::int64_t value = -1;
-    if (sqlite3_prepare_v2(db, sql, -1, &statement, nullptr) == SQLITE_OK && sqlite3_step(statement) == SQLITE_ROW)
-        value = sqlite3_column_int64(statement, 0);
-    sqlite3_finalize(statement);
-    sqlite3_close(db);
-    return value;
-}
-
-void execute(const std::string& depotPath, const char* sql)
+// Runs SQL on the depot file, as a look inside the storage: the first value of the last row it
+// answers (-1 for none).
+std::int64_t sql(const std::string& depotPath, const char* statements)
 {
     sqlite3* db = nullptr;
     sqlite3_open(depotPath.c_str(), &db);
+    std::int64_t value = -1;
     char* error = nullptr;
-    sqlite3_exec(db, sql, nullptr, nullptr, &error);
+    const auto keep = [](void* out, int, char** values, char**) {
+        *static_cast<std::int64_t*>(out) = values[0] ? std::stoll(values[0]) : -1;
+        return 0;
+    };
+    sqlite3_exec(db, statements, keep, &value, &error);
     EXPECT_EQ(error, nullptr) << error;
     sqlite3_free(error);
     sqlite3_close(db);
+    return value;
 }
 
 std::string text(std::size_t size)
@@ -78,11 +72,11 @@ TEST_F(DepotContents, EveryByteComesBackAndIdenticalContentIsKeptOnce)
     ok(m_alice->add(m_aliceTicket, paths, ""));
     ok(submit(*m_alice, m_aliceTicket, "contents"));
 
-    EXPECT_EQ(count(m_depotPath, "SELECT COUNT(*) FROM contents"), 5) << "shared.kel, and the copy shares the text";
-    EXPECT_EQ(count(m_depotPath, "SELECT COUNT(*) FROM content_chunks c JOIN revisions r ON r.content_id = c.content "
+    EXPECT_EQ(sql(m_depotPath, "SELECT COUNT(*) FROM contents"), 5) << "shared.kel, and the copy shares the text";
+    EXPECT_EQ(sql(m_depotPath, "SELECT COUNT(*) FROM content_chunks c JOIN revisions r ON r.content_id = c.content "
                                  "WHERE r.path = 'big.bin'"),
               3);
-    EXPECT_LT(count(m_depotPath, "SELECT SUM(LENGTH(c.data)) FROM content_chunks c JOIN revisions r "
+    EXPECT_LT(sql(m_depotPath, "SELECT SUM(LENGTH(c.data)) FROM content_chunks c JOIN revisions r "
                                  "ON r.content_id = c.content WHERE r.path = 'art/text.kel'"),
               300 * 1024 / 4)
         << "text is kept compressed";
@@ -99,8 +93,8 @@ TEST_F(DepotContents, EveryByteComesBackAndIdenticalContentIsKeptOnce)
     ok(m_bob->revert(m_bobTicket, {bobFile("big.bin")}));
     EXPECT_EQ(read(bobFile("big.bin")), files[0].second);
     ok(submit(*m_bob, m_bobTicket, "unchanged"));
-    EXPECT_EQ(count(m_depotPath, "SELECT COUNT(*) FROM contents"), 5);
-    EXPECT_EQ(count(m_depotPath, "SELECT COUNT(*) FROM content_chunks WHERE content NOT IN (SELECT id FROM contents)"),
+    EXPECT_EQ(sql(m_depotPath, "SELECT COUNT(*) FROM contents"), 5);
+    EXPECT_EQ(sql(m_depotPath, "SELECT COUNT(*) FROM content_chunks WHERE content NOT IN (SELECT id FROM contents)"),
               0);
 }
 
@@ -123,22 +117,21 @@ TEST_F(DepotContents, ADepotOfThePreviousFormatIsUpgradedOnItsFirstWritableOpeni
     ok(submit(*m_alice, m_aliceTicket, "v2"));
     m_alice.reset();
     m_bob.reset();
-    execute(m_depotPath, kBackToThePreviousFormat);
+    sql(m_depotPath, kBackToThePreviousFormat);
     const std::string readOnlyCopy = path("readonly.db");
     fs::copy_file(m_depotPath, readOnlyCopy);
     fs::permissions(readOnlyCopy, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
 
     std::string ticket;
-    const Result refused = Depot(readOnlyCopy).login("bob", "bob-pw", "bob-ws", ticket);
-    EXPECT_EQ(refused.code, code::SessionUnusable);
-    EXPECT_NE(refused.error.find("open it once with write permission"), std::string::npos) << refused.error;
+    refused(Depot(readOnlyCopy).login("bob", "bob-pw", "bob-ws", ticket), code::SessionUnusable,
+            "open it once with write permission");
 
     Depot upgraded(m_depotPath);
     ok(upgraded.login("bob", "bob-pw", "bob-ws", ticket));
     ok(upgraded.sync(ticket, {}));
     EXPECT_EQ(read(bobFile("shared.kel")), "v2");
-    EXPECT_EQ(count(m_depotPath, "SELECT value FROM settings WHERE key = 'schema_version'"), 4);
-    EXPECT_EQ(count(m_depotPath, "SELECT COUNT(*) FROM contents"), 2) << "'v1' and 'v2', each once";
+    EXPECT_EQ(sql(m_depotPath, "SELECT value FROM settings WHERE key = 'schema_version'"), 4);
+    EXPECT_EQ(sql(m_depotPath, "SELECT COUNT(*) FROM contents"), 2) << "'v1' and 'v2', each once";
 
     ok(upgraded.edit(ticket, {bobFile("ship.kel")}, ""));
     write(bobFile("ship.kel"), "scribbles");
@@ -146,10 +139,31 @@ TEST_F(DepotContents, ADepotOfThePreviousFormatIsUpgradedOnItsFirstWritableOpeni
     EXPECT_EQ(read(bobFile("ship.kel")), "v1");
     // Workspaces with a history can go; the history and the change numbers stay.
     ok(upgraded.removeWorkspace("alice-ws"));
-    EXPECT_EQ(count(m_depotPath, "SELECT COUNT(*) FROM changes WHERE workspace = 'alice-ws'"), 2);
+    EXPECT_EQ(sql(m_depotPath, "SELECT COUNT(*) FROM changes WHERE workspace = 'alice-ws'"), 2);
     ChangelistId created;
     ok(upgraded.createChangelist(ticket, "next", created));
     EXPECT_EQ(created, "4");
+}
+
+TEST_F(DepotContents, ADepotWithoutChangeTimesGetsThemOnItsFirstWritableOpening)
+{
+    // A depot of an earlier build: its changes table has no time column.
+    sql(m_depotPath, "ALTER TABLE changes DROP COLUMN time");
+    fs::permissions(m_depotPath, fs::perms::owner_write, fs::perm_options::remove);
+    std::vector<Changelist> submitted;
+    refused(Depot(m_depotPath).changelists(m_aliceTicket, ChangelistState::Submitted, submitted), code::SessionUnusable,
+            "open it once with write permission");
+    fs::permissions(m_depotPath, fs::perms::owner_write, fs::perm_options::add);
+
+    Depot reopened(m_depotPath);
+    ok(reopened.changelists(m_aliceTicket, ChangelistState::Submitted, submitted));
+    ASSERT_EQ(submitted.size(), 1u);
+    EXPECT_EQ(submitted[0].time, 0) << "unknown";
+    ok(reopened.edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
+    ok(submit(reopened, m_aliceTicket, "second"));
+    ok(reopened.changelists(m_aliceTicket, ChangelistState::Submitted, submitted));
+    ASSERT_EQ(submitted.size(), 2u);
+    EXPECT_GT(submitted[1].time, 0);
 }
 
 }  // namespace

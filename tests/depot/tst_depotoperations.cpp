@@ -19,7 +19,6 @@ public:
         ok(operation());
         EXPECT_EQ(depot.roundTrips(), before + 1);
     }
-    std::uint32_t bobSees(const std::string& file) { return statusOf(*m_bob, m_bobTicket, bobFile(file)).word; }
 };
 
 TEST_F(DepotOperations, RevertUndoesEachKindOfOpeningAndSubmitsReachBobOnSync)
@@ -230,7 +229,7 @@ TEST_F(DepotOperations, RefusalsChangeNothingAndSayWhy)
     ok(m_alice->describe(m_aliceTicket, mine, described));
     EXPECT_EQ(described.description, "mine");
     ASSERT_EQ(described.files.size(), 1u);
-    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("shared.kel")).word,
+    EXPECT_EQ(bobSees("shared.kel"),
               status::OpenedByOthers | status::LockedByOthers);
     std::vector<OpenedFile> opened;
     ok(m_bob->opened(m_bobTicket, false, opened));

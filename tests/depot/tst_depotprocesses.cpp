@@ -147,7 +147,7 @@ TEST_F(DepotProcesses, BobWorksThroughTheToolWhileAliceWorksInProcess)
     EXPECT_EQ(run(bobWithoutPassword({"logout"})).exitCode, 1) << "nobody to log out";
     expect(bobWithoutPassword({"--password-stdin", "opened"}), 0, "//depot/ship.kel - add", "bob-pw\n");
     EXPECT_EQ(expect(bobArguments({"submit", "-d", "the ship"}), 0).output.trimmed(), "Change 3 submitted.");
-    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, aliceFile("ship.kel")).word, status::NotAtHead);
+    EXPECT_EQ(aliceSees("ship.kel"), status::NotAtHead);
 
     const ToolRun all = run(bobArguments({"changes", "-s", "submitted"}));
     const QStringList lines = all.output.split('\n', Qt::SkipEmptyParts);

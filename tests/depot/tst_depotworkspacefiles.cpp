@@ -27,7 +27,7 @@ TEST_F(DepotWorkspaceFiles, SyncKeepsAWritableLocalChangeUnlessForced)
     EXPECT_EQ(read(mine), "bob's unsaved work");
     EXPECT_EQ(statusOf(*m_bob, m_bobTicket, mine).word, status::NotAtHead) << "the kept file is not recorded";
     EXPECT_EQ(read(bobFile("ship.kel")), "hull v2") << "the other files are synced all the same";
-    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("ship.kel")).word, 0u);
+    EXPECT_EQ(bobSees("ship.kel"), 0u);
 
     ok(m_bob->sync(m_bobTicket, {mine}, SyncMode::Force));
     EXPECT_EQ(read(mine), "v2");
@@ -39,17 +39,14 @@ TEST_F(DepotWorkspaceFiles, SyncKeepsAWritableLocalChangeUnlessForced)
     fs::remove(bobFile("ship.kel"));
     ok(m_bob->sync(m_bobTicket, {}));
     EXPECT_FALSE(fs::exists(bobFile("ship.kel")));
-}
 
-TEST_F(DepotWorkspaceFiles, AWritableFileWithoutLocalChangesIsReplaced)
-{
-    // Writable but still the synced revision (made writable, never changed), or already the head.
-    write(bobFile("shared.kel"), "v1");
+    // A writable file that is still the synced revision (made writable, never changed) is replaced.
+    write(mine, "v2");
     ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
-    write(aliceFile("shared.kel"), "v2");
-    ok(submit(*m_alice, m_aliceTicket, "v2"));
-    ok(m_bob->sync(m_bobTicket, {bobFile("shared.kel")}));
-    EXPECT_EQ(read(bobFile("shared.kel")), "v2");
+    write(aliceFile("shared.kel"), "v3");
+    ok(submit(*m_alice, m_aliceTicket, "v3"));
+    ok(m_bob->sync(m_bobTicket, {mine}));
+    EXPECT_EQ(read(mine), "v3");
 
     // A head deletion removes a writable file only when it holds no local change.
     ok(m_alice->remove(m_aliceTicket, {aliceFile("shared.kel")}, ""));
@@ -86,8 +83,8 @@ TEST_F(DepotWorkspaceFiles, AFileThatCannotBeWrittenIsRefusedAloneBySync)
     EXPECT_EQ(result.code, code::Failed);
     EXPECT_NE(result.error.find(aliceFile("ship.kel")), std::string::npos) << result.error;
     EXPECT_EQ(read(aliceFile("art/rock.kel")), "rock");
-    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, aliceFile("art/rock.kel")).word, 0u);
-    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, aliceFile("ship.kel")).word & status::NotAtHead, status::NotAtHead);
+    EXPECT_EQ(aliceSees("art/rock.kel"), 0u);
+    EXPECT_EQ(aliceSees("ship.kel") & status::NotAtHead, status::NotAtHead);
 }
 
 TEST_F(DepotWorkspaceFiles, AFileStepThatFailsAfterTheCommitIsFinishedByTheNextCommand)
@@ -101,7 +98,7 @@ TEST_F(DepotWorkspaceFiles, AFileStepThatFailsAfterTheCommitIsFinishedByTheNextC
     const Result revert = m_alice->revert(m_aliceTicket, {aliceFile("art/rock.kel")});
     EXPECT_EQ(revert.code, code::IoError);
     EXPECT_NE(revert.error.find("the next command tries again"), std::string::npos) << revert.error;
-    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, aliceFile("art/rock.kel")).word, 0u);
+    EXPECT_EQ(aliceSees("art/rock.kel"), 0u);
 
     fs::remove(aliceFile("art"));
     // Any command, from any connection, finishes what the journal holds.
