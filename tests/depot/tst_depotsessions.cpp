@@ -11,27 +11,17 @@ namespace {
 using DepotSessions = DepotFixture;
 
 // Every file operation, so that a session check cannot be forgotten in one of them.
-const std::vector<std::pair<const char*, std::function<Result(Depot&, const std::string&, const std::string&)>>>
-    kOperations = {
-        {"sync", [](Depot& d, const std::string& t, const std::string&) { return d.sync(t, {}); }},
-        {"status",
-         [](Depot& d, const std::string& t, const std::string& f) {
-             std::vector<FileStatus> s;
-             return d.status(t, {f}, s);
-         }},
-        {"edit", [](Depot& d, const std::string& t, const std::string& f) { return d.edit(t, {f}, ""); }},
-        {"delete", [](Depot& d, const std::string& t, const std::string& f) { return d.remove(t, {f}, ""); }},
-        {"revert", [](Depot& d, const std::string& t, const std::string& f) { return d.revert(t, {f}); }},
-        {"changelists",
-         [](Depot& d, const std::string& t, const std::string&) {
-             std::vector<Changelist> c;
-             return d.changelists(t, ChangelistState::Pending, c);
-         }},
-        {"create",
-         [](Depot& d, const std::string& t, const std::string&) {
-             ChangelistId c;
-             return d.createChangelist(t, "x", c);
-         }},
+using Ticket = const std::string&;
+using File = const std::string&;
+const std::vector<std::pair<const char*, std::function<Result(Depot&, Ticket, File)>>> kOperations = {
+    {"sync", [](Depot& d, Ticket t, File) { return d.sync(t, {}); }},
+    {"status", [](Depot& d, Ticket t, File f) { std::vector<FileStatus> s; return d.status(t, {f}, s); }},
+    {"edit", [](Depot& d, Ticket t, File f) { return d.edit(t, {f}, ""); }},
+    {"delete", [](Depot& d, Ticket t, File f) { return d.remove(t, {f}, ""); }},
+    {"revert", [](Depot& d, Ticket t, File f) { return d.revert(t, {f}); }},
+    {"changelists",
+     [](Depot& d, Ticket t, File) { std::vector<Changelist> c; return d.changelists(t, ChangelistState::Pending, c); }},
+    {"create", [](Depot& d, Ticket t, File) { ChangelistId c; return d.createChangelist(t, "x", c); }},
 };
 
 TEST_F(DepotSessions, LogInFailuresSayWhy)
