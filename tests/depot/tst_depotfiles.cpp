@@ -53,7 +53,9 @@ using DepotFiles = DepotFixture;
 
 TEST_F(DepotFiles, EveryByteComesBackAndIdenticalContentIsKeptOnce)
 {
-    // Larger than one chunk, with a tail; a copy of a text asset; an empty file; every byte value.
+    // Larger than one chunk, with a tail; a copy of a text asset; an empty file; every byte value;
+    // the longest legal file name.
+    const std::string longName = std::string(255 - 4, 'n') + ".kel";
     const std::vector<std::pair<std::string, std::string>> files = {
         {"big.bin", noise(2 * 1024 * 1024 + 123)},
         {"art/text.kel", text(300 * 1024)},
@@ -65,6 +67,7 @@ TEST_F(DepotFiles, EveryByteComesBackAndIdenticalContentIsKeptOnce)
                  all += static_cast<char>(c);
              return all;
          }()},
+        {longName, "long"},
     };
     std::vector<std::string> paths;
     for (const auto& [name, content] : files) {
@@ -74,7 +77,7 @@ TEST_F(DepotFiles, EveryByteComesBackAndIdenticalContentIsKeptOnce)
     ok(m_alice->add(m_aliceTicket, paths, ""));
     ok(submit(*m_alice, m_aliceTicket, "contents"));
 
-    EXPECT_EQ(sql(m_depotPath, "SELECT COUNT(*) FROM contents"), 5) << "shared.kel, and the copy shares the text";
+    EXPECT_EQ(sql(m_depotPath, "SELECT COUNT(*) FROM contents"), 6) << "shared.kel, and the copy shares the text";
     EXPECT_EQ(sql(m_depotPath, "SELECT COUNT(*) FROM content_chunks c JOIN revisions r ON r.content_id = c.content "
                                  "WHERE r.path = 'big.bin'"),
               3);
@@ -89,13 +92,18 @@ TEST_F(DepotFiles, EveryByteComesBackAndIdenticalContentIsKeptOnce)
         EXPECT_FALSE(isWritable(bobFile(name))) << name;
     }
 
-    // An edit that is reverted, and one submitted back unchanged, which needs no new content.
-    ok(m_bob->edit(m_bobTicket, {bobFile("big.bin"), bobFile("art/copy.kel")}, ""));
+    // Edits that are reverted, and one submitted back unchanged, which needs no new content.
+    ok(m_bob->edit(m_bobTicket, {bobFile("big.bin"), bobFile("art/copy.kel"), bobFile(longName)}, ""));
     write(bobFile("big.bin"), "scribbles");
-    ok(m_bob->revert(m_bobTicket, {bobFile("big.bin")}));
+    write(bobFile(longName), "scribbles");
+    ok(m_bob->revert(m_bobTicket, {bobFile("big.bin"), bobFile(longName)}));
     EXPECT_EQ(read(bobFile("big.bin")), files[0].second);
+    EXPECT_EQ(read(bobFile(longName)), "long");
+    EXPECT_FALSE(isWritable(bobFile(longName)));
+    for (const auto& entry : fs::directory_iterator(path("bob")))
+        EXPECT_EQ(entry.path().filename().string().rfind(".hbdepot-", 0), std::string::npos) << "left over";
     ok(submit(*m_bob, m_bobTicket, "unchanged"));
-    EXPECT_EQ(sql(m_depotPath, "SELECT COUNT(*) FROM contents"), 5);
+    EXPECT_EQ(sql(m_depotPath, "SELECT COUNT(*) FROM contents"), 6);
     EXPECT_EQ(sql(m_depotPath, "SELECT COUNT(*) FROM content_chunks WHERE content NOT IN (SELECT id FROM contents)"),
               0);
 }
@@ -215,50 +223,23 @@ TEST_F(DepotFiles, SyncKeepsAWritableLocalChangeUnlessForced)
     EXPECT_EQ(read(bobFile("shared.kel")), "bob's notes");
 }
 
-TEST_F(DepotFiles, TheLongestLegalFileNameGoesThroughEveryOperation)
-{
-    const std::string name = std::string(255 - 4, 'n') + ".kel";
-    write(aliceFile(name), "long");
-    ok(m_alice->add(m_aliceTicket, {aliceFile(name)}, ""));
-    ok(submit(*m_alice, m_aliceTicket, "a long name"));
-    ok(m_bob->sync(m_bobTicket, {}));
-    EXPECT_EQ(read(bobFile(name)), "long");
-    ok(m_bob->edit(m_bobTicket, {bobFile(name)}, ""));
-    write(bobFile(name), "scribbles");
-    ok(m_bob->revert(m_bobTicket, {bobFile(name)}));
-    EXPECT_EQ(read(bobFile(name)), "long");
-    EXPECT_FALSE(isWritable(bobFile(name)));
-    for (const auto& entry : fs::directory_iterator(path("bob")))
-        EXPECT_EQ(entry.path().filename().string().rfind(".hbdepot-", 0), std::string::npos) << "left over";
-}
-
-TEST_F(DepotFiles, AFileThatCannotBeWrittenIsRefusedAloneBySync)
+TEST_F(DepotFiles, AFileThatCannotBeWrittenIsRefusedAloneAndAFailedStepIsFinishedByTheNextCommand)
 {
     bobSubmitsNewFile("ship.kel", "hull");
     bobSubmitsNewFile("art/rock.kel", "rock");
     // alice has a folder where the depot has a file.
     fs::create_directories(aliceFile("ship.kel"));
-    const Result result = m_alice->sync(m_aliceTicket, {});
-    EXPECT_EQ(result.code, code::Failed);
-    EXPECT_NE(result.error.find(aliceFile("ship.kel")), std::string::npos) << result.error;
+    refused(m_alice->sync(m_aliceTicket, {}), code::Failed, aliceFile("ship.kel"));
     EXPECT_EQ(read(aliceFile("art/rock.kel")), "rock");
     EXPECT_EQ(aliceSees("art/rock.kel"), 0u);
     EXPECT_EQ(aliceSees("ship.kel") & status::NotAtHead, status::NotAtHead);
-}
 
-TEST_F(DepotFiles, AFileStepThatFailsAfterTheCommitIsFinishedByTheNextCommand)
-{
-    bobSubmitsNewFile("art/rock.kel", "rock");
-    ok(m_alice->sync(m_aliceTicket, {}));
     ok(m_alice->edit(m_aliceTicket, {aliceFile("art/rock.kel")}, ""));
     // The revert is recorded, but its file cannot follow while a file stands where its folder was.
     fs::remove_all(aliceFile("art"));
     write(aliceFile("art"), "in the way");
-    const Result revert = m_alice->revert(m_aliceTicket, {aliceFile("art/rock.kel")});
-    EXPECT_EQ(revert.code, code::IoError);
-    EXPECT_NE(revert.error.find("the next command tries again"), std::string::npos) << revert.error;
+    refused(m_alice->revert(m_aliceTicket, {aliceFile("art/rock.kel")}), code::IoError, "the next command tries again");
     EXPECT_EQ(aliceSees("art/rock.kel"), 0u);
-
     fs::remove(aliceFile("art"));
     // Any command, from any connection, finishes what the journal holds.
     statusOf(*m_bob, m_bobTicket, bobFile("shared.kel"));

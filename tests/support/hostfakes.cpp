@@ -40,29 +40,9 @@ bool FakeDataModelMgr::IsObjectOfType(const KELHandleBase& object, const char* t
                  (o->isAsset && std::strcmp(typeId, IAsset::GetTypeId()) == 0));
 }
 
-namespace {
-
-void connectSlot(FakeDBProxy::Signal& signal, void (nrk::fwk::IKELDBProxy_Slot::*handler)(),
-                 nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** connection)
+void FakeDBProxy::Connect(Signal& signal, void (Slot::*handler)(), Slot* slot, Connection** connection)
 {
     *connection = new BaseSystem::hbconnection(signal.connect([slot, handler] { (slot->*handler)(); }));
-}
-
-}  // namespace
-
-void FakeDBProxy::Connect_OnInitialConnectionToDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c)
-{
-    connectSlot(initialConnection, &nrk::fwk::IKELDBProxy_Slot::OnInitialConnectionToDB, slot, c);
-}
-
-void FakeDBProxy::Connect_OnConnectedToDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c)
-{
-    connectSlot(connected, &nrk::fwk::IKELDBProxy_Slot::OnConnectedToDB, slot, c);
-}
-
-void FakeDBProxy::Connect_OnDisconnectedFromDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c)
-{
-    connectSlot(disconnected, &nrk::fwk::IKELDBProxy_Slot::OnDisconnectedFromDB, slot, c);
 }
 
 KELPtr<kel4::IKELInstance> FakeDBProxy::GetKELInstance() const

@@ -123,11 +123,19 @@ class FakeDBProxy : public nrk::fwk::IKELDBProxy, public nrk::IBase
 {
 public:
     using Signal = boost::signals2::signal<void()>;
+    using Slot = nrk::fwk::IKELDBProxy_Slot;
+    using Connection = nrk::signalling::IConnection;
 
     const char* GetClsName() const override { return "FakeDBProxy"; }
-    void Connect_OnInitialConnectionToDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c) override;
-    void Connect_OnConnectedToDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c) override;
-    void Connect_OnDisconnectedFromDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c) override;
+    void Connect_OnInitialConnectionToDB(Slot* slot, Connection** c) override
+    {
+        Connect(initialConnection, &Slot::OnInitialConnectionToDB, slot, c);
+    }
+    void Connect_OnConnectedToDB(Slot* slot, Connection** c) override { Connect(connected, &Slot::OnConnectedToDB, slot, c); }
+    void Connect_OnDisconnectedFromDB(Slot* slot, Connection** c) override
+    {
+        Connect(disconnected, &Slot::OnDisconnectedFromDB, slot, c);
+    }
     bool IsConnected() const override { return m_connected; }
     kel4::IDataModelMgr* GetDataModelMgr() const override { return m_manager; }
     KELPtr<kel4::IKELInstance> GetKELInstance() const override;
@@ -142,6 +150,8 @@ public:
     Signal disconnected;
 
 private:
+    static void Connect(Signal& signal, void (Slot::*handler)(), Slot* slot, Connection** connection);
+
     bool m_connected = true;
     kel4::IDataModelMgr* m_manager = nullptr;
     borax::datamodel::ItemLibraryAccessor m_accessor;
