@@ -1,4 +1,4 @@
-// Status, opening, reverting, submitting and changelists, as a user of a Perforce-style server expects.
+// Status, opening, reverting, submitting and changelists, as a user of a revision server expects.
 #include "depotfixture.h"
 
 #include <functional>
