@@ -48,6 +48,12 @@ public:  // the status table's rows act on the fixture from outside
     }
 
     static void ok(const hbrc::depot::Result& result) { ASSERT_TRUE(result.ok()) << result.error; }
+    // A refusal with its code and a text saying `says`.
+    static void refused(const hbrc::depot::Result& result, int code, const std::string& says)
+    {
+        EXPECT_EQ(result.code, code) << result.error;
+        EXPECT_NE(result.error.find(says), std::string::npos) << result.error << "\nlacks: " << says;
+    }
 
     std::string path(const std::string& relative) const
     {
@@ -55,6 +61,9 @@ public:  // the status table's rows act on the fixture from outside
     }
     std::string aliceFile(const std::string& relative) const { return path("alice/" + relative); }
     std::string bobFile(const std::string& relative) const { return path("bob/" + relative); }
+    // The status words alice and bob get for a file of their own workspace.
+    std::uint32_t aliceSees(const std::string& relative) { return statusOf(*m_alice, m_aliceTicket, aliceFile(relative)).word; }
+    std::uint32_t bobSees(const std::string& relative) { return statusOf(*m_bob, m_bobTicket, bobFile(relative)).word; }
 
     static void write(const std::string& file, const std::string& content)
     {

@@ -1,7 +1,5 @@
-// Opening, reverting, submitting and changelists, as a user of a Perforce-style server expects.
+// Status, opening, reverting, submitting and changelists, as a user of a revision server expects.
 #include "depotfixture.h"
-
-#include <sqlite3.h>
 
 #include <functional>
 
@@ -10,9 +8,20 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using DepotOperations = DepotFixture;
+// alice works while bob watches: every operation is one round trip, and what it changes is what
+// bob's status shows.
+class DepotOperations : public DepotFixture
+{
+public:
+    void once(Depot& depot, const std::function<Result()>& operation)
+    {
+        const std::uint64_t before = depot.roundTrips();
+        ok(operation());
+        EXPECT_EQ(depot.roundTrips(), before + 1);
+    }
+};
 
-TEST_F(DepotOperations, RevertUndoesEachKindOfOpening)
+TEST_F(DepotOperations, RevertUndoesEachKindOfOpeningAndSubmitsReachBobOnSync)
 {
     const std::string shared = aliceFile("shared.kel");
     const std::string added = aliceFile("new.kel");
@@ -22,7 +31,7 @@ TEST_F(DepotOperations, RevertUndoesEachKindOfOpening)
     write(shared, "scribbles");
     write(added, "draft");
     ok(m_alice->add(m_aliceTicket, {added}, ""));
-    ok(m_alice->revert(m_aliceTicket, {shared, added}));
+    once(*m_alice, [&] { return m_alice->revert(m_aliceTicket, {shared, added}); });
     EXPECT_EQ(read(shared), "v1");
     EXPECT_FALSE(isWritable(shared));
     EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, shared).word, 0u);
@@ -30,23 +39,18 @@ TEST_F(DepotOperations, RevertUndoesEachKindOfOpening)
     EXPECT_EQ(read(added), "draft");
     EXPECT_TRUE(isWritable(added));
     EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, added).word, status::NotInDepot);
-
     ok(m_alice->remove(m_aliceTicket, {shared}, ""));
     EXPECT_FALSE(fs::exists(shared));
     ok(m_alice->revert(m_aliceTicket, {shared}));
     EXPECT_EQ(read(shared), "v1");
     EXPECT_FALSE(isWritable(shared));
-}
 
-TEST_F(DepotOperations, SubmittedEditAndDeleteReachTheOtherWorkspaceOnSync)
-{
-    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
-    write(aliceFile("shared.kel"), "v2");
+    ok(m_alice->edit(m_aliceTicket, {shared}, ""));
+    write(shared, "v2");
     ChangelistId submitted;
-    ok(m_alice->submit(m_aliceTicket, "", "second", submitted));
-    EXPECT_FALSE(isWritable(aliceFile("shared.kel")));
-    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("shared.kel")).word, status::NotAtHead);
-    ok(m_bob->sync(m_bobTicket, {bobFile("shared.kel")}));
+    once(*m_alice, [&] { return m_alice->submit(m_aliceTicket, "", "second", submitted); });
+    EXPECT_FALSE(isWritable(shared));
+    once(*m_bob, [&] { return m_bob->sync(m_bobTicket, {bobFile("shared.kel")}); });
     EXPECT_EQ(read(bobFile("shared.kel")), "v2");
     EXPECT_FALSE(isWritable(bobFile("shared.kel")));
     Changelist described;
@@ -56,38 +60,186 @@ TEST_F(DepotOperations, SubmittedEditAndDeleteReachTheOtherWorkspaceOnSync)
     EXPECT_EQ(described.files[0].revision, 2);
     EXPECT_EQ(described.state, ChangelistState::Submitted);
 
-    ok(m_alice->remove(m_aliceTicket, {aliceFile("shared.kel")}, ""));
+    ok(m_alice->remove(m_aliceTicket, {shared}, ""));
     ok(submit(*m_alice, m_aliceTicket, "retire"));
-    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, aliceFile("shared.kel")).word, status::NotInDepot);
+    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, shared).word, status::NotInDepot);
     ok(m_bob->sync(m_bobTicket, {}));
     EXPECT_FALSE(fs::exists(bobFile("shared.kel")));
     write(bobFile("shared.kel"), "reborn");
     EXPECT_TRUE(m_bob->add(m_bobTicket, {bobFile("shared.kel")}, "").ok()) << "a deleted file can be added again";
 }
 
-TEST_F(DepotOperations, OpeningIsAllOrNothingAndNamesEveryRefusal)
-{
-    ok(m_bob->edit(m_bobTicket, {bobFile("shared.kel")}, ""));
-    write(aliceFile("other.kel"), "x");
-    const Result result = m_alice->edit(m_aliceTicket, {aliceFile("other.kel"), aliceFile("shared.kel")}, "");
-    EXPECT_EQ(result.code, code::Failed);
-    EXPECT_NE(result.error.find("//depot/other.kel is not in the depot"), std::string::npos) << result.error;
-    EXPECT_NE(result.error.find("//depot/shared.kel is opened for edit by bob@bob-ws"), std::string::npos);
-    std::vector<OpenedFile> opened;
-    ok(m_alice->opened(m_aliceTicket, false, opened));
-    EXPECT_TRUE(opened.empty());
-}
-
-TEST_F(DepotOperations, EditOfAFileNotAtHeadIsRefusedUntilSynced)
+TEST_F(DepotOperations, AliceMovesTrimsAndSubmitsOneChangelistAndBobGetsIt)
 {
     bobSubmitsNewFile("ship.kel", "hull");
-    ok(m_bob->edit(m_bobTicket, {bobFile("shared.kel")}, ""));
-    write(bobFile("shared.kel"), "v2");
-    ok(submit(*m_bob, m_bobTicket, "bob's v2"));
-    EXPECT_EQ(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, "").code, code::Failed);
     ok(m_alice->sync(m_aliceTicket, {}));
-    EXPECT_EQ(read(aliceFile("ship.kel")), "hull");
-    EXPECT_TRUE(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, "").ok());
+    const std::string shared = aliceFile("shared.kel");
+    const std::string ship = aliceFile("ship.kel");
+    const std::string added = aliceFile("new.kel");
+    ChangelistId hull;
+    ChangelistId sails;
+    once(*m_alice, [&] { return m_alice->createChangelist(m_aliceTicket, "hull", hull); });
+    m_now += 60;
+    ok(m_alice->createChangelist(m_aliceTicket, "sails", sails));
+    ok(m_alice->edit(m_aliceTicket, {shared, ship}, hull));
+    write(added, "draft");
+    ok(m_alice->add(m_aliceTicket, {added}, hull));
+    std::vector<Changelist> pending;
+    ok(m_bob->changelists(m_bobTicket, ChangelistState::Pending, pending));
+    EXPECT_TRUE(pending.empty()) << "bob lists only his own workspace's pending changelists";
+    bool exists = false;
+    ok(m_bob->changelistExists(m_bobTicket, hull, exists));
+    EXPECT_FALSE(exists);
+    ok(m_alice->changelistExists(m_aliceTicket, hull, exists));
+    EXPECT_TRUE(exists);
+
+    once(*m_alice, [&] { return m_alice->reopen(m_aliceTicket, {shared, ship}, sails); });
+    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, ship).changelist, sails);
+    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("ship.kel")).holders, std::vector<std::string>{"alice"});
+    once(*m_alice, [&] { return m_alice->setDescription(m_aliceTicket, sails, "sails and mast"); });
+    EXPECT_NE(m_alice->deleteChangelist(m_aliceTicket, hull).error.find("has 1 open file(s)"), std::string::npos);
+    once(*m_alice, [&] { return m_alice->reopen(m_aliceTicket, {added}, "default"); });
+    once(*m_alice, [&] { return m_alice->deleteChangelist(m_aliceTicket, hull); });
+    once(*m_alice, [&] { return m_alice->changelists(m_aliceTicket, ChangelistState::Pending, pending); });
+    ASSERT_EQ(pending.size(), 1u);
+    EXPECT_EQ(pending[0].id, sails);
+    EXPECT_EQ(pending[0].description, "sails and mast");
+    EXPECT_EQ(pending[0].time, m_now);
+    Changelist described;
+    ok(m_alice->describe(m_aliceTicket, sails, described));
+    ASSERT_EQ(described.files.size(), 2u);
+    EXPECT_EQ(described.files[0].action, FileAction::Edit);
+    ok(m_alice->describe(m_aliceTicket, "", described));
+    ASSERT_EQ(described.files.size(), 1u);
+    EXPECT_EQ(described.files[0].action, FileAction::Add);
+
+    // Only the edit whose content changed stays open; the untouched one is read-only again.
+    write(ship, "hull with a keel");
+    std::vector<std::string> reverted;
+    once(*m_alice, [&] { return m_alice->revertUnchanged(m_aliceTicket, {}, reverted); });
+    EXPECT_EQ(reverted, std::vector<std::string>{"//depot/shared.kel"});
+    EXPECT_FALSE(isWritable(shared));
+    EXPECT_EQ(bobSees("shared.kel"), 0u);
+    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, added).word, status::OpenedForAdd) << "adds are never reverted";
+
+    once(*m_alice, [&] { return m_alice->lock(m_aliceTicket, {ship}); });
+    EXPECT_EQ(bobSees("ship.kel"), status::OpenedByOthers | status::LockedByOthers);
+    std::vector<OpenedFile> opened;
+    ok(m_bob->opened(m_bobTicket, false, opened));
+    EXPECT_TRUE(opened.empty());
+    ok(m_bob->opened(m_bobTicket, true, opened));
+    ASSERT_EQ(opened.size(), 2u);
+    EXPECT_EQ(opened[1].user, "alice");
+    EXPECT_EQ(opened[1].localPath, ship);
+    EXPECT_TRUE(opened[1].locked);
+    EXPECT_FALSE(opened[0].locked);
+    once(*m_alice, [&] { return m_alice->unlock(m_aliceTicket, {ship}); });
+    EXPECT_EQ(bobSees("ship.kel"), status::OpenedByOthers);
+
+    m_now += 60;
+    ChangelistId submitted;
+    once(*m_alice, [&] { return m_alice->submit(m_aliceTicket, sails, "", submitted); });
+    EXPECT_EQ(submitted, sails);
+    ok(m_alice->changelistExists(m_aliceTicket, sails, exists));
+    EXPECT_FALSE(exists) << "a submitted changelist is no longer pending";
+    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, added).changelist, "") << "the default changelist stays pending";
+    ok(m_bob->describe(m_bobTicket, submitted, described));
+    EXPECT_EQ(described.description, "sails and mast");
+    EXPECT_EQ(described.time, m_now);
+    ASSERT_EQ(described.files.size(), 1u);
+    EXPECT_EQ(described.files[0].depotPath, "//depot/ship.kel");
+
+    write(bobFile("shared.kel"), "bob's scribbles");  // a writable change the chosen-files sync keeps away from
+    once(*m_bob, [&] { return m_bob->sync(m_bobTicket, {bobFile("ship.kel")}); });
+    EXPECT_EQ(read(bobFile("ship.kel")), "hull with a keel");
+    EXPECT_EQ(read(bobFile("shared.kel")), "bob's scribbles");
+}
+
+TEST_F(DepotOperations, RefusalsChangeNothingAndSayWhy)
+{
+    // alice holds shared.kel, locked, in a changelist of hers; bob changed ship.kel since she synced it.
+    ChangelistId mine;
+    ok(m_alice->createChangelist(m_aliceTicket, "mine", mine));
+    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, mine));
+    ok(m_alice->lock(m_aliceTicket, {aliceFile("shared.kel")}));
+    bobSubmitsNewFile("ship.kel", "hull");
+    ok(m_alice->sync(m_aliceTicket, {}));
+    ok(m_bob->edit(m_bobTicket, {bobFile("ship.kel")}, ""));
+    ok(submit(*m_bob, m_bobTicket, "bob's keel"));
+    ChangelistId older;
+    ok(m_alice->createChangelist(m_aliceTicket, "older", older));
+    write(aliceFile("x.kel"), "x");
+    ok(m_alice->add(m_aliceTicket, {aliceFile("x.kel")}, older));
+    ChangelistId done;
+    ok(m_alice->submit(m_aliceTicket, older, "", done));
+    write(bobFile("draft.kel"), "x");
+    write(bobFile("other.kel"), "x");
+    ok(m_bob->add(m_bobTicket, {bobFile("other.kel")}, ""));  // for the submit without a description
+    ChangelistId submitted;
+    Changelist described;
+    struct Row
+    {
+        const char* name;
+        std::function<Result()> operation;
+        std::vector<std::string> says;
+    };
+    const std::vector<Row> rows = {
+        {"bob edits a file the depot lacks and one alice holds, all or nothing",
+         [&] { return m_bob->edit(m_bobTicket, {bobFile("draft.kel"), bobFile("shared.kel")}, ""); },
+         {"//depot/draft.kel is not in the depot", "//depot/shared.kel is locked by alice@alice-ws"}},
+        {"alice edits a file behind the head", [&] { return m_alice->edit(m_aliceTicket, {aliceFile("ship.kel")}, ""); },
+         {"//depot/ship.kel is not at the head revision (sync it first)"}},
+        {"bob edits into alice's changelist", [&] { return m_bob->edit(m_bobTicket, {bobFile("ship.kel")}, mine); },
+         {"is not a pending changelist of workspace bob-ws"}},
+        {"alice locks a file she has not open", [&] { return m_alice->lock(m_aliceTicket, {aliceFile("ship.kel")}); },
+         {"Cannot lock:", "is not opened in workspace alice-ws"}},
+        {"bob moves alice's file", [&] { return m_bob->reopen(m_bobTicket, {bobFile("shared.kel")}, ""); },
+         {"is not opened in workspace bob-ws"}},
+        {"into a submitted change", [&] { return m_alice->reopen(m_aliceTicket, {aliceFile("shared.kel")}, done); },
+         {"is not a pending changelist of workspace alice-ws"}},
+        {"bob renames alice's changelist", [&] { return m_bob->setDescription(m_bobTicket, mine, "bob's"); },
+         {"is not a pending changelist of workspace bob-ws"}},
+        {"an empty description", [&] { return m_alice->setDescription(m_aliceTicket, mine, ""); }, {"cannot be empty"}},
+        {"the default one's description", [&] { return m_alice->setDescription(m_aliceTicket, "", "d"); },
+         {"The default changelist has no description"}},
+        {"bob deletes alice's changelist", [&] { return m_bob->deleteChangelist(m_bobTicket, mine); },
+         {"is not a pending changelist of workspace bob-ws"}},
+        {"the default one", [&] { return m_alice->deleteChangelist(m_aliceTicket, "default"); },
+         {"The default changelist cannot be deleted."}},
+        {"a submitted one", [&] { return m_alice->deleteChangelist(m_aliceTicket, done); }, {"is not a pending"}},
+        {"bob unlocks alice's lock", [&] { return m_bob->unlock(m_bobTicket, {bobFile("shared.kel")}); },
+         {"Cannot unlock:"}},
+        {"an empty default changelist", [&] { return m_alice->submit(m_aliceTicket, "", "nothing", submitted); },
+         {"No files to submit in the default changelist."}},
+        {"a submitted one again", [&] { return m_alice->submit(m_aliceTicket, done, "", submitted); },
+         {"is not a pending changelist of workspace alice-ws"}},
+        {"the default one without a description", [&] { return m_bob->submit(m_bobTicket, "", "", submitted); },
+         {"Submitting the default changelist needs a description."}},
+        {"no number", [&] { return m_alice->describe(m_aliceTicket, "not-a-number", described); },
+         {"'not-a-number' is not a changelist number"}},
+    };
+    for (const Row& row : rows) {
+        const Result result = row.operation();
+        EXPECT_EQ(result.code, code::Failed) << row.name;
+        for (const std::string& says : row.says)
+            EXPECT_NE(result.error.find(says), std::string::npos) << row.name << ": " << result.error;
+    }
+    EXPECT_EQ(m_alice->describe(m_aliceTicket, "99", described).error, "Change 99 unknown.");
+    EXPECT_TRUE(submitted.empty());
+    ok(m_alice->describe(m_aliceTicket, mine, described));
+    EXPECT_EQ(described.description, "mine");
+    ASSERT_EQ(described.files.size(), 1u);
+    EXPECT_EQ(bobSees("shared.kel"),
+              status::OpenedByOthers | status::LockedByOthers);
+    std::vector<OpenedFile> opened;
+    ok(m_bob->opened(m_bobTicket, false, opened));
+    ASSERT_EQ(opened.size(), 1u);
+    EXPECT_EQ(opened[0].localPath, bobFile("other.kel")) << "bob's refused edit opened nothing";
+    std::vector<std::string> reverted;
+    ok(m_bob->revertUnchanged(m_bobTicket, {bobFile("shared.kel")}, reverted));
+    EXPECT_TRUE(reverted.empty()) << "bob has shared.kel not open";
+    ok(m_alice->sync(m_aliceTicket, {aliceFile("ship.kel")}));
+    EXPECT_TRUE(m_alice->edit(m_aliceTicket, {aliceFile("ship.kel")}, "").ok()) << "synced, it opens";
 }
 
 TEST_F(DepotOperations, SubmitIsAtomicWhenAFileCannotBeRead)
@@ -103,213 +255,102 @@ TEST_F(DepotOperations, SubmitIsAtomicWhenAFileCannotBeRead)
     std::vector<Changelist> done;
     ok(m_alice->changelists(m_aliceTicket, ChangelistState::Submitted, done));
     EXPECT_EQ(done.size(), 1u);
-    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("new.kel")).word, status::AddedByOthers | status::NotInDepot);
+    EXPECT_EQ(bobSees("new.kel"), status::AddedByOthers | status::NotInDepot);
     EXPECT_TRUE(isWritable(added));
 }
 
-TEST_F(DepotOperations, PendingChangelistsAreCreatedListedDescribedAndEndWithTheirSubmit)
+// The status alice sees of files after something happened to each, in either workspace.
+TEST_F(DepotOperations, StatusAnswersEveryFileInOrderInOneRoundTrip)
 {
-    ChangelistId submitted;
-    EXPECT_NE(m_alice->submit(m_aliceTicket, "", "nothing", submitted).error.find("No files"), std::string::npos);
-    ChangelistId created;
-    ok(m_alice->createChangelist(m_aliceTicket, "rework the hull", created));
-    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, created));
-    std::vector<Changelist> pending;
-    ok(m_alice->changelists(m_aliceTicket, ChangelistState::Pending, pending));
-    ASSERT_EQ(pending.size(), 1u);
-    EXPECT_EQ(pending[0].id, created);
-    EXPECT_EQ(pending[0].description, "rework the hull");
-    ok(m_bob->changelists(m_bobTicket, ChangelistState::Pending, pending));
-    EXPECT_TRUE(pending.empty()) << "bob lists only his own workspace's pending changelists";
-    bool exists = false;
-    ok(m_alice->changelistExists(m_aliceTicket, created, exists));
-    EXPECT_TRUE(exists);
-    ok(m_bob->changelistExists(m_bobTicket, created, exists));
-    EXPECT_FALSE(exists);
-    EXPECT_EQ(m_bob->edit(m_bobTicket, {bobFile("other.kel")}, created).code, code::Failed);
-
-    Changelist described;
-    ok(m_alice->describe(m_aliceTicket, created, described));
-    ASSERT_EQ(described.files.size(), 1u);
-    EXPECT_EQ(described.files[0].action, FileAction::Edit);
-    ok(m_alice->describe(m_aliceTicket, "", described));
-    EXPECT_TRUE(described.files.empty()) << "the default changelist holds nothing";
-    EXPECT_EQ(m_alice->describe(m_aliceTicket, "not-a-number", described).code, code::Failed);
-    EXPECT_EQ(m_alice->describe(m_aliceTicket, "99", described).error, "Change 99 unknown.");
-
-    ok(m_alice->submit(m_aliceTicket, created, "", submitted));
-    EXPECT_EQ(submitted, created);
-    ok(m_alice->changelistExists(m_aliceTicket, created, exists));
-    EXPECT_FALSE(exists) << "a submitted changelist is no longer pending";
-    EXPECT_EQ(m_alice->submit(m_aliceTicket, created, "", submitted).code, code::Failed);
-    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
-    EXPECT_EQ(m_alice->submit(m_aliceTicket, "", "", submitted).code, code::Failed) << "the default one needs a description";
-}
-
-TEST_F(DepotOperations, OpenedListsEveryWorkspaceOnRequest)
-{
-    ok(m_bob->edit(m_bobTicket, {bobFile("shared.kel")}, ""));
-    ok(m_bob->lock(m_bobTicket, {bobFile("shared.kel")}));
-    std::vector<OpenedFile> opened;
-    ok(m_alice->opened(m_aliceTicket, false, opened));
-    EXPECT_TRUE(opened.empty());
-    ok(m_alice->opened(m_aliceTicket, true, opened));
-    ASSERT_EQ(opened.size(), 1u);
-    EXPECT_EQ(opened[0].user, "bob");
-    EXPECT_EQ(opened[0].localPath, bobFile("shared.kel"));
-    EXPECT_TRUE(opened[0].locked);
-    EXPECT_EQ(m_alice->lock(m_aliceTicket, {aliceFile("shared.kel")}).code, code::Failed) << "not opened by alice";
-}
-
-// Pending work as alice rearranges it before a submit while bob watches: every operation is one
-// round trip, and what it changes is what bob's status shows.
-class PendingWork : public DepotFixture
-{
-public:
-    void once(Depot& depot, const std::function<Result()>& operation)
-    {
-        const std::uint64_t before = depot.roundTrips();
-        ok(operation());
-        EXPECT_EQ(depot.roundTrips(), before + 1);
+    // Names that a list question must pass through unchanged.
+    const std::vector<std::string> oddNames = {
+        "quote\".kel", "back\\slash.kel", "line\nbreak.kel", "tab\t.kel", "control\x01.kel",
+        "\xff\xfe not utf-8.kel", "ünïcödé.kel", "[bracket],comma.kel",
+    };
+    std::vector<std::string> files = {"edited.kel", "locked.kel", "deleted.kel", "changed.kel",
+                                      "retired.kel", "reworked.kel", "dropped.kel"};
+    for (const std::string& name : oddNames)
+        files.push_back("odd/" + name);
+    for (std::string& file : files) {
+        write(bobFile(file), file);
+        file = bobFile(file);
     }
-    std::string changelistOf(const std::string& file) { return statusOf(*m_alice, m_aliceTicket, file).changelist; }
-};
-
-TEST_F(PendingWork, AliceMovesTrimsAndSubmitsOneChangelistAndBobGetsIt)
-{
-    bobSubmitsNewFile("ship.kel", "hull");
+    ok(m_bob->add(m_bobTicket, files, ""));
+    ok(submit(*m_bob, m_bobTicket, "bob's files"));
     ok(m_alice->sync(m_aliceTicket, {}));
-    const std::string shared = aliceFile("shared.kel");
-    const std::string ship = aliceFile("ship.kel");
-    const std::string added = aliceFile("new.kel");
-    ChangelistId hull;
-    ChangelistId sails;
-    ok(m_alice->createChangelist(m_aliceTicket, "hull", hull));
-    m_now += 60;
-    ok(m_alice->createChangelist(m_aliceTicket, "sails", sails));
-    ok(m_alice->edit(m_aliceTicket, {shared, ship}, ""));
-    write(added, "draft");
-    ok(m_alice->add(m_aliceTicket, {added}, hull));
+    ok(m_bob->edit(m_bobTicket, {bobFile("changed.kel")}, ""));
+    ok(m_bob->remove(m_bobTicket, {bobFile("retired.kel")}, ""));
+    write(bobFile("ship.kel"), "hull");
+    ok(m_bob->add(m_bobTicket, {bobFile("ship.kel")}, ""));
+    ok(submit(*m_bob, m_bobTicket, "bob's change"));
+    ok(m_bob->edit(m_bobTicket, {bobFile("edited.kel"), bobFile("locked.kel"), bobFile("odd/" + oddNames[0])}, ""));
+    ok(m_bob->lock(m_bobTicket, {bobFile("locked.kel")}));
+    ok(m_bob->remove(m_bobTicket, {bobFile("deleted.kel")}, ""));
+    write(bobFile("new.kel"), "bob's");
+    ok(m_bob->add(m_bobTicket, {bobFile("new.kel")}, ""));
+    write(aliceFile("local.kel"), "x");
+    ChangelistId rework;
+    ok(m_alice->createChangelist(m_aliceTicket, "rework", rework));
+    ok(m_alice->edit(m_aliceTicket, {aliceFile("reworked.kel")}, rework));
+    ok(m_alice->remove(m_aliceTicket, {aliceFile("dropped.kel")}, ""));
+    write(aliceFile("added.kel"), "x");
+    ok(m_alice->add(m_aliceTicket, {aliceFile("added.kel")}, ""));
+    std::filesystem::create_directories(aliceFile("folder.kel"));
 
-    once(*m_alice, [&] { return m_alice->reopen(m_aliceTicket, {shared, ship}, sails); });
-    EXPECT_EQ(changelistOf(ship), sails);
-    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("ship.kel")).holders, std::vector<std::string>{"alice"});
-    once(*m_alice, [&] { return m_alice->setDescription(m_aliceTicket, sails, "sails and mast"); });
-    EXPECT_NE(m_alice->deleteChangelist(m_aliceTicket, hull).error.find("has 1 open file(s)"), std::string::npos);
-    once(*m_alice, [&] { return m_alice->reopen(m_aliceTicket, {added}, "default"); });
-    once(*m_alice, [&] { return m_alice->deleteChangelist(m_aliceTicket, hull); });
-    std::vector<Changelist> pending;
-    ok(m_alice->changelists(m_aliceTicket, ChangelistState::Pending, pending));
-    ASSERT_EQ(pending.size(), 1u);
-    EXPECT_EQ(pending[0].description, "sails and mast");
-    EXPECT_EQ(pending[0].time, m_now);
-
-    // Only the edit whose content changed stays open; the untouched one is read-only again.
-    write(ship, "hull with a keel");
-    std::vector<std::string> reverted;
-    once(*m_alice, [&] { return m_alice->revertUnchanged(m_aliceTicket, {}, reverted); });
-    EXPECT_EQ(reverted, std::vector<std::string>{"//depot/shared.kel"});
-    EXPECT_FALSE(isWritable(shared));
-    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("shared.kel")).word, 0u);
-    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, added).word, status::OpenedForAdd) << "adds are never reverted";
-
-    once(*m_alice, [&] { return m_alice->lock(m_aliceTicket, {ship}); });
-    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("ship.kel")).word, status::OpenedByOthers | status::LockedByOthers);
-    once(*m_alice, [&] { return m_alice->unlock(m_aliceTicket, {ship}); });
-    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("ship.kel")).word, status::OpenedByOthers);
-
-    m_now += 60;
-    ChangelistId submitted;
-    once(*m_alice, [&] { return m_alice->submit(m_aliceTicket, sails, "", submitted); });
-    EXPECT_EQ(statusOf(*m_alice, m_aliceTicket, added).changelist, "") << "the default changelist stays pending";
-    Changelist described;
-    ok(m_bob->describe(m_bobTicket, submitted, described));
-    EXPECT_EQ(described.description, "sails and mast");
-    EXPECT_EQ(described.time, m_now);
-    ASSERT_EQ(described.files.size(), 1u);
-    EXPECT_EQ(described.files[0].depotPath, "//depot/ship.kel");
-
-    write(bobFile("shared.kel"), "bob's scribbles");  // a writable change the chosen-files sync keeps away from
-    once(*m_bob, [&] { return m_bob->sync(m_bobTicket, {bobFile("ship.kel")}); });
-    EXPECT_EQ(read(bobFile("ship.kel")), "hull with a keel");
-    EXPECT_EQ(read(bobFile("shared.kel")), "bob's scribbles");
-}
-
-TEST_F(PendingWork, RefusalsChangeNothingAndSayWhy)
-{
-    ChangelistId mine;
-    ok(m_alice->createChangelist(m_aliceTicket, "mine", mine));
-    ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, mine));
-    ok(m_alice->lock(m_aliceTicket, {aliceFile("shared.kel")}));
-    ChangelistId older;
-    ok(m_alice->createChangelist(m_aliceTicket, "older", older));
-    write(aliceFile("x.kel"), "x");
-    ok(m_alice->add(m_aliceTicket, {aliceFile("x.kel")}, older));
-    ChangelistId done;
-    ok(m_alice->submit(m_aliceTicket, older, "", done));
     struct Row
     {
-        const char* name;
-        std::function<Result()> operation;
-        std::string says;
+        std::string file;
+        std::uint32_t word;
+        std::vector<std::string> holders = {};
+        ChangelistId changelist = {};
     };
-    const std::vector<Row> rows = {
-        {"bob moves alice's file", [&] { return m_bob->reopen(m_bobTicket, {bobFile("shared.kel")}, ""); },
-         "is not opened in workspace bob-ws"},
-        {"into a submitted change", [&] { return m_alice->reopen(m_aliceTicket, {aliceFile("shared.kel")}, done); },
-         "is not a pending changelist of workspace alice-ws"},
-        {"bob renames alice's changelist", [&] { return m_bob->setDescription(m_bobTicket, mine, "bob's"); },
-         "is not a pending changelist of workspace bob-ws"},
-        {"an empty description", [&] { return m_alice->setDescription(m_aliceTicket, mine, ""); }, "cannot be empty"},
-        {"the default one's description", [&] { return m_alice->setDescription(m_aliceTicket, "", "d"); },
-         "The default changelist has no description"},
-        {"bob deletes alice's changelist", [&] { return m_bob->deleteChangelist(m_bobTicket, mine); },
-         "is not a pending changelist of workspace bob-ws"},
-        {"the default one", [&] { return m_alice->deleteChangelist(m_aliceTicket, "default"); },
-         "The default changelist cannot be deleted."},
-        {"a submitted one", [&] { return m_alice->deleteChangelist(m_aliceTicket, done); }, "is not a pending"},
-        {"bob unlocks alice's lock", [&] { return m_bob->unlock(m_bobTicket, {bobFile("shared.kel")}); },
-         "Cannot unlock:"},
+    const std::vector<std::string> bob = {"bob"};
+    std::vector<Row> rows = {
+        {aliceFile("shared.kel"), 0},
+        {aliceFile("edited.kel"), status::OpenedByOthers, bob},
+        {aliceFile("locked.kel"), status::OpenedByOthers | status::LockedByOthers, bob},
+        {aliceFile("deleted.kel"), status::DeletedByOthers, bob},
+        {aliceFile("changed.kel"), status::NotAtHead},
+        {aliceFile("retired.kel"), status::NotInDepot | status::NotAtHead},
+        {aliceFile("ship.kel"), status::NotAtHead},  // submitted since alice's sync
+        {aliceFile("new.kel"), status::AddedByOthers | status::NotInDepot, bob},
+        {aliceFile("local.kel"), status::NotInDepot},
+        {aliceFile("reworked.kel"), status::OpenedForEdit, {}, rework},
+        {aliceFile("dropped.kel"), status::OpenedForDelete},
+        {aliceFile("added.kel"), status::OpenedForAdd},
+        {aliceFile("folder.kel"), status::NotInDepot | status::IoError},
+        {aliceFile("shared.kel/inner.kel"), status::NotInDepot},
+        {bobFile("shared.kel"), status::NotInDepot},  // outside alice's workspace
+        {"edited.kel", status::OpenedByOthers, bob},  // relative to the workspace root
+        {aliceFile("odd/../edited.kel"), status::OpenedByOthers, bob},
+        {aliceFile("local.kel"), status::NotInDepot},  // asked twice
+        {aliceFile("odd/" + oddNames[0]), status::OpenedByOthers, bob},
     };
-    for (const Row& row : rows) {
-        const Result result = row.operation();
-        EXPECT_EQ(result.code, code::Failed) << row.name;
-        EXPECT_NE(result.error.find(row.says), std::string::npos) << row.name << ": " << result.error;
+    for (std::size_t i = 1; i < oddNames.size(); ++i)
+        rows.push_back({aliceFile("odd/" + oddNames[i]), 0});
+    std::vector<std::string> asked;
+    for (const Row& row : rows)
+        asked.push_back(row.file);
+
+    const std::uint64_t before = m_alice->roundTrips();
+    std::vector<FileStatus> statuses;
+    ok(m_alice->status(m_aliceTicket, asked, statuses));
+    std::vector<std::vector<std::string>> holders;
+    ok(m_alice->holders(m_aliceTicket, asked, holders));
+    EXPECT_EQ(m_alice->roundTrips() - before, 2u);
+    ASSERT_EQ(statuses.size(), rows.size());
+    ASSERT_EQ(holders.size(), rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        EXPECT_EQ(statuses[i].word, rows[i].word) << rows[i].file << std::hex << ": 0x" << statuses[i].word;
+        EXPECT_EQ(statuses[i].holders, rows[i].holders) << rows[i].file;
+        EXPECT_EQ(holders[i], rows[i].holders) << rows[i].file;
+        EXPECT_EQ(statuses[i].changelist, rows[i].changelist) << rows[i].file;
     }
-    Changelist described;
-    ok(m_alice->describe(m_aliceTicket, mine, described));
-    EXPECT_EQ(described.description, "mine");
-    EXPECT_EQ(statusOf(*m_bob, m_bobTicket, bobFile("shared.kel")).word,
-              status::OpenedByOthers | status::LockedByOthers);
-    std::vector<std::string> reverted;
-    ok(m_bob->revertUnchanged(m_bobTicket, {bobFile("shared.kel")}, reverted));
-    EXPECT_TRUE(reverted.empty()) << "bob has nothing open";
-}
-
-TEST_F(DepotOperations, ADepotWithoutChangeTimesGetsThemOnItsFirstWritableOpening)
-{
-    // A depot of an earlier build: its changes table has no time column.
-    sqlite3* raw = nullptr;
-    ASSERT_EQ(sqlite3_open(m_depotPath.c_str(), &raw), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(raw, "ALTER TABLE changes DROP COLUMN time", nullptr, nullptr, nullptr), SQLITE_OK);
-    sqlite3_close(raw);
-
-    fs::permissions(m_depotPath, fs::perms::owner_write, fs::perm_options::remove);
-    std::vector<Changelist> submitted;
-    EXPECT_NE(Depot(m_depotPath).changelists(m_aliceTicket, ChangelistState::Submitted, submitted).error.find(
-                  "open it once with write permission"),
-              std::string::npos);
-    fs::permissions(m_depotPath, fs::perms::owner_write, fs::perm_options::add);
-
-    Depot reopened(m_depotPath);
-    ok(reopened.changelists(m_aliceTicket, ChangelistState::Submitted, submitted));
-    ASSERT_EQ(submitted.size(), 1u);
-    EXPECT_EQ(submitted[0].time, 0) << "unknown";
-    ok(reopened.edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
-    ok(submit(reopened, m_aliceTicket, "second"));
-    ok(reopened.changelists(m_aliceTicket, ChangelistState::Submitted, submitted));
-    ASSERT_EQ(submitted.size(), 2u);
-    EXPECT_GT(submitted[1].time, 0);
+    ASSERT_EQ(statuses[2].heldBy.size(), 1u);
+    const FileHolder& lock = statuses[2].heldBy[0];
+    EXPECT_TRUE(lock.user == "bob" && lock.workspace == "bob-ws" && lock.action == FileAction::Edit && lock.locked);
+    ASSERT_EQ(statuses[3].heldBy.size(), 1u);
+    EXPECT_EQ(statuses[3].heldBy[0].action, FileAction::Delete);
 }
 
 }  // namespace

@@ -1,25 +1,17 @@
 #pragma once
 
 // A full reference host on a revision server, for scenario tests that link hbrc_services and
-// hbrc_hostsession. Header-only so that the shared test support does not depend on the host.
+// hbrc_hostsession; header-only so that the shared test support does not depend on the host.
+// The server is the embedded depot unless Server() names a Subversion repository (svnserve or
+// file://); ServerFixture runs a TEST_P suite on all three (ServerKinds(), ServerKindName).
 //
-// The server is the embedded depot unless a derived fixture's Server() names a Subversion
-// repository (served by svnserve, or reached through file://); ServerKinds() lists all three for
-// suites parameterised over the servers with ServerFixture below.
-//
-// SetUp stands up, in a temporary directory:
-// - a server (depot.db, or a repository) with the users alice ("alice-pw", workspace "alice-ws")
-//   and bob ("bob-pw", "bob-ws"), each workspace rooted in a folder of its own ("alice", "bob");
-//   a Subversion workspace is the working copy's folder itself;
-// - alice's host: a HostSession (preferences.ini, with alice's account in the "RevControl."
-//   preferences) over the alice folder, with both revision-control services installed in the
-//   workspace's database instance and alice logged in;
-// - the assets "Rock" (external file rock.bin), "Tree" (tree.bin) and "Sky" (no external file),
-//   saved, added and submitted by alice (change 1), so read-only in her folder, and synced by bob;
-// - bob as a second user acting through a depot connection of his own (Bob(), BobTicket()).
-//
-// Derived fixtures may override ConnectionOptionsForAlice (e.g. a time-out threshold) and load
-// the plug-in into `host` in their own SetUp after calling this one.
+// SetUp stands up, in a temporary directory: a server with alice ("alice-pw", workspace
+// "alice-ws", folder "alice"; a Subversion workspace is its working copy's folder) and bob
+// ("bob-pw", "bob-ws", "bob"); alice's HostSession over her folder, her account in the
+// "RevControl." preferences, both services installed and her session logged in; the assets
+// "Rock" (external file rock.bin), "Tree" (tree.bin) and "Sky" (none) submitted by alice as
+// change 1 and synced by bob, who acts through a connection of his own (Bob(), BobTicket()).
+// Derived fixtures may override ConnectionOptionsForAlice and load the plug-in after SetUp.
 
 #include <svnrepositoryfixture.h>
 
@@ -39,8 +31,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -50,12 +45,7 @@ enum class ServerKind { EmbeddedDepot, SvnServe, SvnFile };
 
 inline std::string ServerKindName(const ::testing::TestParamInfo<ServerKind>& info)
 {
-    switch (info.param) {
-    case ServerKind::EmbeddedDepot: return "EmbeddedDepot";
-    case ServerKind::SvnServe: return "SvnServe";
-    case ServerKind::SvnFile: return "SvnFile";
-    }
-    return "Unknown";
+    return std::array{"EmbeddedDepot", "SvnServe", "SvnFile"}.at(static_cast<std::size_t>(info.param));
 }
 
 class DepotHostFixture : public ::testing::Test
@@ -68,14 +58,8 @@ public:  // table-driven tests' rows act on the fixture from outside
     virtual ServerKind Server() const { return ServerKind::EmbeddedDepot; }
     bool IsSubversion() const { return Server() != ServerKind::EmbeddedDepot; }
     // The workspace names an account logs in with: depot workspaces, or working-copy folders.
-    std::string AliceWorkspace() const
-    {
-        return IsSubversion() ? QFile::encodeName(AliceFolder()).toStdString() : "alice-ws";
-    }
-    std::string BobWorkspace() const
-    {
-        return IsSubversion() ? QFile::encodeName(BobFolder()).toStdString() : "bob-ws";
-    }
+    std::string AliceWorkspace() const { return IsSubversion() ? Encoded(AliceFolder()) : "alice-ws"; }
+    std::string BobWorkspace() const { return IsSubversion() ? Encoded(BobFolder()) : "bob-ws"; }
 
     virtual hbrc::host::ConnectionOptions ConnectionOptionsForAlice() const
     {
@@ -108,19 +92,15 @@ public:  // table-driven tests' rows act on the fixture from outside
         m_repository.reset();
     }
 
-    // --- places ---------------------------------------------------------------------------------
     // The server setting: the depot file's path or the repository's URL.
     const std::string& DepotPath() const { return m_depotPath; }
     SvnRepositoryFixture* Repository() const { return m_repository.get(); }
     // A server setting of the same kind that nothing answers.
     std::string UnreachableServer() const
     {
-        switch (Server()) {
-        case ServerKind::EmbeddedDepot: return m_depotPath + ".missing";
-        case ServerKind::SvnServe: return "svn://127.0.0.1:1";
-        case ServerKind::SvnFile: return "file://" + AlicePath("no-repository");
-        }
-        return {};
+        if (!IsSubversion())
+            return m_depotPath + ".missing";
+        return Server() == ServerKind::SvnServe ? "svn://127.0.0.1:1" : "file://" + AlicePath("no-repository");
     }
     QString AliceFolder() const { return CanonicalFolder(QStringLiteral("alice")); }
     QString BobFolder() const { return CanonicalFolder(QStringLiteral("bob")); }
@@ -128,16 +108,11 @@ public:  // table-driven tests' rows act on the fixture from outside
     std::string AlicePath(const std::string& relative) const { return PathIn(AliceFolder(), relative); }
     std::string BobPath(const std::string& relative) const { return PathIn(BobFolder(), relative); }
 
-    // --- alice's host -----------------------------------------------------------------------------
     // The data control as the plug-in finds it: through the database instance's service registry.
-    KELPtr<kel4::IDataControl> DataControl() const
-    {
-        return KELPtr<kel4::IDataControl>(workspace->Model().Instance().GetService(kel4::UID_DataControl()));
-    }
+    KELPtr<kel4::IDataControl> DataControl() const { return Service<kel4::IDataControl>(kel4::UID_DataControl()); }
     KELPtr<kel4::IFileVersionControl> FileVersionControl() const
     {
-        return KELPtr<kel4::IFileVersionControl>(
-            workspace->Model().Instance().GetService(kel4::UID_FileVersionControl()));
+        return Service<kel4::IFileVersionControl>(kel4::UID_FileVersionControl());
     }
     const kel4::IUserParameters* AliceSession() const { return DataControl()->GetUserParameters().Get(); }
     KELHandle<kel4::IDbObject> Asset(const std::string& name) const
@@ -159,9 +134,8 @@ public:  // table-driven tests' rows act on the fixture from outside
     {
         kel4::List<unsigned> statuses;
         std::string error;
-        const kelResult result =
-            DataControl()->GetStatus({Asset(assetName)}, true, kPersistence, true, statuses, error);
-        EXPECT_EQ(result.GetCode(), 0) << error;
+        EXPECT_EQ(DataControl()->GetStatus({Asset(assetName)}, true, kPersistence, true, statuses, error).GetCode(), 0)
+            << error;
         return statuses.empty() ? 0xffffffffu : statuses.front();
     }
     // The files of one of alice's assets, external files included.
@@ -196,18 +170,15 @@ public:  // table-driven tests' rows act on the fixture from outside
     using ServerCall = std::function<hbrc::depot::Result(hbrc::host::RevisionServer&, const std::string& ticket)>;
     hbrc::depot::Result AliceAsks(const ServerCall& call) const
     {
-        hbrc::depot::Result answer{hbrc::depot::code::Failed, "the call did not run: "};
+        std::optional<hbrc::depot::Result> answer;
         std::string error;
         services.connection->Run(
             AliceSession(),
             [&](hbrc::host::RevisionServer& server, const std::string& ticket, const hbrc::depot::CancelCheck&) {
-                answer = call(server, ticket);
-                return answer;
+                return *(answer = call(server, ticket));
             },
             error);
-        if (answer.code == hbrc::depot::code::Failed && answer.error == "the call did not run: ")
-            answer.error += error;
-        return answer;
+        return answer.value_or(hbrc::depot::Result{hbrc::depot::code::Failed, "the call did not run: " + error});
     }
     // Submits alice's changelist (the default one: with the description given).
     void AliceSubmits(const std::string& description, const std::string& changelist = "") const
@@ -225,15 +196,11 @@ public:  // table-driven tests' rows act on the fixture from outside
         return changelist;
     }
 
-    // --- alice's files ----------------------------------------------------------------------------
     // A file's status word and the changelist it is open in, as alice's file service reports them.
     struct FileState {
         unsigned status = 0;
         std::string changelist;
-        bool operator==(const FileState& other) const
-        {
-            return status == other.status && changelist == other.changelist;
-        }
+        bool operator==(const FileState& other) const { return status == other.status && changelist == other.changelist; }
         friend void PrintTo(const FileState& state, std::ostream* out)
         {
             *out << "0x" << std::hex << state.status << std::dec << " in \"" << state.changelist << '"';
@@ -269,21 +236,19 @@ public:  // table-driven tests' rows act on the fixture from outside
     // The asset's own .kel file.
     std::string KelFileOf(const std::string& assetName) const
     {
-        for (const std::string& file : FilesOf(assetName)) {
-            if (QFileInfo(QString::fromStdString(file)).suffix() == QStringLiteral("kel"))
-                return file;
-        }
-        return {};
+        const kel4::List<std::string> files = FilesOf(assetName);
+        const auto kel = std::find_if(files.begin(), files.end(), [](const std::string& file) {
+            return QFileInfo(QString::fromStdString(file)).suffix() == QStringLiteral("kel");
+        });
+        return kel == files.end() ? std::string() : *kel;
     }
 
-    // --- bob --------------------------------------------------------------------------------------
     // The files of one of alice's assets (external files included), as they lie in bob's folder.
     std::vector<std::string> BobFilesOf(const std::string& assetName) const
     {
-        const std::string alicePrefix = AlicePath("");
         std::vector<std::string> bobFiles;
         for (const std::string& file : FilesOf(assetName))
-            bobFiles.push_back(BobPath(file.substr(alicePrefix.size())));
+            bobFiles.push_back(BobPath(file.substr(AlicePath("").size())));
         return bobFiles;
     }
     hbrc::host::RevisionServer& Bob() { return *m_bob; }
@@ -295,11 +260,14 @@ public:  // table-driven tests' rows act on the fixture from outside
     hbrc::host::RevisionControlServices services;
 
 private:
-    QString CanonicalFolder(const QString& name) const { return QDir(m_dir.filePath(name)).canonicalPath(); }
-    static std::string PathIn(const QString& folder, const std::string& relative)
+    template <class Interface>
+    KELPtr<Interface> Service(const kel4::ServiceId& id) const
     {
-        return QFile::encodeName(folder).toStdString() + '/' + relative;
+        return KELPtr<Interface>(workspace->Model().Instance().GetService(id));
     }
+    QString CanonicalFolder(const QString& name) const { return QDir(m_dir.filePath(name)).canonicalPath(); }
+    static std::string Encoded(const QString& folder) { return QFile::encodeName(folder).toStdString(); }
+    static std::string PathIn(const QString& folder, const std::string& relative) { return Encoded(folder) + '/' + relative; }
 
     void CreateDepot()
     {
@@ -311,8 +279,8 @@ private:
         Depot admin(m_depotPath, options);
         BobExpects(admin.addUser("alice", "alice-pw"));
         BobExpects(admin.addUser("bob", "bob-pw"));
-        BobExpects(admin.addWorkspace(AliceWorkspace(), "alice", QFile::encodeName(AliceFolder()).toStdString()));
-        BobExpects(admin.addWorkspace(BobWorkspace(), "bob", QFile::encodeName(BobFolder()).toStdString()));
+        BobExpects(admin.addWorkspace(AliceWorkspace(), "alice", Encoded(AliceFolder())));
+        BobExpects(admin.addWorkspace(BobWorkspace(), "bob", Encoded(BobFolder())));
         m_bob = hbrc::host::OpenRevisionServer(m_depotPath, options);
     }
 

@@ -25,14 +25,8 @@ void closeModal(QWidget* modal)
 DialogDriver::DialogDriver(QObject* parent)
     : QObject(parent)
 {
-    m_timer.setInterval(10);
     connect(&m_timer, &QTimer::timeout, this, &DialogDriver::poll);
-    m_timer.start();
-}
-
-DialogDriver::~DialogDriver()
-{
-    m_timer.stop();
+    m_timer.start(10);
 }
 
 void DialogDriver::expect(const QString& description, Handler handler, int timeoutMs)
@@ -40,8 +34,7 @@ void DialogDriver::expect(const QString& description, Handler handler, int timeo
     m_pending.push_back({description, std::move(handler), timeoutMs, -1});
 }
 
-void DialogDriver::expectMessageBox(const QString& title, int standardButton, const QString& textPart,
-                                    int timeoutMs)
+void DialogDriver::expectMessageBox(const QString& title, int standardButton, const QString& textPart, int timeoutMs)
 {
     expect(
         QStringLiteral("message box '%1'").arg(title),
@@ -49,20 +42,15 @@ void DialogDriver::expectMessageBox(const QString& title, int standardButton, co
             auto* box = qobject_cast<QMessageBox*>(w);
             if (!box) {
                 m_failures << QStringLiteral("expected message box '%1', got %2 '%3'")
-                                  .arg(title, QString::fromLatin1(w->metaObject()->className()),
-                                       w->windowTitle());
+                                  .arg(title, QString::fromLatin1(w->metaObject()->className()), w->windowTitle());
                 return;
             }
             if (box->windowTitle() != title)
-                m_failures << QStringLiteral("expected message box title '%1', got '%2'")
-                                  .arg(title, box->windowTitle());
+                m_failures << QStringLiteral("expected message box title '%1', got '%2'").arg(title, box->windowTitle());
             if (!textPart.isEmpty() && !box->text().contains(textPart))
-                m_failures << QStringLiteral("message box '%1' text '%2' lacks '%3'")
-                                  .arg(title, box->text(), textPart);
+                m_failures << QStringLiteral("message box '%1' text '%2' lacks '%3'").arg(title, box->text(), textPart);
             if (!box->button(static_cast<QMessageBox::StandardButton>(standardButton)))
-                m_failures << QStringLiteral("message box '%1' has no button %2")
-                                  .arg(title)
-                                  .arg(standardButton);
+                m_failures << QStringLiteral("message box '%1' has no button %2").arg(title).arg(standardButton);
             pressMessageBoxButton(box, standardButton);
         },
         timeoutMs);
@@ -75,15 +63,15 @@ void DialogDriver::poll()
         answer(modal);
         return;
     }
-    if (!m_pending.empty()) {
-        Expectation& next = m_pending.front();
-        const qint64 now = QDateTime::currentMSecsSinceEpoch();
-        if (next.startedAt < 0)
-            next.startedAt = now;
-        else if (now - next.startedAt > next.timeoutMs) {
-            m_failures << QStringLiteral("timed out waiting for %1").arg(next.description);
-            m_pending.pop_front();
-        }
+    if (m_pending.empty())
+        return;
+    Expectation& next = m_pending.front();
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    if (next.startedAt < 0) {
+        next.startedAt = now;
+    } else if (now - next.startedAt > next.timeoutMs) {
+        m_failures << QStringLiteral("timed out waiting for %1").arg(next.description);
+        m_pending.pop_front();
     }
 }
 

@@ -33,13 +33,11 @@ public:
     using Handler = std::function<void(QWidget* dialog)>;
 
     explicit DialogDriver(QObject* parent = nullptr);
-    ~DialogDriver() override;
 
     // Waits for the next modal widget and hands it to handler.
     void expect(const QString& description, Handler handler, int timeoutMs = 5000);
     // Waits for a QMessageBox with this title (and, when given, containing textPart) and presses button.
-    void expectMessageBox(const QString& title, int standardButton, const QString& textPart = {},
-                          int timeoutMs = 5000);
+    void expectMessageBox(const QString& title, int standardButton, const QString& textPart = {}, int timeoutMs = 5000);
 
     // True when every expectation was met and nothing unexpected appeared.
     bool finished() const { return m_pending.empty() && m_failures.isEmpty(); }

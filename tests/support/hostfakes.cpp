@@ -6,27 +6,10 @@
 
 namespace hbrc::test {
 
-KELPtr<kel4::IService> FakeKELInstance::GetService(const kel4::ServiceId& id) const
-{
-    auto found = m_services.find(id.name);
-    return found == m_services.end() ? KELPtr<kel4::IService>() : found->second;
-}
-
-void FakeKELInstance::SetService(const kel4::ServiceId& id, KELPtr<kel4::IService> service)
-{
-    m_services[id.name] = std::move(service);
-}
-
 KELHandle<IDbObject> FakeDataModelMgr::AddObject(const std::string& id, const std::string& name, bool isAsset)
 {
     m_objects.push_back({id, name, isAsset, "v1"});
     return KELHandle<IDbObject>(this, static_cast<std::uint32_t>(m_objects.size()), 1);
-}
-
-KELPtr<kel4::IKELInstance> FakeDataModelMgr::GetInstance() const
-{
-    ++m_instanceRequests;
-    return m_instance;
 }
 
 KELHandle<IDbObject> FakeDataModelMgr::ResolveObject(const DbObjectId& id) const
@@ -50,75 +33,16 @@ const FakeDataModelMgr::Object* FakeDataModelMgr::find(const KELHandleBase& obje
     return index >= 1 && index <= m_objects.size() ? &m_objects[index - 1] : nullptr;
 }
 
-bool FakeDataModelMgr::IsHandleValid(const KELHandleBase& object) const
-{
-    return find(object) != nullptr;
-}
-
-DbObjectId FakeDataModelMgr::GetObjectId(const KELHandleBase& object) const
-{
-    const Object* o = find(object);
-    return o ? DbObjectId(o->id) : DbObjectId();
-}
-
-std::string FakeDataModelMgr::GetObjectName(const KELHandleBase& object) const
-{
-    const Object* o = find(object);
-    return o ? o->name : std::string();
-}
-
-VersionId FakeDataModelMgr::GetAncestorId(const KELHandleBase& object) const
-{
-    const Object* o = find(object);
-    return o ? VersionId(o->ancestor) : VersionId();
-}
-
 bool FakeDataModelMgr::IsObjectOfType(const KELHandleBase& object, const char* typeId) const
 {
     const Object* o = find(object);
-    if (!o)
-        return false;
-    return std::strcmp(typeId, IDbObject::GetTypeId()) == 0 || (o->isAsset && std::strcmp(typeId, IAsset::GetTypeId()) == 0);
+    return o && (std::strcmp(typeId, IDbObject::GetTypeId()) == 0 ||
+                 (o->isAsset && std::strcmp(typeId, IAsset::GetTypeId()) == 0));
 }
 
-borax::datamodel::IItemLibrary* FakeItemLibraryContext::GetLibrary() const
-{
-    return m_bound ? const_cast<FakeItemLibraryContext*>(this) : nullptr;
-}
-
-void FakeItemLibraryContext::RegisterNotification(borax::datamodel::IItemLibraryNotification* r, int code, int index)
-{
-    m_registrations.push_back({r, code, index});
-}
-
-void FakeItemLibraryContext::UnregisterNotification(borax::datamodel::IItemLibraryNotification* r, int code, int index)
-{
-    m_unregistrations.push_back({r, code, index});
-}
-
-namespace {
-
-void connectSlot(FakeDBProxy::Signal& signal, void (nrk::fwk::IKELDBProxy_Slot::*handler)(),
-                 nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** connection)
+void FakeDBProxy::Connect(Signal& signal, void (Slot::*handler)(), Slot* slot, Connection** connection)
 {
     *connection = new BaseSystem::hbconnection(signal.connect([slot, handler] { (slot->*handler)(); }));
-}
-
-}  // namespace
-
-void FakeDBProxy::Connect_OnInitialConnectionToDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c)
-{
-    connectSlot(initialConnection, &nrk::fwk::IKELDBProxy_Slot::OnInitialConnectionToDB, slot, c);
-}
-
-void FakeDBProxy::Connect_OnConnectedToDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c)
-{
-    connectSlot(connected, &nrk::fwk::IKELDBProxy_Slot::OnConnectedToDB, slot, c);
-}
-
-void FakeDBProxy::Connect_OnDisconnectedFromDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c)
-{
-    connectSlot(disconnected, &nrk::fwk::IKELDBProxy_Slot::OnDisconnectedFromDB, slot, c);
 }
 
 KELPtr<kel4::IKELInstance> FakeDBProxy::GetKELInstance() const

@@ -27,8 +27,12 @@ namespace hbrc::test {
 class FakeKELInstance : public kel4::RefCounted<kel4::IKELInstance>
 {
 public:
-    KELPtr<kel4::IService> GetService(const kel4::ServiceId& id) const override;
-    void SetService(const kel4::ServiceId& id, KELPtr<kel4::IService> service);
+    KELPtr<kel4::IService> GetService(const kel4::ServiceId& id) const override
+    {
+        const auto found = m_services.find(id.name);
+        return found == m_services.end() ? KELPtr<kel4::IService>() : found->second;
+    }
+    void SetService(const kel4::ServiceId& id, KELPtr<kel4::IService> service) { m_services[id.name] = std::move(service); }
 
 private:
     std::map<std::string, KELPtr<kel4::IService>> m_services;
@@ -49,14 +53,27 @@ public:
     void SetInstance(KELPtr<kel4::IKELInstance> instance) { m_instance = std::move(instance); }
     int instanceRequests() const { return m_instanceRequests; }
 
-    KELPtr<kel4::IKELInstance> GetInstance() const override;
+    KELPtr<kel4::IKELInstance> GetInstance() const override
+    {
+        ++m_instanceRequests;
+        return m_instance;
+    }
     KELHandle<IDbObject> ResolveObject(const DbObjectId& id) const override;
     kelResult Query(const std::string&, kel4::Vector<CQueryResult>&, int, std::string&) const override;
     kel4::Vector<KELPtr<kel4::IDataSource>> GetDataSources() const override { return {}; }
-    bool IsHandleValid(const KELHandleBase& object) const override;
-    DbObjectId GetObjectId(const KELHandleBase& object) const override;
-    std::string GetObjectName(const KELHandleBase& object) const override;
-    VersionId GetAncestorId(const KELHandleBase& object) const override;
+    bool IsHandleValid(const KELHandleBase& object) const override { return find(object) != nullptr; }
+    DbObjectId GetObjectId(const KELHandleBase& object) const override
+    {
+        return find(object) ? DbObjectId(find(object)->id) : DbObjectId();
+    }
+    std::string GetObjectName(const KELHandleBase& object) const override
+    {
+        return find(object) ? find(object)->name : std::string();
+    }
+    VersionId GetAncestorId(const KELHandleBase& object) const override
+    {
+        return find(object) ? VersionId(find(object)->ancestor) : VersionId();
+    }
     bool IsObjectOfType(const KELHandleBase& object, const char* typeId) const override;
 
 private:
@@ -81,9 +98,15 @@ public:
     const std::vector<Registration>& registrations() const { return m_registrations; }
     const std::vector<Registration>& unregistrations() const { return m_unregistrations; }
 
-    IItemLibrary* GetLibrary() const override;
-    void RegisterNotification(borax::datamodel::IItemLibraryNotification* r, int code, int index) override;
-    void UnregisterNotification(borax::datamodel::IItemLibraryNotification* r, int code, int index) override;
+    IItemLibrary* GetLibrary() const override { return m_bound ? const_cast<FakeItemLibraryContext*>(this) : nullptr; }
+    void RegisterNotification(borax::datamodel::IItemLibraryNotification* r, int code, int index) override
+    {
+        m_registrations.push_back({r, code, index});
+    }
+    void UnregisterNotification(borax::datamodel::IItemLibraryNotification* r, int code, int index) override
+    {
+        m_unregistrations.push_back({r, code, index});
+    }
 
     bool FindItemByDbUid(const std::string&, borax::datamodel::ItemID&) const override { return false; }
     DbObjectId GetItemDbUid(const borax::datamodel::ItemID&) const override { return {}; }
@@ -100,11 +123,19 @@ class FakeDBProxy : public nrk::fwk::IKELDBProxy, public nrk::IBase
 {
 public:
     using Signal = boost::signals2::signal<void()>;
+    using Slot = nrk::fwk::IKELDBProxy_Slot;
+    using Connection = nrk::signalling::IConnection;
 
     const char* GetClsName() const override { return "FakeDBProxy"; }
-    void Connect_OnInitialConnectionToDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c) override;
-    void Connect_OnConnectedToDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c) override;
-    void Connect_OnDisconnectedFromDB(nrk::fwk::IKELDBProxy_Slot* slot, nrk::signalling::IConnection** c) override;
+    void Connect_OnInitialConnectionToDB(Slot* slot, Connection** c) override
+    {
+        Connect(initialConnection, &Slot::OnInitialConnectionToDB, slot, c);
+    }
+    void Connect_OnConnectedToDB(Slot* slot, Connection** c) override { Connect(connected, &Slot::OnConnectedToDB, slot, c); }
+    void Connect_OnDisconnectedFromDB(Slot* slot, Connection** c) override
+    {
+        Connect(disconnected, &Slot::OnDisconnectedFromDB, slot, c);
+    }
     bool IsConnected() const override { return m_connected; }
     kel4::IDataModelMgr* GetDataModelMgr() const override { return m_manager; }
     KELPtr<kel4::IKELInstance> GetKELInstance() const override;
@@ -119,6 +150,8 @@ public:
     Signal disconnected;
 
 private:
+    static void Connect(Signal& signal, void (Slot::*handler)(), Slot* slot, Connection** connection);
+
     bool m_connected = true;
     kel4::IDataModelMgr* m_manager = nullptr;
     borax::datamodel::ItemLibraryAccessor m_accessor;

@@ -61,27 +61,22 @@ protected:
 
     void WriteFile(const std::string& relative, const QByteArray& content) const
     {
-        const QString path = QFile::decodeName(QByteArray::fromStdString(PathOf(relative)));
-        QDir().mkpath(QFileInfo(path).absolutePath());
-        QFile file(path);
+        QDir().mkpath(QFileInfo(FileOf(relative)).absolutePath());
+        QFile file(FileOf(relative));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(content);
     }
-
     QByteArray ReadFile(const std::string& relative) const
     {
-        QFile file(QFile::decodeName(QByteArray::fromStdString(PathOf(relative))));
+        QFile file(FileOf(relative));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
-
-    bool Exists(const std::string& relative) const
-    {
-        return QFile::exists(QFile::decodeName(QByteArray::fromStdString(PathOf(relative))));
-    }
+    bool Exists(const std::string& relative) const { return QFile::exists(FileOf(relative)); }
 
     std::unique_ptr<hbrc::host::HostSession> host;
     hbrc::host::Workspace* workspace = nullptr;
 
 private:
+    QString FileOf(const std::string& relative) const { return QFile::decodeName(QByteArray::fromStdString(PathOf(relative))); }
     QTemporaryDir m_dir;
 };

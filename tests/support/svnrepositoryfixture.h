@@ -62,11 +62,10 @@ public:
 private:
     void StopServer()
     {
-        if (!m_server)
-            return;
-        m_server->kill();
-        m_server->waitForFinished(5000);
-        m_server.reset();
+        if (m_server) {
+            m_server->kill();
+            m_server->waitForFinished(5000);
+        }
     }
 
     QString RepositoryPath() const { return m_folder + QStringLiteral("/repository"); }
@@ -124,10 +123,8 @@ private:
             throw std::runtime_error("no free port");
         m_server = std::make_unique<QProcess>();
         m_server->setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_server->start(QStringLiteral("svnserve"),
-                        {QStringLiteral("--daemon"), QStringLiteral("--foreground"), QStringLiteral("--threads"),
-                         QStringLiteral("--listen-host=127.0.0.1"), QStringLiteral("--listen-port=%1").arg(port),
-                         QStringLiteral("--root=%1").arg(RepositoryPath())});
+        m_server->start("svnserve", {"--daemon", "--foreground", "--threads", "--listen-host=127.0.0.1",
+                                     QString("--listen-port=%1").arg(port), "--root=" + RepositoryPath()});
         if (!m_server->waitForStarted(10000))
             throw std::runtime_error("cannot start svnserve");
         for (int attempt = 0; attempt < 200; ++attempt) {
