@@ -1,5 +1,5 @@
-// The changelist dialog over the reference host: alice's workspace on the embedded depot and on a
-// Subversion server with its real pending changelists, and the host's data control.
+// The changelist dialog over the reference host's data control, on the embedded depot and on a
+// Subversion server, when the session has expired: nothing listed, and "New" cannot create.
 #include "changelistdialogui.h"
 
 #include <depothostfixture.h>
@@ -19,35 +19,6 @@ public:
 };
 INSTANTIATE_TEST_SUITE_P(Servers, InHost, ::testing::Values(ServerKind::EmbeddedDepot, ServerKind::SvnServe),
                          ServerKindName);
-
-TEST_P(InHost, NewCreatesADepotChangeListThatTheNextDialogLists)
-{
-    Dialog first(DataControl(), QString(), {}, false, true, nullptr);
-    EXPECT_EQ(comboTexts(first), (QStringList{"New", "Default"}));
-    const int created = runDialog(first, [&] {
-        combo(first)->setCurrentIndex(0);
-        QTest::keyClicks(descriptionEdit(first), QStringLiteral("Granite set"));
-        click(first, QStringLiteral("Check Out"));
-    });
-    const std::string granite = first.getChangeList();
-    ASSERT_EQ(created, Dialog::UseChangeList);
-    ASSERT_FALSE(granite.empty());
-    EXPECT_TRUE(DataControl()->ChangeListExists(granite));
-
-    const std::string longDescription(100, 'x');
-    const std::string lighting = NewChangelist(longDescription);
-    Dialog second(DataControl(), QString(), {}, false, true, nullptr);
-    EXPECT_EQ(comboTexts(second),
-              (QStringList{"New", "Default", QString::fromStdString(granite + " Granite set"),
-                           QString::fromStdString((lighting + ' ' + longDescription).substr(0, 80))}));
-    const int chosen = runDialog(second, [&] {
-        combo(second)->setCurrentIndex(3);
-        EXPECT_EQ(descriptionEdit(second)->toPlainText().toStdString(), longDescription);
-        click(second, QStringLiteral("Check Out"));
-    });
-    EXPECT_EQ(chosen, Dialog::UseChangeList);
-    EXPECT_EQ(second.getChangeList(), lighting);
-}
 
 TEST_P(InHost, AnExpiredSessionListsNothingAndKeepsTheDialogOpenOnNew)
 {

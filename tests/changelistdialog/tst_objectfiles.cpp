@@ -45,7 +45,9 @@ protected:
     CRevisionControlUIHelper helper;
 };
 
-TEST_F(ObjectFilesTest, GetObjectFilesAppendsTheSortedDistinctFilesUnlessTheQueryFails)
+// GetObjectFiles appends the sorted distinct files unless the query fails. Without a data control:
+// no external files; listing files or naming assets raises, naming only non-assets does not.
+TEST_F(ObjectFilesTest, ObjectFilesAndExternalFilesWithAndWithoutADataControl)
 {
     answerFiles({"/w/b.kel", "/w/a.kel", "/w/a.kel", "/w/\xC3\xA9t\xC3\xA9.bin"});
     QStringList files{QStringLiteral("kept")};
@@ -54,18 +56,12 @@ TEST_F(ObjectFilesTest, GetObjectFilesAppendsTheSortedDistinctFilesUnlessTheQuer
     answerFiles({"/w/c.kel"}, kel4::kResultFailed);
     helper.GetObjectFiles(rock, files);
     EXPECT_EQ(files.size(), 4);
-}
 
-// Without a data control: no external files; listing files or naming assets raises, naming only
-// non-assets does not.
-TEST_F(ObjectFilesTest, WithoutADataControlExternalFilesAreNoneButListingFilesRaises)
-{
     EXPECT_CALL(*host.dataControl, HasExternalFile(rock, kel4::closureId::Persistence)).WillOnce(Return(true));
     EXPECT_TRUE(helper.ObjectHasExternalFile(rock));
 
     host.instance->SetService(kel4::UID_DataControl(), {});
     EXPECT_FALSE(helper.ObjectHasExternalFile(rock));
-    QStringList files;
     kel4::DisableErrorReportingGuard quiet;
     EXPECT_THROW(helper.GetObjectFiles(rock, files), kel4::ExBase::NullPtr);
     EXPECT_THROW(helper.ObjectHasExternalFile(KELHandle<IDbObject>()), kel4::ExBase::NullPtr);

@@ -1,6 +1,6 @@
 // What the dark styles answer rather than paint, in both styles: every element, metric and hint is
 // quiet with a default option, tab bars take the dark palette with Window and Button exchanged,
-// pixel metrics (the marked menu bar), style hints and the push-button size.
+// pixel metrics (the marked menu bar) and style hints.
 #include "toolkittest.h"
 
 namespace {
@@ -133,38 +133,6 @@ TEST(DarkStyleMetric, MenuBarMarginsFollowThePropertysPresenceHintsFollowTheTabl
     };
     for (const auto& [name, hint, simple, tarn] : hints)
         expectInBothStyles(name, simple, tarn, [&](const QStyle& style) { return style.styleHint(hint); });
-}
-
-// A base style that draws a default-button indicator, which Fusion does not.
-class DefaultIndicatorStyle final : public QProxyStyle
-{
-public:
-    DefaultIndicatorStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
-    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
-    {
-        return metric == PM_ButtonDefaultIndicator ? 3 : QProxyStyle::pixelMetric(metric, option, widget);
-    }
-};
-
-TEST(DarkStyleTarnSize, PushButtonSizeIsTheCommonSizeAndGrowsOnceMoreForAutoDefaultButtons)
-{
-    QtlomDarkStyleTarn style;
-    const QSize contents(40, 16);
-    const QStyleOption notAButton;
-    EXPECT_EQ(style.sizeFromContents(QStyle::CT_PushButton, nullptr, contents), contents);
-    EXPECT_EQ(style.sizeFromContents(QStyle::CT_PushButton, &notAButton, contents), contents);
-
-    QStyleOptionButton button;
-    button.text = QStringLiteral("OK");
-    const QSize plain = style.sizeFromContents(QStyle::CT_PushButton, &button, contents);
-    EXPECT_EQ(plain, style.QCommonStyle::sizeFromContents(QStyle::CT_PushButton, &button, contents));
-    EXPECT_NE(plain, kTarnStyle.createBase()->sizeFromContents(QStyle::CT_PushButton, &button, contents));
-
-    // The common size already holds the indicator on both sides (2 x 3); the style adds it once more.
-    style.setBaseStyle(new DefaultIndicatorStyle);
-    const QSize withIndicatorMetric = style.sizeFromContents(QStyle::CT_PushButton, &button, contents);
-    button.features = QStyleOptionButton::AutoDefaultButton;
-    EXPECT_EQ(style.sizeFromContents(QStyle::CT_PushButton, &button, contents) - withIndicatorMetric, QSize(9, 9));
 }
 
 }  // namespace

@@ -125,41 +125,25 @@ TEST_F(FileListTest, RowsShowTheAbsolutePathGreyAndExplainedForMissingFilesAndAR
     }
 }
 
-// The disk is asked about a file when its row is painted or its data asked for, not when the row
-// goes in, and asked again after a refresh.
-TEST_F(FileListTest, FileStatesAreAskedWhenRowsAreFirstShownAndAgainAfterARefresh)
+// Rows go in sorted by path, also those added later; a refresh reads the files' states again.
+TEST_F(FileListTest, RowsAreSortedByPathAndARefreshSeesAFileThatWentAway)
 {
     QStringList files;
-    for (int i = 199; i >= 0; --i) {  // given in descending order
-        files << temp.filePath(QStringLiteral("f%1.txt").arg(i, 3, 10, QLatin1Char('0')));
+    for (const char* name : {"z.txt", "a.txt", "m.txt"}) {
+        files << temp.filePath(QString::fromLatin1(name));
         ASSERT_TRUE(QFile(files.back()).open(QIODevice::WriteOnly));
     }
-    QFileListWidget list(files);
-    list.AddFiles({temp.filePath(QStringLiteral("added.txt"))});
-    ASSERT_EQ(list.topLevelItemCount(), 201);
-    EXPECT_EQ(list.topLevelItem(0)->text(0), temp.filePath(QStringLiteral("added.txt")));
-    EXPECT_EQ(list.topLevelItem(1)->text(0), files.last()) << "rows go in sorted by path";
-    EXPECT_EQ(list.topLevelItem(200)->text(0), files.first());
-
-    ASSERT_TRUE(QFile::remove(files.last()));  // gone before its row is first shown
-    list.resize(400, 200);
-    list.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&list));
-    list.viewport()->repaint();
-    for (const QString& file : std::as_const(files))
-        QFile::remove(file);
-
-    const auto missing = [&](int row) {
-        const QTreeWidgetItem* item = list.topLevelItem(row);
-        const bool grey = item->data(0, Qt::ForegroundRole) == QVariant(QBrush(Qt::darkGray));
-        EXPECT_EQ(item->checkState(1), grey ? Qt::Checked : Qt::Unchecked) << "a missing file is not writable";
-        return grey;
-    };
-    EXPECT_TRUE(missing(1)) << "removed before it was shown";
-    EXPECT_FALSE(missing(2)) << "shown while the file was there";
-    EXPECT_TRUE(missing(200)) << "never shown, asked after the removal";
+    QFileListWidget list(files.mid(0, 2));
+    list.AddFiles({files[2]});
+    QStringList rows;
+    for (int row = 0; row < list.topLevelItemCount(); ++row)
+        rows << list.topLevelItem(row)->text(0);
+    EXPECT_EQ(rows, (QStringList{files[1], files[2], files[0]}));
+    EXPECT_EQ(list.topLevelItem(1)->checkState(1), Qt::Unchecked);
+    ASSERT_TRUE(QFile::remove(files[2]));
     list.RefreshFileStates();
-    EXPECT_TRUE(missing(2));
+    EXPECT_EQ(list.topLevelItem(1)->data(0, Qt::ForegroundRole), QVariant(QBrush(Qt::darkGray)));
+    EXPECT_EQ(list.topLevelItem(1)->checkState(1), Qt::Checked) << "a missing file is not writable";
 }
 
 TEST_F(FileListTest, OnlyControlCOrTheMenuCopiesTheSelectedPathsAndTheMenuRevealsTheRowUnderThePointer)
@@ -210,7 +194,6 @@ TEST_F(FileListTest, DialogShowsTheFilesUnderItsTitleUntilOk)
             auto* dialog = qobject_cast<QFileListDialog*>(widget);
             ASSERT_NE(dialog, nullptr);
             EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Files of the asset"));
-            EXPECT_GE(dialog->width(), 500);
             rowsShown = dialog->FileListWidget()->topLevelItemCount();
             const QList<QPushButton*> buttons = dialog->findChildren<QPushButton*>();
             ASSERT_EQ(buttons.size(), 1);

@@ -4,26 +4,11 @@
 
 #include <qtextention/cachedtextdrawer.h>
 #include <qtextention/qcolorcontrol.h>
-#include <qtextention/qfunctoraction.h>
 #include <qtextention/qhyperlink.h>
 #include <qtextention/qtabwidgetex.h>
 #include <qtextention/rangevalueeditwidget.h>
 
 namespace {
-
-TEST(QFunctorAction, TriggerCallsTheFunctorAndTheConditionDecidesEnabled)
-{
-    int calls = 0;
-    bool allowed = false;
-    QFunctorAction action(QStringLiteral("Save"), [&] { ++calls; });
-    action.setCondition([&] { return allowed; });
-    EXPECT_FALSE(action.isEnabled());
-    allowed = true;
-    action.updateEnabled();
-    ASSERT_TRUE(action.isEnabled());
-    action.trigger();
-    EXPECT_EQ(calls, 1);
-}
 
 TEST(QTabWidgetEx, PagesAreFoundByNameAndCountsFollowTheBaseTitle)
 {

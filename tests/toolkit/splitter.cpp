@@ -38,7 +38,6 @@ TEST(QSplitterWithButton, ButtonsCollapseTheirPaneAndRestoreItsShareAfterAResize
     TwoPanes panes(false);
     panes.clickLeft();
     EXPECT_EQ(panes.sizes(), QList<int>({0, 500}));
-    EXPECT_FLOAT_EQ(panes.splitter->collapsedRatios().value(0), 0.25f);
     EXPECT_TRUE(showsArrow(panes.handle()->leftButton(), QStyle::SP_ArrowRight)) << "the pane comes back rightwards";
     panes.clickLeft();
     EXPECT_EQ(panes.sizes(), QList<int>({100, 400}));
@@ -49,7 +48,6 @@ TEST(QSplitterWithButton, ButtonsCollapseTheirPaneAndRestoreItsShareAfterAResize
     panes.splitter->resize(1000 + panes.splitter->handleWidth(), 300);
     panes.clickRight();
     EXPECT_EQ(panes.sizes(), QList<int>({200, 800}));
-    EXPECT_TRUE(panes.splitter->collapsedRatios().contains(0)) << "ratios stay after expanding";
 }
 
 TEST(QSplitterWithButton, CollapsingTheLastVisiblePaneExpandsTheNeighbourOnTheClickedSideANewPaneTakesTheWidthAndLateHandlesGetBothButtons)
@@ -93,10 +91,10 @@ TEST(QSplitterWithButton, AnimatedCollapseMovesThroughAndEndsWhereTheInstantOneD
     }
     EXPECT_TRUE(std::any_of(seen.begin(), seen.end(), [](const QList<int>& s) { return s[0] > 0 && s[0] < 100; }))
         << "no step between 100 and 0";
-    EXPECT_FLOAT_EQ(panes.splitter->collapsedRatios().value(0), 0.25f);
 
     panes.clickLeft();
     panes.clickLeft();  // mid-way: the expansion lands first, then the pane collapses again
     ASSERT_TRUE(QTest::qWaitFor([&] { return panes.sizes() == QList<int>({0, 500}); }));
-    EXPECT_FLOAT_EQ(panes.splitter->collapsedRatios().value(0), 0.25f);
+    panes.clickLeft();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return panes.sizes() == QList<int>({100, 400}); })) << "the pane's share comes back";
 }
