@@ -94,7 +94,7 @@ void AssetBrowserModel::reload()
     endResetModel();
 }
 
-void AssetBrowserModel::refreshStatus(const AssetStatusQuery::Account& account)
+void AssetBrowserModel::refreshStatus(const Account& account)
 {
     if (!m_workspace)
         return;

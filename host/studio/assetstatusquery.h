@@ -57,8 +57,6 @@ public:
     explicit AssetStatusQuery(QObject* parent = nullptr);
     ~AssetStatusQuery() override;
 
-    using Account = ServerAccount;
-
     // keys name the assets for the caller; files lists each one's files, in the same order.
     void Ask(const Account& account, std::vector<std::string> keys, FilesPerAsset files);
     // True from Ask until its answer was delivered.

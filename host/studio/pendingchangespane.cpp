@@ -3,7 +3,6 @@
 #include "changelistwork.h"
 #include "descriptiondialog.h"
 #include "revisionoperations.h"
-#include "unsavededits.h"
 
 #include <hbrcdatamodel/workspace.h>
 #include <log/log.h>
@@ -198,11 +197,13 @@ std::vector<std::string> PendingChangesPane::selectedFiles() const
     return files;
 }
 
-void PendingChangesPane::warnUnsaved(const QStringList& assets)
+UnsavedEdits::Verdict PendingChangesPane::checkUnsaved(UnsavedEdits::Rewrite rewrite,
+                                                     const std::vector<std::string>& files)
 {
-    if (!assets.isEmpty())
-        emit message(Log::eWarning, tr("Not reverted: %1 has unsaved edits. Save or undo them first.")
-                                        .arg(assets.join(QStringLiteral(", "))));
+    UnsavedEdits::Verdict verdict = UnsavedEdits::check(m_workspace->Model(), rewrite, files);
+    if (!verdict.warning.isEmpty())
+        emit message(Log::eWarning, verdict.warning);
+    return verdict;
 }
 
 QStringList PendingChangesPane::fileNames(const std::vector<std::string>& files) const
@@ -239,17 +240,13 @@ void PendingChangesPane::submit()
                                                           description.toStdString()));
 }
 
-// Revert asks once for all the checked files, so one asset with unsaved edits holds back all of
-// them; Revert Unchanged asks nothing and acts on the others.
 void PendingChangesPane::revert()
 {
     const std::vector<std::string> files = m_model.checkedFiles();
     if (files.empty())
         return;
-    if (const UnsavedEditsSplit split = SplitByUnsavedEdits(m_workspace->Model(), files); !split.blocking.isEmpty()) {
-        warnUnsaved(split.blocking);
+    if (checkUnsaved(UnsavedEdits::Rewrite::Revert, files).files.empty())
         return;
-    }
     if (confirmRevert(files))
         m_operations.Run(tr("Revert"), ChangelistWork::Revert(files));
 }
@@ -262,10 +259,9 @@ void PendingChangesPane::revertUnchanged()
             for (const depot::OpenedFile& file : list.files)
                 files.push_back(file.localPath);
     }
-    const UnsavedEditsSplit split = SplitByUnsavedEdits(m_workspace->Model(), files);
-    warnUnsaved(split.blocking);
-    if (!split.free.empty())
-        m_operations.Run(tr("Revert Unchanged"), ChangelistWork::RevertUnchanged(split.free));
+    UnsavedEdits::Verdict verdict = checkUnsaved(UnsavedEdits::Rewrite::RevertUnchanged, files);
+    if (!verdict.files.empty())
+        m_operations.Run(tr("Revert Unchanged"), ChangelistWork::RevertUnchanged(std::move(verdict.files)));
 }
 
 void PendingChangesPane::newChangelist()

@@ -39,7 +39,7 @@ public:
     // Runs on the worker thread: asks the server and fills in outcome.done and changedOnDisk.
     using Work = std::function<depot::Result(host::RevisionServer& server, const std::string& ticket,
                                              OperationOutcome& outcome)>;
-    using AccountSource = std::function<ServerAccount()>;
+    using AccountSource = std::function<Account()>;
 
     explicit RevisionOperations(AccountSource account, QObject* parent = nullptr);
     ~RevisionOperations() override;
@@ -63,7 +63,7 @@ signals:
 private:
     struct Job
     {
-        ServerAccount account;
+        Account account;
         QString what;
         Work work;
     };

@@ -1,6 +1,7 @@
 #include "studiosession.h"
 
 #include <hbrchost/pluginloader.h>
+#include <hbrcservices/userparameters.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <kel4/irevisioncontroluihelper.h>
 
@@ -54,6 +55,16 @@ Account StudioSession::StoredAccount()
     prefs.GetStringPref(kUserKey, "", account.userName, 0);
     prefs.GetStringPref(kWorkspaceKey, "", account.workspaceName, 0);
     account.password = m_password;
+    return account;
+}
+
+Account StudioSession::SessionAccount()
+{
+    if (!m_services.dataControl)
+        return {};
+    Account account = StoredAccount();
+    account.server = m_services.connection->Server();
+    account.ticket = host::UserParameters::TicketOf(m_services.dataControl->GetUserParameters().Get());
     return account;
 }
 

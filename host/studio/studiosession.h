@@ -1,5 +1,7 @@
 #pragma once
 
+#include "account.h"
+
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrcsession/hostsession.h>
 
@@ -16,16 +18,6 @@ class IRevisionControlUIHelper;
 
 namespace hbrc::studio {
 
-// The account the studio logs in with: the "RevControl." preferences, plus the password of this
-// run, which is never stored (empty: the session controller resumes a kept log-in or asks).
-struct Account
-{
-    std::string server;
-    std::string userName;
-    std::string workspaceName;
-    std::string password;
-};
-
 // The host behind the studio's window: the reference host session with the revision-control
 // plug-in loaded and started, the open workspace and its revision-control services.
 class StudioSession
@@ -39,8 +31,11 @@ public:
     // Loads the plug-in from the host's plug-in folder and starts its two components.
     bool Start(std::string& errorText);
 
-    // The account as the preferences hold it (password empty).
+    // The account as the preferences hold it, with the password of this run (no ticket).
     Account StoredAccount();
+    // The account a worker thread asks the server with: the server the services opened and the
+    // ticket of their session; empty without services.
+    Account SessionAccount();
     // Writes the account's server, user and workspace name to the preferences.
     void StoreAccount(const Account& account);
     void SetPassword(std::string password) { m_password = std::move(password); }

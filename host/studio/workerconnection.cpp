@@ -2,7 +2,7 @@
 
 namespace hbrc::studio {
 
-depot::Result WorkerConnection::Prepare(const ServerAccount& account, std::string& ticket)
+depot::Result WorkerConnection::Prepare(const Account& account, std::string& ticket)
 {
     if (!m_server || m_serverSetting != account.server) {
         m_serverSetting = account.server;
@@ -19,7 +19,7 @@ depot::Result WorkerConnection::Prepare(const ServerAccount& account, std::strin
     }
     depot::Result result;
     if (m_ownTicket.empty())
-        result = m_server->login(account.userName, account.password, account.workspace, m_ownTicket);
+        result = m_server->login(account.userName, account.password, account.workspaceName, m_ownTicket);
     ticket = m_ownTicket;
     return result;
 }
