@@ -14,7 +14,7 @@ struct Account
     std::string userName;
     std::string workspaceName;
     std::string password;
-    std::string ticket = {};  // set by StudioSession::SessionAccount
+    std::string ticket = {};  // set by StudioSession::sessionAccount
 };
 
 }  // namespace hbrc::studio

@@ -40,8 +40,8 @@ bool AssetCommands::mayEdit(const KELHandle<kel4::IDbObject>& asset, const QStri
     bool allowed = false;
     {
         const QScopedValueRollback<bool> editing(m_editing, true);
-        allowed = RunOutsideHistory(m_session.Host().Commands(), [&] {
-            return m_session.Helper()->CanEditObjects({asset}, true, true, what.toStdString());
+        allowed = RunOutsideHistory(m_session.host().Commands(), [&] {
+            return m_session.helper()->CanEditObjects({asset}, true, true, what.toStdString());
         });
     }
     if (!allowed) {
@@ -53,9 +53,9 @@ bool AssetCommands::mayEdit(const KELHandle<kel4::IDbObject>& asset, const QStri
 
 void AssetCommands::checkOut(const KELHandle<kel4::IDbObject>& asset)
 {
-    if (RunOutsideHistory(m_session.Host().Commands(), [&] {
+    if (RunOutsideHistory(m_session.host().Commands(), [&] {
             bool cancelled = false;
-            return m_session.Helper()->CheckOutObject(asset, cancelled, true);
+            return m_session.helper()->CheckOutObject(asset, cancelled, true);
         }))
         emit message(Log::eMessage, tr("Checked out %1").arg(nameOf(asset)));
     emit changed();
@@ -63,24 +63,24 @@ void AssetCommands::checkOut(const KELHandle<kel4::IDbObject>& asset)
 
 void AssetCommands::makeWritable(const KELHandle<kel4::IDbObject>& asset)
 {
-    if (RunOutsideHistory(m_session.Host().Commands(),
-                          [&] { return m_session.Helper()->MakeObjectWritable(asset, true); }))
+    if (RunOutsideHistory(m_session.host().Commands(),
+                          [&] { return m_session.helper()->MakeObjectWritable(asset, true); }))
         emit message(Log::eMessage, tr("Made %1 writable").arg(nameOf(asset)));
     emit changed();
 }
 
 void AssetCommands::markForAdd(const KELHandle<kel4::IDbObject>& asset)
 {
-    const host::DataModelMgr& model = m_session.CurrentWorkspace()->Model();
+    const host::DataModelMgr& model = m_session.currentWorkspace()->Model();
     if (!model.Store().AssetAt(model.SlotOf(asset)).IsOnDisk()) {
         // Nothing to add yet: the save writes its files and its post-save hook marks them for add.
         emit message(Log::eMessage, tr("%1 is not saved yet: the next save marks it for add").arg(nameOf(asset)));
         return;
     }
     std::string changelist, error;
-    if (IRevisionControlPropertiesMgr* settings = m_session.Settings())
+    if (IRevisionControlPropertiesMgr* settings = m_session.settings())
         settings->GetChangeListToUseWhenAutoCheckingOut(changelist);
-    const kelResult result = m_session.Services().dataControl->MarkForAdd({asset}, true, kel4::closureId::Persistence,
+    const kelResult result = m_session.services().dataControl->MarkForAdd({asset}, true, kel4::closureId::Persistence,
                                                                           changelist, error);
     if (result.IsSuccess())
         emit message(Log::eMessage, tr("Marked %1 for add").arg(nameOf(asset)));
@@ -91,7 +91,7 @@ void AssetCommands::markForAdd(const KELHandle<kel4::IDbObject>& asset)
 
 void AssetCommands::getLatest(const std::vector<KELHandle<kel4::IDbObject>>& assets)
 {
-    const host::DataModelMgr& model = m_session.CurrentWorkspace()->Model();
+    const host::DataModelMgr& model = m_session.currentWorkspace()->Model();
     std::vector<std::string> files;
     for (const KELHandle<kel4::IDbObject>& asset : assets) {
         const kel4::Set<std::string> own = model.FilesOf(asset, true, kel4::closureId::Persistence);
@@ -109,7 +109,7 @@ void AssetCommands::getLatest(const std::vector<KELHandle<kel4::IDbObject>>& ass
     constexpr int kNamesShown = 5;
     const QString what = names.size() <= kNamesShown ? names.join(QStringLiteral(", "))
                                                      : tr("%n asset(s)", nullptr, int(names.size()));
-    m_operations.Run(tr("Get Latest"), ChangelistWork::GetLatest(std::move(verdict.files), what));
+    m_operations.run(tr("Get Latest"), ChangelistWork::getLatest(std::move(verdict.files), what));
 }
 
 std::vector<KELHandle<kel4::IDbObject>> AssetCommands::assetsBehind() const
@@ -130,13 +130,13 @@ bool AssetCommands::isBehind(const KELHandle<kel4::IDbObject>& asset) const
 void AssetCommands::handBackCheckOut(const KELHandle<kel4::IDbObject>& asset)
 {
     const kel4::Set<std::string> files =
-        m_session.CurrentWorkspace()->Model().FilesOf(asset, true, kel4::closureId::Persistence);
-    m_operations.Run(tr("Revert"), ChangelistWork::RevertUnchangedCheckOut({files.begin(), files.end()}, nameOf(asset)));
+        m_session.currentWorkspace()->Model().FilesOf(asset, true, kel4::closureId::Persistence);
+    m_operations.run(tr("Revert"), ChangelistWork::revertUnchangedCheckOut({files.begin(), files.end()}, nameOf(asset)));
 }
 
 void AssetCommands::showFiles(const KELHandle<kel4::IDbObject>& asset, bool inFileBrowser)
 {
-    m_session.Helper()->ShowObjectFiles(asset, inFileBrowser);
+    m_session.helper()->ShowObjectFiles(asset, inFileBrowser);
 }
 
 void AssetCommands::takeOutcome(const OperationOutcome& outcome)
@@ -148,10 +148,10 @@ void AssetCommands::takeOutcome(const OperationOutcome& outcome)
     else
         emit message(Log::eError,
                      tr("%1 refused: %2").arg(outcome.what, QString::fromStdString(outcome.result.error)));
-    if (!m_session.CurrentWorkspace())
+    if (!m_session.currentWorkspace())
         return;
-    if (m_session.Services().connection)
-        m_session.Services().connection->Cache().Invalidate();
+    if (m_session.services().connection)
+        m_session.services().connection->Cache().Invalidate();
     rereadFromDisk(outcome.changedOnDisk);
     emit operationApplied();
 }
@@ -160,7 +160,7 @@ void AssetCommands::rereadFromDisk(const std::vector<std::string>& files)
 {
     if (files.empty())
         return;
-    host::Workspace* workspace = m_session.CurrentWorkspace();
+    host::Workspace* workspace = m_session.currentWorkspace();
     std::set<std::string> done;
     for (const KELHandle<kel4::IAsset>& asset : workspace->Model().AssetsOwningFiles({files.begin(), files.end()})) {
         if (asset.IsNull() || !done.insert(asset.GetName()).second)

@@ -19,7 +19,7 @@ AssetDialogs::AssetDialogs(QWidget& parent, StudioSession& session, AssetEdits& 
 
 KELHandle<kel4::IAsset> AssetDialogs::newAsset(const QString& name)
 {
-    host::Workspace* workspace = m_session.CurrentWorkspace();
+    host::Workspace* workspace = m_session.currentWorkspace();
     if (!workspace)
         return {};
     host::NewAsset asset = NewAssetOfKind(name.toStdString(), host::AssetKind::Metadata);

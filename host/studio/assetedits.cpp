@@ -34,7 +34,7 @@ AssetEdits::AssetEdits(StudioSession& session, SessionController& sessionControl
 bool AssetEdits::editField(const KELHandle<kel4::IDbObject>& asset, const QString& field, const QString& oldValue,
                            const QString& newValue)
 {
-    host::Workspace* workspace = m_session.CurrentWorkspace();
+    host::Workspace* workspace = m_session.currentWorkspace();
     if (asset.IsNull() || !workspace || m_commands.editing())
         return false;
     const QString name = nameOf(asset);
@@ -42,19 +42,19 @@ bool AssetEdits::editField(const KELHandle<kel4::IDbObject>& asset, const QStrin
     const QString step = field == QLatin1String(FieldEditCommand::kNameField) ? tr("Rename %1").arg(name)
                                                                                : tr("Edit %1 of %2").arg(field, name);
     EditStepCommand::RevisionControl revisionControl;
-    revisionControl.dataControl = m_session.Services().dataControl.Get();
+    revisionControl.dataControl = m_session.services().dataControl.Get();
     revisionControl.mayEdit = [this, asset, what] { return m_commands.mayEdit(asset, what); };
     revisionControl.checkOut = [this, asset] {
         bool cancelled = false;
-        return m_session.Helper()->CheckOutObject(asset, cancelled, true);
+        return m_session.helper()->CheckOutObject(asset, cancelled, true);
     };
     revisionControl.handBackCheckOut = [this, asset] { m_commands.handBackCheckOut(asset); };
     const KELPtr<nrk::fwk::ICommand> edit(new FieldEditCommand(*workspace, asset, field.toStdString(),
                                                                oldValue.toStdString(), newValue.toStdString()));
     const KELPtr<EditStepCommand> command(
         new EditStepCommand(step.toStdString(), *workspace, asset, edit, std::move(revisionControl)));
-    const bool done = m_session.Host().Commands().ExecuteCommand(command.Get(), true);
-    if (!command->Allowed()) {
+    const bool done = m_session.host().Commands().ExecuteCommand(command.Get(), true);
+    if (!command->allowed()) {
         emit editRefused();
         return false;
     }
@@ -66,7 +66,7 @@ bool AssetEdits::editField(const KELHandle<kel4::IDbObject>& asset, const QStrin
 
 bool AssetEdits::save()
 {
-    host::Workspace* workspace = m_session.CurrentWorkspace();
+    host::Workspace* workspace = m_session.currentWorkspace();
     if (!workspace)
         return false;
     // With revision control off the save offers to make read-only files writable without naming
@@ -75,10 +75,10 @@ bool AssetEdits::save()
     // where their check-out or lock still stands, and the user now knows whom to ask before they
     // turn revision control on (which would make the save check the files out instead).
     if (!m_sessionController.revisionControlOn())
-        for (const QString& held : HeldAssets::describe(*workspace, m_session.Services()))
+        for (const QString& held : HeldAssets::describe(*workspace, m_session.services()))
             emit message(Log::eWarning, held);
     host::SaveReport report;
-    RunOutsideHistory(m_session.Host().Commands(), [&] {
+    RunOutsideHistory(m_session.host().Commands(), [&] {
         report = workspace->Save();
         return true;
     });
@@ -98,8 +98,8 @@ bool AssetEdits::save()
 QString AssetEdits::whySaveWasCancelled() const
 {
     QStringList readOnly;
-    const host::DataModelMgr& model = m_session.CurrentWorkspace()->Model();
-    if (kel4::IDataControl* data = m_session.Services().dataControl.Get()) {
+    const host::DataModelMgr& model = m_session.currentWorkspace()->Model();
+    if (kel4::IDataControl* data = m_session.services().dataControl.Get()) {
         for (std::uint32_t slot : model.Store().DirtyAssets()) {
             const KELHandle<kel4::IDbObject> asset = model.HandleOf(slot);
             if (data->IsReadOnly(asset, true, kel4::closureId::Persistence))
@@ -116,7 +116,7 @@ KELHandle<kel4::IAsset> AssetEdits::createAsset(const host::NewAsset& asset)
 {
     const QString name = QString::fromStdString(asset.name);
     std::string error;
-    const KELHandle<kel4::IAsset> created = m_session.CurrentWorkspace()->CreateAsset(asset, error);
+    const KELHandle<kel4::IAsset> created = m_session.currentWorkspace()->CreateAsset(asset, error);
     if (created.IsNull())
         emit message(Log::eError, tr("Cannot create %1: %2").arg(name, QString::fromStdString(error)));
     else
@@ -129,7 +129,7 @@ void AssetEdits::deleteAsset(const KELHandle<kel4::IDbObject>& asset)
     const QString name = nameOf(asset);
     if (!m_commands.mayEdit(asset, tr("delete %1").arg(name)))
         return;
-    logEdit(m_session.CurrentWorkspace()->DeleteAsset(asset), tr("Deleted %1").arg(name));
+    logEdit(m_session.currentWorkspace()->DeleteAsset(asset), tr("Deleted %1").arg(name));
 }
 
 void AssetEdits::addExternalFile(const KELHandle<kel4::IDbObject>& asset, const QString& path)
@@ -142,7 +142,7 @@ void AssetEdits::addExternalFile(const KELHandle<kel4::IDbObject>& asset, const 
     const QString fileName = QFileInfo(path).fileName();
     if (!m_commands.mayEdit(asset, tr("add %1 to %2").arg(fileName, nameOf(asset))))
         return;
-    logEdit(m_session.CurrentWorkspace()->AddExternalFile(asset, fileName.toStdString(), source.readAll()),
+    logEdit(m_session.currentWorkspace()->AddExternalFile(asset, fileName.toStdString(), source.readAll()),
             tr("Added %1").arg(fileName));
 }
 
@@ -150,7 +150,7 @@ void AssetEdits::removeExternalFile(const KELHandle<kel4::IDbObject>& asset, con
 {
     if (!m_commands.mayEdit(asset, tr("remove %1 from %2").arg(fileName, nameOf(asset))))
         return;
-    logEdit(m_session.CurrentWorkspace()->RemoveExternalFile(asset, fileName.toStdString()),
+    logEdit(m_session.currentWorkspace()->RemoveExternalFile(asset, fileName.toStdString()),
             tr("Removed %1").arg(fileName));
 }
 
@@ -162,7 +162,7 @@ void AssetEdits::logEdit(const host::EditResult& result, const QString& done)
 
 QStringList AssetEdits::externalFilesOf(const KELHandle<kel4::IDbObject>& asset) const
 {
-    const host::DataModelMgr& model = m_session.CurrentWorkspace()->Model();
+    const host::DataModelMgr& model = m_session.currentWorkspace()->Model();
     QStringList names;
     for (const std::string& name : model.Store().AssetAt(model.SlotOf(asset)).record.externalFiles)
         names << QString::fromStdString(name);
@@ -171,18 +171,18 @@ QStringList AssetEdits::externalFilesOf(const KELHandle<kel4::IDbObject>& asset)
 
 void AssetEdits::undo()
 {
-    const nrk::fwk::ICommand* step = m_session.Host().Commands().GetUndoCommand();
+    const nrk::fwk::ICommand* step = m_session.host().Commands().GetUndoCommand();
     const QString name = step ? QString::fromStdString(step->GetName()) : QString();
-    if (m_session.Host().Commands().Undo())
+    if (m_session.host().Commands().Undo())
         emit message(Log::eMessage, tr("Undid %1").arg(name));
     emit changed();
 }
 
 void AssetEdits::redo()
 {
-    const nrk::fwk::ICommand* step = m_session.Host().Commands().GetRedoCommand();
+    const nrk::fwk::ICommand* step = m_session.host().Commands().GetRedoCommand();
     const QString name = step ? QString::fromStdString(step->GetName()) : QString();
-    if (m_session.Host().Commands().Redo())
+    if (m_session.host().Commands().Redo())
         emit message(Log::eMessage, tr("Redid %1").arg(name));
     else
         emit message(Log::eWarning, tr("Cannot redo %1").arg(name));

@@ -57,16 +57,16 @@ MainWindow::MainWindow(StudioSession& session, QWidget* parent) : QMainWindow(pa
     buildPanes();
     buildControllers();
     m_actions = new StudioActions(*this, m_session);
-    if (IRevisionControlPropertiesMgr* settings = m_session.Settings()) {
+    if (IRevisionControlPropertiesMgr* settings = m_session.settings()) {
         nrk::signalling::IConnection* connection = nullptr;
         settings->Connect_OnRevisionControlPropertiesChange(this, &connection);
         m_settingsConnection.reset(connection);
     }
-    m_start->setRecentWorkspaces(m_session.RecentWorkspaces());
+    m_start->setRecentWorkspaces(m_session.recentWorkspaces());
     updateStatusBar();
     updateActions();
     resize(1100, 720);
-    WindowLayout::restore(*this, *m_splitter, *m_browser->view()->header(), m_session.Host().Preferences());
+    WindowLayout::restore(*this, *m_splitter, *m_browser->view()->header(), m_session.host().Preferences());
 }
 
 MainWindow::~MainWindow()
@@ -95,7 +95,7 @@ void MainWindow::buildPanes()
     m_log = new LogDock(this);
     addDockWidget(Qt::BottomDockWidgetArea, m_log);
     resizeDocks({m_log}, {140}, Qt::Vertical);
-    m_operations = std::make_unique<RevisionOperations>([this] { return m_session.SessionAccount(); });
+    m_operations = std::make_unique<RevisionOperations>([this] { return m_session.sessionAccount(); });
     m_pending = new PendingChangesPane(*m_operations, this);
     addDockWidget(Qt::RightDockWidgetArea, m_pending);
     resizeDocks({m_pending}, {360}, Qt::Horizontal);
@@ -170,8 +170,8 @@ void MainWindow::updateActions()
 
 void MainWindow::updateStatusBar()
 {
-    host::Workspace* workspace = m_session.CurrentWorkspace();
-    m_statusBar->showSession(m_session.StoredAccount(), workspace ? workspace->Root() : QString(), sessionState());
+    host::Workspace* workspace = m_session.currentWorkspace();
+    m_statusBar->showSession(m_session.storedAccount(), workspace ? workspace->Root() : QString(), sessionState());
     const SessionState state = m_sessionController->state();
     model().setStatusUnavailable(state == SessionState::RevisionControlOff || state == SessionState::NotLoggedIn
                                      ? sessionState()
@@ -217,7 +217,7 @@ void MainWindow::log(int level, const QString& text)
 
 bool MainWindow::openWorkspace(const QString& folder)
 {
-    if (m_session.CurrentWorkspace() && !askToKeepUnsaved())
+    if (m_session.currentWorkspace() && !askToKeepUnsaved())
         return false;
     return m_workspaces->open(folder);
 }
@@ -234,7 +234,7 @@ void MainWindow::showWorkspace(host::Workspace* workspace)
         model().setWorkspace(workspace);
         m_pending->setWorkspace(workspace);
     } else {
-        m_start->setRecentWorkspaces(m_session.RecentWorkspaces());
+        m_start->setRecentWorkspaces(m_session.recentWorkspaces());
     }
     m_pages->setCurrentIndex(workspace ? 1 : 0);
     setWindowTitle(workspace ? tr("%1 - hbrc-studio").arg(QFileInfo(workspace->Root()).fileName())
@@ -278,10 +278,10 @@ void MainWindow::showSelection()
 {
     const KELHandle<kel4::IDbObject> asset = selected();
     QStringList files;
-    if (!asset.IsNull() && m_session.Helper())
-        m_session.Helper()->GetObjectFiles(asset, files);
+    if (!asset.IsNull() && m_session.helper())
+        m_session.helper()->GetObjectFiles(asset, files);
     if (asset != m_properties->asset())
-        m_properties->showAsset(m_session.CurrentWorkspace(), asset, files);
+        m_properties->showAsset(m_session.currentWorkspace(), asset, files);
     else
         m_properties->showValues();
     updateActions();
@@ -325,7 +325,7 @@ bool MainWindow::newAsset(const QString& name)
 
 void MainWindow::showSettings()
 {
-    if (IRevisionControlPropertiesMgr* settings = m_session.Settings()) {
+    if (IRevisionControlPropertiesMgr* settings = m_session.settings()) {
         const bool wasOn = m_sessionController->revisionControlOn();
         SettingsDialog dialog(*settings, m_session, this);
         dialog.exec();
@@ -348,13 +348,13 @@ void MainWindow::openFolder()
 
 void MainWindow::createDemoDepot()
 {
-    if (!m_session.CurrentWorkspace() || askToKeepUnsaved())
+    if (!m_session.currentWorkspace() || askToKeepUnsaved())
         m_workspaces->openNewDemo(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
 }
 
 bool MainWindow::askToKeepUnsaved()
 {
-    host::Workspace* workspace = m_session.CurrentWorkspace();
+    host::Workspace* workspace = m_session.currentWorkspace();
     if (!workspace || !workspace->HasUnsavedChanges())
         return true;
     const QMessageBox::StandardButton answer =
@@ -371,7 +371,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
-    WindowLayout::save(*this, *m_splitter, *m_browser->view()->header(), m_session.Host().Preferences());
+    WindowLayout::save(*this, *m_splitter, *m_browser->view()->header(), m_session.host().Preferences());
     event->accept();
 }
 

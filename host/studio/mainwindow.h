@@ -56,7 +56,7 @@ public:
     bool openWorkspace(const QString& folder);
     void closeWorkspace();
     // Asks the server about every asset's status once, off the UI thread. The window also asks by
-    // itself: when it is activated (at most every few seconds) and every StatusRefreshSeconds.
+    // itself: when it is activated (at most every few seconds) and every statusRefreshSeconds.
     void refreshStatus();
     // The edit of a field of the selected asset, as the property pane reports it: asks the plug-in
     // first; a refusal leaves the field as it was, an accepted edit is one undo step.

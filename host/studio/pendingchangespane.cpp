@@ -142,7 +142,7 @@ void PendingChangesPane::updateCommands()
 
 bool PendingChangesPane::idle() const
 {
-    return m_workspace && !m_operations.IsWorking();
+    return m_workspace && !m_operations.isWorking();
 }
 
 void PendingChangesPane::setWorkspace(host::Workspace* workspace)
@@ -155,7 +155,7 @@ void PendingChangesPane::setWorkspace(host::Workspace* workspace)
 void PendingChangesPane::refresh()
 {
     if (m_workspace)
-        m_operations.RefreshPending();
+        m_operations.refreshPending();
 }
 
 void PendingChangesPane::takeOutcome(const OperationOutcome& outcome)
@@ -236,7 +236,7 @@ void PendingChangesPane::submit()
                                QString::fromStdString(list->changelist.description), fileNames(checked));
     if (description.isEmpty())
         return;
-    m_operations.Run(tr("Submit"), ChangelistWork::Submit(ChangelistWork::PlanSubmit(*list, checked),
+    m_operations.run(tr("Submit"), ChangelistWork::submit(ChangelistWork::planSubmit(*list, checked),
                                                           description.toStdString()));
 }
 
@@ -248,7 +248,7 @@ void PendingChangesPane::revert()
     if (checkUnsaved(UnsavedEdits::Rewrite::Revert, files).files.empty())
         return;
     if (confirmRevert(files))
-        m_operations.Run(tr("Revert"), ChangelistWork::Revert(files));
+        m_operations.run(tr("Revert"), ChangelistWork::revert(files));
 }
 
 void PendingChangesPane::revertUnchanged()
@@ -261,7 +261,7 @@ void PendingChangesPane::revertUnchanged()
     }
     UnsavedEdits::Verdict verdict = checkUnsaved(UnsavedEdits::Rewrite::RevertUnchanged, files);
     if (!verdict.files.empty())
-        m_operations.Run(tr("Revert Unchanged"), ChangelistWork::RevertUnchanged(std::move(verdict.files)));
+        m_operations.run(tr("Revert Unchanged"), ChangelistWork::revertUnchanged(std::move(verdict.files)));
 }
 
 void PendingChangesPane::newChangelist()
@@ -271,7 +271,7 @@ void PendingChangesPane::newChangelist()
 
 void PendingChangesPane::deleteChangelist()
 {
-    m_operations.Run(tr("Delete Changelist"), ChangelistWork::DeleteChangelist(currentChangelist()));
+    m_operations.run(tr("Delete Changelist"), ChangelistWork::deleteChangelist(currentChangelist()));
 }
 
 void PendingChangesPane::editDescription()
@@ -282,8 +282,8 @@ void PendingChangesPane::editDescription()
     const QString description = DescriptionDialog::ask(this, tr("Edit Description"), tr("Description:"),
                                                        QString::fromStdString(list->changelist.description));
     if (!description.isEmpty())
-        m_operations.Run(tr("Edit Description"),
-                         ChangelistWork::SetDescription(list->changelist.id, description.toStdString()));
+        m_operations.run(tr("Edit Description"),
+                         ChangelistWork::setDescription(list->changelist.id, description.toStdString()));
 }
 
 void PendingChangesPane::fillMoveMenu(QMenu& menu)
@@ -311,14 +311,14 @@ void PendingChangesPane::fillMoveMenu(QMenu& menu)
 
 void PendingChangesPane::moveFiles(const std::vector<std::string>& files, const std::string& changelist)
 {
-    m_operations.Run(tr("Move to Changelist"), ChangelistWork::Reopen(files, changelist));
+    m_operations.run(tr("Move to Changelist"), ChangelistWork::reopen(files, changelist));
 }
 
 void PendingChangesPane::moveToNewChangelist(const std::vector<std::string>& files)
 {
     const QString description = DescriptionDialog::ask(this, tr("New Changelist"), tr("Description:"), {});
     if (!description.isEmpty())
-        m_operations.Run(tr("New Changelist"), ChangelistWork::NewChangelist(description.toStdString(), files));
+        m_operations.run(tr("New Changelist"), ChangelistWork::newChangelist(description.toStdString(), files));
 }
 
 }  // namespace hbrc::studio

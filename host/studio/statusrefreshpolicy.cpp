@@ -27,21 +27,21 @@ StatusRefreshPolicy::StatusRefreshPolicy(StudioSession& session, AssetBrowserMod
 void StatusRefreshPolicy::refresh()
 {
     askStatus();
-    if (m_session.CurrentWorkspace())
-        m_operations.RefreshPending();
+    if (m_session.currentWorkspace())
+        m_operations.refreshPending();
 }
 
 void StatusRefreshPolicy::askStatus()
 {
-    if (!m_session.CurrentWorkspace() || !m_session.Services().dataControl)
+    if (!m_session.currentWorkspace() || !m_session.services().dataControl)
         return;
     m_lastRefresh.start();
-    m_model.refreshStatus(m_session.SessionAccount());
+    m_model.refreshStatus(m_session.sessionAccount());
 }
 
 void StatusRefreshPolicy::applyInterval()
 {
-    const int seconds = m_session.StatusRefreshSeconds();
+    const int seconds = m_session.statusRefreshSeconds();
     if (seconds > 0)
         m_timer->start(std::chrono::seconds(seconds));
     else

@@ -15,7 +15,7 @@ class StudioSession;
 
 // When the studio asks the server about the assets' status and the pending changelists, without
 // widgets: when asked (Refresh Status, after an edit or a workspace's opening), every
-// StatusRefreshSeconds, and when the window is activated unless it asked in the last few seconds.
+// statusRefreshSeconds, and when the window is activated unless it asked in the last few seconds.
 // The timer's and the activation's questions wait while paused() holds (an edit's check-out asks
 // in a dialog of its own; the edit refreshes when it is done).
 class StatusRefreshPolicy : public QObject
@@ -29,7 +29,7 @@ public:
     void refresh();
     // Asks about the status only (an operation's outcome brought the pending changelists).
     void askStatus();
-    // Follows the session's StatusRefreshSeconds (after the settings changed).
+    // Follows the session's statusRefreshSeconds (after the settings changed).
     void applyInterval();
     // The window is active again: what others did meanwhile shows, unless it was just asked.
     void windowActivated();

@@ -19,7 +19,7 @@ namespace hbrc::studio {
 
 StudioActions::StudioActions(MainWindow& window, StudioSession& session) : QObject(&window), m_session(session)
 {
-    auto open = [&session] { return session.CurrentWorkspace() != nullptr; };
+    auto open = [&session] { return session.currentWorkspace() != nullptr; };
     auto selection = [&window] { return !window.browser().currentAsset().IsNull(); };
     auto selected = [&window] { return window.browser().currentAsset(); };
     AssetCommands& commands = window.assetCommands();
@@ -44,11 +44,11 @@ StudioActions::StudioActions(MainWindow& window, StudioSession& session) : QObje
     add(file, "quit", tr("&Quit"), [&window] { window.close(); })->setShortcut(QKeySequence::Quit);
 
     QMenu* edit = window.menuBar()->addMenu(tr("&Edit"));
-    add(edit, "undo", tr("&Undo"), [&window] { window.assetEdits().undo(); }, [&session] { return session.Host().Commands().CanUndo(); })
+    add(edit, "undo", tr("&Undo"), [&window] { window.assetEdits().undo(); }, [&session] { return session.host().Commands().CanUndo(); })
         ->setShortcut(QKeySequence::Undo);
     // A redo may check out again: not before the revert of an undone check-out has run.
     add(edit, "redo", tr("&Redo"), [&window] { window.assetEdits().redo(); },
-              [&window, &session] { return session.Host().Commands().CanRedo() && !window.operations().IsWorking(); })
+              [&window, &session] { return session.host().Commands().CanRedo() && !window.operations().isWorking(); })
         ->setShortcut(QKeySequence::Redo);
     edit->addSeparator();
     add(edit, "find", tr("&Find"), [&window] { window.browser().focusSearch(); }, open)->setShortcut(QKeySequence::Find);
@@ -116,10 +116,10 @@ void StudioActions::update()
     for (const auto& [name, action] : m_actions)
         action->updateEnabled();
     // Every step is an edit of the user's, named after it (EditStepCommand).
-    const nrk::fwk::ICommand* undo = m_session.Host().Commands().GetUndoCommand();
+    const nrk::fwk::ICommand* undo = m_session.host().Commands().GetUndoCommand();
     action(QStringLiteral("undo"))
         ->setText(undo ? tr("&Undo %1").arg(QString::fromStdString(undo->GetName())) : tr("&Undo"));
-    const nrk::fwk::ICommand* redo = m_session.Host().Commands().GetRedoCommand();
+    const nrk::fwk::ICommand* redo = m_session.host().Commands().GetRedoCommand();
     action(QStringLiteral("redo"))
         ->setText(redo ? tr("&Redo %1").arg(QString::fromStdString(redo->GetName())) : tr("&Redo"));
 }

@@ -2,7 +2,7 @@
 
 namespace hbrc::studio {
 
-depot::Result WorkerConnection::Prepare(const Account& account, std::string& ticket)
+depot::Result WorkerConnection::prepare(const Account& account, std::string& ticket)
 {
     if (!m_server || m_serverSetting != account.server) {
         m_serverSetting = account.server;
@@ -24,7 +24,7 @@ depot::Result WorkerConnection::Prepare(const Account& account, std::string& tic
     return result;
 }
 
-void WorkerConnection::Forget()
+void WorkerConnection::forget()
 {
     m_server.reset();
     m_ownTicket.clear();

@@ -21,12 +21,12 @@ class WorkerConnection
 public:
     // Opens the server the account names (its server setting and the services' ticket) (again, when it names another one) and answers the ticket
     // to ask with; fails when a Subversion log-in fails.
-    depot::Result Prepare(const Account& account, std::string& ticket);
+    depot::Result prepare(const Account& account, std::string& ticket);
     // Drops the server and its session, after the server could not be reached or refused the
-    // session; the next Prepare opens it again.
-    void Forget();
-    // The server of the last Prepare.
-    host::RevisionServer& Server() const { return *m_server; }
+    // session; the next prepare opens it again.
+    void forget();
+    // The server of the last prepare.
+    host::RevisionServer& server() const { return *m_server; }
 
 private:
     std::string m_serverSetting;

@@ -18,7 +18,7 @@ bool WorkspaceController::open(const QString& folder)
 {
     emit aboutToLeave();
     std::string error;
-    host::Workspace* workspace = m_session.Open(folder, error);
+    host::Workspace* workspace = m_session.open(folder, error);
     if (!workspace) {
         emit message(Log::eError, tr("Cannot open the workspace %1: %2").arg(folder, QString::fromStdString(error)));
         return false;
@@ -31,9 +31,9 @@ bool WorkspaceController::open(const QString& folder)
 void WorkspaceController::close()
 {
     emit aboutToLeave();
-    m_session.Close();
+    m_session.close();
     m_sessionController.workspaceClosed();
-    m_session.Host().Commands().Clear();
+    m_session.host().Commands().Clear();
     emit closed();
 }
 
@@ -42,11 +42,11 @@ bool WorkspaceController::openNewDemo(const QString& parent)
     try {
         std::unique_ptr<DemoServer> server;
         const QString folder = CreateDemoDepot(parent, server);
-        m_session.StoreAccount({server->Path(), "alice", server->Workspace("alice"), {}});
-        m_session.SetPassword("alice-pw");
+        m_session.storeAccount({server->path(), "alice", server->workspace("alice"), {}});
+        m_session.setPassword("alice-pw");
         emit message(Log::eMessage,
                      tr("Created a demo depot in %1 (users alice and bob, passwords alice-pw and bob-pw)").arg(folder));
-        return open(server->Folder("alice"));
+        return open(server->folder("alice"));
     } catch (const DemoError& error) {
         emit message(Log::eError, tr("Cannot create a demo depot: %1").arg(QString::fromUtf8(error.what())));
         return false;

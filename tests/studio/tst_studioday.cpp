@@ -104,7 +104,7 @@ protected:
         repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served);
         demo = std::make_unique<DemoServer>(m_dir.filePath(QStringLiteral("demo")), repository->Url());
         SeedSampleWorkspace(*demo);
-        world = {demo->Path(), demo->Workspace("alice"), demo->Folder("alice"), "Sky", QStringLiteral("Sky.kel")};
+        world = {demo->path(), demo->workspace("alice"), demo->folder("alice"), "Sky", QStringLiteral("Sky.kel")};
     }
 
     // A start of the studio on alice's workspace with the account she gave on the command line.
@@ -113,8 +113,8 @@ protected:
         window.reset();
         session = std::make_unique<StudioSession>(m_dir.filePath(QStringLiteral("preferences.ini")));
         std::string error;
-        ASSERT_TRUE(session->Start(error)) << error;
-        session->StoreAccount({world.server, "alice", world.workspaceName, {}});
+        ASSERT_TRUE(session->start(error)) << error;
+        session->storeAccount({world.server, "alice", world.workspaceName, {}});
         window = std::make_unique<MainWindow>(*session);
         window->show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
@@ -149,7 +149,7 @@ protected:
         QTest::keyClick(window->browser().view(), Qt::Key(key), modifiers);
     }
 
-    KELHandle<kel4::IAsset> asset(const char* name) const { return session->CurrentWorkspace()->FindAsset(name); }
+    KELHandle<kel4::IAsset> asset(const char* name) const { return session->currentWorkspace()->FindAsset(name); }
     QString status(const char* name) const { return AssetCell(*window, asset(name), AssetBrowserModel::StatusColumn); }
     QString sessionLabel() const { return SessionLabel(*window); }
     bool logged(const QString& part) const { return Logged(*window, part, Qt::MatchContains); }
@@ -301,7 +301,7 @@ TEST_P(StudioDay, FromTheFirstStartToASubmit)
     SCOPED_TRACE("Ctrl+S saves; a new asset is marked for add by the next save");
     press(Qt::Key_S, Qt::ControlModifier);
     waitForOperations();
-    EXPECT_FALSE(session->CurrentWorkspace()->HasUnsavedChanges());
+    EXPECT_FALSE(session->currentWorkspace()->HasUnsavedChanges());
     driver.expect(QStringLiteral("New Asset"), [](QWidget* dialog) {
         activateDialog(dialog);
         auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("name"));

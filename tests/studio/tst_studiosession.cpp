@@ -65,22 +65,22 @@ protected:
         window.reset();
         session = std::make_unique<StudioSession>(m_dir.filePath(QStringLiteral("preferences.ini")));
         std::string error;
-        ASSERT_TRUE(session->Start(error)) << error;
-        session->StoreAccount({depot->Path(), "alice", depot->Workspace("alice"), {}});
-        session->SetPassword(password);
+        ASSERT_TRUE(session->start(error)) << error;
+        session->storeAccount({depot->path(), "alice", depot->workspace("alice"), {}});
+        session->setPassword(password);
         window = std::make_unique<MainWindow>(*session);
         window->show();
-        ASSERT_TRUE(window->openWorkspace(depot->Folder("alice")));
+        ASSERT_TRUE(window->openWorkspace(depot->folder("alice")));
         ASSERT_TRUE(WaitForStatus(*window));
     }
     QString sessionLabel() const { return SessionLabel(*window); }
     QString rockStatus() const
     {
-        return AssetCell(*window, session->CurrentWorkspace()->FindAsset("Rock"), AssetBrowserModel::StatusColumn);
+        return AssetCell(*window, session->currentWorkspace()->FindAsset("Rock"), AssetBrowserModel::StatusColumn);
     }
     std::string keptTicket() const
     {
-        const auto kept = TicketStore().find(TicketStore::depotKey(depot->Path()), "alice");
+        const auto kept = TicketStore().find(TicketStore::depotKey(depot->path()), "alice");
         return kept ? kept->ticket : std::string();
     }
     bool logged(const QString& line) const { return Logged(*window, line); }
@@ -101,15 +101,15 @@ TEST_F(StudioSessionDay, LogsInWithAKeptTicketOrTheDialogAndTellsTheSessionInThe
 {
     // A ticket kept as "hbdepot login" keeps it: the studio logs in with it, no dialog, and turns
     // revision control on although the settings' default is off.
-    hbrc::depot::Depot terminal(depot->Path());
+    hbrc::depot::Depot terminal(depot->path());
     std::string ticket;
-    ASSERT_TRUE(terminal.login("alice", "alice-pw", depot->Workspace("alice"), ticket).ok());
-    TicketStore().save(TicketStore::depotKey(depot->Path()), "alice", {depot->Workspace("alice"), ticket});
+    ASSERT_TRUE(terminal.login("alice", "alice-pw", depot->workspace("alice"), ticket).ok());
+    TicketStore().save(TicketStore::depotKey(depot->path()), "alice", {depot->workspace("alice"), ticket});
     start();
     EXPECT_EQ(sessionLabel(), "Session: logged in as alice");
     EXPECT_EQ(rockStatus(), "up to date");
     bool revisionControl = false;
-    EXPECT_TRUE(session->Settings()->GetUseSourceDataControl(revisionControl) && revisionControl);
+    EXPECT_TRUE(session->settings()->GetUseSourceDataControl(revisionControl) && revisionControl);
 
     // Log Out ends the depot's session and forgets the kept ticket: "hbdepot" is logged out too.
     window->action(QStringLiteral("logOut"))->trigger();
@@ -153,7 +153,7 @@ TEST_F(StudioSessionDay, LogsInWithAKeptTicketOrTheDialogAndTellsTheSessionInThe
     start();
     EXPECT_EQ(sessionLabel(), "Session: logged in as alice");
     EXPECT_EQ(window->size(), QSize(900, 640));
-    hbrc::host::RevisionControlServices services = session->Services();
+    hbrc::host::RevisionControlServices services = session->services();
     ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
     refresh();
     EXPECT_EQ(sessionLabel(), "Session: expired");
@@ -163,10 +163,10 @@ TEST_F(StudioSessionDay, LogsInWithAKeptTicketOrTheDialogAndTellsTheSessionInThe
 // names who holds the read-only files it would make writable.
 TEST_F(StudioSessionDay, RevisionControlTurnedOffByTheUserStaysOffAndTheSaveNamesTheHolder)
 {
-    const std::string ticket = depot->BobTicket();
-    const std::string rock = depot->FolderPath("bob") + "/Rock.kel";
-    ASSERT_TRUE(depot->Bob().edit(ticket, {rock}, "").ok());
-    hbrc::depot::Depot bobsLocks(depot->Path());
+    const std::string ticket = depot->bobTicket();
+    const std::string rock = depot->folderPath("bob") + "/Rock.kel";
+    ASSERT_TRUE(depot->bob().edit(ticket, {rock}, "").ok());
+    hbrc::depot::Depot bobsLocks(depot->path());
     ASSERT_TRUE(bobsLocks.lock(ticket, {rock}).ok());
 
     start("alice-pw");
@@ -183,8 +183,8 @@ TEST_F(StudioSessionDay, RevisionControlTurnedOffByTheUserStaysOffAndTheSaveName
     EXPECT_EQ(rockStatus(), "revision control off");
     EXPECT_TRUE(window->action(QStringLiteral("turnRevisionControlOn"))->isEnabled());
 
-    const KELHandle<kel4::IAsset> rockAsset = session->CurrentWorkspace()->FindAsset("Rock");
-    ASSERT_TRUE(session->CurrentWorkspace()->SetField(rockAsset, "colour", "#b0483a"));
+    const KELHandle<kel4::IAsset> rockAsset = session->currentWorkspace()->FindAsset("Rock");
+    ASSERT_TRUE(session->currentWorkspace()->SetField(rockAsset, "colour", "#b0483a"));
     driver.expect(QStringLiteral("the save's question"), [](QWidget* dialog) { qobject_cast<QDialog*>(dialog)->reject(); });
     window->save();
     EXPECT_TRUE(logged(QStringLiteral("Rock is locked by bob: turn revision control on to check it out")));

@@ -75,20 +75,20 @@ protected:
         SeedSampleWorkspace(*depot);
         session = std::make_unique<StudioSession>(m_dir.filePath(QStringLiteral("preferences.ini")));
         std::string error;
-        ASSERT_TRUE(session->Start(error)) << error;
-        session->StoreAccount({depot->Path(), "alice", depot->Workspace("alice"), {}});
-        session->SetPassword("alice-pw");
-        session->Host().Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
+        ASSERT_TRUE(session->start(error)) << error;
+        session->storeAccount({depot->path(), "alice", depot->workspace("alice"), {}});
+        session->setPassword("alice-pw");
+        session->host().Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
         window = std::make_unique<MainWindow>(*session);
         window->show();
         activate();
-        ASSERT_TRUE(window->openWorkspace(depot->Folder("alice")));
+        ASSERT_TRUE(window->openWorkspace(depot->folder("alice")));
         waitForStatus();
     }
     void TearDown() override
     {
         EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString();
-        if (session->CurrentWorkspace() && session->CurrentWorkspace()->HasUnsavedChanges())
+        if (session->currentWorkspace() && session->currentWorkspace()->HasUnsavedChanges())
             driver.expectMessageBox(QStringLiteral("Unsaved Edits"), QMessageBox::Discard);
         window.reset();
         session.reset();
@@ -103,7 +103,7 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
     void waitForStatus() { ASSERT_TRUE(WaitForStatus(*window)); }
-    KELHandle<kel4::IAsset> asset(const char* name) const { return session->CurrentWorkspace()->FindAsset(name); }
+    KELHandle<kel4::IAsset> asset(const char* name) const { return session->currentWorkspace()->FindAsset(name); }
     QString status(const char* name) const { return cell(name, AssetBrowserModel::StatusColumn); }
     QString cell(const char* name, int column, int role = Qt::DisplayRole) const
     {
@@ -126,7 +126,7 @@ protected:
     }
     std::string field(const char* name, const char* key) const
     {
-        const hbrc::host::DataModelMgr& model = session->CurrentWorkspace()->Model();
+        const hbrc::host::DataModelMgr& model = session->currentWorkspace()->Model();
         return model.Store().AssetAt(model.SlotOf(asset(name))).record.fields.at(key);
     }
     void select(const char* name)
@@ -150,17 +150,17 @@ protected:
     }
     void bobEdits(const char* name)
     {
-        ASSERT_TRUE(depot->Bob().edit(depot->BobTicket(), {depot->FolderPath("bob") + "/" + name + ".kel"}, "").ok());
+        ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {depot->folderPath("bob") + "/" + name + ".kel"}, "").ok());
         window->refreshStatus();
         waitForStatus();
     }
     void checkOutWithoutAsking()
     {
-        session->Settings()->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
+        session->settings()->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
     }
     void waitForOperations() { ASSERT_TRUE(WaitForOperations(*window)); }
     PendingChangesModel& pending() const { return window->pendingChanges().model(); }
-    std::string aliceFile(const char* name) const { return depot->FolderPath("alice") + "/" + name + ".kel"; }
+    std::string aliceFile(const char* name) const { return depot->folderPath("alice") + "/" + name + ".kel"; }
     QModelIndex pendingFile(const char* name) const { return pending().fileIndex(aliceFile(name)); }
     QStringList pendingAssets(const std::string& changelist) const
     {
@@ -226,7 +226,7 @@ protected:
 TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedAndChecksOutSky)
 {
     EXPECT_EQ(status("Rock"), "up to date");
-    EXPECT_EQ(window->model().statusQuery().RoundTrips(), 1u) << "one status question for all assets";
+    EXPECT_EQ(window->model().statusQuery().roundTrips(), 1u) << "one status question for all assets";
     bobEdits("Rock");
     EXPECT_EQ(status("Rock"), "held by bob");
     checkOutWithoutAsking();
@@ -237,7 +237,7 @@ TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedAndChecksOutSky)
     EXPECT_EQ(colourShown(), "#7a746c");
     EXPECT_EQ(field("Rock", "colour"), "#7a746c");
     EXPECT_TRUE(window->statusBar()->currentMessage().startsWith("Refused: colour of Rock"));
-    EXPECT_FALSE(session->Host().Commands().CanUndo()) << "a refused edit leaves no step, nor does its check-out";
+    EXPECT_FALSE(session->host().Commands().CanUndo()) << "a refused edit leaves no step, nor does its check-out";
 
     select("Sky");
     typeColour(QStringLiteral("#ff8c42"));
@@ -331,7 +331,7 @@ TEST_F(StudioWindow, RenameDeleteMakeWritableAndCheckOutFromTheMenus)
     EXPECT_EQ(window->model().rowCount(), 19);
 
     select("Sand");
-    const QString sand = depot->Folder("alice") + QStringLiteral("/Sand.kel");
+    const QString sand = depot->folder("alice") + QStringLiteral("/Sand.kel");
     ASSERT_FALSE(QFileInfo(sand).permissions() & QFile::WriteOwner);
     window->action(QStringLiteral("makeWritable"))->trigger();
     EXPECT_TRUE(QFileInfo(sand).permissions() & QFile::WriteOwner);
@@ -353,18 +353,18 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
     EXPECT_EQ(window->logDock().list()->findItems(QStringLiteral("Opened"), Qt::MatchContains).size(), 1)
         << "opening is logged once";
     setRefreshSeconds(1);
-    EXPECT_EQ(session->StatusRefreshSeconds(), 1);
+    EXPECT_EQ(session->statusRefreshSeconds(), 1);
 
-    const std::unique_ptr<hbrc::host::RevisionServer> bob = hbrc::host::OpenRevisionServer(depot->Path(), {});
+    const std::unique_ptr<hbrc::host::RevisionServer> bob = hbrc::host::OpenRevisionServer(depot->path(), {});
     std::string ticket;
-    ASSERT_TRUE(bob->login("bob", "bob-pw", depot->Workspace("bob"), ticket).ok());
+    ASSERT_TRUE(bob->login("bob", "bob-pw", depot->workspace("bob"), ticket).ok());
     hbrc::depot::ChangelistId changelist;
     ASSERT_TRUE(bob->createChangelist(ticket, "rougher rock", changelist).ok());
-    const std::string rock = depot->FolderPath("bob") + "/Rock.kel";
+    const std::string rock = depot->folderPath("bob") + "/Rock.kel";
     ASSERT_TRUE(bob->edit(ticket, {rock}, changelist).ok());
-    hbrc::depot::Depot bobsLocks(depot->Path());
+    hbrc::depot::Depot bobsLocks(depot->path());
     std::string lockTicket;
-    ASSERT_TRUE(bobsLocks.login("bob", "bob-pw", depot->Workspace("bob"), lockTicket).ok());
+    ASSERT_TRUE(bobsLocks.login("bob", "bob-pw", depot->workspace("bob"), lockTicket).ok());
     ASSERT_TRUE(bobsLocks.lock(lockTicket, {rock}).ok());
 
     const QString cl = QString::fromStdString(changelist);
@@ -393,10 +393,10 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
 
     // With the timer off, coming back to the window asks (not more often than every 3 s).
     setRefreshSeconds(0);
-    const std::uint64_t roundTrips = model.statusQuery().RoundTrips();
-    ASSERT_TRUE(bob->edit(ticket, {depot->FolderPath("bob") + "/Sky.kel"}, "").ok());
+    const std::uint64_t roundTrips = model.statusQuery().roundTrips();
+    ASSERT_TRUE(bob->edit(ticket, {depot->folderPath("bob") + "/Sky.kel"}, "").ok());
     QTest::qWait(3100);
-    EXPECT_EQ(model.statusQuery().RoundTrips(), roundTrips) << "0 turns the timer off";
+    EXPECT_EQ(model.statusQuery().roundTrips(), roundTrips) << "0 turns the timer off";
     QWidget elsewhere;
     elsewhere.show();
     elsewhere.activateWindow();
@@ -407,7 +407,7 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
     QListWidget* log = window->logDock().list();
     const int before = log->count();
     window->closeWorkspace();
-    ASSERT_TRUE(window->openWorkspace(depot->Folder("alice")));
+    ASSERT_TRUE(window->openWorkspace(depot->folder("alice")));
     waitForStatus();
     EXPECT_EQ(cell("Rock", AssetBrowserModel::RevisionColumn), "#1/#2");
     ASSERT_TRUE(DialogDriver::waitUntil([&] { return log->count() > before; }));
@@ -420,8 +420,8 @@ TEST_F(StudioWindow, TheStatusBarTellsAnExpiredSessionFromAnUnreachableServer)
 {
     EXPECT_EQ(window->sessionState(), "logged in as alice");
     std::string error;
-    ASSERT_TRUE(session->Services()
-                    .connection->ExpireSession(session->Services().dataControl->GetUserParameters().Get(), error)
+    ASSERT_TRUE(session->services()
+                    .connection->ExpireSession(session->services().dataControl->GetUserParameters().Get(), error)
                     .IsSuccess())
         << error;
     window->refreshStatus();
@@ -429,9 +429,9 @@ TEST_F(StudioWindow, TheStatusBarTellsAnExpiredSessionFromAnUnreachableServer)
     EXPECT_EQ(window->sessionState(), "expired");
     EXPECT_EQ(status("Rock"), "up to date") << "the last known status stays";
 
-    session->StoreAccount({depot->Path() + ".missing", "alice", depot->Workspace("alice"), {}});
+    session->storeAccount({depot->path() + ".missing", "alice", depot->workspace("alice"), {}});
     window->closeWorkspace();
-    ASSERT_TRUE(window->openWorkspace(depot->Folder("alice")));
+    ASSERT_TRUE(window->openWorkspace(depot->folder("alice")));
     waitForStatus();
     EXPECT_EQ(sessionLabel(), "Session: unreachable");
     EXPECT_EQ(status("Rock"), "asking...");
@@ -440,10 +440,10 @@ TEST_F(StudioWindow, TheStatusBarTellsAnExpiredSessionFromAnUnreachableServer)
     // answer comes from it (no session was opened: the studio is not logged in).
     setRefreshSeconds(1);
     window->refreshStatus();
-    EXPECT_TRUE(window->model().statusQuery().IsPending()) << "refreshStatus returned before the answer";
+    EXPECT_TRUE(window->model().statusQuery().isPending()) << "refreshStatus returned before the answer";
     waitForStatus();
     EXPECT_EQ(sessionLabel(), "Session: unreachable");
-    ASSERT_TRUE(QFile::link(QString::fromStdString(depot->Path()), QString::fromStdString(depot->Path() + ".missing")));
+    ASSERT_TRUE(QFile::link(QString::fromStdString(depot->path()), QString::fromStdString(depot->path() + ".missing")));
     ASSERT_TRUE(DialogDriver::waitUntil([this] { return window->sessionState() == "not logged in"; }, 10000));
 }
 
@@ -477,14 +477,14 @@ TEST_F(StudioWindow, TheStartPageCreatesADemoDepotThatStaysInTheRecentList)
     ASSERT_TRUE(link->isVisible());
     link->setFocus();
     QTest::keyClick(link, Qt::Key_Return);
-    ASSERT_NE(session->CurrentWorkspace(), nullptr);
-    const QString folder = session->CurrentWorkspace()->Root();
+    ASSERT_NE(session->currentWorkspace(), nullptr);
+    const QString folder = session->currentWorkspace()->Root();
     EXPECT_TRUE(folder.startsWith(parent)) << folder.toStdString();
     waitForStatus();
     EXPECT_EQ(window->model().rowCount(), 20);
     EXPECT_EQ(window->sessionState(), "logged in as alice");
     window->closeWorkspace();
-    EXPECT_EQ(session->RecentWorkspaces().value(0), folder);
+    EXPECT_EQ(session->recentWorkspaces().value(0), folder);
     QDir(QFileInfo(folder).path()).removeRecursively();
 }
 
@@ -616,7 +616,7 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     selectPending(pendingFile("Sky"));
     EXPECT_FALSE(dragSelectedOnto(pending().changelistIndex("")));
     EXPECT_TRUE(dragSelectedOnto(pending().changelistIndex(warmer)));
-    EXPECT_TRUE(window->operations().IsBusy());
+    EXPECT_TRUE(window->operations().isBusy());
     EXPECT_FALSE(window->pendingChanges().action(QStringLiteral("submit"))->isEnabled()) << "busy";
     waitForOperations();
     EXPECT_EQ(pendingAssets(warmer), QStringList{"Sky"});
@@ -642,8 +642,8 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     EXPECT_TRUE(logged(QStringLiteral("Not reverted: Leaf has unsaved edits. Save or undo them first.")));
     EXPECT_TRUE(window->statusBar()->currentMessage().startsWith("Reverted 1 unchanged file(s): //depot/"))
         << window->statusBar()->currentMessage().toStdString();
-    EXPECT_FALSE(QFileInfo(depot->Folder("alice") + "/Snow.kel").permissions() & QFile::WriteOwner);
-    EXPECT_TRUE(QFileInfo(depot->Folder("alice") + "/Leaf.kel").permissions() & QFile::WriteOwner);
+    EXPECT_FALSE(QFileInfo(depot->folder("alice") + "/Snow.kel").permissions() & QFile::WriteOwner);
+    EXPECT_TRUE(QFileInfo(depot->folder("alice") + "/Leaf.kel").permissions() & QFile::WriteOwner);
     EXPECT_EQ(status("Snow"), "up to date");
 
     ASSERT_TRUE(pending().setData(pending().changelistIndex(warmer), Qt::Checked, Qt::CheckStateRole));
@@ -663,7 +663,7 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
 
     driver.expectMessageBox(QStringLiteral("Revert"), QMessageBox::Cancel, QStringLiteral("Sky.kel"));
     window->pendingChanges().action(QStringLiteral("revert"))->trigger();
-    EXPECT_FALSE(window->operations().IsBusy()) << "nothing asked of the server";
+    EXPECT_FALSE(window->operations().isBusy()) << "nothing asked of the server";
     EXPECT_EQ(pendingAssets(warmer), QStringList{"Sky"});
     EXPECT_EQ(field("Sky", "colour"), "#ff8c42");
 
@@ -691,16 +691,16 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     waitForOperations();
     EXPECT_EQ(pending().pending().size(), 1u);
 
-    const std::string bobSky = depot->FolderPath("bob") + "/Sky.kel";
-    ASSERT_TRUE(depot->Bob().sync(depot->BobTicket(), {bobSky}).ok());
+    const std::string bobSky = depot->folderPath("bob") + "/Sky.kel";
+    ASSERT_TRUE(depot->bob().sync(depot->bobTicket(), {bobSky}).ok());
     QFile synced(QString::fromStdString(bobSky));
     ASSERT_TRUE(synced.open(QIODevice::ReadOnly));
     EXPECT_TRUE(synced.readAll().contains("#ff8c42"));
 
     // Bob's Rock and Sun reach alice's browser and memory through Get Latest.
     const auto bobChanges = [this](const char* asset, const QByteArray& from, const QByteArray& to) {
-        const std::string path = depot->FolderPath("bob") + "/" + asset + ".kel";
-        ASSERT_TRUE(depot->Bob().edit(depot->BobTicket(), {path}, "").ok());
+        const std::string path = depot->folderPath("bob") + "/" + asset + ".kel";
+        ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {path}, "").ok());
         QFile file(QString::fromStdString(path));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         const QByteArray text = file.readAll().replace(from, to);
@@ -711,7 +711,7 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     bobChanges("Rock", "#7a746c", "#5a544c");
     bobChanges("Sun", "#ffe8b0", "#ffd080");
     hbrc::depot::ChangelistId submitted;
-    ASSERT_TRUE(depot->Bob().submit(depot->BobTicket(), "", "darker rock, warmer sun", submitted).ok());
+    ASSERT_TRUE(depot->bob().submit(depot->bobTicket(), "", "darker rock, warmer sun", submitted).ok());
     select("Rock");
     EXPECT_FALSE(window->action(QStringLiteral("getLatest"))->isEnabled());
     window->refreshStatus();
@@ -761,7 +761,7 @@ TEST(StudioPendingChanges, SubmitPlans)
         {"part of the default one", changelist("", {"a", "b"}), {"b", "elsewhere"}, "", {}, {"b"}, 1},
     };
     for (const auto& row : rows) {
-        const ChangelistWork::SubmitPlan plan = ChangelistWork::PlanSubmit(row.pending, row.checked);
+        const ChangelistWork::SubmitPlan plan = ChangelistWork::planSubmit(row.pending, row.checked);
         EXPECT_EQ(plan.changelist, row.submitted) << row.name;
         EXPECT_EQ(plan.toDefault, row.toDefault) << row.name;
         EXPECT_EQ(plan.intoNew, row.intoNew) << row.name;
@@ -820,19 +820,19 @@ TEST_F(StudioWindow, RevisionOperationsRunInOrderAndReportEachOutcome)
     QObject::connect(&operations, &RevisionOperations::busyChanged, [&](bool now) { busy << now; });
     QList<bool> working;
     QObject::connect(&operations, &RevisionOperations::workingChanged, [&](bool now) { working << now; });
-    operations.Run(QStringLiteral("first"), ChangelistWork::NewChangelist("first", {}));
-    operations.Run(QStringLiteral("bad move"), ChangelistWork::Reopen({aliceFile("Rock")}, "999"));
-    operations.Run(QStringLiteral("second"), ChangelistWork::NewChangelist("second", {}));
-    operations.RefreshPending();
-    EXPECT_TRUE(operations.IsBusy());
+    operations.run(QStringLiteral("first"), ChangelistWork::newChangelist("first", {}));
+    operations.run(QStringLiteral("bad move"), ChangelistWork::reopen({aliceFile("Rock")}, "999"));
+    operations.run(QStringLiteral("second"), ChangelistWork::newChangelist("second", {}));
+    operations.refreshPending();
+    EXPECT_TRUE(operations.isBusy());
     waitForOperations();
 
     EXPECT_EQ(busy, (QList<bool>{true, false}));
     EXPECT_EQ(working, (QList<bool>{true, false}));
     // A refresh on its own, as the status timer asks for it, is not work the pane shows.
-    operations.RefreshPending();
-    EXPECT_TRUE(operations.IsBusy());
-    EXPECT_FALSE(operations.IsWorking());
+    operations.refreshPending();
+    EXPECT_TRUE(operations.isBusy());
+    EXPECT_FALSE(operations.isWorking());
     waitForOperations();
     EXPECT_EQ(working.size(), 2);
     ASSERT_EQ(outcomes.size(), 4u);
@@ -863,10 +863,10 @@ TEST(StudioPendingChanges, SubmitWorkSubmitsOnlyTheCheckedFiles)
     ASSERT_TRUE(dir.isValid());
     DemoServer depot(dir.path());
     SeedSampleWorkspace(depot);
-    const std::unique_ptr<hbrc::host::RevisionServer> alice = hbrc::host::OpenRevisionServer(depot.Path(), {});
+    const std::unique_ptr<hbrc::host::RevisionServer> alice = hbrc::host::OpenRevisionServer(depot.path(), {});
     std::string ticket;
-    ASSERT_TRUE(alice->login("alice", "alice-pw", depot.Workspace("alice"), ticket).ok());
-    const auto file = [&](const char* name) { return depot.FolderPath("alice") + "/" + name + ".kel"; };
+    ASSERT_TRUE(alice->login("alice", "alice-pw", depot.workspace("alice"), ticket).ok());
+    const auto file = [&](const char* name) { return depot.folderPath("alice") + "/" + name + ".kel"; };
     const auto pendingFiles = [&] {
         std::vector<hbrc::depot::PendingChangelist> pending;
         EXPECT_TRUE(alice->pendingChangelists(ticket, pending).ok());
@@ -899,7 +899,7 @@ TEST(StudioPendingChanges, SubmitWorkSubmitsOnlyTheCheckedFiles)
                                        [&](const auto& each) { return each.changelist.id == submit.changelist; });
         ASSERT_NE(list, pending.end()) << submit.name;
         OperationOutcome outcome;
-        const hbrc::depot::Result result = ChangelistWork::Submit(ChangelistWork::PlanSubmit(*list, submit.checked),
+        const hbrc::depot::Result result = ChangelistWork::submit(ChangelistWork::planSubmit(*list, submit.checked),
                                                                   "part of it")(*alice, ticket, outcome);
         ASSERT_TRUE(result.ok()) << submit.name << ": " << result.error;
         EXPECT_TRUE(outcome.done.endsWith(QStringLiteral("(%1 file(s))").arg(submit.checked.size()))) << submit.name;

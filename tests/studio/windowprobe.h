@@ -35,13 +35,13 @@ inline bool Logged(const studio::MainWindow& window, const QString& text, Qt::Ma
 // Until the status question the window asked is answered.
 inline bool WaitForStatus(const studio::MainWindow& window)
 {
-    return DialogDriver::waitUntil([&window] { return !window.model().statusQuery().IsPending(); }, 20000);
+    return DialogDriver::waitUntil([&window] { return !window.model().statusQuery().isPending(); }, 20000);
 }
 
 // Until the queued revision operations ran and the status they changed is answered.
 inline bool WaitForOperations(const studio::MainWindow& window)
 {
-    return DialogDriver::waitUntil([&window] { return !window.operations().IsBusy(); }, 20000) &&
+    return DialogDriver::waitUntil([&window] { return !window.operations().isBusy(); }, 20000) &&
            WaitForStatus(window);
 }
 
