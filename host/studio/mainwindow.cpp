@@ -30,7 +30,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
-#include <QMenu>
 #include <QMessageBox>
 #include <QStackedWidget>
 #include <QStandardPaths>
@@ -57,6 +56,7 @@ MainWindow::MainWindow(StudioSession& session, QWidget* parent) : QMainWindow(pa
     buildPanes();
     buildControllers();
     m_actions = new StudioActions(*this, m_session);
+    connect(m_statusBar, &StudioStatusBar::sessionClicked, m_actions, &StudioActions::offerSessionAction);
     if (IRevisionControlPropertiesMgr* settings = m_session.settings()) {
         nrk::signalling::IConnection* connection = nullptr;
         settings->Connect_OnRevisionControlPropertiesChange(this, &connection);
@@ -105,8 +105,7 @@ void MainWindow::buildPanes()
 
     connect(m_pending, &PendingChangesPane::message, this, &MainWindow::log);
     connect(m_operations.get(), &RevisionOperations::workingChanged, this, &MainWindow::updateActions);
-    connect(m_statusBar, &StudioStatusBar::sessionClicked, this, &MainWindow::offerSessionAction);
-    connect(m_start, &StartPage::openFolderRequested, this, &MainWindow::openFolder);
+        connect(m_start, &StartPage::openFolderRequested, this, &MainWindow::openFolder);
     connect(m_start, &StartPage::openRecentRequested, this, &MainWindow::openWorkspace);
     connect(m_start, &StartPage::createDemoRequested, this, &MainWindow::createDemoDepot);
     connect(m_browser, &AssetBrowser::currentAssetChanged, this, &MainWindow::showSelection);
@@ -181,31 +180,6 @@ void MainWindow::updateStatusBar()
 QString MainWindow::sessionState() const
 {
     return m_sessionController->stateText();
-}
-
-void MainWindow::offerSessionAction(const QPoint& at)
-{
-    static const std::map<SessionAction, const char*> kActions{
-        {SessionAction::LogIn, "logIn"},
-        {SessionAction::LogOut, "logOut"},
-        {SessionAction::TurnRevisionControlOn, "turnRevisionControlOn"},
-    };
-    auto* menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    const SessionAction fitting = m_sessionController->fittingAction();
-    if (const auto found = kActions.find(fitting); found != kActions.end())
-        menu->addAction(action(QString::fromLatin1(found->second)));
-    else if (fitting == SessionAction::Retry)
-        connect(menu->addAction(tr("&Retry")), &QAction::triggered, this, [this] {
-            m_sessionController->retry();
-            refreshStatus();
-        });
-    if (menu->isEmpty()) {
-        delete menu;
-        return;
-    }
-    updateActions();
-    menu->popup(at);
 }
 
 // Each outcome also shows in the status bar for a while, so that it replaces an earlier step's.

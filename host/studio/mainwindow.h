@@ -44,8 +44,9 @@ struct StatusAnswer;
 // status bar (server, user, workspace, session state). It builds the panes and wires them to the
 // controllers, which hold the logic: WorkspaceController (open, close), AssetEdits (edits, undo,
 // save), AssetCommands (revision-control commands), StatusRefreshPolicy (when the status is
-// asked), SessionController (log-in, session state). The window keeps only the dialogs that ask
-// the user for a name, a file or a choice.
+// asked), SessionController (log-in, session state). StudioActions holds the menus, AssetDialogs
+// the questions before an asset command; the window asks only for a folder, the settings and
+// whether to keep unsaved edits.
 class MainWindow : public QMainWindow, private IRevisionControlPropertiesMgr_Slot
 {
     Q_OBJECT
@@ -111,8 +112,6 @@ private:
     void log(int level, const QString& text);
 
     void createDemoDepot();
-    // A click on the session in the status bar: a menu with what fits the session's state, at at.
-    void offerSessionAction(const QPoint& at);
 
     StudioSession& m_session;
     QStackedWidget* m_pages = nullptr;

@@ -17,7 +17,8 @@
 
 namespace hbrc::studio {
 
-StudioActions::StudioActions(MainWindow& window, StudioSession& session) : QObject(&window), m_session(session)
+StudioActions::StudioActions(MainWindow& window, StudioSession& session)
+    : QObject(&window), m_window(window), m_session(session)
 {
     auto open = [&session] { return session.currentWorkspace() != nullptr; };
     auto selection = [&window] { return !window.browser().currentAsset().IsNull(); };
@@ -103,6 +104,31 @@ QFunctorAction* StudioActions::add(QMenu* menu, const char* name, const QString&
     menu->addAction(action);
     m_actions[action->objectName()] = action;
     return action;
+}
+
+void StudioActions::offerSessionAction(const QPoint& at)
+{
+    static const std::map<SessionAction, const char*> kActions{
+        {SessionAction::LogIn, "logIn"},
+        {SessionAction::LogOut, "logOut"},
+        {SessionAction::TurnRevisionControlOn, "turnRevisionControlOn"},
+    };
+    auto* menu = new QMenu(&m_window);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const SessionAction fitting = m_window.sessionController().fittingAction();
+    if (const auto found = kActions.find(fitting); found != kActions.end())
+        menu->addAction(action(QString::fromLatin1(found->second)));
+    else if (fitting == SessionAction::Retry)
+        connect(menu->addAction(tr("&Retry")), &QAction::triggered, this, [this] {
+            m_window.sessionController().retry();
+            m_window.refreshStatus();
+        });
+    if (menu->isEmpty()) {
+        delete menu;
+        return;
+    }
+    update();
+    menu->popup(at);
 }
 
 QFunctorAction* StudioActions::action(const QString& name) const

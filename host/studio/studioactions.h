@@ -8,6 +8,7 @@
 
 class QFunctorAction;
 class QMenu;
+class QPoint;
 
 namespace hbrc::studio {
 
@@ -28,11 +29,14 @@ public:
     QFunctorAction* action(const QString& name) const;
     // Enables each action as its condition says; Undo and Redo name their step.
     void update();
+    // A click on the session in the status bar: a menu at at with what fits the session's state.
+    void offerSessionAction(const QPoint& at);
 
 private:
     QFunctorAction* add(QMenu* menu, const char* name, const QString& text, std::function<void()> run,
                         std::function<bool()> condition = {});
 
+    MainWindow& m_window;
     StudioSession& m_session;
     std::map<QString, QFunctorAction*> m_actions;
 };
