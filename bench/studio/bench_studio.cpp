@@ -140,9 +140,9 @@ void BM_OpenWorkspaceInWindow(benchmark::State& state)
     for (auto _ : state) {
         studio::StudioSession session(scratch.filePath(QStringLiteral("preferences.ini")));
         std::string error;
-        expect(session.Start(error), error);
-        session.StoreAccount({depot.Path(), "alice", "alice-ws", {}});
-        session.SetPassword("alice-pw");
+        expect(session.start(error), error);
+        session.storeAccount({depot.Path(), "alice", "alice-ws", {}});
+        session.setPassword("alice-pw");
         studio::MainWindow window(session);
         window.show();
         QCoreApplication::processEvents();
@@ -156,11 +156,11 @@ void BM_OpenWorkspaceInWindow(benchmark::State& state)
         while (!firstPaint.painted())
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
         state.SetIterationTime(double(clock.nsecsElapsed()) / 1e9);
-        while (window.model().statusQuery().IsPending())
+        while (window.model().statusQuery().isPending())
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
         longestStall = std::max(longestStall, double(stalls->longestMs()));
         stalls.reset();
-        roundTrips = double(window.model().statusQuery().RoundTrips());
+        roundTrips = double(window.model().statusQuery().roundTrips());
         expect(window.sessionState().startsWith(QStringLiteral("logged in")), "the status question failed");
         window.closeWorkspace();
     }
@@ -177,10 +177,10 @@ struct OpenWindow
     explicit OpenWindow(Depot& depot, const QString& preferences) : session(preferences)
     {
         std::string error;
-        expect(session.Start(error), error);
-        session.StoreAccount({depot.Path(), "alice", "alice-ws", {}});
-        session.SetPassword("alice-pw");
-        session.SetStatusRefreshSeconds(0);
+        expect(session.start(error), error);
+        session.storeAccount({depot.Path(), "alice", "alice-ws", {}});
+        session.setPassword("alice-pw");
+        session.setStatusRefreshSeconds(0);
         window = std::make_unique<studio::MainWindow>(session);
         window->show();
         expect(window->openWorkspace(depot.Folder()), "cannot open the workspace");
@@ -188,7 +188,7 @@ struct OpenWindow
     }
     void waitForStatus() const
     {
-        while (window->model().statusQuery().IsPending())
+        while (window->model().statusQuery().isPending())
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     }
 
@@ -205,7 +205,7 @@ void BM_RefreshStatus(benchmark::State& state)
     const studio::AssetStatusQuery& query = open.window->model().statusQuery();
     double roundTrips = 0, longestStall = 0;
     for (auto _ : state) {
-        const std::uint64_t before = query.RoundTrips();
+        const std::uint64_t before = query.roundTrips();
         QElapsedTimer clock;
         clock.start();
         StallMeter stalls;
@@ -213,7 +213,7 @@ void BM_RefreshStatus(benchmark::State& state)
         open.waitForStatus();
         state.SetIterationTime(double(clock.nsecsElapsed()) / 1e9);
         longestStall = std::max(longestStall, double(stalls.longestMs()));
-        roundTrips = double(query.RoundTrips() - before);
+        roundTrips = double(query.roundTrips() - before);
         expect(open.window->sessionState().startsWith(QStringLiteral("logged in")), "the status question failed");
     }
     state.counters["status_round_trips"] = roundTrips;

@@ -1,6 +1,5 @@
 #include "assetbrowser.h"
 
-#include "assetbrowsermodel.h"
 #include "statusdelegate.h"
 
 #include <qtextention/lmrqlivesearchwidget.h>
@@ -14,7 +13,7 @@
 
 namespace hbrc::studio {
 
-AssetBrowser::AssetBrowser(AssetBrowserModel& model, QWidget* parent) : QWidget(parent), m_model(model)
+AssetBrowser::AssetBrowser(QWidget* parent) : QWidget(parent)
 {
     setObjectName(QStringLiteral("assetBrowser"));
     m_proxy = new QSortFilterProxyModel(this);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "assetbrowsermodel.h"
+
 #include <kel4/kelhandle.h>
 
 #include <QWidget>
@@ -10,20 +12,19 @@ class QTreeView;
 
 namespace hbrc::studio {
 
-class AssetBrowserModel;
-
 // The asset browser pane: the live search field (all columns unless the user picks one) over a
-// sorted, filtered view of the assets.
+// sorted, filtered view of its model of the assets.
 // The current row is the selected asset that the other panes follow.
 class AssetBrowser : public QWidget
 {
     Q_OBJECT
 public:
-    explicit AssetBrowser(AssetBrowserModel& model, QWidget* parent = nullptr);
+    explicit AssetBrowser(QWidget* parent = nullptr);
 
     KELHandle<kel4::IDbObject> currentAsset() const;
     void selectAsset(const KELHandleBase& asset);
 
+    AssetBrowserModel& model() { return m_model; }
     QTreeView* view() const { return m_view; }
     LMRQLiveSearchWidget* searchField() const { return m_search; }
     // Puts the keyboard in the search field, its text selected.
@@ -35,7 +36,7 @@ signals:
 private:
     void widenStatusColumn();
 
-    AssetBrowserModel& m_model;
+    AssetBrowserModel m_model;
     QSortFilterProxyModel* m_proxy = nullptr;
     LMRQLiveSearchWidget* m_search = nullptr;
     QTreeView* m_view = nullptr;

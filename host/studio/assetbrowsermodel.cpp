@@ -94,7 +94,7 @@ void AssetBrowserModel::reload()
     endResetModel();
 }
 
-void AssetBrowserModel::refreshStatus(const AssetStatusQuery::Account& account)
+void AssetBrowserModel::refreshStatus(const Account& account)
 {
     if (!m_workspace)
         return;
@@ -108,7 +108,7 @@ void AssetBrowserModel::refreshStatus(const AssetStatusQuery::Account& account)
         files.emplace_back(assetFiles.begin(), assetFiles.end());
         ids.push_back(row.id);
     }
-    m_query.Ask(account, std::move(ids), std::move(files));
+    m_query.ask(account, std::move(ids), std::move(files));
 }
 
 void AssetBrowserModel::takeAnswer(const StatusAnswer& answer)

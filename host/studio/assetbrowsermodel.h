@@ -50,7 +50,7 @@ public:
     // "revision control off"); the statuses stay and show again when it is cleared.
     void setStatusUnavailable(const QString& reason);
     // Asks the server about every asset's files once; statusRefreshed follows.
-    void refreshStatus(const AssetStatusQuery::Account& account);
+    void refreshStatus(const Account& account);
 
     KELHandle<kel4::IDbObject> assetAt(int row) const;
     // The last answered status of row, or null while it is unknown.

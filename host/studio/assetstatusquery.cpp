@@ -13,20 +13,20 @@ AssetStatusQuery::AssetStatusQuery(QObject* parent) : QObject(parent) {}
 
 AssetStatusQuery::~AssetStatusQuery() = default;
 
-void AssetStatusQuery::Ask(const Account& account, std::vector<std::string> keys, FilesPerAsset files)
+void AssetStatusQuery::ask(const Account& account, std::vector<std::string> keys, FilesPerAsset files)
 {
     m_scheduler.schedule<StatusAnswer>(
         [this, question = Question{account, std::move(keys), std::move(files)}](const depot::CancelCheck& cancelled) {
-            return AskServer(question, cancelled);
+            return askServer(question, cancelled);
         },
         [this](const StatusAnswer& answer) { emit answered(answer); });
 }
 
-StatusAnswer AssetStatusQuery::AskServer(const Question& question, const depot::CancelCheck& cancelled)
+StatusAnswer AssetStatusQuery::askServer(const Question& question, const depot::CancelCheck& cancelled)
 {
     std::string ticket;
-    depot::Result result = m_connection.Prepare(question.account, ticket);
-    host::RevisionServer& server = m_connection.Server();
+    depot::Result result = m_connection.prepare(question.account, ticket);
+    host::RevisionServer& server = m_connection.server();
     const std::uint64_t roundTripsBefore = server.roundTrips();
     StatusAnswer answer;
     answer.keys = question.keys;
@@ -39,7 +39,7 @@ StatusAnswer AssetStatusQuery::AskServer(const Question& question, const depot::
     answer.roundTrips = server.roundTrips() - roundTripsBefore;
     m_roundTrips += answer.roundTrips;
     if (result.code == depot::code::SessionUnusable)
-        m_connection.Forget();  // the next question opens the server again
+        m_connection.forget();  // the next question opens the server again
     answer.code = result.code;
     answer.error = QString::fromStdString(result.error);
     if (!result.ok() || statuses.size() != files.size())

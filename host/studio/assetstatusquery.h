@@ -57,14 +57,12 @@ public:
     explicit AssetStatusQuery(QObject* parent = nullptr);
     ~AssetStatusQuery() override;
 
-    using Account = ServerAccount;
-
     // keys name the assets for the caller; files lists each one's files, in the same order.
-    void Ask(const Account& account, std::vector<std::string> keys, FilesPerAsset files);
-    // True from Ask until its answer was delivered.
-    bool IsPending() const { return m_scheduler.isBusy(); }
+    void ask(const Account& account, std::vector<std::string> keys, FilesPerAsset files);
+    // True from ask until its answer was delivered.
+    bool isPending() const { return m_scheduler.isBusy(); }
     // Round trips of every question asked so far, also of those whose answer was dropped.
-    std::uint64_t RoundTrips() const { return m_roundTrips.load(); }
+    std::uint64_t roundTrips() const { return m_roundTrips.load(); }
 
 signals:
     void answered(const hbrc::studio::StatusAnswer& answer);
@@ -76,7 +74,7 @@ private:
         std::vector<std::string> keys;
         FilesPerAsset files;
     };
-    StatusAnswer AskServer(const Question& question, const depot::CancelCheck& cancelled);
+    StatusAnswer askServer(const Question& question, const depot::CancelCheck& cancelled);
 
     // Used by the scheduler's worker only, one question at a time.
     WorkerConnection m_connection;

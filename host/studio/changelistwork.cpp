@@ -8,7 +8,7 @@
 
 namespace hbrc::studio {
 
-ChangelistWork::SubmitPlan ChangelistWork::PlanSubmit(const depot::PendingChangelist& pending, const Files& checked)
+ChangelistWork::SubmitPlan ChangelistWork::planSubmit(const depot::PendingChangelist& pending, const Files& checked)
 {
     SubmitPlan plan;
     plan.changelist = pending.changelist.id;
@@ -24,7 +24,7 @@ ChangelistWork::SubmitPlan ChangelistWork::PlanSubmit(const depot::PendingChange
     return plan;
 }
 
-RevisionOperations::Work ChangelistWork::Submit(SubmitPlan plan, std::string description)
+RevisionOperations::Work ChangelistWork::submit(SubmitPlan plan, std::string description)
 {
     return [plan = std::move(plan), description = std::move(description)](
                host::RevisionServer& server, const std::string& ticket, OperationOutcome& outcome) {
@@ -46,7 +46,7 @@ RevisionOperations::Work ChangelistWork::Submit(SubmitPlan plan, std::string des
     };
 }
 
-RevisionOperations::Work ChangelistWork::Reopen(Files files, std::string changelist)
+RevisionOperations::Work ChangelistWork::reopen(Files files, std::string changelist)
 {
     return [files = std::move(files), changelist = std::move(changelist)](
                host::RevisionServer& server, const std::string& ticket, OperationOutcome& outcome) {
@@ -58,7 +58,7 @@ RevisionOperations::Work ChangelistWork::Reopen(Files files, std::string changel
     };
 }
 
-RevisionOperations::Work ChangelistWork::NewChangelist(std::string description, Files files)
+RevisionOperations::Work ChangelistWork::newChangelist(std::string description, Files files)
 {
     return [description = std::move(description), files = std::move(files)](
                host::RevisionServer& server, const std::string& ticket, OperationOutcome& outcome) {
@@ -71,7 +71,7 @@ RevisionOperations::Work ChangelistWork::NewChangelist(std::string description, 
     };
 }
 
-RevisionOperations::Work ChangelistWork::DeleteChangelist(std::string changelist)
+RevisionOperations::Work ChangelistWork::deleteChangelist(std::string changelist)
 {
     return [changelist = std::move(changelist)](host::RevisionServer& server, const std::string& ticket,
                                                 OperationOutcome& outcome) {
@@ -80,7 +80,7 @@ RevisionOperations::Work ChangelistWork::DeleteChangelist(std::string changelist
     };
 }
 
-RevisionOperations::Work ChangelistWork::SetDescription(std::string changelist, std::string description)
+RevisionOperations::Work ChangelistWork::setDescription(std::string changelist, std::string description)
 {
     return [changelist = std::move(changelist), description = std::move(description)](
                host::RevisionServer& server, const std::string& ticket, OperationOutcome& outcome) {
@@ -89,7 +89,7 @@ RevisionOperations::Work ChangelistWork::SetDescription(std::string changelist, 
     };
 }
 
-RevisionOperations::Work ChangelistWork::Revert(Files files)
+RevisionOperations::Work ChangelistWork::revert(Files files)
 {
     return [files = std::move(files)](host::RevisionServer& server, const std::string& ticket,
                                       OperationOutcome& outcome) {
@@ -100,7 +100,7 @@ RevisionOperations::Work ChangelistWork::Revert(Files files)
     };
 }
 
-RevisionOperations::Work ChangelistWork::RevertUnchanged(Files files)
+RevisionOperations::Work ChangelistWork::revertUnchanged(Files files)
 {
     return [files = std::move(files)](host::RevisionServer& server, const std::string& ticket,
                                       OperationOutcome& outcome) {
@@ -116,7 +116,7 @@ RevisionOperations::Work ChangelistWork::RevertUnchanged(Files files)
     };
 }
 
-RevisionOperations::Work ChangelistWork::RevertUnchangedCheckOut(Files files, QString asset)
+RevisionOperations::Work ChangelistWork::revertUnchangedCheckOut(Files files, QString asset)
 {
     return [files = std::move(files), asset = std::move(asset)](host::RevisionServer& server,
                                                                  const std::string& ticket, OperationOutcome& outcome) {
@@ -128,7 +128,7 @@ RevisionOperations::Work ChangelistWork::RevertUnchangedCheckOut(Files files, QS
     };
 }
 
-RevisionOperations::Work ChangelistWork::GetLatest(Files files, QString names)
+RevisionOperations::Work ChangelistWork::getLatest(Files files, QString names)
 {
     return [files = std::move(files), names = std::move(names)](host::RevisionServer& server,
                                                                  const std::string& ticket, OperationOutcome& outcome) {

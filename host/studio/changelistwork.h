@@ -28,22 +28,22 @@ public:
         Files intoNew;
         std::size_t fileCount = 0;
     };
-    static SubmitPlan PlanSubmit(const depot::PendingChangelist& pending, const Files& checked);
+    static SubmitPlan planSubmit(const depot::PendingChangelist& pending, const Files& checked);
 
-    static RevisionOperations::Work Submit(SubmitPlan plan, std::string description);
-    static RevisionOperations::Work Reopen(Files files, std::string changelist);
+    static RevisionOperations::Work submit(SubmitPlan plan, std::string description);
+    static RevisionOperations::Work reopen(Files files, std::string changelist);
     // Makes a numbered changelist and moves files (if any) into it.
-    static RevisionOperations::Work NewChangelist(std::string description, Files files);
-    static RevisionOperations::Work DeleteChangelist(std::string changelist);
-    static RevisionOperations::Work SetDescription(std::string changelist, std::string description);
-    static RevisionOperations::Work Revert(Files files);
+    static RevisionOperations::Work newChangelist(std::string description, Files files);
+    static RevisionOperations::Work deleteChangelist(std::string changelist);
+    static RevisionOperations::Work setDescription(std::string changelist, std::string description);
+    static RevisionOperations::Work revert(Files files);
     // files empty: every open file. The log names the reverted files by their depot paths.
-    static RevisionOperations::Work RevertUnchanged(Files files);
+    static RevisionOperations::Work revertUnchanged(Files files);
     // Reverts the check-out of an asset's files when they are unchanged from the revision the user
     // has, and says which it was.
-    static RevisionOperations::Work RevertUnchangedCheckOut(Files files, QString asset);
+    static RevisionOperations::Work revertUnchangedCheckOut(Files files, QString asset);
     // Brings the head revision of files into the workspace.
-    static RevisionOperations::Work GetLatest(Files files, QString names);
+    static RevisionOperations::Work getLatest(Files files, QString names);
 };
 
 }  // namespace hbrc::studio

@@ -68,7 +68,7 @@ public:
     {
     }
 
-    int Run()
+    int run()
     {
         QTemporaryDir scratch;
         Expect(scratch.isValid(), "cannot create a scratch folder");
@@ -84,33 +84,33 @@ public:
             host::ConnectionOptions options;
             options.renewFromKeptLogIn = true;  // a batch run: nobody to type a password
             services = host::InstallRevisionControlServices(
-                workspace, depot.Path(), {"alice", "alice-pw", depot.Workspace("alice")}, error, options);
+                workspace, depot.path(), {"alice", "alice-pw", depot.workspace("alice")}, error, options);
             Expect(error.empty(), error);
         });
-        StartPlugin(host);
+        startPlugin(host);
         // The account as the host's preferences keep it; the workspace setup logs alice in. (The
         // settings' own setters would hand the data control a fresh account without a session.)
         host.Preferences().SetStringPref("RevControl.UserName", "alice", 1);
-        host.Preferences().SetStringPref("RevControl.Workspace", depot.Workspace("alice"), 1);
-        host.Preferences().SetStringPref("RevControl.Server", depot.Path(), 1);
+        host.Preferences().SetStringPref("RevControl.Workspace", depot.workspace("alice"), 1);
+        host.Preferences().SetStringPref("RevControl.Server", depot.path(), 1);
         host.Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
         if (m_batchRetryDeadlineSeconds)
             host.Preferences().SetIntPref("RevControl.BatchRetryDeadlineSeconds", *m_batchRetryDeadlineSeconds, 1);
         std::string error;
-        host::Workspace* workspace = host.OpenWorkspace(depot.Folder("alice"), error);
+        host::Workspace* workspace = host.OpenWorkspace(depot.folder("alice"), error);
         Expect(workspace, error);
         printSettings(m_out, *m_settings);
         m_out << "Revision control enabled: " << (m_helper->IsRevisionControlEnabled() ? "yes" : "no") << "\n";
 
         step("alice creates Rock (with rock.bin), Sky and Leaf and saves: the save marks them for add; she submits");
-        const KELHandle<IDbObject> rock = CreateAsset(*workspace, "Rock", "rock.bin");
-        const KELHandle<IDbObject> sky = CreateAsset(*workspace, "Sky", {});
-        const KELHandle<IDbObject> leaf = CreateAsset(*workspace, "Leaf", {});
+        const KELHandle<IDbObject> rock = createAsset(*workspace, "Rock", "rock.bin");
+        const KELHandle<IDbObject> sky = createAsset(*workspace, "Sky", {});
+        const KELHandle<IDbObject> leaf = createAsset(*workspace, "Leaf", {});
         const host::SaveReport saved = workspace->Save();
         Expect(saved.Succeeded(), "the first save failed");
         KELPtr<kel4::IDataControl> dataControl = services.dataControl;
         m_out << "  the post-save hook marked the new assets for add in the default changelist, no dialog:\n";
-        PrintStatus({rock, sky, leaf});
+        printStatus({rock, sky, leaf});
         Expect(services.connection
                    ->Run(dataControl->GetUserParameters().Get(),
                          [](host::RevisionServer& d, const std::string& ticket, const depot::CancelCheck&) {
@@ -120,13 +120,13 @@ public:
                          error)
                    .IsSuccess(),
                error);
-        PrintStatus({rock, sky});
-        PrintFiles(rock);
+        printStatus({rock, sky});
+        printFiles(rock);
 
         step("bob syncs and opens Rock for edit in his own workspace");
-        ExpectDepot(depot.Bob().sync(depot.BobTicket(), {}), "bob syncs");
-        ExpectDepot(depot.Bob().edit(depot.BobTicket(), {depot.FolderPath("bob") + "/Rock.kel"}, ""), "bob edits");
-        PrintStatus({rock, sky});
+        ExpectDepot(depot.bob().sync(depot.bobTicket(), {}), "bob syncs");
+        ExpectDepot(depot.bob().edit(depot.bobTicket(), {depot.folderPath("bob") + "/Rock.kel"}, ""), "bob edits");
+        printStatus({rock, sky});
         kel4::List<std::string> users;
         dataControl->GetUsersOfObject(rock, kel4::closureId::Persistence, users);
         printList(m_out, "  Rock is held by", users);
@@ -141,7 +141,7 @@ public:
         const bool mayEdit = m_helper->CanEditObjects({sky}, true, true, "alice edits Sky");
         Expect(mayEdit, "the check-out of Sky was refused");
         m_out << "  CanEditObjects(Sky) answers " << (mayEdit ? "true" : "false") << ", no dialog shown\n";
-        PrintStatus({rock, sky});
+        printStatus({rock, sky});
 
         step("alice edits Leaf, whose files are read-only, and saves: the pre-save hook checks it out first");
         Expect(bool(workspace->SetField(leaf, "colour", "autumn")), "cannot edit Leaf");
@@ -149,7 +149,7 @@ public:
         Expect(leafSaved.Succeeded(), "the save of Leaf failed: " + leafSaved.DescribeFailures());
         m_out << "  saved " << leafSaved.writtenFiles.size()
               << " file(s); Leaf is checked out into the stored changelist:\n";
-        PrintStatus({leaf});
+        printStatus({leaf});
 
         step("alice's session expires");
         services.ExpireSessionNow();
@@ -165,7 +165,7 @@ public:
 private:
     void step(const QString& title) { m_out << "\n== " << title << "\n"; }
 
-    void StartPlugin(host::HostSession& host)
+    void startPlugin(host::HostSession& host)
     {
         const std::string plugin = host::PluginLoader::DefaultPluginDirectory() + "/libhbrevisioncontrol.so";
         std::string error;
@@ -180,7 +180,7 @@ private:
         printList(m_out, "Singletons", host.System().GetSingletonNames());
     }
 
-    KELHandle<IDbObject> CreateAsset(host::Workspace& workspace, const std::string& name, const std::string& external)
+    KELHandle<IDbObject> createAsset(host::Workspace& workspace, const std::string& name, const std::string& external)
     {
         host::NewAsset asset;
         asset.kind = host::AssetKind::Metadata;  // what a save asks about
@@ -194,7 +194,7 @@ private:
         return created;
     }
 
-    void PrintStatus(const kel4::List<KELHandle<IDbObject>>& objects)
+    void printStatus(const kel4::List<KELHandle<IDbObject>>& objects)
     {
         kel4::List<unsigned> statuses;
         const kelResult result = m_helper->GetObjectStatus(objects, true, true, statuses);
@@ -207,7 +207,7 @@ private:
         }
     }
 
-    void PrintFiles(const KELHandle<IDbObject>& object)
+    void printFiles(const KELHandle<IDbObject>& object)
     {
         QStringList files;
         m_helper->GetObjectFiles(object, files);
@@ -229,7 +229,7 @@ private:
 int RunDemo(QTextStream& out, const std::string& server, std::optional<int> batchRetryDeadlineSeconds)
 {
     try {
-        return Demo(out, server, batchRetryDeadlineSeconds).Run();
+        return Demo(out, server, batchRetryDeadlineSeconds).run();
     } catch (const std::exception& error) {
         out << "The demo stopped: " << error.what() << "\n";
         return 1;

@@ -62,38 +62,38 @@ DemoServer::DemoServer(const QString& root, const std::string& url) : m_root(roo
         depot::Depot admin(m_path, options);
         ExpectDepot(admin.addUser("alice", "alice-pw"), "add alice");
         ExpectDepot(admin.addUser("bob", "bob-pw"), "add bob");
-        ExpectDepot(admin.addWorkspace(Workspace("alice"), "alice", FolderPath("alice")), "add alice-ws");
-        ExpectDepot(admin.addWorkspace(Workspace("bob"), "bob", FolderPath("bob")), "add bob-ws");
+        ExpectDepot(admin.addWorkspace(workspace("alice"), "alice", folderPath("alice")), "add alice-ws");
+        ExpectDepot(admin.addWorkspace(workspace("bob"), "bob", folderPath("bob")), "add bob-ws");
     }
     m_bob = host::OpenRevisionServer(m_path, options);
 }
 
-QString DemoServer::Folder(const char* user) const
+QString DemoServer::folder(const char* user) const
 {
     return QDir(m_root + '/' + user).canonicalPath();
 }
 
-std::string DemoServer::FolderPath(const char* user) const
+std::string DemoServer::folderPath(const char* user) const
 {
-    return QFile::encodeName(Folder(user)).toStdString();
+    return QFile::encodeName(folder(user)).toStdString();
 }
 
-std::string DemoServer::Workspace(const char* user) const
+std::string DemoServer::workspace(const char* user) const
 {
-    return host::IsSubversionUrl(m_path) ? FolderPath(user) : std::string(user) + "-ws";
+    return host::IsSubversionUrl(m_path) ? folderPath(user) : std::string(user) + "-ws";
 }
 
-const std::string& DemoServer::BobTicket()
+const std::string& DemoServer::bobTicket()
 {
     if (m_bobTicket.empty())
-        ExpectDepot(m_bob->login("bob", "bob-pw", Workspace("bob"), m_bobTicket), "bob logs in");
+        ExpectDepot(m_bob->login("bob", "bob-pw", workspace("bob"), m_bobTicket), "bob logs in");
     return m_bobTicket;
 }
 
 int SeedSampleWorkspace(DemoServer& server)
 {
     std::string error;
-    const std::unique_ptr<host::Workspace> workspace = host::Workspace::Open(server.Folder("alice"), error);
+    const std::unique_ptr<host::Workspace> workspace = host::Workspace::Open(server.folder("alice"), error);
     Expect(bool(workspace), error);
     const std::vector<SampleAsset> assets = sampleAssets();
     for (const SampleAsset& sample : assets) {
@@ -112,16 +112,16 @@ int SeedSampleWorkspace(DemoServer& server)
     const host::SaveReport saved = workspace->Save();
     Expect(saved.Succeeded(), "cannot save the sample workspace: " + saved.DescribeFailures());
 
-    const std::unique_ptr<host::RevisionServer> alice = host::OpenRevisionServer(server.Path(), {});
+    const std::unique_ptr<host::RevisionServer> alice = host::OpenRevisionServer(server.path(), {});
     std::string ticket;
-    ExpectDepot(alice->login("alice", "alice-pw", server.Workspace("alice"), ticket), "alice logs in");
+    ExpectDepot(alice->login("alice", "alice-pw", server.workspace("alice"), ticket), "alice logs in");
     host::RevisionServer::Files files;
     for (const std::string& file : saved.writtenFiles)
         files.push_back(file);
     ExpectDepot(alice->add(ticket, files, ""), "alice adds the sample workspace");
     depot::ChangelistId submitted;
     ExpectDepot(alice->submit(ticket, "", "sample workspace", submitted), "alice submits the sample workspace");
-    ExpectDepot(server.Bob().sync(server.BobTicket(), {}), "bob syncs");
+    ExpectDepot(server.bob().sync(server.bobTicket(), {}), "bob syncs");
     return int(assets.size());
 }
 

@@ -36,15 +36,15 @@ public:
     DemoServer(const QString& root, const std::string& url = {});
 
     // The server setting: the depot file's path or the repository's URL.
-    const std::string& Path() const { return m_path; }
-    QString Folder(const char* user) const;
-    std::string FolderPath(const char* user) const;
+    const std::string& path() const { return m_path; }
+    QString folder(const char* user) const;
+    std::string folderPath(const char* user) const;
     // The workspace name a user logs in with.
-    std::string Workspace(const char* user) const;
+    std::string workspace(const char* user) const;
     // bob's own connection (another user, as from another machine).
-    host::RevisionServer& Bob() { return *m_bob; }
+    host::RevisionServer& bob() { return *m_bob; }
     // Logs bob in once; the ticket of his session.
-    const std::string& BobTicket();
+    const std::string& bobTicket();
 
 private:
     QString m_root;

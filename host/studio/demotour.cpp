@@ -67,7 +67,7 @@ class Tour
 public:
     Tour(QTextStream& out, const QString& shots, const std::string& server) : m_out(out), m_shots(shots), m_server(server) {}
 
-    int Run()
+    int run()
     {
         QTemporaryDir scratch;
         Expect(scratch.isValid(), "cannot create a scratch folder");
@@ -81,8 +81,8 @@ public:
         Log::Singleton::Instance().SetStderrEnabled(false);
         StudioSession session(scratch.filePath(QStringLiteral("preferences.ini")));
         std::string error;
-        Expect(session.Start(error), error);
-        session.StoreAccount({depot.Path(), "alice", depot.Workspace("alice"), {}});
+        Expect(session.start(error), error);
+        session.storeAccount({depot.path(), "alice", depot.workspace("alice"), {}});
         MainWindow window(session);
         window.show();
         m_window = &window;
@@ -105,7 +105,7 @@ public:
             shotOf(dialog, "tour-0-log-in.png");
             buttons->button(QDialogButtonBox::Ok)->click();
         });
-        Expect(window.openWorkspace(depot.Folder("alice")), "cannot open alice's workspace");
+        Expect(window.openWorkspace(depot.folder("alice")), "cannot open alice's workspace");
         Expect(login.answered(), "no Log In dialog appeared");
         waitForStatus();
         m_out << "  " << window.model().rowCount() << " assets in the browser; session: " << window.sessionState()
@@ -115,7 +115,7 @@ public:
         shotOf(window.statusBar(), "tour-1-status-bar.png");
 
         step(QStringLiteral("bob checks Rock out in his own workspace"));
-        ExpectDepot(depot.Bob().edit(depot.BobTicket(), {depot.FolderPath("bob") + "/Rock.kel"}, ""), "bob edits Rock");
+        ExpectDepot(depot.bob().edit(depot.bobTicket(), {depot.folderPath("bob") + "/Rock.kel"}, ""), "bob edits Rock");
         window.refreshStatus();
         waitForStatus();
         printStatus({"Rock"});
@@ -123,9 +123,9 @@ public:
 
         step(QStringLiteral("alice's settings: check out without asking, into her changelist \"look dev\""));
         std::string changelist;
-        Expect(session.Services().dataControl->CreateChangeList("look dev", changelist, error).IsSuccess(), error);
-        session.Settings()->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
-        session.Settings()->SetChangeListToUseWhenAutoCheckingOut(changelist);
+        Expect(session.services().dataControl->CreateChangeList("look dev", changelist, error).IsSuccess(), error);
+        session.settings()->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
+        session.settings()->SetChangeListToUseWhenAutoCheckingOut(changelist);
         m_out << "  pending changelist " << QString::fromStdString(changelist) << "\n";
 
         step(QStringLiteral("alice edits Rock's colour: the plug-in cannot check it out and names bob"));
@@ -185,12 +185,12 @@ public:
                       << ", " << pending.index(file, PendingChangesModel::AssetColumn, changelist).data().toString()
                       << ")\n";
         }
-        window.pendingChanges().view()->setCurrentIndex(pending.fileIndex(depot.FolderPath("alice") + "/Sky.kel"));
+        window.pendingChanges().view()->setCurrentIndex(pending.fileIndex(depot.folderPath("alice") + "/Sky.kel"));
         shot("tour-6-pending-changes.png");
 
         step(QStringLiteral("done"));
         m_out << "Status questions asked: " << m_statusAnswers << ", round trips for them: "
-              << window.model().statusQuery().RoundTrips() << "\n";
+              << window.model().statusQuery().roundTrips() << "\n";
         if (!m_written.isEmpty())
             m_out << "Pictures of the window:\n  " << m_written.join(QStringLiteral("\n  ")) << "\n";
         window.close();
@@ -206,7 +206,7 @@ private:
         QEventLoop loop;
         QObject::connect(m_window, &MainWindow::statusRefreshed, &loop, &QEventLoop::quit);
         QTimer::singleShot(20000, &loop, &QEventLoop::quit);
-        if (m_window->model().statusQuery().IsPending())
+        if (m_window->model().statusQuery().isPending())
             loop.exec();
         ++m_statusAnswers;
     }
@@ -216,14 +216,14 @@ private:
         QEventLoop loop;
         QObject::connect(&m_window->operations(), &RevisionOperations::busyChanged, &loop, &QEventLoop::quit);
         QTimer::singleShot(20000, &loop, &QEventLoop::quit);
-        if (m_window->operations().IsBusy())
+        if (m_window->operations().isBusy())
             loop.exec();
         waitForStatus();
     }
 
     KELHandle<kel4::IAsset> asset(const char* name) const
     {
-        const KELHandle<kel4::IAsset> found = m_session->CurrentWorkspace()->FindAsset(name);
+        const KELHandle<kel4::IAsset> found = m_session->currentWorkspace()->FindAsset(name);
         Expect(!found.IsNull(), std::string("no asset ") + name);
         return found;
     }
@@ -294,7 +294,7 @@ private:
 int RunTour(QTextStream& out, const QString& shotsFolder, const std::string& server)
 {
     try {
-        return Tour(out, shotsFolder, server).Run();
+        return Tour(out, shotsFolder, server).run();
     } catch (const std::exception& error) {
         out << "The tour stopped: " << error.what() << "\n";
         return 1;

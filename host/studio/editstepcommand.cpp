@@ -17,13 +17,13 @@ EditStepCommand::EditStepCommand(std::string name, host::Workspace& workspace, K
 bool EditStepCommand::DoAction()
 {
     if (!m_allowed) {
-        m_savedContent = m_workspace.Model().IsDirty(m_asset) ? std::string() : Content();
-        const bool readOnly = IsReadOnly();
+        m_savedContent = m_workspace.Model().IsDirty(m_asset) ? std::string() : content();
+        const bool readOnly = isReadOnly();
         if (!m_revisionControl.mayEdit())
             return false;
-        m_checkedOut = readOnly && IsCheckedOut();
+        m_checkedOut = readOnly && isCheckedOut();
         m_allowed = true;
-    } else if (m_checkedOut && !IsCheckedOut() && !m_revisionControl.checkOut()) {
+    } else if (m_checkedOut && !isCheckedOut() && !m_revisionControl.checkOut()) {
         return false;
     }
     return m_edit->DoAction();
@@ -33,20 +33,20 @@ bool EditStepCommand::UndoAction()
 {
     if (!m_edit->UndoAction())
         return false;
-    if (m_checkedOut && !m_savedContent.empty() && Content() == m_savedContent) {
-        m_workspace.Model().Store().SetDirty(AssetSlot(), false);
+    if (m_checkedOut && !m_savedContent.empty() && content() == m_savedContent) {
+        m_workspace.Model().Store().SetDirty(assetSlot(), false);
         m_revisionControl.handBackCheckOut();
     }
     return true;
 }
 
-bool EditStepCommand::IsReadOnly() const
+bool EditStepCommand::isReadOnly() const
 {
     kel4::IDataControl* data = m_revisionControl.dataControl;
     return data && data->IsReadOnly(m_asset, true, kel4::closureId::Persistence);
 }
 
-bool EditStepCommand::IsCheckedOut() const
+bool EditStepCommand::isCheckedOut() const
 {
     kel4::IDataControl* data = m_revisionControl.dataControl;
     kel4::List<unsigned> statuses;
@@ -55,16 +55,16 @@ bool EditStepCommand::IsCheckedOut() const
            !statuses.empty() && (statuses.front() & kel4::eStatusCheckedOut);
 }
 
-std::uint32_t EditStepCommand::AssetSlot() const
+std::uint32_t EditStepCommand::assetSlot() const
 {
     const host::DataModelMgr& model = m_workspace.Model();
     const std::uint32_t slot = model.SlotOf(m_asset);
     return slot == host::ObjectStore::kNoSlot ? slot : model.Store().OwnerOf(slot);
 }
 
-std::string EditStepCommand::Content() const
+std::string EditStepCommand::content() const
 {
-    const std::uint32_t slot = AssetSlot();
+    const std::uint32_t slot = assetSlot();
     if (slot == host::ObjectStore::kNoSlot)
         return {};
     const host::StoredAsset& stored = m_workspace.Model().Store().AssetAt(slot);

@@ -44,14 +44,14 @@ public:
     bool UndoAction() override;
 
     // The first run was allowed to make the edit (false: refused, nothing changed).
-    bool Allowed() const { return m_allowed; }
+    bool allowed() const { return m_allowed; }
 
 private:
-    bool IsCheckedOut() const;
-    bool IsReadOnly() const;
-    std::uint32_t AssetSlot() const;  // of the asset that holds m_asset
+    bool isCheckedOut() const;
+    bool isReadOnly() const;
+    std::uint32_t assetSlot() const;  // of the asset that holds m_asset
     // The asset's content as the save would write it; "" while it has edits beyond its record.
-    std::string Content() const;
+    std::string content() const;
 
     host::Workspace& m_workspace;
     KELHandle<kel4::IDbObject> m_asset;

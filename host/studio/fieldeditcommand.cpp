@@ -13,7 +13,7 @@ FieldEditCommand::FieldEditCommand(host::Workspace& workspace, KELHandle<kel4::I
     AddParam(nrk::fwk::StringParam("value", m_newValue));
 }
 
-bool FieldEditCommand::Apply(const std::string& value)
+bool FieldEditCommand::apply(const std::string& value)
 {
     if (m_field == kNameField)
         return bool(m_workspace.Rename(m_asset, value));

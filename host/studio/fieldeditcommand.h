@@ -22,11 +22,11 @@ public:
                      std::string oldValue, std::string newValue);
 
     const char* GetCommandIdentifier() const override { return "editAssetField"; }
-    bool DoAction() override { return Apply(m_newValue); }
-    bool UndoAction() override { return Apply(m_oldValue); }
+    bool DoAction() override { return apply(m_newValue); }
+    bool UndoAction() override { return apply(m_oldValue); }
 
 private:
-    bool Apply(const std::string& value);
+    bool apply(const std::string& value);
 
     host::Workspace& m_workspace;
     KELHandle<kel4::IDbObject> m_asset;

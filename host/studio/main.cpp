@@ -54,14 +54,14 @@ struct Options
 // --server, --user and --workspace-name update the stored account.
 void storeAccountOptions(const QCommandLineParser& parser, const Options& options, hbrc::studio::StudioSession& session)
 {
-    hbrc::studio::Account account = session.StoredAccount();
+    hbrc::studio::Account account = session.storedAccount();
     if (parser.isSet(options.server))
         account.server = parser.value(options.server).toStdString();
     if (parser.isSet(options.user))
         account.userName = parser.value(options.user).toStdString();
     if (parser.isSet(options.workspaceName))
         account.workspaceName = parser.value(options.workspaceName).toStdString();
-    session.StoreAccount(account);
+    session.storeAccount(account);
 }
 
 }  // namespace
@@ -120,7 +120,7 @@ int main(int argc, char** argv)
 
     hbrc::studio::StudioSession session(hbrc::host::PrefManager::DefaultFilePath());
     std::string error;
-    if (!session.Start(error)) {
+    if (!session.start(error)) {
         out << "Cannot start: " << QString::fromStdString(error) << "\n";
         return 1;
     }

@@ -1,91 +1,90 @@
 #include "mainwindow.h"
 
 #include "assetbrowser.h"
-#include "assetbrowsermodel.h"
-#include "changelistwork.h"
-#include "demodepot.h"
-#include "editstepcommand.h"
-#include "fieldeditcommand.h"
-#include "heldassets.h"
+#include "assetcommands.h"
+#include "assetdialogs.h"
+#include "assetedits.h"
 #include "logdock.h"
 #include "logindialog.h"
-#include "newassetdialog.h"
-#include "outsidehistory.h"
 #include "pendingchangespane.h"
 #include "propertypane.h"
 #include "revisionoperations.h"
 #include "sessioncontroller.h"
 #include "settingsdialog.h"
 #include "startpage.h"
+#include "statusrefreshpolicy.h"
+#include "studioactions.h"
 #include "studiosession.h"
-#include "unsavededits.h"
+#include "studiostatusbar.h"
 #include "windowlayout.h"
+#include "workspacecontroller.h"
 
 #include <hbrcdatamodel/workspace.h>
-#include <hbrcservices/userparameters.h>
 #include <kel4/irevisioncontroluihelper.h>
 #include <log/log.h>
 #include <nrk/signalling/iconnection.h>
 #include <qtextention/qfunctoraction.h>
-#include <qtextention/qhyperlink.h>
 #include <qtextention/qsplitterwithbutton.h>
 
 #include <QCloseEvent>
-#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
-#include <QInputDialog>
-#include <QLabel>
-#include <QMenu>
-#include <QMenuBar>
 #include <QMessageBox>
 #include <QStackedWidget>
 #include <QStandardPaths>
-#include <QStatusBar>
-#include <QTimer>
 #include <QTreeView>
-
-#include <set>
 
 namespace hbrc::studio {
 
 namespace {
 
-std::string toStd(const QString& text)
-{
-    return text.toStdString();
-}
-
-QString fromStd(const std::string& text)
-{
-    return QString::fromStdString(text);
-}
-
-constexpr int kMessageTimeoutMs = 5000;
 // The dark palette keeps Qt's default link blue (#0000ff), which reads at 1.13:1 on the dark
 // styles' window grey (68, 68, 68) where the start page and the status bar draw their links; this
 // light blue reads at 5.31:1 there (WCAG contrast ratio).
 constexpr QRgb kReadableLink = 0x8cc4ff;
-constexpr qint64 kActivationRefreshGapMs = 3000;
 
 }  // namespace
 
-MainWindow::MainWindow(StudioSession& session, QWidget* parent)
-    : QMainWindow(parent), m_session(session), m_model(std::make_unique<AssetBrowserModel>())
+MainWindow::MainWindow(StudioSession& session, QWidget* parent) : QMainWindow(parent), m_session(session)
 {
     setObjectName(QStringLiteral("TarnWindow"));
     setWindowTitle(tr("hbrc-studio"));
     QPalette readable = palette();
     readable.setColor(QPalette::Link, QColor(kReadableLink));
     setPalette(readable);
+    buildPanes();
+    buildControllers();
+    m_actions = new StudioActions(*this, m_session);
+    connect(m_statusBar, &StudioStatusBar::sessionClicked, m_actions, &StudioActions::offerSessionAction);
+    if (IRevisionControlPropertiesMgr* settings = m_session.settings()) {
+        nrk::signalling::IConnection* connection = nullptr;
+        settings->Connect_OnRevisionControlPropertiesChange(this, &connection);
+        m_settingsConnection.reset(connection);
+    }
+    m_start->setRecentWorkspaces(m_session.recentWorkspaces());
+    updateStatusBar();
+    updateActions();
+    resize(1100, 720);
+    WindowLayout::restore(*this, *m_splitter, *m_browser->view()->header(), m_session.host().Preferences());
+}
+
+MainWindow::~MainWindow()
+{
+    m_settingsConnection.reset();
+    m_properties->showAsset(nullptr, {}, {});
+    model().setWorkspace(nullptr);
+}
+
+void MainWindow::buildPanes()
+{
     m_pages = new QStackedWidget(this);
     m_start = new StartPage(m_pages);
     m_pages->addWidget(m_start);
     auto* splitter = new QSplitterWithButton(m_pages);
     m_splitter = splitter;
     splitter->setObjectName(QStringLiteral("workSplitter"));
-    m_browser = new AssetBrowser(*m_model, splitter);
+    m_browser = new AssetBrowser(splitter);
     m_properties = new PropertyPane(splitter);
     splitter->addWidget(m_browser);
     splitter->addWidget(m_properties);
@@ -96,177 +95,86 @@ MainWindow::MainWindow(StudioSession& session, QWidget* parent)
     m_log = new LogDock(this);
     addDockWidget(Qt::BottomDockWidgetArea, m_log);
     resizeDocks({m_log}, {140}, Qt::Vertical);
-    m_operations = std::make_unique<RevisionOperations>([this] { return serverAccount(); });
+    m_operations = std::make_unique<RevisionOperations>([this] { return m_session.sessionAccount(); });
     m_pending = new PendingChangesPane(*m_operations, this);
     addDockWidget(Qt::RightDockWidgetArea, m_pending);
     resizeDocks({m_pending}, {360}, Qt::Horizontal);
+    m_statusBar = new StudioStatusBar(this);
+    setStatusBar(m_statusBar);
+    splitter->setAnimated(true);
+
     connect(m_pending, &PendingChangesPane::message, this, &MainWindow::log);
-    connect(m_operations.get(), &RevisionOperations::finished, this, &MainWindow::afterOperation);
     connect(m_operations.get(), &RevisionOperations::workingChanged, this, &MainWindow::updateActions);
-
-    for (QLabel** label : {&m_serverLabel, &m_userLabel, &m_workspaceLabel}) {
-        *label = new QLabel(this);
-        statusBar()->addPermanentWidget(*label);
-    }
-    m_sessionLabel = new QHyperlink(QString(), this);
-    m_sessionLabel->setObjectName(QStringLiteral("sessionState"));
-    statusBar()->addPermanentWidget(m_sessionLabel);
-    connect(m_sessionLabel, &QHyperlink::clicked, this, &MainWindow::offerSessionAction);
-    m_sessionController = new SessionController(
-        m_session, [this](const LoginRequest& request) { return LoginDialog::ask(this, request); }, this);
-    connect(m_sessionController, &SessionController::stateChanged, this, &MainWindow::updateStatusBar);
-    connect(m_sessionController, &SessionController::message, this, &MainWindow::log);
-    buildMenus();
-
-    connect(m_start, &StartPage::openFolderRequested, this, &MainWindow::openFolder);
+        connect(m_start, &StartPage::openFolderRequested, this, &MainWindow::openFolder);
     connect(m_start, &StartPage::openRecentRequested, this, &MainWindow::openWorkspace);
     connect(m_start, &StartPage::createDemoRequested, this, &MainWindow::createDemoDepot);
     connect(m_browser, &AssetBrowser::currentAssetChanged, this, &MainWindow::showSelection);
     connect(m_properties, &PropertyPane::fieldEdited, this, &MainWindow::editField);
-    connect(m_model.get(), &AssetBrowserModel::statusRefreshed, this, &MainWindow::takeStatus);
-    connect(m_model.get(), &AssetBrowserModel::changesSeen, this, [](const QStringList& lines) {
+    connect(&model(), &AssetBrowserModel::statusRefreshed, this, &MainWindow::takeStatus);
+    connect(&model(), &AssetBrowserModel::changesSeen, this, [](const QStringList& lines) {
         for (const QString& line : lines)
-            Log::Singleton::Instance().Write(Log::eMessage, toStd(line));
+            Log::Singleton::Instance().Write(Log::eMessage, line.toStdString());
     });
-    splitter->setAnimated(true);
-    m_refreshTimer = new QTimer(this);
-    connect(m_refreshTimer, &QTimer::timeout, this, &MainWindow::refreshUnlessEditing);
-    applyRefreshInterval();
-
-    if (IRevisionControlPropertiesMgr* settings = m_session.Settings()) {
-        nrk::signalling::IConnection* connection = nullptr;
-        settings->Connect_OnRevisionControlPropertiesChange(this, &connection);
-        m_settingsConnection.reset(connection);
-    }
-    m_start->setRecentWorkspaces(m_session.RecentWorkspaces());
-    updateStatusBar();
-    updateActions();
-    resize(1100, 720);
-    WindowLayout::restore(*this, *splitter, *m_browser->view()->header(), m_session.Host().Preferences());
 }
 
-MainWindow::~MainWindow()
+void MainWindow::buildControllers()
 {
-    m_settingsConnection.reset();
-    m_properties->showAsset(nullptr, {}, {});
-    m_model->setWorkspace(nullptr);
-}
-
-QFunctorAction* MainWindow::addAction(QMenu* menu, const char* name, const QString& text, std::function<void()> run,
-                                      std::function<bool()> condition)
-{
-    auto* action = new QFunctorAction(text, std::move(run), this);
-    action->setObjectName(QString::fromLatin1(name));
-    if (condition)
-        action->setCondition(std::move(condition));
-    menu->addAction(action);
-    m_actions[action->objectName()] = action;
-    return action;
-}
-
-void MainWindow::buildMenus()
-{
-    auto open = [this] { return m_session.CurrentWorkspace() != nullptr; };
-    auto selection = [this] { return !selected().IsNull(); };
-    QMenu* file = menuBar()->addMenu(tr("&File"));
-    addAction(file, "openWorkspace", tr("&Open Workspace..."), [this] { openFolder(); })
-        ->setShortcut(QKeySequence::Open);
-    addAction(file, "newAsset", tr("&New Asset..."), [this] { newAsset(); }, open)->setShortcut(QKeySequence::New);
-    addAction(file, "deleteAsset", tr("&Delete Asset"), [this] { deleteAsset(); }, selection);
-    addAction(file, "renameAsset", tr("&Rename..."), [this] { renameAsset(); }, selection)
-        ->setShortcut(Qt::Key_F2);
-    addAction(file, "addExternalFile", tr("&Add External File..."), [this] { addExternalFile(); }, selection);
-    addAction(file, "removeExternalFile", tr("Re&move External File..."), [this] { removeExternalFile(); }, selection);
-    file->addSeparator();
-    addAction(file, "save", tr("&Save"), [this] { save(); }, open)->setShortcut(QKeySequence::Save);
-    addAction(file, "closeWorkspace", tr("&Close"), [this] {
-        if (askToKeepUnsaved())
-            closeWorkspace();
-    }, open);
-    file->addSeparator();
-    addAction(file, "quit", tr("&Quit"), [this] { close(); })->setShortcut(QKeySequence::Quit);
-
-    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-    addAction(edit, "undo", tr("&Undo"), [this] { undo(); }, [this] { return m_session.Host().Commands().CanUndo(); })
-        ->setShortcut(QKeySequence::Undo);
-    // A redo may check out again: not before the revert of an undone check-out has run.
-    addAction(edit, "redo", tr("&Redo"), [this] { redo(); },
-              [this] { return m_session.Host().Commands().CanRedo() && !m_operations->IsWorking(); })
-        ->setShortcut(QKeySequence::Redo);
-    edit->addSeparator();
-    addAction(edit, "find", tr("&Find"), [this] { m_browser->focusSearch(); }, open)->setShortcut(QKeySequence::Find);
-
-    QMenu* revision = menuBar()->addMenu(tr("&Revision Control"));
-    addAction(revision, "checkOut", tr("&Check Out"), [this] { checkOut(); }, selection);
-    addAction(revision, "makeWritable", tr("Make &Writable"), [this] { makeWritable(); }, selection);
-    addAction(revision, "markForAdd", tr("Mark for &Add"), [this] { markForAdd(); }, selection);
-    addAction(revision, "getLatest", tr("&Get Latest"), [this] { getLatest({selected()}); }, [this] {
-        const AssetStatus* status = m_model->statusAt(m_model->rowOf(selected()));
-        return status && status->behind;
+    m_sessionController = new SessionController(
+        m_session, [this](const LoginRequest& request) { return LoginDialog::ask(this, request); }, this);
+    m_workspaces = new WorkspaceController(m_session, *m_sessionController, this);
+    m_commands = new AssetCommands(m_session, *m_operations, model(), this);
+    m_edits = new AssetEdits(m_session, *m_sessionController, *m_commands, this);
+    m_dialogs = std::make_unique<AssetDialogs>(*this, m_session, *m_edits, *m_statusBar);
+    m_refresh = new StatusRefreshPolicy(m_session, model(), *m_operations, [this] { return m_commands->editing(); },
+                                        this);
+    connect(m_sessionController, &SessionController::stateChanged, this, &MainWindow::updateStatusBar);
+    connect(m_sessionController, &SessionController::message, this, &MainWindow::log);
+    connect(m_workspaces, &WorkspaceController::message, this, &MainWindow::log);
+    connect(m_commands, &AssetCommands::message, this, &MainWindow::log);
+    connect(m_edits, &AssetEdits::message, this, &MainWindow::log);
+    connect(m_workspaces, &WorkspaceController::aboutToLeave, this, [this] {
+        m_properties->showAsset(nullptr, {}, {});
+        model().setWorkspace(nullptr);
+        m_pending->setWorkspace(nullptr);
     });
-    addAction(revision, "getLatestAll", tr("Get Latest of A&ll Assets"), [this] { getLatest(assetsBehind()); },
-              [this] { return !assetsBehind().empty(); });
-    revision->addSeparator();
-    addAction(revision, "showFiles", tr("Show &Files"), [this] { showFiles(false); }, selection);
-    addAction(revision, "revealInFileBrowser", tr("Reveal in File &Browser"), [this] { showFiles(true); }, selection);
-    addAction(revision, "refreshStatus", tr("&Refresh Status"), [this] { refreshStatus(); }, open)
-        ->setShortcut(QKeySequence::Refresh);
-    revision->addSeparator();
-    addAction(revision, "logIn", tr("Log &In..."), [this] { m_sessionController->logIn(); },
-              [this] { return m_sessionController->hasServer(); });
-    addAction(revision, "logOut", tr("Log &Out"), [this] { m_sessionController->logOut(); },
-              [this] { return m_sessionController->hasSession(); });
-    addAction(revision, "turnRevisionControlOn", tr("Turn Revision Control &On"),
-              [this] { m_sessionController->turnRevisionControlOn(); },
-              [this] { return m_sessionController->hasServer() && !m_sessionController->revisionControlOn(); });
-    addAction(revision, "settings", tr("&Settings..."), [this] { showSettings(); });
-    for (QMenu* menu : {file, edit, revision})
-        connect(menu, &QMenu::aboutToShow, this, &MainWindow::updateActions);
-
-    // The asset commands also on a right click in the browser (the click makes the row current).
-    QTreeView* assets = m_browser->view();
-    assets->setContextMenuPolicy(Qt::ActionsContextMenu);
-    for (const char* name : {"checkOut", "makeWritable", "markForAdd", "getLatest", "", "showFiles",
-                             "revealInFileBrowser", "", "renameAsset", "deleteAsset"}) {
-        if (*name) {
-            assets->addAction(action(QString::fromLatin1(name)));
-            continue;
-        }
-        auto* separator = new QAction(assets);
-        separator->setSeparator(true);
-        assets->addAction(separator);
-    }
+    connect(m_workspaces, &WorkspaceController::opened, this, &MainWindow::showWorkspace);
+    connect(m_workspaces, &WorkspaceController::closed, this, [this] { showWorkspace(nullptr); });
+    connect(m_operations.get(), &RevisionOperations::finished, m_commands, &AssetCommands::takeOutcome);
+    connect(m_commands, &AssetCommands::assetsReread, this, &MainWindow::afterReread);
+    connect(m_commands, &AssetCommands::operationApplied, m_refresh, &StatusRefreshPolicy::askStatus);
+    connect(m_commands, &AssetCommands::changed, this, &MainWindow::afterChange);
+    connect(m_edits, &AssetEdits::changed, this, &MainWindow::afterChange);
+    connect(m_commands, &AssetCommands::historyNoted, m_properties, &PropertyPane::addHistory);
+    connect(m_edits, &AssetEdits::historyNoted, m_properties, &PropertyPane::addHistory);
+    connect(m_edits, &AssetEdits::editRefused, this, [this] {
+        m_properties->showValues();
+        refreshStatus();
+    });
 }
 
 QFunctorAction* MainWindow::action(const QString& name) const
 {
-    const auto found = m_actions.find(name);
-    return found == m_actions.end() ? nullptr : found->second;
+    return m_actions->action(name);
+}
+
+AssetBrowserModel& MainWindow::model() const
+{
+    return m_browser->model();
 }
 
 void MainWindow::updateActions()
 {
-    for (const auto& [name, action] : m_actions)
-        action->updateEnabled();
-    // Every step is an edit of the user's, named after it (EditStepCommand).
-    const nrk::fwk::ICommand* undo = m_session.Host().Commands().GetUndoCommand();
-    action(QStringLiteral("undo"))->setText(undo ? tr("&Undo %1").arg(fromStd(undo->GetName())) : tr("&Undo"));
-    const nrk::fwk::ICommand* redo = m_session.Host().Commands().GetRedoCommand();
-    action(QStringLiteral("redo"))->setText(redo ? tr("&Redo %1").arg(fromStd(redo->GetName())) : tr("&Redo"));
+    m_actions->update();
 }
 
 void MainWindow::updateStatusBar()
 {
-    const Account account = m_session.StoredAccount();
-    m_serverLabel->setText(tr("Server: %1").arg(account.server.empty() ? tr("none") : fromStd(account.server)));
-    m_userLabel->setText(tr("User: %1").arg(fromStd(account.userName)));
-    host::Workspace* workspace = m_session.CurrentWorkspace();
-    m_workspaceLabel->setText(tr("Workspace: %1").arg(workspace ? workspace->Root() : tr("none")));
-    m_sessionLabel->setLinkText(tr("Session: %1").arg(sessionState()));
+    host::Workspace* workspace = m_session.currentWorkspace();
+    m_statusBar->showSession(m_session.storedAccount(), workspace ? workspace->Root() : QString(), sessionState());
     const SessionState state = m_sessionController->state();
-    m_model->setStatusUnavailable(state == SessionState::RevisionControlOff || state == SessionState::NotLoggedIn
-                                      ? sessionState()
-                                      : QString());
+    model().setStatusUnavailable(state == SessionState::RevisionControlOff || state == SessionState::NotLoggedIn
+                                     ? sessionState()
+                                     : QString());
 }
 
 QString MainWindow::sessionState() const
@@ -274,135 +182,46 @@ QString MainWindow::sessionState() const
     return m_sessionController->stateText();
 }
 
-void MainWindow::offerSessionAction()
-{
-    static const std::map<SessionAction, const char*> kActions{
-        {SessionAction::LogIn, "logIn"},
-        {SessionAction::LogOut, "logOut"},
-        {SessionAction::TurnRevisionControlOn, "turnRevisionControlOn"},
-    };
-    auto* menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    const SessionAction fitting = m_sessionController->fittingAction();
-    if (const auto found = kActions.find(fitting); found != kActions.end())
-        menu->addAction(action(QString::fromLatin1(found->second)));
-    else if (fitting == SessionAction::Retry)
-        connect(menu->addAction(tr("&Retry")), &QAction::triggered, this, [this] {
-            m_sessionController->retry();
-            refreshStatus();
-        });
-    if (menu->isEmpty()) {
-        delete menu;
-        return;
-    }
-    updateActions();
-    menu->popup(m_sessionLabel->mapToGlobal(QPoint(0, 0)));
-}
-
 // Each outcome also shows in the status bar for a while, so that it replaces an earlier step's.
 void MainWindow::log(int level, const QString& text)
 {
-    Log::Singleton::Instance().Write(level, toStd(text));
-    statusBar()->showMessage(text, kMessageTimeoutMs);
+    Log::Singleton::Instance().Write(level, text.toStdString());
+    m_statusBar->showBriefly(text);
 }
 
 bool MainWindow::openWorkspace(const QString& folder)
 {
-    if (m_session.CurrentWorkspace() && !askToKeepUnsaved())
+    if (m_session.currentWorkspace() && !askToKeepUnsaved())
         return false;
-    m_properties->showAsset(nullptr, {}, {});
-    m_model->setWorkspace(nullptr);
-    std::string error;
-    host::Workspace* workspace = m_session.Open(folder, error);
-    if (!workspace) {
-        log(Log::eError, tr("Cannot open the workspace %1: %2").arg(folder, fromStd(error)));
-        return false;
-    }
-    m_sessionController->workspaceOpened();
-    m_model->setWorkspace(workspace);
-    m_pending->setWorkspace(workspace);
-    m_pages->setCurrentIndex(1);
-    setWindowTitle(tr("%1 - hbrc-studio").arg(QFileInfo(workspace->Root()).fileName()));
-    updateStatusBar();
-    updateActions();
-    refreshStatus();
-    return true;
+    return m_workspaces->open(folder);
 }
 
 void MainWindow::closeWorkspace()
 {
-    m_properties->showAsset(nullptr, {}, {});
-    m_model->setWorkspace(nullptr);
-    m_pending->setWorkspace(nullptr);
-    m_session.Close();
-    m_sessionController->workspaceClosed();
-    m_session.Host().Commands().Clear();
-    m_pages->setCurrentIndex(0);
-    m_start->setRecentWorkspaces(m_session.RecentWorkspaces());
-    setWindowTitle(tr("hbrc-studio"));
+    m_workspaces->close();
+}
+
+// The open workspace (null: none, the start page) in the panes, the title and the status bar.
+void MainWindow::showWorkspace(host::Workspace* workspace)
+{
+    if (workspace) {
+        model().setWorkspace(workspace);
+        m_pending->setWorkspace(workspace);
+    } else {
+        m_start->setRecentWorkspaces(m_session.recentWorkspaces());
+    }
+    m_pages->setCurrentIndex(workspace ? 1 : 0);
+    setWindowTitle(workspace ? tr("%1 - hbrc-studio").arg(QFileInfo(workspace->Root()).fileName())
+                             : tr("hbrc-studio"));
     updateStatusBar();
     updateActions();
+    if (workspace)
+        refreshStatus();
 }
 
 void MainWindow::refreshStatus()
 {
-    askStatus();
-    m_pending->refresh();
-}
-
-ServerAccount MainWindow::serverAccount() const
-{
-    const host::RevisionControlServices& services = m_session.Services();
-    if (!services.dataControl)
-        return {};
-    const Account account = m_session.StoredAccount();
-    return {services.connection->Server(),
-            host::UserParameters::TicketOf(services.dataControl->GetUserParameters().Get()), account.userName,
-            account.password, account.workspaceName};
-}
-
-void MainWindow::askStatus()
-{
-    if (!m_session.CurrentWorkspace() || !m_session.Services().dataControl)
-        return;
-    m_lastRefresh.start();
-    m_model->refreshStatus(serverAccount());
-}
-
-void MainWindow::afterOperation(const OperationOutcome& outcome)
-{
-    if (outcome.what.isEmpty())
-        return;  // a refresh of the pane: the status question runs beside it
-    if (outcome.result.ok())
-        log(Log::eMessage, outcome.done);
-    else
-        log(Log::eError, tr("%1 refused: %2").arg(outcome.what, fromStd(outcome.result.error)));
-    if (!m_session.CurrentWorkspace())
-        return;
-    if (m_session.Services().connection)
-        m_session.Services().connection->Cache().Invalidate();
-    reloadFromDisk(outcome.changedOnDisk);
-    askStatus();
-}
-
-// Only assets without unsaved edits are read again (the workspace refuses the others): what the
-// user edited stays in memory.
-void MainWindow::reloadFromDisk(const std::vector<std::string>& files)
-{
-    host::Workspace* workspace = m_session.CurrentWorkspace();
-    if (files.empty())
-        return;
-    std::set<std::string> done;
-    for (const KELHandle<kel4::IAsset>& asset : workspace->Model().AssetsOwningFiles({files.begin(), files.end()})) {
-        if (asset.IsNull() || !done.insert(asset.GetName()).second)
-            continue;
-        if (const host::EditResult read = workspace->ReloadFromDisk(asset); !read)
-            log(Log::eWarning, tr("%1 was not read again: %2").arg(fromStd(asset.GetName()), fromStd(read.error)));
-    }
-    const KELHandle<kel4::IDbObject> current = selected();
-    m_model->reload();
-    m_browser->selectAsset(current);
-    m_properties->showValues();
+    m_refresh->refresh();
 }
 
 void MainWindow::takeStatus(const StatusAnswer& answer)
@@ -417,28 +236,10 @@ void MainWindow::takeStatus(const StatusAnswer& answer)
     emit statusRefreshed();
 }
 
-// An edit's check-out asks in a dialog of its own; the edit refreshes when it is done.
-void MainWindow::refreshUnlessEditing()
-{
-    if (!m_editing)
-        refreshStatus();
-}
-
-void MainWindow::applyRefreshInterval()
-{
-    const int seconds = m_session.StatusRefreshSeconds();
-    if (seconds > 0)
-        m_refreshTimer->start(std::chrono::seconds(seconds));
-    else
-        m_refreshTimer->stop();
-}
-
 void MainWindow::changeEvent(QEvent* event)
 {
-    // Back from another application: what others did meanwhile shows, unless it was just asked.
-    if (event->type() == QEvent::ActivationChange && isActiveWindow() &&
-        (!m_lastRefresh.isValid() || m_lastRefresh.hasExpired(kActivationRefreshGapMs)))
-        refreshUnlessEditing();
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        m_refresh->windowActivated();
     QMainWindow::changeEvent(event);
 }
 
@@ -451,326 +252,58 @@ void MainWindow::showSelection()
 {
     const KELHandle<kel4::IDbObject> asset = selected();
     QStringList files;
-    if (!asset.IsNull() && m_session.Helper())
-        m_session.Helper()->GetObjectFiles(asset, files);
+    if (!asset.IsNull() && m_session.helper())
+        m_session.helper()->GetObjectFiles(asset, files);
     if (asset != m_properties->asset())
-        m_properties->showAsset(m_session.CurrentWorkspace(), asset, files);
+        m_properties->showAsset(m_session.currentWorkspace(), asset, files);
     else
         m_properties->showValues();
     updateActions();
+}
+
+void MainWindow::afterReread()
+{
+    const KELHandle<kel4::IDbObject> current = selected();
+    model().reload();
+    m_browser->selectAsset(current);
+    m_properties->showValues();
 }
 
 void MainWindow::afterChange()
 {
-    const KELHandle<kel4::IDbObject> asset = selected();
-    m_model->reload();
-    m_browser->selectAsset(asset);
-    m_properties->showValues();
+    afterReread();
     updateActions();
     refreshStatus();
 }
 
-bool MainWindow::mayEdit(const KELHandle<kel4::IDbObject>& asset, const QString& what)
-{
-    if (m_editing)
-        return false;
-    m_editing = true;
-    const bool allowed = RunOutsideHistory(m_session.Host().Commands(), [&] {
-        return m_session.Helper()->CanEditObjects({asset}, true, true, toStd(what));
-    });
-    m_editing = false;
-    if (!allowed) {
-        m_properties->addHistory(asset, tr("refused: %1").arg(what));
-        log(Log::eWarning, tr("Refused: %1").arg(what));
-    }
-    return allowed;
-}
-
 bool MainWindow::editField(const QString& field, const QString& oldValue, const QString& newValue)
 {
-    const KELHandle<kel4::IDbObject> asset = m_properties->asset();
-    host::Workspace* workspace = m_session.CurrentWorkspace();
-    if (asset.IsNull() || !workspace || m_editing)
-        return false;
-    const QString name = fromStd(asset.GetName());
-    const QString what = tr("%1 of %2: %3 -> %4").arg(field, name, oldValue, newValue);
-    const QString step = field == QLatin1String(FieldEditCommand::kNameField) ? tr("Rename %1").arg(name)
-                                                                               : tr("Edit %1 of %2").arg(field, name);
-    EditStepCommand::RevisionControl revisionControl;
-    revisionControl.dataControl = m_session.Services().dataControl.Get();
-    revisionControl.mayEdit = [this, asset, what] { return mayEdit(asset, what); };
-    revisionControl.checkOut = [this, asset] {
-        bool cancelled = false;
-        return m_session.Helper()->CheckOutObject(asset, cancelled, true);
-    };
-    revisionControl.handBackCheckOut = [this, asset] { revertCheckOut(asset); };
-    const KELPtr<nrk::fwk::ICommand> edit(
-        new FieldEditCommand(*workspace, asset, toStd(field), toStd(oldValue), toStd(newValue)));
-    const KELPtr<EditStepCommand> command(
-        new EditStepCommand(toStd(step), *workspace, asset, edit, std::move(revisionControl)));
-    const bool done = m_session.Host().Commands().ExecuteCommand(command.Get(), true);
-    if (!command->Allowed()) {
-        m_properties->showValues();
-        refreshStatus();
-        return false;
-    }
-    m_properties->addHistory(asset, done ? what : tr("failed: %1").arg(what));
-    log(done ? Log::eMessage : Log::eError, done ? tr("Edited %1").arg(what) : tr("Cannot edit %1").arg(what));
-    afterChange();
-    return done;
+    return m_edits->editField(m_properties->asset(), field, oldValue, newValue);
 }
 
 bool MainWindow::save()
 {
-    host::Workspace* workspace = m_session.CurrentWorkspace();
-    if (!workspace)
-        return false;
-    // With revision control off the save offers to make read-only files writable without naming
-    // who holds them. Naming them first protects their work best without overriding the user's
-    // own choice to work without revision control: a writable copy changes nothing on the server,
-    // where their check-out or lock still stands, and the user now knows whom to ask before they
-    // turn revision control on (which would make the save check the files out instead).
-    if (!m_sessionController->revisionControlOn())
-        for (const QString& held : HeldAssets::describe(*workspace, m_session.Services()))
-            log(Log::eWarning, held);
-    host::SaveReport report;
-    RunOutsideHistory(m_session.Host().Commands(), [&] {
-        report = workspace->Save();
-        return true;
-    });
-    if (report.Succeeded())
-        log(Log::eMessage, tr("Saved %n file(s)", nullptr, int(report.writtenFiles.size())));
-    else if (report.cancelled)
-        log(Log::eWarning, whySaveWasCancelled());
-    else
-        log(Log::eError, tr("The save did not complete: %1").arg(fromStd(report.DescribeFailures())));
-    afterChange();
-    return report.Succeeded();
+    return m_edits->save();
 }
 
-// The plug-in cancels a save when the files of assets to save stay read-only: their check-out was
-// refused or cancelled. Nothing was written, so those files are read-only still.
-QString MainWindow::whySaveWasCancelled() const
+bool MainWindow::newAsset(const QString& name)
 {
-    QStringList readOnly;
-    const host::DataModelMgr& model = m_session.CurrentWorkspace()->Model();
-    if (kel4::IDataControl* data = m_session.Services().dataControl.Get()) {
-        for (std::uint32_t slot : model.Store().DirtyAssets()) {
-            const KELHandle<kel4::IDbObject> asset = model.HandleOf(slot);
-            if (data->IsReadOnly(asset, true, kel4::closureId::Persistence))
-                readOnly << fromStd(asset.GetName());
-        }
-    }
-    if (readOnly.isEmpty())
-        return tr("The save was cancelled; the edits stay in memory");
-    return tr("The save was cancelled: the check-out of %1 was cancelled; the edits stay in memory")
-        .arg(readOnly.join(QStringLiteral(", ")));
-}
-
-bool MainWindow::newAsset(const QString& givenName)
-{
-    host::Workspace* workspace = m_session.CurrentWorkspace();
-    if (!workspace)
+    const KELHandle<kel4::IAsset> created = m_dialogs->newAsset(name);
+    if (created.IsNull())
         return false;
-    host::NewAsset asset = NewAssetOfKind(toStd(givenName), host::AssetKind::Metadata);
-    if (givenName.isEmpty()) {
-        NewAssetDialog dialog(workspace->Model(), this);
-        if (dialog.exec() != QDialog::Accepted)
-            return false;
-        asset = dialog.asset();
-    }
-    const QString name = fromStd(asset.name);
-    std::string error;
-    const KELHandle<kel4::IAsset> created = workspace->CreateAsset(asset, error);
-    if (created.IsNull()) {
-        log(Log::eError, tr("Cannot create %1: %2").arg(name, fromStd(error)));
-        return false;
-    }
-    log(Log::eMessage, tr("Created %1 (saved with the next save)").arg(name));
-    m_model->reload();
+    model().reload();
     m_browser->selectAsset(created);
     afterChange();
     return true;
 }
 
-void MainWindow::deleteAsset()
-{
-    const KELHandle<kel4::IDbObject> asset = selected();
-    const QString name = fromStd(asset.GetName());
-    if (QMessageBox::question(this, tr("Delete Asset"), tr("Delete %1? The next save removes its files.").arg(name)) !=
-            QMessageBox::Yes ||
-        !mayEdit(asset, tr("delete %1").arg(name)))
-        return;
-    const host::EditResult deleted = m_session.CurrentWorkspace()->DeleteAsset(asset);
-    log(deleted ? Log::eMessage : Log::eError, deleted ? tr("Deleted %1").arg(name) : fromStd(deleted.error));
-    afterChange();
-}
-
-void MainWindow::renameAsset()
-{
-    const KELHandle<kel4::IDbObject> asset = selected();
-    const QString old = fromStd(asset.GetName());
-    bool ok = false;
-    const QString name = QInputDialog::getText(this, tr("Rename"), tr("New name:"), QLineEdit::Normal, old, &ok).trimmed();
-    if (ok && !name.isEmpty() && name != old)
-        editField(QString::fromLatin1(FieldEditCommand::kNameField), old, name);
-}
-
-void MainWindow::addExternalFile()
-{
-    const KELHandle<kel4::IDbObject> asset = selected();
-    const QString path = QFileDialog::getOpenFileName(this, tr("Add External File"));
-    if (path.isEmpty())
-        return;
-    QFile source(path);
-    if (!source.open(QIODevice::ReadOnly)) {
-        log(Log::eError, tr("Cannot read %1").arg(path));
-        return;
-    }
-    const QString fileName = QFileInfo(path).fileName();
-    if (!mayEdit(asset, tr("add %1 to %2").arg(fileName, fromStd(asset.GetName()))))
-        return;
-    const host::EditResult added = m_session.CurrentWorkspace()->AddExternalFile(asset, toStd(fileName), source.readAll());
-    log(added ? Log::eMessage : Log::eError, added ? tr("Added %1").arg(fileName) : fromStd(added.error));
-    afterChange();
-}
-
-void MainWindow::removeExternalFile()
-{
-    const KELHandle<kel4::IDbObject> asset = selected();
-    host::DataModelMgr& model = m_session.CurrentWorkspace()->Model();
-    QStringList names;
-    for (const std::string& name : model.Store().AssetAt(model.SlotOf(asset)).record.externalFiles)
-        names << fromStd(name);
-    if (names.isEmpty()) {
-        statusBar()->showMessage(tr("%1 has no external file").arg(fromStd(asset.GetName())), kMessageTimeoutMs);
-        return;
-    }
-    bool ok = false;
-    const QString name = QInputDialog::getItem(this, tr("Remove External File"), tr("File:"), names, 0, false, &ok);
-    if (!ok || !mayEdit(asset, tr("remove %1 from %2").arg(name, fromStd(asset.GetName()))))
-        return;
-    const host::EditResult removed = m_session.CurrentWorkspace()->RemoveExternalFile(asset, toStd(name));
-    log(removed ? Log::eMessage : Log::eError, removed ? tr("Removed %1").arg(name) : fromStd(removed.error));
-    afterChange();
-}
-
-void MainWindow::undo()
-{
-    const nrk::fwk::ICommand* step = m_session.Host().Commands().GetUndoCommand();
-    const QString name = step ? fromStd(step->GetName()) : QString();
-    if (m_session.Host().Commands().Undo())
-        log(Log::eMessage, tr("Undid %1").arg(name));
-    afterChange();
-}
-
-void MainWindow::redo()
-{
-    const nrk::fwk::ICommand* step = m_session.Host().Commands().GetRedoCommand();
-    const QString name = step ? fromStd(step->GetName()) : QString();
-    if (m_session.Host().Commands().Redo())
-        log(Log::eMessage, tr("Redid %1").arg(name));
-    else
-        log(Log::eWarning, tr("Cannot redo %1").arg(name));
-    afterChange();
-}
-
-// The edit is undone and the asset holds what its file holds: the server reverts the check-out
-// unless the file changed (a save since). The revert runs behind the operations asked before it.
-void MainWindow::revertCheckOut(const KELHandle<kel4::IDbObject>& asset)
-{
-    const kel4::Set<std::string> files =
-        m_session.CurrentWorkspace()->Model().FilesOf(asset, true, kel4::closureId::Persistence);
-    m_operations->Run(tr("Revert"),
-                      ChangelistWork::RevertUnchangedCheckOut({files.begin(), files.end()}, fromStd(asset.GetName())));
-}
-
-void MainWindow::checkOut()
-{
-    const KELHandle<kel4::IDbObject> asset = selected();
-    if (RunOutsideHistory(m_session.Host().Commands(), [&] {
-            bool cancelled = false;
-            return m_session.Helper()->CheckOutObject(asset, cancelled, true);
-        }))
-        log(Log::eMessage, tr("Checked out %1").arg(fromStd(asset.GetName())));
-    afterChange();
-}
-
-void MainWindow::makeWritable()
-{
-    const KELHandle<kel4::IDbObject> asset = selected();
-    if (RunOutsideHistory(m_session.Host().Commands(),
-                          [&] { return m_session.Helper()->MakeObjectWritable(asset, true); }))
-        log(Log::eMessage, tr("Made %1 writable").arg(fromStd(asset.GetName())));
-    afterChange();
-}
-
-void MainWindow::markForAdd()
-{
-    const KELHandle<kel4::IDbObject> asset = selected();
-    const host::DataModelMgr& model = m_session.CurrentWorkspace()->Model();
-    if (!model.Store().AssetAt(model.SlotOf(asset)).IsOnDisk()) {
-        // Nothing to add yet: the save writes its files and its post-save hook marks them for add.
-        log(Log::eMessage, tr("%1 is not saved yet: the next save marks it for add").arg(fromStd(asset.GetName())));
-        return;
-    }
-    std::string changelist, error;
-    if (IRevisionControlPropertiesMgr* settings = m_session.Settings())
-        settings->GetChangeListToUseWhenAutoCheckingOut(changelist);
-    const kelResult result = m_session.Services().dataControl->MarkForAdd({asset}, true, kel4::closureId::Persistence,
-                                                                          changelist, error);
-    if (result.IsSuccess())
-        log(Log::eMessage, tr("Marked %1 for add").arg(fromStd(asset.GetName())));
-    else
-        log(Log::eError, tr("Cannot mark %1 for add: %2").arg(fromStd(asset.GetName()), fromStd(error)));
-    afterChange();
-}
-
-void MainWindow::getLatest(const std::vector<KELHandle<kel4::IDbObject>>& assets)
-{
-    const host::DataModelMgr& model = m_session.CurrentWorkspace()->Model();
-    std::vector<std::string> files;
-    for (const KELHandle<kel4::IDbObject>& asset : assets) {
-        const kel4::Set<std::string> own = model.FilesOf(asset, true, kel4::closureId::Persistence);
-        files.insert(files.end(), own.begin(), own.end());
-    }
-    UnsavedEditsSplit split = SplitByUnsavedEdits(model, files);
-    if (!split.blocking.isEmpty())
-        log(Log::eWarning, tr("Not brought up to date because of unsaved edits: %1. Save or undo them first.")
-                               .arg(split.blocking.join(QStringLiteral(", "))));
-    if (split.free.empty())
-        return;
-    QStringList names;
-    for (const KELHandle<kel4::IDbObject>& asset : assets)
-        if (const QString name = fromStd(asset.GetName()); !split.blocking.contains(name))
-            names << name;
-    constexpr int kNamesShown = 5;
-    const QString what = names.size() <= kNamesShown ? names.join(QStringLiteral(", "))
-                                                     : tr("%n asset(s)", nullptr, int(names.size()));
-    m_operations->Run(tr("Get Latest"), ChangelistWork::GetLatest(std::move(split.free), what));
-}
-
-std::vector<KELHandle<kel4::IDbObject>> MainWindow::assetsBehind() const
-{
-    std::vector<KELHandle<kel4::IDbObject>> behind;
-    for (int row = 0; row < m_model->rowCount(); ++row)
-        if (const AssetStatus* status = m_model->statusAt(row); status && status->behind)
-            behind.push_back(m_model->assetAt(row));
-    return behind;
-}
-
-void MainWindow::showFiles(bool inFileBrowser)
-{
-    m_session.Helper()->ShowObjectFiles(selected(), inFileBrowser);
-}
-
 void MainWindow::showSettings()
 {
-    if (IRevisionControlPropertiesMgr* settings = m_session.Settings()) {
+    if (IRevisionControlPropertiesMgr* settings = m_session.settings()) {
         const bool wasOn = m_sessionController->revisionControlOn();
         SettingsDialog dialog(*settings, m_session, this);
         dialog.exec();
-        applyRefreshInterval();
+        m_refresh->applyInterval();
         m_sessionController->revisionControlChosen(wasOn);
     }
 }
@@ -789,23 +322,13 @@ void MainWindow::openFolder()
 
 void MainWindow::createDemoDepot()
 {
-    const QString parent = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    try {
-        std::unique_ptr<DemoServer> server;
-        const QString folder = CreateDemoDepot(parent, server);
-        m_session.StoreAccount({server->Path(), "alice", server->Workspace("alice"), {}});
-        m_session.SetPassword("alice-pw");
-        log(Log::eMessage, tr("Created a demo depot in %1 (users alice and bob, passwords alice-pw and bob-pw)")
-                               .arg(folder));
-        openWorkspace(server->Folder("alice"));
-    } catch (const DemoError& error) {
-        log(Log::eError, tr("Cannot create a demo depot: %1").arg(QString::fromUtf8(error.what())));
-    }
+    if (!m_session.currentWorkspace() || askToKeepUnsaved())
+        m_workspaces->openNewDemo(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
 }
 
 bool MainWindow::askToKeepUnsaved()
 {
-    host::Workspace* workspace = m_session.CurrentWorkspace();
+    host::Workspace* workspace = m_session.currentWorkspace();
     if (!workspace || !workspace->HasUnsavedChanges())
         return true;
     const QMessageBox::StandardButton answer =
@@ -822,7 +345,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
-    WindowLayout::save(*this, *m_splitter, *m_browser->view()->header(), m_session.Host().Preferences());
+    WindowLayout::save(*this, *m_splitter, *m_browser->view()->header(), m_session.host().Preferences());
     event->accept();
 }
 

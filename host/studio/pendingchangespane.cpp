@@ -3,7 +3,6 @@
 #include "changelistwork.h"
 #include "descriptiondialog.h"
 #include "revisionoperations.h"
-#include "unsavededits.h"
 
 #include <hbrcdatamodel/workspace.h>
 #include <log/log.h>
@@ -143,7 +142,7 @@ void PendingChangesPane::updateCommands()
 
 bool PendingChangesPane::idle() const
 {
-    return m_workspace && !m_operations.IsWorking();
+    return m_workspace && !m_operations.isWorking();
 }
 
 void PendingChangesPane::setWorkspace(host::Workspace* workspace)
@@ -156,7 +155,7 @@ void PendingChangesPane::setWorkspace(host::Workspace* workspace)
 void PendingChangesPane::refresh()
 {
     if (m_workspace)
-        m_operations.RefreshPending();
+        m_operations.refreshPending();
 }
 
 void PendingChangesPane::takeOutcome(const OperationOutcome& outcome)
@@ -198,11 +197,13 @@ std::vector<std::string> PendingChangesPane::selectedFiles() const
     return files;
 }
 
-void PendingChangesPane::warnUnsaved(const QStringList& assets)
+UnsavedEdits::Verdict PendingChangesPane::checkUnsaved(UnsavedEdits::Rewrite rewrite,
+                                                     const std::vector<std::string>& files)
 {
-    if (!assets.isEmpty())
-        emit message(Log::eWarning, tr("Not reverted: %1 has unsaved edits. Save or undo them first.")
-                                        .arg(assets.join(QStringLiteral(", "))));
+    UnsavedEdits::Verdict verdict = UnsavedEdits::check(m_workspace->Model(), rewrite, files);
+    if (!verdict.warning.isEmpty())
+        emit message(Log::eWarning, verdict.warning);
+    return verdict;
 }
 
 QStringList PendingChangesPane::fileNames(const std::vector<std::string>& files) const
@@ -235,23 +236,19 @@ void PendingChangesPane::submit()
                                QString::fromStdString(list->changelist.description), fileNames(checked));
     if (description.isEmpty())
         return;
-    m_operations.Run(tr("Submit"), ChangelistWork::Submit(ChangelistWork::PlanSubmit(*list, checked),
+    m_operations.run(tr("Submit"), ChangelistWork::submit(ChangelistWork::planSubmit(*list, checked),
                                                           description.toStdString()));
 }
 
-// Revert asks once for all the checked files, so one asset with unsaved edits holds back all of
-// them; Revert Unchanged asks nothing and acts on the others.
 void PendingChangesPane::revert()
 {
     const std::vector<std::string> files = m_model.checkedFiles();
     if (files.empty())
         return;
-    if (const UnsavedEditsSplit split = SplitByUnsavedEdits(m_workspace->Model(), files); !split.blocking.isEmpty()) {
-        warnUnsaved(split.blocking);
+    if (checkUnsaved(UnsavedEdits::Rewrite::Revert, files).files.empty())
         return;
-    }
     if (confirmRevert(files))
-        m_operations.Run(tr("Revert"), ChangelistWork::Revert(files));
+        m_operations.run(tr("Revert"), ChangelistWork::revert(files));
 }
 
 void PendingChangesPane::revertUnchanged()
@@ -262,10 +259,9 @@ void PendingChangesPane::revertUnchanged()
             for (const depot::OpenedFile& file : list.files)
                 files.push_back(file.localPath);
     }
-    const UnsavedEditsSplit split = SplitByUnsavedEdits(m_workspace->Model(), files);
-    warnUnsaved(split.blocking);
-    if (!split.free.empty())
-        m_operations.Run(tr("Revert Unchanged"), ChangelistWork::RevertUnchanged(split.free));
+    UnsavedEdits::Verdict verdict = checkUnsaved(UnsavedEdits::Rewrite::RevertUnchanged, files);
+    if (!verdict.files.empty())
+        m_operations.run(tr("Revert Unchanged"), ChangelistWork::revertUnchanged(std::move(verdict.files)));
 }
 
 void PendingChangesPane::newChangelist()
@@ -275,7 +271,7 @@ void PendingChangesPane::newChangelist()
 
 void PendingChangesPane::deleteChangelist()
 {
-    m_operations.Run(tr("Delete Changelist"), ChangelistWork::DeleteChangelist(currentChangelist()));
+    m_operations.run(tr("Delete Changelist"), ChangelistWork::deleteChangelist(currentChangelist()));
 }
 
 void PendingChangesPane::editDescription()
@@ -286,8 +282,8 @@ void PendingChangesPane::editDescription()
     const QString description = DescriptionDialog::ask(this, tr("Edit Description"), tr("Description:"),
                                                        QString::fromStdString(list->changelist.description));
     if (!description.isEmpty())
-        m_operations.Run(tr("Edit Description"),
-                         ChangelistWork::SetDescription(list->changelist.id, description.toStdString()));
+        m_operations.run(tr("Edit Description"),
+                         ChangelistWork::setDescription(list->changelist.id, description.toStdString()));
 }
 
 void PendingChangesPane::fillMoveMenu(QMenu& menu)
@@ -315,14 +311,14 @@ void PendingChangesPane::fillMoveMenu(QMenu& menu)
 
 void PendingChangesPane::moveFiles(const std::vector<std::string>& files, const std::string& changelist)
 {
-    m_operations.Run(tr("Move to Changelist"), ChangelistWork::Reopen(files, changelist));
+    m_operations.run(tr("Move to Changelist"), ChangelistWork::reopen(files, changelist));
 }
 
 void PendingChangesPane::moveToNewChangelist(const std::vector<std::string>& files)
 {
     const QString description = DescriptionDialog::ask(this, tr("New Changelist"), tr("Description:"), {});
     if (!description.isEmpty())
-        m_operations.Run(tr("New Changelist"), ChangelistWork::NewChangelist(description.toStdString(), files));
+        m_operations.run(tr("New Changelist"), ChangelistWork::newChangelist(description.toStdString(), files));
 }
 
 }  // namespace hbrc::studio

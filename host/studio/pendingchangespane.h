@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pendingchangesmodel.h"
+#include "unsavededits.h"
 
 #include <QDockWidget>
 
@@ -61,8 +62,8 @@ private:
     bool idle() const;
     std::string currentChangelist() const;
     std::vector<std::string> selectedFiles() const;
-    // Names in the log the assets whose files a revert leaves alone for their unsaved edits.
-    void warnUnsaved(const QStringList& assets);
+    // What unsaved edits leave to the revert; names in the log the assets they hold back.
+    UnsavedEdits::Verdict checkUnsaved(UnsavedEdits::Rewrite rewrite, const std::vector<std::string>& files);
     QStringList fileNames(const std::vector<std::string>& files) const;
     bool confirmRevert(const std::vector<std::string>& files);
 

@@ -16,9 +16,9 @@ RevisionOperations::RevisionOperations(AccountSource account, QObject* parent)
         m_queue.pop_front();
         // Still busy while the outcome is delivered: an operation its receivers ask for queues.
         emit finished(outcome);
-        UpdateWorking();
+        updateWorking();
         if (!m_queue.empty()) {
-            StartNext();
+            startNext();
             return;
         }
         m_running = false;
@@ -31,25 +31,25 @@ RevisionOperations::~RevisionOperations()
     m_watcher.waitForFinished();
 }
 
-void RevisionOperations::Run(const QString& what, Work work)
+void RevisionOperations::run(const QString& what, Work work)
 {
     m_queue.push_back({m_account(), what, std::move(work)});
-    UpdateWorking();
+    updateWorking();
     if (m_running)
         return;
     m_running = true;
     emit busyChanged(true);
-    StartNext();
+    startNext();
 }
 
-void RevisionOperations::RefreshPending()
+void RevisionOperations::refreshPending()
 {
     // The running operation may have asked before what changed; one queued behind it asks after.
     if (m_queue.size() <= 1)
-        Run({}, [](host::RevisionServer&, const std::string&, OperationOutcome&) { return depot::Result{}; });
+        run({}, [](host::RevisionServer&, const std::string&, OperationOutcome&) { return depot::Result{}; });
 }
 
-void RevisionOperations::UpdateWorking()
+void RevisionOperations::updateWorking()
 {
     const bool working =
         std::any_of(m_queue.begin(), m_queue.end(), [](const Job& job) { return !job.what.isEmpty(); });
@@ -59,23 +59,23 @@ void RevisionOperations::UpdateWorking()
     emit workingChanged(working);
 }
 
-void RevisionOperations::StartNext()
+void RevisionOperations::startNext()
 {
     m_watcher.setFuture(QtConcurrent::run([connection = m_connection, job = m_queue.front()] {
-        return Execute(*connection, job);
+        return execute(*connection, job);
     }));
 }
 
-OperationOutcome RevisionOperations::Execute(WorkerConnection& connection, const Job& job)
+OperationOutcome RevisionOperations::execute(WorkerConnection& connection, const Job& job)
 {
     OperationOutcome outcome;
     outcome.what = job.what;
     std::string ticket;
-    outcome.result = connection.Prepare(job.account, ticket);
+    outcome.result = connection.prepare(job.account, ticket);
     if (outcome.result.ok())
-        outcome.result = job.work(connection.Server(), ticket, outcome);
+        outcome.result = job.work(connection.server(), ticket, outcome);
     // Also after a refusal: part of a multi-step operation may have happened.
-    if (connection.Server().pendingChangelists(ticket, outcome.pending).ok())
+    if (connection.server().pendingChangelists(ticket, outcome.pending).ok())
         outcome.pendingKnown = true;
     return outcome;
 }

@@ -19,7 +19,7 @@ namespace hbrc::studio {
 // What one operation did, as the UI thread receives it.
 struct OperationOutcome
 {
-    QString what;           // the operation, for a refusal's text ("Submit"); empty for RefreshPending
+    QString what;           // the operation, for a refusal's text ("Submit"); empty for refreshPending
     depot::Result result;   // the server's first refusal, or success
     QString done;           // on success, what was done, for the log
     std::vector<std::string> changedOnDisk;  // local paths whose content the operation rewrote
@@ -39,21 +39,21 @@ public:
     // Runs on the worker thread: asks the server and fills in outcome.done and changedOnDisk.
     using Work = std::function<depot::Result(host::RevisionServer& server, const std::string& ticket,
                                              OperationOutcome& outcome)>;
-    using AccountSource = std::function<ServerAccount()>;
+    using AccountSource = std::function<Account()>;
 
     explicit RevisionOperations(AccountSource account, QObject* parent = nullptr);
     ~RevisionOperations() override;
 
     // Queues work behind the operations asked before it.
-    void Run(const QString& what, Work work);
+    void run(const QString& what, Work work);
     // Asks only for the pending changelists, unless an operation waits in the queue: its outcome
     // brings them anyway.
-    void RefreshPending();
+    void refreshPending();
     // Something runs or waits, a refresh included.
-    bool IsBusy() const { return m_running; }
+    bool isBusy() const { return m_running; }
     // An operation that changes the server runs or waits (refreshes do not count): what a user
     // sees as working, so that a timer's refresh does not make the commands flicker.
-    bool IsWorking() const { return m_working; }
+    bool isWorking() const { return m_working; }
 
 signals:
     void busyChanged(bool busy);
@@ -63,13 +63,13 @@ signals:
 private:
     struct Job
     {
-        ServerAccount account;
+        Account account;
         QString what;
         Work work;
     };
-    void StartNext();
-    void UpdateWorking();
-    static OperationOutcome Execute(WorkerConnection& connection, const Job& job);
+    void startNext();
+    void updateWorking();
+    static OperationOutcome execute(WorkerConnection& connection, const Job& job);
 
     AccountSource m_account;
     std::shared_ptr<WorkerConnection> m_connection = std::make_shared<WorkerConnection>();

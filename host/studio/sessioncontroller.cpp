@@ -28,12 +28,12 @@ SessionController::SessionController(StudioSession& session, LoginPrompt prompt,
 
 bool SessionController::hasServer() const
 {
-    return m_session.CurrentWorkspace() && m_session.Services().connection;
+    return m_session.currentWorkspace() && m_session.services().connection;
 }
 
 bool SessionController::hasSession() const
 {
-    const host::RevisionControlServices& services = m_session.Services();
+    const host::RevisionControlServices& services = m_session.services();
     if (!services.dataControl)
         return false;
     const KELPtr<kel4::IUserParameters> session = services.dataControl->GetUserParameters();
@@ -43,13 +43,13 @@ bool SessionController::hasSession() const
 bool SessionController::revisionControlOn() const
 {
     bool on = false;
-    IRevisionControlPropertiesMgr* settings = m_session.Settings();
+    IRevisionControlPropertiesMgr* settings = m_session.settings();
     return settings && settings->GetUseSourceDataControl(on) && on;
 }
 
 SessionState SessionController::state() const
 {
-    if (!m_session.CurrentWorkspace())
+    if (!m_session.currentWorkspace())
         return SessionState::NoWorkspace;
     if (!hasServer())
         return SessionState::NoServer;
@@ -70,7 +70,7 @@ QString SessionController::stateText() const
     case SessionState::NotLoggedIn: return tr("not logged in");
     case SessionState::LoggedIn:
         return tr("logged in as %1")
-            .arg(QString::fromStdString(m_session.Services().dataControl->GetUserParameters()->GetUserName()));
+            .arg(QString::fromStdString(m_session.services().dataControl->GetUserParameters()->GetUserName()));
     case SessionState::Expired: return tr("expired");
     case SessionState::Unreachable: return tr("unreachable");
     }
@@ -105,11 +105,11 @@ void SessionController::workspaceOpened()
     // A workspace with a server is worked on under revision control; that it starts switched off
     // is the settings' default, not a choice, unless the user made it in the settings.
     bool userTurnedOff = false;
-    m_session.Host().Preferences().GetBoolPref(kRevisionControlOffKey, false, userTurnedOff, 0);
-    if (m_session.Settings() && !revisionControlOn() && !userTurnedOff) {
-        m_session.Settings()->SetUseSourceDataControl(true);
+    m_session.host().Preferences().GetBoolPref(kRevisionControlOffKey, false, userTurnedOff, 0);
+    if (m_session.settings() && !revisionControlOn() && !userTurnedOff) {
+        m_session.settings()->SetUseSourceDataControl(true);
         emit message(Log::eMessage, tr("Revision control is on for the server %1")
-                                        .arg(QString::fromStdString(m_session.StoredAccount().server)));
+                                        .arg(QString::fromStdString(m_session.storedAccount().server)));
     }
     logInAtOpen();
 }
@@ -128,8 +128,8 @@ void SessionController::retry()
 // then the password known for this run; the prompt last.
 void SessionController::logInAtOpen()
 {
-    const Account account = m_session.StoredAccount();
-    const host::RevisionControlServices& services = m_session.Services();
+    const Account account = m_session.storedAccount();
+    const host::RevisionControlServices& services = m_session.services();
     std::string error;
     if (const KELPtr<host::UserParameters> kept =
             services.connection->ResumeKept(account.userName, account.workspaceName, error)) {
@@ -158,7 +158,7 @@ bool SessionController::logIn()
 bool SessionController::logInThroughPrompt(QString reason)
 {
     for (;;) {
-        const Account account = m_session.StoredAccount();
+        const Account account = m_session.storedAccount();
         const std::optional<LoginAnswer> answer = m_prompt(
             {QString::fromStdString(account.server), QString::fromStdString(account.userName), reason});
         if (!answer) {
@@ -179,18 +179,18 @@ bool SessionController::logInThroughPrompt(QString reason)
 bool SessionController::logInWith(const std::string& userName, const std::string& password, bool keep,
                                   std::string& errorText)
 {
-    Account account = m_session.StoredAccount();
-    const host::RevisionControlServices& services = m_session.Services();
+    Account account = m_session.storedAccount();
+    const host::RevisionControlServices& services = m_session.services();
     const KELPtr<host::UserParameters> session =
         services.connection->Login(userName, password, account.workspaceName, account.server, errorText);
     if (!session)
         return false;
     if (account.userName != userName) {
         account.userName = userName;
-        m_session.StoreAccount(account);
+        m_session.storeAccount(account);
     }
     // Kept in memory for this run only: a Subversion connection of a worker thread logs in with it.
-    m_session.SetPassword(password);
+    m_session.setPassword(password);
     services.dataControl->SetSession(KELPtr<kel4::IUserParameters>(session));
     std::string notKept;
     if (keep && services.connection->Keep(session.Get(), notKept).IsFailure())
@@ -208,14 +208,14 @@ void SessionController::setLoginFailure(const std::string& errorText)
 
 void SessionController::logOut()
 {
-    const host::RevisionControlServices& services = m_session.Services();
+    const host::RevisionControlServices& services = m_session.services();
     if (!services.dataControl)
         return;
     std::string error;
     const KELPtr<kel4::IUserParameters> session = services.dataControl->GetUserParameters();
     const kelResult ended = services.connection->Logout(session.Get(), error);
     services.dataControl->SetSession({});
-    m_session.SetPassword({});
+    m_session.setPassword({});
     if (ended.IsFailure())
         emit message(Log::eWarning, tr("Logged out; the server said: %1").arg(QString::fromStdString(error)));
     else
@@ -225,9 +225,9 @@ void SessionController::logOut()
 
 void SessionController::turnRevisionControlOn()
 {
-    m_session.Host().Preferences().SetBoolPref(kRevisionControlOffKey, false, 1);
-    if (m_session.Settings() && m_session.CurrentWorkspace())
-        m_session.Settings()->SetUseSourceDataControl(true);
+    m_session.host().Preferences().SetBoolPref(kRevisionControlOffKey, false, 1);
+    if (m_session.settings() && m_session.currentWorkspace())
+        m_session.settings()->SetUseSourceDataControl(true);
     emit stateChanged();
 }
 
@@ -235,7 +235,7 @@ void SessionController::revisionControlChosen(bool wasOn)
 {
     const bool on = revisionControlOn();
     if (on != wasOn)
-        m_session.Host().Preferences().SetBoolPref(kRevisionControlOffKey, !on, 1);
+        m_session.host().Preferences().SetBoolPref(kRevisionControlOffKey, !on, 1);
     emit stateChanged();
 }
 

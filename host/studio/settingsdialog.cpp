@@ -61,7 +61,7 @@ SettingsDialog::SettingsDialog(IRevisionControlPropertiesMgr& settings, StudioSe
     m_refresh->setRange(0, 24 * 60 * 60);
     m_refresh->setSuffix(tr(" s"));
     m_refresh->setSpecialValueText(tr("never"));
-    m_refresh->setValue(m_session.StatusRefreshSeconds());
+    m_refresh->setValue(m_session.statusRefreshSeconds());
     form->addRow(tr("&Refresh status every:"), m_refresh);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     for (QAbstractButton* button : buttons->buttons())
@@ -92,7 +92,7 @@ QCheckBox* SettingsDialog::checkBox(const char* name, const QString& text, bool 
 // itself, then lets the settings' listeners know through the one setter that only notifies.
 void SettingsDialog::storeAction(Settings::ActionWhenEditingReadOnlyAsset action)
 {
-    m_session.Host().Preferences().SetIntPref(kActionKey, action, 1);
+    m_session.host().Preferences().SetIntPref(kActionKey, action, 1);
     m_settings.SetUserSawSourceControlDialog(m_settings.GetUserSawSourceControlDialog());
 }
 
@@ -109,7 +109,7 @@ void SettingsDialog::accept()
     m_settings.SetAlwaysUseSetting(m_alwaysUse->isChecked());
     m_settings.SetChangeListToUseWhenAutoCheckingOut(m_changelist->text().toStdString());
     m_settings.SetPromptForChangeListWhenCheckingOut(m_prompt->isChecked());
-    m_session.SetStatusRefreshSeconds(m_refresh->value());
+    m_session.setStatusRefreshSeconds(m_refresh->value());
     QDialog::accept();
 }
 

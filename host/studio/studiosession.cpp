@@ -1,6 +1,7 @@
 #include "studiosession.h"
 
 #include <hbrchost/pluginloader.h>
+#include <hbrcservices/userparameters.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <kel4/irevisioncontroluihelper.h>
 
@@ -23,7 +24,7 @@ constexpr int kDefaultRefreshSeconds = 60;
 StudioSession::StudioSession(const QString& preferencesFile) : m_host(preferencesFile)
 {
     m_host.AddWorkspaceSetup([this](host::Workspace& workspace) {
-        m_services = host::InstallRevisionControlServices(workspace, StoredAccount().server);
+        m_services = host::InstallRevisionControlServices(workspace, storedAccount().server);
     });
 }
 
@@ -32,7 +33,7 @@ StudioSession::~StudioSession()
     m_host.CloseWorkspace();
 }
 
-bool StudioSession::Start(std::string& errorText)
+bool StudioSession::start(std::string& errorText)
 {
     const std::string plugin = host::PluginLoader::DefaultPluginDirectory() + "/libhbrevisioncontrol.so";
     if (!m_host.LoadPlugin(plugin, errorText))
@@ -46,7 +47,7 @@ bool StudioSession::Start(std::string& errorText)
     return true;
 }
 
-Account StudioSession::StoredAccount()
+Account StudioSession::storedAccount()
 {
     Account account;
     host::PrefManager& prefs = m_host.Preferences();
@@ -57,7 +58,17 @@ Account StudioSession::StoredAccount()
     return account;
 }
 
-void StudioSession::StoreAccount(const Account& account)
+Account StudioSession::sessionAccount()
+{
+    if (!m_services.dataControl)
+        return {};
+    Account account = storedAccount();
+    account.server = m_services.connection->Server();
+    account.ticket = host::UserParameters::TicketOf(m_services.dataControl->GetUserParameters().Get());
+    return account;
+}
+
+void StudioSession::storeAccount(const Account& account)
 {
     // Straight into the preferences: the settings' setters would hand the data control an account
     // without a session, and the next open logs in anyway.
@@ -67,40 +78,40 @@ void StudioSession::StoreAccount(const Account& account)
     prefs.SetStringPref(kWorkspaceKey, account.workspaceName, 1);
 }
 
-host::Workspace* StudioSession::Open(const QString& folder, std::string& errorText)
+host::Workspace* StudioSession::open(const QString& folder, std::string& errorText)
 {
     const QString absolute = QDir(folder).absolutePath();
     host::Workspace* opened = m_host.OpenWorkspace(absolute, errorText);
     if (!opened)
         return nullptr;
-    QStringList recent = RecentWorkspaces();
+    QStringList recent = recentWorkspaces();
     recent.removeAll(absolute);
     recent.prepend(absolute);
     m_host.Preferences().SetStringPref(kRecentKey, recent.mid(0, kRecentCount).join('\n').toStdString(), 1);
     return opened;
 }
 
-void StudioSession::Close()
+void StudioSession::close()
 {
     m_host.CloseWorkspace();
     m_services = {};
 }
 
-QStringList StudioSession::RecentWorkspaces()
+QStringList StudioSession::recentWorkspaces()
 {
     std::string stored;
     m_host.Preferences().GetStringPref(kRecentKey, "", stored, 0);
     return QString::fromStdString(stored).split('\n', Qt::SkipEmptyParts);
 }
 
-int StudioSession::StatusRefreshSeconds()
+int StudioSession::statusRefreshSeconds()
 {
     int seconds = kDefaultRefreshSeconds;
     m_host.Preferences().GetIntPref(kRefreshKey, kDefaultRefreshSeconds, seconds, 0);
     return std::max(seconds, 0);
 }
 
-void StudioSession::SetStatusRefreshSeconds(int seconds)
+void StudioSession::setStatusRefreshSeconds(int seconds)
 {
     m_host.Preferences().SetIntPref(kRefreshKey, std::max(seconds, 0), 1);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "account.h"
+
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrcsession/hostsession.h>
 
@@ -16,16 +18,6 @@ class IRevisionControlUIHelper;
 
 namespace hbrc::studio {
 
-// The account the studio logs in with: the "RevControl." preferences, plus the password of this
-// run, which is never stored (empty: the session controller resumes a kept log-in or asks).
-struct Account
-{
-    std::string server;
-    std::string userName;
-    std::string workspaceName;
-    std::string password;
-};
-
 // The host behind the studio's window: the reference host session with the revision-control
 // plug-in loaded and started, the open workspace and its revision-control services.
 class StudioSession
@@ -37,29 +29,32 @@ public:
     StudioSession& operator=(const StudioSession&) = delete;
 
     // Loads the plug-in from the host's plug-in folder and starts its two components.
-    bool Start(std::string& errorText);
+    bool start(std::string& errorText);
 
-    // The account as the preferences hold it (password empty).
-    Account StoredAccount();
+    // The account as the preferences hold it, with the password of this run (no ticket).
+    Account storedAccount();
+    // The account a worker thread asks the server with: the server the services opened and the
+    // ticket of their session; empty without services.
+    Account sessionAccount();
     // Writes the account's server, user and workspace name to the preferences.
-    void StoreAccount(const Account& account);
-    void SetPassword(std::string password) { m_password = std::move(password); }
+    void storeAccount(const Account& account);
+    void setPassword(std::string password) { m_password = std::move(password); }
 
     // Opens folder with revision-control services for the stored account's server, without a
     // session (the services answer -34 until one is installed: SessionController logs in); the
     // folder joins the recent workspaces. Null with errorText when the folder cannot be opened.
-    host::Workspace* Open(const QString& folder, std::string& errorText);
-    void Close();
-    QStringList RecentWorkspaces();
+    host::Workspace* open(const QString& folder, std::string& errorText);
+    void close();
+    QStringList recentWorkspaces();
     // How often the window asks the server about the assets' status by itself (0: never).
-    int StatusRefreshSeconds();
-    void SetStatusRefreshSeconds(int seconds);
+    int statusRefreshSeconds();
+    void setStatusRefreshSeconds(int seconds);
 
-    host::HostSession& Host() { return m_host; }
-    host::Workspace* CurrentWorkspace() const { return m_host.CurrentWorkspace(); }
-    const host::RevisionControlServices& Services() const { return m_services; }
-    kel4::IRevisionControlUIHelper* Helper() const { return m_helper; }
-    IRevisionControlPropertiesMgr* Settings() const { return m_settings; }
+    host::HostSession& host() { return m_host; }
+    host::Workspace* currentWorkspace() const { return m_host.CurrentWorkspace(); }
+    const host::RevisionControlServices& services() const { return m_services; }
+    kel4::IRevisionControlUIHelper* helper() const { return m_helper; }
+    IRevisionControlPropertiesMgr* settings() const { return m_settings; }
 
 private:
     host::HostSession m_host;

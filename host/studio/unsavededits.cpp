@@ -4,21 +4,32 @@
 
 namespace hbrc::studio {
 
-UnsavedEditsSplit SplitByUnsavedEdits(const host::DataModelMgr& model, const std::vector<std::string>& files)
+UnsavedEdits::Verdict UnsavedEdits::check(const host::DataModelMgr& model, Rewrite rewrite,
+                                          const std::vector<std::string>& files)
 {
-    UnsavedEditsSplit split;
+    Verdict verdict;
     const kel4::List<KELHandle<kel4::IAsset>> owners = model.AssetsOwningFiles({files.begin(), files.end()});
     auto owner = owners.begin();
     for (const std::string& file : files) {
         const KELHandle<kel4::IAsset> asset = owner == owners.end() ? KELHandle<kel4::IAsset>() : *owner++;
         if (asset.IsNull() || !model.IsDirty(asset)) {
-            split.free.push_back(file);
+            verdict.files.push_back(file);
             continue;
         }
-        if (const QString name = QString::fromStdString(asset.GetName()); !split.blocking.contains(name))
-            split.blocking << name;
+        if (const QString name = QString::fromStdString(asset.GetName()); !verdict.blocking.contains(name))
+            verdict.blocking << name;
     }
-    return split;
+    if (verdict.blocking.isEmpty())
+        return verdict;
+    const QString names = verdict.blocking.join(QStringLiteral(", "));
+    if (rewrite == Rewrite::GetLatest) {
+        verdict.warning = tr("Not brought up to date because of unsaved edits: %1. Save or undo them first.").arg(names);
+        return verdict;
+    }
+    verdict.warning = tr("Not reverted: %1 has unsaved edits. Save or undo them first.").arg(names);
+    if (rewrite == Rewrite::Revert)
+        verdict.files.clear();
+    return verdict;
 }
 
 }  // namespace hbrc::studio

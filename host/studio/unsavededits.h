@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoreApplication>
+#include <QString>
 #include <QStringList>
 
 #include <string>
@@ -11,14 +13,25 @@ class DataModelMgr;
 
 namespace hbrc::studio {
 
-// Unsaved edits block revert and get latest. Both rewrite files on disk while an asset's edits
-// live in memory only: the asset would look up to date while dirty, and its next save would write
-// the edits over what was brought (or a revert would drop the check-out the save needs).
-struct UnsavedEditsSplit
+// The one rule of what unsaved edits block: revert and get latest. Both rewrite files on disk while
+// an asset's edits live in memory only: the asset would look up to date while dirty, and its next
+// save would write the edits over what was brought (or a revert would drop the check-out the save
+// needs). Revert asks the user once for all its files, so one asset with unsaved edits holds back
+// all of them; Revert Unchanged and Get Latest ask nothing and act on the other files.
+class UnsavedEdits
 {
-    std::vector<std::string> free;  // files of assets without unsaved edits, and files of no asset
-    QStringList blocking;           // the assets with unsaved edits, by name, once each
+    Q_DECLARE_TR_FUNCTIONS(UnsavedEdits)
+public:
+    enum class Rewrite { Revert, RevertUnchanged, GetLatest };
+
+    struct Verdict
+    {
+        std::vector<std::string> files;  // what the operation may rewrite (empty: it does not run)
+        QStringList blocking;            // the assets with unsaved edits, by name, once each
+        QString warning;                 // names them for the log; empty when none held anything back
+    };
+
+    static Verdict check(const host::DataModelMgr& model, Rewrite rewrite, const std::vector<std::string>& files);
 };
-UnsavedEditsSplit SplitByUnsavedEdits(const host::DataModelMgr& model, const std::vector<std::string>& files);
 
 }  // namespace hbrc::studio

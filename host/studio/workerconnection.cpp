@@ -2,7 +2,7 @@
 
 namespace hbrc::studio {
 
-depot::Result WorkerConnection::Prepare(const ServerAccount& account, std::string& ticket)
+depot::Result WorkerConnection::prepare(const Account& account, std::string& ticket)
 {
     if (!m_server || m_serverSetting != account.server) {
         m_serverSetting = account.server;
@@ -19,12 +19,12 @@ depot::Result WorkerConnection::Prepare(const ServerAccount& account, std::strin
     }
     depot::Result result;
     if (m_ownTicket.empty())
-        result = m_server->login(account.userName, account.password, account.workspace, m_ownTicket);
+        result = m_server->login(account.userName, account.password, account.workspaceName, m_ownTicket);
     ticket = m_ownTicket;
     return result;
 }
 
-void WorkerConnection::Forget()
+void WorkerConnection::forget()
 {
     m_server.reset();
     m_ownTicket.clear();

@@ -1,22 +1,13 @@
 #pragma once
 
+#include "account.h"
+
 #include <hbrcservices/revisionserver.h>
 
 #include <memory>
 #include <string>
 
 namespace hbrc::studio {
-
-// The account a worker thread's questions are asked for: the server setting, the services' ticket,
-// and what a Subversion connection logs in with.
-struct ServerAccount
-{
-    std::string server;
-    std::string ticket;
-    std::string userName;
-    std::string password;
-    std::string workspace;
-};
 
 // A revision-server connection of a worker thread's own, kept from one question to the next so
 // that the UI thread's services never wait for it. Used by one thread at a time.
@@ -28,14 +19,14 @@ struct ServerAccount
 class WorkerConnection
 {
 public:
-    // Opens the server the account names (again, when it names another one) and answers the ticket
+    // Opens the server the account names (its server setting and the services' ticket) (again, when it names another one) and answers the ticket
     // to ask with; fails when a Subversion log-in fails.
-    depot::Result Prepare(const ServerAccount& account, std::string& ticket);
+    depot::Result prepare(const Account& account, std::string& ticket);
     // Drops the server and its session, after the server could not be reached or refused the
-    // session; the next Prepare opens it again.
-    void Forget();
-    // The server of the last Prepare.
-    host::RevisionServer& Server() const { return *m_server; }
+    // session; the next prepare opens it again.
+    void forget();
+    // The server of the last prepare.
+    host::RevisionServer& server() const { return *m_server; }
 
 private:
     std::string m_serverSetting;

@@ -48,7 +48,7 @@ protected:
     void TearDown() override
     {
         EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString();
-        if (session && session->CurrentWorkspace() && session->CurrentWorkspace()->HasUnsavedChanges())
+        if (session && session->currentWorkspace() && session->currentWorkspace()->HasUnsavedChanges())
             driver.expectMessageBox(QStringLiteral("Unsaved Edits"), QMessageBox::Discard);
         window.reset();
         session.reset();
@@ -63,9 +63,9 @@ protected:
         window.reset();
         session = std::make_unique<studio::StudioSession>(m_dir.filePath(QStringLiteral("preferences.ini")));
         std::string error;
-        ASSERT_TRUE(session->Start(error)) << error;
-        session->StoreAccount({server, "alice", workspaceName, {}});
-        session->SetPassword(password);
+        ASSERT_TRUE(session->start(error)) << error;
+        session->storeAccount({server, "alice", workspaceName, {}});
+        session->setPassword(password);
         window = std::make_unique<studio::MainWindow>(*session);
         window->show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
@@ -83,16 +83,16 @@ protected:
     // Until the status question the window asked is answered.
     void waitForStatus()
     {
-        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->model().statusQuery().IsPending(); }, 20000));
+        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->model().statusQuery().isPending(); }, 20000));
     }
     // Until the queued revision operations ran and the status they changed is answered.
     void waitForOperations()
     {
-        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->operations().IsBusy(); }, 20000));
+        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->operations().isBusy(); }, 20000));
         waitForStatus();
     }
 
-    KELHandle<kel4::IAsset> asset(const char* name) const { return session->CurrentWorkspace()->FindAsset(name); }
+    KELHandle<kel4::IAsset> asset(const char* name) const { return session->currentWorkspace()->FindAsset(name); }
     QString cell(const char* name, int column, int role = Qt::DisplayRole) const
     {
         const studio::AssetBrowserModel& model = window->model();

@@ -71,7 +71,7 @@ protected:
         repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served);
         demo = std::make_unique<DemoServer>(m_dir.filePath(QStringLiteral("demo")), repository->Url());
         SeedSampleWorkspace(*demo);
-        world = {demo->Path(), demo->Workspace("alice"), demo->Folder("alice"), "Sky", QStringLiteral("Sky.kel")};
+        world = {demo->path(), demo->workspace("alice"), demo->folder("alice"), "Sky", QStringLiteral("Sky.kel")};
     }
 
     void startAlice() { start(world.server, world.workspaceName, world.folder); }
@@ -222,7 +222,7 @@ TEST_P(StudioDay, FromTheFirstStartToASubmit)
     SCOPED_TRACE("Ctrl+S saves; a new asset is marked for add by the next save");
     press(Qt::Key_S, Qt::ControlModifier);
     waitForOperations();
-    EXPECT_FALSE(session->CurrentWorkspace()->HasUnsavedChanges());
+    EXPECT_FALSE(session->currentWorkspace()->HasUnsavedChanges());
     driver.expect(QStringLiteral("New Asset"), [](QWidget* dialog) {
         activateDialog(dialog);
         auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("name"));

@@ -51,7 +51,7 @@ protected:
     }
     void startAlice(const char* password = "")
     {
-        start(depot->Path(), depot->Workspace("alice"), depot->Folder("alice"), password);
+        start(depot->path(), depot->workspace("alice"), depot->folder("alice"), password);
     }
     // Sets "Refresh status every" in the settings dialog, from the keyboard.
     void setRefreshSeconds(int seconds)
@@ -68,24 +68,24 @@ protected:
     }
     std::string field(const char* name, const char* key) const
     {
-        const hbrc::host::DataModelMgr& model = session->CurrentWorkspace()->Model();
+        const hbrc::host::DataModelMgr& model = session->currentWorkspace()->Model();
         return model.Store().AssetAt(model.SlotOf(asset(name))).record.fields.at(key);
     }
     // bob opens the asset's file for edit from his own workspace (and locks it).
     void bobHolds(const char* name, const std::string& changelist = "", bool locked = false)
     {
-        const std::string file = depot->FolderPath("bob") + "/" + name + ".kel";
-        ASSERT_TRUE(depot->Bob().edit(depot->BobTicket(), {file}, changelist).ok());
+        const std::string file = depot->folderPath("bob") + "/" + name + ".kel";
+        ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {file}, changelist).ok());
         if (locked) {
-            ASSERT_TRUE(hbrc::depot::Depot(depot->Path()).lock(depot->BobTicket(), {file}).ok());
+            ASSERT_TRUE(hbrc::depot::Depot(depot->path()).lock(depot->bobTicket(), {file}).ok());
         }
     }
     void checkOutWithoutAsking()
     {
-        session->Settings()->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
+        session->settings()->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
     }
     PendingChangesModel& pending() const { return window->pendingChanges().model(); }
-    std::string aliceFile(const char* name) const { return depot->FolderPath("alice") + "/" + name + ".kel"; }
+    std::string aliceFile(const char* name) const { return depot->folderPath("alice") + "/" + name + ".kel"; }
     bool aliceMayWrite(const char* name) const { return writable(QString::fromStdString(aliceFile(name))); }
     QModelIndex pendingFile(const char* name) const { return pending().fileIndex(aliceFile(name)); }
     QStringList pendingAssets(const std::string& changelist) const
@@ -148,7 +148,7 @@ protected:
 TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedAndChecksOutSky)
 {
     EXPECT_EQ(status("Rock"), "up to date");
-    EXPECT_EQ(window->model().statusQuery().RoundTrips(), 1u) << "one status question for all assets";
+    EXPECT_EQ(window->model().statusQuery().roundTrips(), 1u) << "one status question for all assets";
     bobHolds("Rock");
     window->refreshStatus();
     waitForStatus();
@@ -161,7 +161,7 @@ TEST_F(StudioWindow, TheTourRefusesRockWithBobNamedAndChecksOutSky)
     EXPECT_EQ(colourShown(), "#7a746c");
     EXPECT_EQ(field("Rock", "colour"), "#7a746c");
     EXPECT_TRUE(window->statusBar()->currentMessage().startsWith("Refused: colour of Rock"));
-    EXPECT_FALSE(session->Host().Commands().CanUndo()) << "a refused edit leaves no step, nor does its check-out";
+    EXPECT_FALSE(session->host().Commands().CanUndo()) << "a refused edit leaves no step, nor does its check-out";
 
     select("Sky");
     typeColour(QStringLiteral("#ff8c42"));
@@ -272,8 +272,8 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
         << "opening is logged once";
     setRefreshSeconds(1);
 
-    hbrc::host::RevisionServer& bob = depot->Bob();
-    const std::string& ticket = depot->BobTicket();
+    hbrc::host::RevisionServer& bob = depot->bob();
+    const std::string& ticket = depot->bobTicket();
     hbrc::depot::ChangelistId changelist;
     ASSERT_TRUE(bob.createChangelist(ticket, "rougher rock", changelist).ok());
     bobHolds("Rock", changelist, true);
@@ -304,10 +304,10 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
 
     // With the timer off, coming back to the window asks (not more often than every 3 s).
     setRefreshSeconds(0);
-    const std::uint64_t roundTrips = model.statusQuery().RoundTrips();
+    const std::uint64_t roundTrips = model.statusQuery().roundTrips();
     bobHolds("Sky");
     QTest::qWait(3100);
-    EXPECT_EQ(model.statusQuery().RoundTrips(), roundTrips) << "0 turns the timer off";
+    EXPECT_EQ(model.statusQuery().roundTrips(), roundTrips) << "0 turns the timer off";
     QWidget elsewhere;
     elsewhere.show();
     elsewhere.activateWindow();
@@ -318,7 +318,7 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
     QListWidget* log = window->logDock().list();
     const int before = log->count();
     window->closeWorkspace();
-    ASSERT_TRUE(window->openWorkspace(depot->Folder("alice")));
+    ASSERT_TRUE(window->openWorkspace(depot->folder("alice")));
     waitForStatus();
     EXPECT_EQ(cell("Rock", AssetBrowserModel::RevisionColumn), "#1/#2");
     ASSERT_TRUE(DialogDriver::waitUntil([&] { return log->count() > before; }));
@@ -330,16 +330,16 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
 TEST_F(StudioWindow, TheStatusBarTellsAnExpiredSessionFromAnUnreachableServer)
 {
     EXPECT_EQ(window->sessionState(), "logged in as alice");
-    hbrc::host::RevisionControlServices services = session->Services();
+    hbrc::host::RevisionControlServices services = session->services();
     ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
     window->refreshStatus();
     waitForStatus();
     EXPECT_EQ(window->sessionState(), "expired");
     EXPECT_EQ(status("Rock"), "up to date") << "the last known status stays";
 
-    session->StoreAccount({depot->Path() + ".missing", "alice", depot->Workspace("alice"), {}});
+    session->storeAccount({depot->path() + ".missing", "alice", depot->workspace("alice"), {}});
     window->closeWorkspace();
-    ASSERT_TRUE(window->openWorkspace(depot->Folder("alice")));
+    ASSERT_TRUE(window->openWorkspace(depot->folder("alice")));
     waitForStatus();
     EXPECT_EQ(sessionLabel(), "Session: unreachable");
     EXPECT_EQ(status("Rock"), "asking...");
@@ -348,10 +348,10 @@ TEST_F(StudioWindow, TheStatusBarTellsAnExpiredSessionFromAnUnreachableServer)
     // answer comes from it (no session was opened: the studio is not logged in).
     setRefreshSeconds(1);
     window->refreshStatus();
-    EXPECT_TRUE(window->model().statusQuery().IsPending()) << "refreshStatus returned before the answer";
+    EXPECT_TRUE(window->model().statusQuery().isPending()) << "refreshStatus returned before the answer";
     waitForStatus();
     EXPECT_EQ(sessionLabel(), "Session: unreachable");
-    ASSERT_TRUE(QFile::link(QString::fromStdString(depot->Path()), QString::fromStdString(depot->Path() + ".missing")));
+    ASSERT_TRUE(QFile::link(QString::fromStdString(depot->path()), QString::fromStdString(depot->path() + ".missing")));
     ASSERT_TRUE(DialogDriver::waitUntil([this] { return window->sessionState() == "not logged in"; }, 10000));
 }
 
@@ -366,14 +366,14 @@ TEST_F(StudioWindow, TheStartPageCreatesADemoDepotThatStaysInTheRecentList)
     ASSERT_TRUE(link->isVisible());
     link->setFocus();
     QTest::keyClick(link, Qt::Key_Return);
-    ASSERT_NE(session->CurrentWorkspace(), nullptr);
-    const QString folder = session->CurrentWorkspace()->Root();
+    ASSERT_NE(session->currentWorkspace(), nullptr);
+    const QString folder = session->currentWorkspace()->Root();
     EXPECT_TRUE(folder.startsWith(parent)) << folder.toStdString();
     waitForStatus();
     EXPECT_EQ(window->model().rowCount(), 20);
     EXPECT_EQ(window->sessionState(), "logged in as alice");
     window->closeWorkspace();
-    EXPECT_EQ(session->RecentWorkspaces().value(0), folder);
+    EXPECT_EQ(session->recentWorkspaces().value(0), folder);
     QDir(QFileInfo(folder).path()).removeRecursively();
 }
 
@@ -499,7 +499,7 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     selectPending(pendingFile("Sky"));
     EXPECT_FALSE(dragSelectedOnto(pending().changelistIndex("")));
     EXPECT_TRUE(dragSelectedOnto(pending().changelistIndex(warmer)));
-    EXPECT_TRUE(window->operations().IsBusy());
+    EXPECT_TRUE(window->operations().isBusy());
     EXPECT_FALSE(window->pendingChanges().action(QStringLiteral("submit"))->isEnabled()) << "busy";
     waitForOperations();
     EXPECT_EQ(pendingAssets(warmer), QStringList{"Sky"});
@@ -540,7 +540,7 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
 
     driver.expectMessageBox(QStringLiteral("Revert"), QMessageBox::Cancel, QStringLiteral("Sky.kel"));
     window->pendingChanges().action(QStringLiteral("revert"))->trigger();
-    EXPECT_FALSE(window->operations().IsBusy()) << "nothing asked of the server";
+    EXPECT_FALSE(window->operations().isBusy()) << "nothing asked of the server";
     EXPECT_EQ(pendingAssets(warmer), QStringList{"Sky"});
     EXPECT_EQ(field("Sky", "colour"), "#ff8c42");
 
@@ -568,16 +568,16 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     waitForOperations();
     EXPECT_EQ(pending().pending().size(), 1u);
 
-    const std::string bobSky = depot->FolderPath("bob") + "/Sky.kel";
-    ASSERT_TRUE(depot->Bob().sync(depot->BobTicket(), {bobSky}).ok());
+    const std::string bobSky = depot->folderPath("bob") + "/Sky.kel";
+    ASSERT_TRUE(depot->bob().sync(depot->bobTicket(), {bobSky}).ok());
     QFile synced(QString::fromStdString(bobSky));
     ASSERT_TRUE(synced.open(QIODevice::ReadOnly));
     EXPECT_TRUE(synced.readAll().contains("#ff8c42"));
 
     // Bob's Rock and Sun reach alice's browser and memory through Get Latest.
     const auto bobChanges = [this](const char* asset, const QByteArray& from, const QByteArray& to) {
-        const std::string path = depot->FolderPath("bob") + "/" + asset + ".kel";
-        ASSERT_TRUE(depot->Bob().edit(depot->BobTicket(), {path}, "").ok());
+        const std::string path = depot->folderPath("bob") + "/" + asset + ".kel";
+        ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {path}, "").ok());
         QFile file(QString::fromStdString(path));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         const QByteArray text = file.readAll().replace(from, to);
@@ -588,7 +588,7 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     bobChanges("Rock", "#7a746c", "#5a544c");
     bobChanges("Sun", "#ffe8b0", "#ffd080");
     hbrc::depot::ChangelistId submitted;
-    ASSERT_TRUE(depot->Bob().submit(depot->BobTicket(), "", "darker rock, warmer sun", submitted).ok());
+    ASSERT_TRUE(depot->bob().submit(depot->bobTicket(), "", "darker rock, warmer sun", submitted).ok());
     select("Rock");
     EXPECT_FALSE(window->action(QStringLiteral("getLatest"))->isEnabled());
     window->refreshStatus();
@@ -673,19 +673,19 @@ TEST_F(StudioWindow, RevisionOperationsRunInOrderAndTheLogDockReportsEachOutcome
     QObject::connect(&operations, &RevisionOperations::busyChanged, [&](bool now) { busy << now; });
     QList<bool> working;
     QObject::connect(&operations, &RevisionOperations::workingChanged, [&](bool now) { working << now; });
-    operations.Run(QStringLiteral("first"), ChangelistWork::NewChangelist("first", {}));
-    operations.Run(QStringLiteral("bad move"), ChangelistWork::Reopen({aliceFile("Rock")}, "999"));
-    operations.Run(QStringLiteral("second"), ChangelistWork::NewChangelist("second", {}));
-    operations.RefreshPending();
-    EXPECT_TRUE(operations.IsBusy());
+    operations.run(QStringLiteral("first"), ChangelistWork::newChangelist("first", {}));
+    operations.run(QStringLiteral("bad move"), ChangelistWork::reopen({aliceFile("Rock")}, "999"));
+    operations.run(QStringLiteral("second"), ChangelistWork::newChangelist("second", {}));
+    operations.refreshPending();
+    EXPECT_TRUE(operations.isBusy());
     waitForOperations();
 
     EXPECT_EQ(busy, (QList<bool>{true, false}));
     EXPECT_EQ(working, (QList<bool>{true, false}));
     // A refresh on its own, as the status timer asks for it, is not work the pane shows.
-    operations.RefreshPending();
-    EXPECT_TRUE(operations.IsBusy());
-    EXPECT_FALSE(operations.IsWorking());
+    operations.refreshPending();
+    EXPECT_TRUE(operations.isBusy());
+    EXPECT_FALSE(operations.isWorking());
     waitForOperations();
     EXPECT_EQ(working.size(), 2);
     ASSERT_EQ(outcomes.size(), 4u);
@@ -733,10 +733,10 @@ TEST(StudioPendingChanges, SubmitWorkSubmitsOnlyTheCheckedFiles)
     const QTemporaryDir dir;
     DemoServer depot(dir.path());
     SeedSampleWorkspace(depot);
-    const std::unique_ptr<hbrc::host::RevisionServer> alice = hbrc::host::OpenRevisionServer(depot.Path(), {});
+    const std::unique_ptr<hbrc::host::RevisionServer> alice = hbrc::host::OpenRevisionServer(depot.path(), {});
     std::string ticket;
-    ASSERT_TRUE(alice->login("alice", "alice-pw", depot.Workspace("alice"), ticket).ok());
-    const auto file = [&](const char* name) { return depot.FolderPath("alice") + "/" + name + ".kel"; };
+    ASSERT_TRUE(alice->login("alice", "alice-pw", depot.workspace("alice"), ticket).ok());
+    const auto file = [&](const char* name) { return depot.folderPath("alice") + "/" + name + ".kel"; };
     const auto pendingFiles = [&] {
         std::vector<hbrc::depot::PendingChangelist> pending;
         EXPECT_TRUE(alice->pendingChangelists(ticket, pending).ok());
@@ -771,7 +771,7 @@ TEST(StudioPendingChanges, SubmitWorkSubmitsOnlyTheCheckedFiles)
                                        [&](const auto& each) { return each.changelist.id == submit.changelist; });
         ASSERT_NE(list, pending.end()) << submit.name;
         OperationOutcome outcome;
-        const hbrc::depot::Result result = ChangelistWork::Submit(ChangelistWork::PlanSubmit(*list, submit.checked),
+        const hbrc::depot::Result result = ChangelistWork::submit(ChangelistWork::planSubmit(*list, submit.checked),
                                                                   "part of it")(*alice, ticket, outcome);
         ASSERT_TRUE(result.ok()) << submit.name << ": " << result.error;
         EXPECT_TRUE(outcome.done.endsWith(QStringLiteral("(%1 file(s))").arg(submit.submitted))) << submit.name;
@@ -784,10 +784,10 @@ TEST(StudioPendingChanges, SubmitWorkSubmitsOnlyTheCheckedFiles)
 // start has the window's last size.
 TEST_F(StudioWindow, AKeptLogInServesTheNextStartAndLogOutForgetsIt)
 {
-    hbrc::depot::Depot terminal(depot->Path());
+    hbrc::depot::Depot terminal(depot->path());
     std::string ticket;
-    ASSERT_TRUE(terminal.login("alice", "alice-pw", depot->Workspace("alice"), ticket).ok());
-    TicketStore().save(TicketStore::depotKey(depot->Path()), "alice", {depot->Workspace("alice"), ticket});
+    ASSERT_TRUE(terminal.login("alice", "alice-pw", depot->workspace("alice"), ticket).ok());
+    TicketStore().save(TicketStore::depotKey(depot->path()), "alice", {depot->workspace("alice"), ticket});
     window->resize(900, 640);
     window->close();
     startAlice();
@@ -799,7 +799,7 @@ TEST_F(StudioWindow, AKeptLogInServesTheNextStartAndLogOutForgetsIt)
     window->action(QStringLiteral("logOut"))->trigger();
     EXPECT_EQ(sessionLabel(), "Session: not logged in");
     EXPECT_EQ(status("Rock"), "not logged in");
-    EXPECT_FALSE(TicketStore().find(TicketStore::depotKey(depot->Path()), "alice"));
+    EXPECT_FALSE(TicketStore().find(TicketStore::depotKey(depot->path()), "alice"));
     std::string user, workspace;
     EXPECT_LT(terminal.session(ticket, user, workspace).code, 0);
 }
@@ -823,7 +823,7 @@ TEST_F(StudioWindow, RevisionControlTurnedOffByTheUserStaysOffAndTheSaveNamesThe
     EXPECT_EQ(status("Rock"), "revision control off");
     EXPECT_TRUE(window->action(QStringLiteral("turnRevisionControlOn"))->isEnabled());
 
-    ASSERT_TRUE(session->CurrentWorkspace()->SetField(asset("Rock"), "colour", "#b0483a"));
+    ASSERT_TRUE(session->currentWorkspace()->SetField(asset("Rock"), "colour", "#b0483a"));
     driver.expect(QStringLiteral("the save's question"), [](QWidget* dialog) { qobject_cast<QDialog*>(dialog)->reject(); });
     window->save();
     EXPECT_TRUE(logged(QStringLiteral("Rock is locked by bob: turn revision control on to check it out")));
