@@ -48,7 +48,7 @@ public:
     static void Release() { Instance().reset(); }
 
     CRevisionControlUIHelper& Helper() { return m_helper; }
-    DepotConnection& Connection() { return *m_services.connection; }
+    ServerConnection& Connection() { return *m_services.connection; }
     DataControl& Data() { return *m_services.dataControl; }
     kel4::IDataControl::ObjectList Clay(int count) const { return Slice(m_clay, count); }
     kel4::IDataControl::ObjectList Stone(int count) const { return Slice(m_stone, count); }
@@ -107,8 +107,8 @@ private:
         expect(Connection()
                    .Run(Data().GetUserParameters().Get(),
                         [](hbrc::host::RevisionServer& server, const std::string& ticket,
-                           const hbrc::depot::CancelCheck& cancel) {
-                            hbrc::depot::ChangelistId submitted;
+                           const hbrc::revision::CancelCheck& cancel) {
+                            hbrc::revision::ChangelistId submitted;
                             return server.submit(ticket, "", "bench assets", submitted, cancel);
                         },
                         error)

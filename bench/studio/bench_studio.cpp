@@ -80,7 +80,7 @@ private:
         expect(saved.Succeeded(), "the save failed");
         const std::unique_ptr<host::RevisionServer> alice = host::OpenRevisionServer(m_path, options);
         std::string ticket;
-        depot::ChangelistId submitted;
+        revision::ChangelistId submitted;
         expect(alice->login("alice", "alice-pw", "alice-ws", ticket).ok() &&
                    alice->add(ticket, {saved.writtenFiles.begin(), saved.writtenFiles.end()}, "").ok() &&
                    alice->submit(ticket, "", "assets", submitted).ok(),

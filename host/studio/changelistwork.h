@@ -28,7 +28,7 @@ public:
         Files intoNew;
         std::size_t fileCount = 0;
     };
-    static SubmitPlan PlanSubmit(const depot::PendingChangelist& pending, const Files& checked);
+    static SubmitPlan PlanSubmit(const revision::PendingChangelist& pending, const Files& checked);
 
     static RevisionOperations::Work Submit(SubmitPlan plan, std::string description);
     static RevisionOperations::Work Reopen(Files files, std::string changelist);

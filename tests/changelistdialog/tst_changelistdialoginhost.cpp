@@ -5,7 +5,7 @@
 #include "objectlisthelpers.h"
 #include "revisioncontroluihelper.h"
 
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ namespace {
 
 using Dialog = hbChangeListSelectionDialog;
 
-class InHost : public DepotHostFixture, public ::testing::WithParamInterface<ServerKind>
+class InHost : public ServerHostFixture, public ::testing::WithParamInterface<ServerKind>
 {
 public:
     ServerKind Server() const override { return GetParam(); }

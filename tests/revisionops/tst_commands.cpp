@@ -5,7 +5,7 @@
 #include "hbmarkforaddcommand.h"
 #include "itemaccessorlisting.h"
 
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 
 #include <borax/datamodel/iitemlibrarynotification.h>
 #include <kel4/revisionstatus.h>
@@ -91,18 +91,18 @@ INSTANTIATE_TEST_SUITE_P(
                                    "MakeWritable Command", ""}),
     [](const auto& info) { return std::string(info.param.name); });
 
-class CommandsOnDepot : public DepotHostFixture
+class CommandsOnDepot : public ServerHostFixture
 {
 protected:
     void SetUp() override
     {
-        DepotHostFixture::SetUp();
+        ServerHostFixture::SetUp();
         workspace->Library().Context().RegisterNotification(&receiver, 40, 0);
     }
     void TearDown() override
     {
         workspace->Library().Context().UnregisterNotification(&receiver, 40, 0);
-        DepotHostFixture::TearDown();
+        ServerHostFixture::TearDown();
     }
 
     ItemLibraryAccessor library() const { return host->Proxy().GetItemLibraryAccessor(); }

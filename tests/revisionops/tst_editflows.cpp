@@ -6,7 +6,7 @@
 #include "hbrevisioncontrolpropertiesmgr.h"
 #include "revisioncontroluihelper.h"
 
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 
 #include <hbrchost/logcapture.h>
 #include <kel4/revisionstatus.h>
@@ -37,12 +37,12 @@ constexpr const char* kActionKey = CHBRevisionControlPropertiesMgr::kActionKey;
 constexpr const char* kChangeListKey = CHBRevisionControlPropertiesMgr::kChangeListKey;
 constexpr const char* kPromptKey = CHBRevisionControlPropertiesMgr::kPromptForChangeListKey;
 
-class EditFlows : public DepotHostFixture
+class EditFlows : public ServerHostFixture
 {
 protected:
     void SetUp() override
     {
-        DepotHostFixture::SetUp();
+        ServerHostFixture::SetUp();
         ASSERT_TRUE(host->System().RegisterSingleton(CHBRevisionControlPropertiesMgr::GetSingletonName(), &settings));
         // Straight into the preferences: the settings' own setter would hand the data control a
         // new account without alice's session.
@@ -57,7 +57,7 @@ protected:
     {
         EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString();
         host->System().UnregisterSingleton(CHBRevisionControlPropertiesMgr::GetSingletonName());
-        DepotHostFixture::TearDown();
+        ServerHostFixture::TearDown();
     }
 
     void storeAction(Settings::ActionWhenEditingReadOnlyAsset action, const std::string& changelist = {})

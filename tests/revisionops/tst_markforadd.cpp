@@ -4,7 +4,7 @@
 #include "hbrevisioncontrolpropertiesmgr.h"
 #include "revisioncontroluihelper.h"
 
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 #include <dialogdriver.h>
 
 #include <kel4/revisionstatus.h>
@@ -20,18 +20,18 @@ namespace {
 
 using hbrc::test::DialogDriver;
 
-class MarkForAdd : public DepotHostFixture
+class MarkForAdd : public ServerHostFixture
 {
 protected:
     void SetUp() override
     {
-        DepotHostFixture::SetUp();
+        ServerHostFixture::SetUp();
         host->System().RegisterSingleton(CHBRevisionControlPropertiesMgr::GetSingletonName(), &settings);
     }
     void TearDown() override
     {
         host->System().UnregisterSingleton(CHBRevisionControlPropertiesMgr::GetSingletonName());
-        DepotHostFixture::TearDown();
+        ServerHostFixture::TearDown();
     }
 
     kelResult markForAdd(const ObjectList& objects, const std::string& changelist = "")

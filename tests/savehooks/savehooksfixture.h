@@ -1,7 +1,7 @@
 #pragma once
 
 // Saves through the reference host's item library with the revision-control plug-in loaded, on the
-// embedded depot (DepotHostFixture), and the user's side of the dialogs the save hooks show. The
+// embedded depot (ServerHostFixture), and the user's side of the dialogs the save hooks show. The
 // plug-in is the built library loaded as a host loads it, so its dialogs are found by title,
 // object name and button text only.
 //
@@ -11,7 +11,7 @@
 // control switched on, and re-opens alice's workspace so that the helper follows its saves.
 
 #include <depot/depot.h>
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 #include <dialogdriver.h>
 
 #include <hbrcdatamodel/workspace.h>
@@ -124,14 +124,14 @@ inline DialogDriver::Handler answerPassword(const QString& password, const QStri
 
 // --- the fixture ----------------------------------------------------------------------------------------
 
-class SaveHooksFixture : public DepotHostFixture
+class SaveHooksFixture : public ServerHostFixture
 {
 public:
     static constexpr const char* kField = "note";
 
     hbrc::host::ConnectionOptions ConnectionOptionsForAlice() const override
     {
-        hbrc::host::ConnectionOptions options = DepotHostFixture::ConnectionOptionsForAlice();
+        hbrc::host::ConnectionOptions options = ServerHostFixture::ConnectionOptionsForAlice();
         // No operation of these tests is slow on purpose: the plug-in's progress box never shows.
         options.timeOutThreshold = std::chrono::minutes(5);
         return options;
@@ -139,7 +139,7 @@ public:
 
     void SetUp() override
     {
-        DepotHostFixture::SetUp();
+        ServerHostFixture::SetUp();
         if (HasFatalFailure())
             return;
         SeedEditableAssets();

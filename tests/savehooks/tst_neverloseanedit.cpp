@@ -102,7 +102,7 @@ protected:
             }
             break;
         case Outcome::DepotUnreachable:
-            services.connection->Faults().failNextCalls(1000000, hbrc::depot::code::SessionUnusable,
+            services.connection->Faults().failNextCalls(1000000, hbrc::revision::code::SessionUnusable,
                                                         "The depot cannot be reached.");
             if (interactive) {
                 driver.expect("check out", answerChangelistDialog(kBeforeSaving, {"Check Out"}));

@@ -1,7 +1,7 @@
 // A session's pending work on the revision server: listing changelists with their files, moving
 // files between them, describing, deleting, reverting unchanged files and submitting one, while
 // bob sees alice's holds and revisions through his own connection.
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 
 #include <QFile>
 
@@ -10,15 +10,15 @@
 
 namespace {
 
-using hbrc::depot::CancelCheck;
-using hbrc::depot::ChangelistId;
-using hbrc::depot::FileStatus;
-using hbrc::depot::PendingChangelist;
-using hbrc::depot::Result;
+using hbrc::revision::CancelCheck;
+using hbrc::revision::ChangelistId;
+using hbrc::revision::FileStatus;
+using hbrc::revision::PendingChangelist;
+using hbrc::revision::Result;
 using hbrc::host::RevisionServer;
-namespace status = hbrc::depot::status;
+namespace status = hbrc::revision::status;
 
-std::vector<PendingChangelist> AlicesPendingWork(DepotHostFixture& fixture)
+std::vector<PendingChangelist> AlicesPendingWork(ServerHostFixture& fixture)
 {
     std::vector<PendingChangelist> pending;
     const Result listed = fixture.AliceAsks([&](RevisionServer& server, const std::string& ticket) {
@@ -153,9 +153,8 @@ TEST_P(PendingWork, AliceSortsRevertsAndSubmitsWhileBobWatchesAndGetsHerChange)
 // stay unique although the second connection logged in before either changelist existed.
 TEST_P(PendingWork, ASecondConnectionOnTheWorkspaceListsTheChangelistsTheFirstFills)
 {
-    hbrc::depot::DepotOptions options;
-    options.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
-    const std::unique_ptr<RevisionServer> second = hbrc::host::OpenRevisionServer(DepotPath(), options);
+    const std::unique_ptr<RevisionServer> second =
+        hbrc::host::OpenRevisionServer(DepotPath(), {hbrc::revision::PasswordHashCost::Minimal});
     std::string ticket;
     BobExpects(second->login("alice", "alice-pw", AliceWorkspace(), ticket));
 
@@ -236,7 +235,7 @@ const Refusal kRefusals[] = {
      "description"},
 };
 
-class PendingWorkRefusals : public DepotHostFixture,
+class PendingWorkRefusals : public ServerHostFixture,
                             public ::testing::WithParamInterface<std::tuple<ServerKind, Refusal>>
 {
 public:
@@ -256,7 +255,7 @@ TEST_P(PendingWorkRefusals, ChangeNothingAndSayWhy)
 
     const Result refused =
         AliceAsks([&](RevisionServer& server, const std::string& ticket) { return row.request(work, server, ticket); });
-    EXPECT_EQ(refused.code, hbrc::depot::code::Failed) << refused.error;
+    EXPECT_EQ(refused.code, hbrc::revision::code::Failed) << refused.error;
     EXPECT_NE(refused.error.find(row.errorPart), std::string::npos) << refused.error;
     EXPECT_EQ(Summary(AlicesPendingWork(*this)), before);
 }

@@ -1,6 +1,6 @@
 // Check-out, revert, mark-for-delete, make-writable and changelists through the services, as a
 // Perforce user expects them to behave.
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 
 #include <kel4/revisionstatus.h>
 
@@ -86,7 +86,7 @@ TEST_P(RevisionOperations, SubmitOfOneChangelistTakesItsFilesAndBobSyncsThem)
     EXPECT_TRUE(pending.empty());
 
     const std::vector<std::string> bobFiles = BobFilesOf("Rock");
-    std::vector<hbrc::depot::FileStatus> bobSees;
+    std::vector<hbrc::revision::FileStatus> bobSees;
     BobExpects(Bob().status(BobTicket(), bobFiles, bobSees));
     ASSERT_EQ(bobSees.size(), 2u);
     EXPECT_EQ(bobSees[0].word, eStatusNotHeadRevision);

@@ -1,8 +1,8 @@
 // Log-in, sessions, an unreachable depot and injected faults: the codes and texts the plug-in
 // acts on (-34 starts its re-connection; "Invalid password" its password dialog).
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 
-#include <hbrcservices/depotqueries.h>
+#include <hbrcservices/serverqueries.h>
 
 #include <chrono>
 #include <functional>
@@ -31,7 +31,7 @@ struct LoginCase
     const char* svnErrorPart;
 };
 
-class LoginFailures : public DepotHostFixture,
+class LoginFailures : public ServerHostFixture,
                       public ::testing::WithParamInterface<std::tuple<ServerKind, LoginCase>>
 {
 public:
@@ -73,29 +73,29 @@ INSTANTIATE_TEST_SUITE_P(
 struct DepotOperation
 {
     const char* name;
-    std::function<kelResult(DepotHostFixture&, std::string& error)> run;
+    std::function<kelResult(ServerHostFixture&, std::string& error)> run;
 };
 
 const DepotOperation kOperations[] = {
-    {"status", [](DepotHostFixture& f, std::string& error) {
+    {"status", [](ServerHostFixture& f, std::string& error) {
          List<unsigned> statuses;
          return f.DataControl()->GetStatus({f.Asset("Rock")}, true, closureId::Persistence, true, statuses, error);
      }},
-    {"check-out", [](DepotHostFixture& f, std::string& error) {
+    {"check-out", [](ServerHostFixture& f, std::string& error) {
          return f.DataControl()->CheckOut({f.Asset("Rock")}, true, closureId::Persistence, "", error);
      }},
-    {"users", [](DepotHostFixture& f, std::string&) {
+    {"users", [](ServerHostFixture& f, std::string&) {
          List<std::string> users;
          return f.DataControl()->GetUsersOfObject(f.Asset("Rock"), closureId::Persistence, users);
      }},
-    {"changelists", [](DepotHostFixture& f, std::string& error) {
+    {"changelists", [](ServerHostFixture& f, std::string& error) {
          List<std::string> changelists;
          return f.DataControl()->GetPendingChangeLists(changelists, error);
      }},
-    {"revert", [](DepotHostFixture& f, std::string& error) {
+    {"revert", [](ServerHostFixture& f, std::string& error) {
          return f.FileVersionControl()->Revert(f.AliceSession(), {f.AlicePath("rock.bin")}, error, 0, 0);
      }},
-    {"mark-for-delete", [](DepotHostFixture& f, std::string& error) {
+    {"mark-for-delete", [](ServerHostFixture& f, std::string& error) {
          return f.FileVersionControl()->MarkForDeleteInChangelist(f.AliceSession(), {f.AlicePath("rock.bin")}, "", error);
      }},
 };
@@ -108,7 +108,7 @@ TEST_P(SessionsAndFaults, ExpiredSessionMakesEveryOperationUnusableUntilALogIn)
         EXPECT_EQ(operation.run(*this, error).GetCode(), kResultSessionUnusable) << operation.name;
     EXPECT_FALSE(DataControl()->ChangeListExists("1"));
     EXPECT_TRUE(DataControl()->ChangeListExists("")) << "the default changelist exists without asking";
-    std::vector<hbrc::depot::FileStatus> bobSees;
+    std::vector<hbrc::revision::FileStatus> bobSees;
     BobExpects(Bob().status(BobTicket(), BobFilesOf("Rock"), bobSees));
     for (const auto& status : bobSees)
         EXPECT_EQ(status.word, 0u) << "the refused check-out opened nothing";
@@ -185,17 +185,17 @@ TEST_P(SessionsAndFaults, AKeptLogInServesTheNextStartUntilLogOut)
     qputenv("HOME", QFile::encodeName(ownHome.path()));
     std::string error;
     ASSERT_TRUE(services.connection->Keep(DataControl()->GetUserParameters().Get(), error).IsSuccess()) << error;
-    hbrc::host::DepotConnection restart(DepotPath());
+    hbrc::host::ServerConnection restart(DepotPath());
     const KELPtr<hbrc::host::UserParameters> resumed = restart.ResumeKept("alice", AliceWorkspace(), error);
     ASSERT_FALSE(resumed.IsNull()) << error;
-    std::vector<hbrc::depot::FileStatus> statuses;
-    EXPECT_TRUE(hbrc::host::DepotQueries::Status(restart, resumed.Get(), {AlicePath("rock.bin")}, statuses, error)
+    std::vector<hbrc::revision::FileStatus> statuses;
+    EXPECT_TRUE(hbrc::host::ServerQueries::Status(restart, resumed.Get(), {AlicePath("rock.bin")}, statuses, error)
                     .IsSuccess())
         << error;
     EXPECT_TRUE(restart.Logout(resumed.Get(), error).IsSuccess()) << error;
     // A file:// repository asks for no password: there is nothing to keep or forget.
     if (Server() != ServerKind::SvnFile) {
-        EXPECT_TRUE(hbrc::host::DepotConnection(DepotPath()).ResumeKept("alice", AliceWorkspace(), error).IsNull());
+        EXPECT_TRUE(hbrc::host::ServerConnection(DepotPath()).ResumeKept("alice", AliceWorkspace(), error).IsNull());
     }
     qputenv("HOME", home);
 }
@@ -204,7 +204,7 @@ TEST_P(SessionsAndFaults, AKeptLogInServesTheNextStartUntilLogOut)
 // failed change reaches the caller with its text and opens nothing.
 TEST_P(SessionsAndFaults, FailedCheckOutLeavesNothingOpen)
 {
-    services.connection->Faults().failOperation(hbrc::depot::Operation::Edit, hbrc::depot::code::IoError, "disk on fire");
+    services.connection->Faults().failOperation(hbrc::revision::Operation::Edit, hbrc::revision::code::IoError, "disk on fire");
     std::string error;
     EXPECT_EQ(DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error).GetCode(), kResultFailed);
     EXPECT_EQ(error, "disk on fire");
@@ -213,7 +213,7 @@ TEST_P(SessionsAndFaults, FailedCheckOutLeavesNothingOpen)
     EXPECT_TRUE(DataControl()->NeedsAction(Asset("Rock"), true, kPersistence));
 }
 
-class SvnServeFaults : public DepotHostFixture
+class SvnServeFaults : public ServerHostFixture
 {
 public:
     ServerKind Server() const override { return ServerKind::SvnServe; }

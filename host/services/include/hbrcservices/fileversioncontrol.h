@@ -1,6 +1,6 @@
 #pragma once
 
-#include <hbrcservices/depotconnection.h>
+#include <hbrcservices/serverconnection.h>
 
 #include <kel4/ifileversioncontrol.h>
 
@@ -14,7 +14,7 @@ namespace hbrc::host {
 class FileVersionControl final : public kel4::RefCounted<kel4::IFileVersionControl>
 {
 public:
-    explicit FileVersionControl(std::shared_ptr<DepotConnection> connection);
+    explicit FileVersionControl(std::shared_ptr<ServerConnection> connection);
 
     void* QueryInterface(const kel4::InterfaceId& iid) override;
 
@@ -35,10 +35,10 @@ public:
     kelResult GetUsersOfFiles(const kel4::IUserParameters* user, const kel4::List<std::string>& files,
                               kel4::List<std::string>& users, std::string& errorText) override;
 
-    DepotConnection& Connection() const { return *m_connection; }
+    ServerConnection& Connection() const { return *m_connection; }
 
 private:
-    std::shared_ptr<DepotConnection> m_connection;
+    std::shared_ptr<ServerConnection> m_connection;
 };
 
 }  // namespace hbrc::host

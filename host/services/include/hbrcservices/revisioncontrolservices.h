@@ -1,7 +1,7 @@
 #pragma once
 
 #include <hbrcservices/datacontrol.h>
-#include <hbrcservices/depotconnection.h>
+#include <hbrcservices/serverconnection.h>
 #include <hbrcservices/fileversioncontrol.h>
 
 #include <memory>
@@ -22,7 +22,7 @@ struct RevisionControlAccount
 // The two revision-control services of one open workspace and the connection they share.
 struct RevisionControlServices
 {
-    std::shared_ptr<DepotConnection> connection;
+    std::shared_ptr<ServerConnection> connection;
     KELPtr<DataControl> dataControl;
     KELPtr<FileVersionControl> fileVersionControl;
 
