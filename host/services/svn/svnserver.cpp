@@ -117,22 +117,29 @@ revision::FileStatus FileStatusOf(const SvnNodeStatus* node, bool askedRepositor
     return result;
 }
 
-// Why files cannot be opened, one line each; empty when all of them can.
-std::string Refusals(const RevisionServer::Files& files, const std::vector<revision::FileStatus>& statuses)
+// Why files cannot be opened for action, as the contract words a refusal (a heading, then a line
+// per file); code::Ok when all of them can.
+Result Refusals(const char* action, const RevisionServer::Files& files,
+                const std::vector<revision::FileStatus>& statuses)
 {
     std::string refusals;
+    int refusalCode = code::Failed;
     for (std::size_t i = 0; i < files.size(); ++i) {
         const unsigned word = statuses[i].word;
-        if (word & status::NotInDepot)
-            refusals += files[i] + " - file(s) not in depot.\n";
-        else if (word & status::OpenedByOthers)
-            refusals += files[i] + " - already locked by " + statuses[i].holders.front() + "\n";
-        else if ((word & status::NotAtHead) && !(word & kOpenHere))
-            refusals += files[i] + " - not at the head revision; sync first.\n";
-        else if (word & status::IoError)
-            refusals += files[i] + " - cannot be read.\n";
+        if (word & status::NotInDepot) {
+            refusals += "\n" + files[i] + " is not in the depot";
+        } else if (word & status::OpenedByOthers) {
+            refusals += "\n" + files[i] + " is locked by " + statuses[i].holders.front();
+        } else if ((word & status::NotAtHead) && !(word & kOpenHere)) {
+            refusals += "\n" + files[i] + " is not at the head revision (sync it first)";
+        } else if (word & status::IoError) {
+            refusals += "\n" + files[i] + " cannot be read";
+            refusalCode = code::IoError;
+        }
     }
-    return refusals;
+    if (refusals.empty())
+        return {};
+    return {refusalCode, "Cannot open for " + std::string(action) + ":" + refusals};
 }
 
 // The files locked in user's name elsewhere than in this working copy (no token here), which no
@@ -165,8 +172,8 @@ struct LockOutcome
         if (notify->action == svn_wc_notify_locked || notify->action == svn_wc_notify_unlocked) {
             outcome->done.emplace_back(notify->path);
         } else if (notify->action == svn_wc_notify_failed_lock || notify->action == svn_wc_notify_failed_unlock) {
-            outcome->failures += std::string(notify->path) + " - " +
-                                 (notify->err && notify->err->message ? notify->err->message : "refused") + "\n";
+            outcome->failures += "\n" + std::string(notify->path) + " - " +
+                                 (notify->err && notify->err->message ? notify->err->message : "refused");
         }
     }
 };
@@ -438,8 +445,9 @@ Result SvnServer::sync(const std::string& ticket, const Files& files, const revi
                                        TRUE, TRUE, call.context(), call.pool()));
 }
 
-Result SvnServer::checkFilesMayChange(Call& call, const Files& files, const revision::ChangelistId& changelist,
-                                     std::vector<revision::FileStatus>& statuses, Files* ownStrayLocks)
+Result SvnServer::checkFilesMayChange(Call& call, const char* action, const Files& files,
+                                      const revision::ChangelistId& changelist,
+                                      std::vector<revision::FileStatus>& statuses, Files* ownStrayLocks)
 {
     if (!call.session().changelists->exists(changelist))
         return {code::Failed, "Change " + changelist + " unknown."};
@@ -447,9 +455,7 @@ Result SvnServer::checkFilesMayChange(Call& call, const Files& files, const revi
         return asked;
     if (ownStrayLocks)
         *ownStrayLocks = OwnStrayLocks(files, call.session().credentials.user, statuses);
-    if (const std::string refusals = Refusals(files, statuses); !refusals.empty())
-        return {code::Failed, refusals};
-    return {};
+    return Refusals(action, files, statuses);
 }
 
 Result SvnServer::edit(const std::string& ticket, const Files& files, const revision::ChangelistId& changelist,
@@ -460,7 +466,7 @@ Result SvnServer::edit(const std::string& ticket, const Files& files, const revi
         return begun;
     std::vector<revision::FileStatus> statuses;
     Files strays;
-    if (Result checked = checkFilesMayChange(call, files, changelist, statuses, &strays); !checked.ok())
+    if (Result checked = checkFilesMayChange(call, "edit", files, changelist, statuses, &strays); !checked.ok())
         return checked;
 
     Result tookBack;
@@ -486,7 +492,7 @@ Result SvnServer::edit(const std::string& ticket, const Files& files, const revi
         call.context()->notify_baton2 = &outcome;
         Result locked = call.ask(svn_client_lock(call.paths(toLock), "", FALSE, call.context(), call.pool()));
         if (locked.ok() && !outcome.failures.empty())
-            locked = {code::Failed, outcome.failures};
+            locked = {code::Failed, "Cannot open for edit:" + outcome.failures};
         if (!locked.ok()) {
             // All or nothing: the locks taken before the refusal are given back.
             if (!outcome.done.empty())
@@ -533,7 +539,7 @@ Result SvnServer::remove(const std::string& ticket, const Files& files, const re
     if (Result begun = call.begin(revision::Operation::Delete, &ticket); !begun.ok())
         return begun;
     std::vector<revision::FileStatus> statuses;
-    if (Result checked = checkFilesMayChange(call, files, changelist, statuses); !checked.ok())
+    if (Result checked = checkFilesMayChange(call, "delete", files, changelist, statuses); !checked.ok())
         return checked;
     apr_array_header_t* paths = call.paths(files);
     svn_error_t* err = svn_client_delete4(paths, FALSE, FALSE, nullptr, nullptr, nullptr, call.context(), call.pool());

@@ -78,13 +78,15 @@ private:
 
     Session* find(const std::string& ticket);
     // Refuses a change into a changelist the working copy does not have, and files that others
-    // hold or that are not in a state to change; otherwise statuses holds the files' words.
-    // With ownStrayLocks, the files locked in the session user's name without a token in this
-    // working copy are not refused but listed there.
-    revision::Result checkFilesMayChange(Call& call, const Files& files, const revision::ChangelistId& changelist,
-                                      std::vector<revision::FileStatus>& statuses, Files* ownStrayLocks = nullptr);
+    // hold or that are not in a state to open for action ("edit", "delete"); otherwise statuses
+    // holds the files' words. With ownStrayLocks, the files locked in the session user's name
+    // without a token in this working copy are not refused but listed there.
+    revision::Result checkFilesMayChange(Call& call, const char* action, const Files& files,
+                                         const revision::ChangelistId& changelist,
+                                         std::vector<revision::FileStatus>& statuses,
+                                         Files* ownStrayLocks = nullptr);
     revision::Result statusWords(Call& call, const Files& files, bool askRepository,
-                              std::vector<revision::FileStatus>& statuses, SvnStatusMap* walked = nullptr);
+                                 std::vector<revision::FileStatus>& statuses, SvnStatusMap* walked = nullptr);
 
     std::string m_url;
     SvnClient m_client;

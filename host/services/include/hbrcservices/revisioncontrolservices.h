@@ -1,8 +1,8 @@
 #pragma once
 
 #include <hbrcservices/datacontrol.h>
-#include <hbrcservices/serverconnection.h>
 #include <hbrcservices/fileversioncontrol.h>
+#include <hbrcservices/serverconnection.h>
 
 #include <memory>
 #include <string>

@@ -21,12 +21,15 @@ namespace hbrc::host {
 //   Where an answer names files by a single name (revertUnchanged), it is the server's name of the
 //   file ("//depot/..." on the embedded depot, "^/..." in a Subversion repository); an open file
 //   (PendingChangelist) carries both.
-// - Refusals. A refused call answers code::Failed with a text that names every refused file on a
-//   line of its own, "FILE - why"; a call without a usable session answers code::SessionUnusable
-//   with a text that ends with "please log in again." (or "please log in." when there never was
+// - Refusals. A call that refuses files for their state answers code::Failed (code::IoError when
+//   a file cannot be read) with a heading that says what was refused, then a line per refused
+//   file that begins with the file as the caller named it: "Cannot open for edit:\nFILE is locked
+//   by bob". A call without a usable session answers code::SessionUnusable with a text whose
+//   first line ends with "please log in again." (revision::kNotLoggedInText when there never was
 //   one); a server that cannot be reached answers code::SessionUnusable with unreachableText(),
 //   which begins "Cannot reach" (IsUnreachableServerError); a wrong password at a log-in answers
-//   code::Failed with "Invalid password for user NAME.".
+//   code::Failed with "Invalid password for user NAME.". Errors of a backend's own library pass
+//   on as it words them.
 // - Round trips. roundTrips() counts the questions that reached the server's store (the depot's
 //   database, the repository), log-ins and failures forced by fault injection included; every
 //   list question is one round trip whatever its length; work done in the working copy alone
