@@ -11,6 +11,7 @@
 
 #include <ratioreporter.h>
 
+#include <depot/depot.h>
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrcsession/hostsession.h>
 
@@ -79,7 +80,7 @@ private:
                    admin.addWorkspace("bench-ws", "bench", root).ok(),
                "cannot set up the depot");
         ConnectionOptions connection;
-        connection.depot = options;
+        connection.server.passwordHashCost = hbrc::revision::PasswordHashCost::Minimal;
         m_host.AddWorkspaceSetup([&](Workspace& workspace) {
             std::string error;
             m_services = InstallRevisionControlServices(workspace, depotPath, {"bench", "pw", "bench-ws"}, error,

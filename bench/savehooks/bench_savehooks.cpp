@@ -10,6 +10,7 @@
 #include <ratioreporter.h>
 
 #include <borax/datamodel/iitemlibrarynotification.h>
+#include <depot/depot.h>
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrcsession/hostsession.h>
 

@@ -6,6 +6,7 @@
 #include <ratioreporter.h>
 #include <svnrepositoryfixture.h>
 
+#include <depot/depot.h>
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrcservices/revisionserver.h>
 
@@ -64,7 +65,9 @@ private:
         connection.server.passwordHashCost = hbrc::revision::PasswordHashCost::Minimal;
         if (server == kDepot) {
             serverSetting = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
-            hbrc::depot::Depot admin(serverSetting, connection.depot);
+            hbrc::depot::DepotOptions adminOptions;
+            adminOptions.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+            hbrc::depot::Depot admin(serverSetting, adminOptions);
             workspaceName = "alice-ws";
             if (!hbrc::depot::Depot::create(serverSetting).ok() || !admin.addUser("alice", "alice-pw").ok() ||
                 !admin.addWorkspace(workspaceName, "alice", m_root).ok())

@@ -78,7 +78,7 @@ private:
         }
         const host::SaveReport saved = workspace->Save();
         expect(saved.Succeeded(), "the save failed");
-        const std::unique_ptr<host::RevisionServer> alice = host::OpenRevisionServer(m_path, options);
+        const std::unique_ptr<host::RevisionServer> alice = host::OpenRevisionServer(m_path, {revision::PasswordHashCost::Minimal});
         std::string ticket;
         revision::ChangelistId submitted;
         expect(alice->login("alice", "alice-pw", "alice-ws", ticket).ok() &&

@@ -5,6 +5,7 @@
 // installed and logged in (the cheapest password hash, so that set-up stays short). Throws
 // std::runtime_error when a step fails. Header-only; the benchmark links hbrc_services.
 
+#include <depot/depot.h>
 #include <hbrcdatamodel/workspace.h>
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrcservices/revisionserver.h>
@@ -31,7 +32,9 @@ public:
         const std::string depotPath = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
         ConnectionOptions connection;
         connection.server.passwordHashCost = hbrc::revision::PasswordHashCost::Minimal;
-        hbrc::depot::Depot admin(depotPath, connection.depot);
+        hbrc::depot::DepotOptions adminOptions;
+        adminOptions.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+        hbrc::depot::Depot admin(depotPath, adminOptions);
         if (!hbrc::depot::Depot::create(depotPath).ok() || !admin.addUser("bench", "pw").ok()
             || !admin.addWorkspace("bench-ws", "bench", m_root).ok())
             throw std::runtime_error("cannot set up the depot");
