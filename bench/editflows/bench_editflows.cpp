@@ -11,6 +11,7 @@
 
 #include <ratioreporter.h>
 
+#include <depot/depot.h>
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrcsession/hostsession.h>
 
@@ -48,7 +49,7 @@ public:
     static void Release() { Instance().reset(); }
 
     CRevisionControlUIHelper& Helper() { return m_helper; }
-    DepotConnection& Connection() { return *m_services.connection; }
+    ServerConnection& Connection() { return *m_services.connection; }
     DataControl& Data() { return *m_services.dataControl; }
     kel4::IDataControl::ObjectList Clay(int count) const { return Slice(m_clay, count); }
     kel4::IDataControl::ObjectList Stone(int count) const { return Slice(m_stone, count); }
@@ -79,7 +80,7 @@ private:
                    admin.addWorkspace("bench-ws", "bench", root).ok(),
                "cannot set up the depot");
         ConnectionOptions connection;
-        connection.depot = options;
+        connection.server.passwordHashCost = hbrc::revision::PasswordHashCost::Minimal;
         m_host.AddWorkspaceSetup([&](Workspace& workspace) {
             std::string error;
             m_services = InstallRevisionControlServices(workspace, depotPath, {"bench", "pw", "bench-ws"}, error,
@@ -107,8 +108,8 @@ private:
         expect(Connection()
                    .Run(Data().GetUserParameters().Get(),
                         [](hbrc::host::RevisionServer& server, const std::string& ticket,
-                           const hbrc::depot::CancelCheck& cancel) {
-                            hbrc::depot::ChangelistId submitted;
+                           const hbrc::revision::CancelCheck& cancel) {
+                            hbrc::revision::ChangelistId submitted;
                             return server.submit(ticket, "", "bench assets", submitted, cancel);
                         },
                         error)

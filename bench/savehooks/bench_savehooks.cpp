@@ -10,6 +10,7 @@
 #include <ratioreporter.h>
 
 #include <borax/datamodel/iitemlibrarynotification.h>
+#include <depot/depot.h>
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrcsession/hostsession.h>
 
@@ -52,7 +53,7 @@ public:
     static void Release() { Instance().reset(); }
 
     Workspace& Space() { return *m_workspace; }
-    DepotConnection& Connection() { return *m_services.connection; }
+    ServerConnection& Connection() { return *m_services.connection; }
     borax::datamodel::IItemLibraryNotification& Hooks()
     {
         auto* hooks = dynamic_cast<borax::datamodel::IItemLibraryNotification*>(m_helper);
@@ -99,7 +100,7 @@ private:
         m_host.Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
         m_host.AddWorkspaceSetup([this, depotPath](Workspace& workspace) {
             ConnectionOptions connection;
-            connection.depot.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+            connection.server.passwordHashCost = hbrc::revision::PasswordHashCost::Minimal;
             connection.timeOutThreshold = std::chrono::minutes(10);  // no progress box
             std::string error;
             m_services = InstallRevisionControlServices(workspace, depotPath, {"bench", "pw", "bench-ws"}, error,

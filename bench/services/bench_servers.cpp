@@ -6,6 +6,7 @@
 #include <ratioreporter.h>
 #include <svnrepositoryfixture.h>
 
+#include <depot/depot.h>
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrcservices/revisionserver.h>
 
@@ -40,11 +41,11 @@ public:
     }
 
     FileVersionControl& Files() { return *m_services.fileVersionControl; }
-    DepotConnection& Connection() { return *m_services.connection; }
+    ServerConnection& Connection() { return *m_services.connection; }
     const kel4::IUserParameters* Session() const { return m_services.dataControl->GetUserParameters().Get(); }
     kel4::List<std::string> FileNames(int count) const { return {m_files.begin(), m_files.begin() + count}; }
 
-    kelResult Run(const DepotConnection::Operation& operation)
+    kelResult Run(const ServerConnection::Operation& operation)
     {
         std::string error;
         const kelResult result = Connection().Run(Session(), operation, error);
@@ -61,10 +62,12 @@ private:
         std::string serverSetting;
         std::string workspaceName = m_root;
         ConnectionOptions connection;
-        connection.depot.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+        connection.server.passwordHashCost = hbrc::revision::PasswordHashCost::Minimal;
         if (server == kDepot) {
             serverSetting = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
-            hbrc::depot::Depot admin(serverSetting, connection.depot);
+            hbrc::depot::DepotOptions adminOptions;
+            adminOptions.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+            hbrc::depot::Depot admin(serverSetting, adminOptions);
             workspaceName = "alice-ws";
             if (!hbrc::depot::Depot::create(serverSetting).ok() || !admin.addUser("alice", "alice-pw").ok() ||
                 !admin.addWorkspace(workspaceName, "alice", m_root).ok())
@@ -87,11 +90,11 @@ private:
             if (!file.open(QIODevice::WriteOnly) || file.write("asset\n") <= 0)
                 throw std::runtime_error("cannot write " + m_files.back());
         }
-        Run([&](RevisionServer& s, const std::string& ticket, const hbrc::depot::CancelCheck&) {
+        Run([&](RevisionServer& s, const std::string& ticket, const hbrc::revision::CancelCheck&) {
             return s.add(ticket, m_files, "");
         });
-        Run([&](RevisionServer& s, const std::string& ticket, const hbrc::depot::CancelCheck&) {
-            hbrc::depot::ChangelistId submitted;
+        Run([&](RevisionServer& s, const std::string& ticket, const hbrc::revision::CancelCheck&) {
+            hbrc::revision::ChangelistId submitted;
             return s.submit(ticket, "", "10,000 files", submitted);
         });
     }
@@ -123,7 +126,7 @@ void Status(Scene& scene, const kel4::List<std::string>& files)
 void CheckOutAndRevert(Scene& scene, const kel4::List<std::string>& files)
 {
     const std::vector<std::string> list(files.begin(), files.end());
-    scene.Run([&](RevisionServer& s, const std::string& ticket, const hbrc::depot::CancelCheck& cancel) {
+    scene.Run([&](RevisionServer& s, const std::string& ticket, const hbrc::revision::CancelCheck& cancel) {
         return s.edit(ticket, list, "", cancel);
     });
     std::string error;

@@ -36,7 +36,7 @@ public:
 
     DataControl& Data() { return m_depot.Data(); }
     FileVersionControl& Files() { return m_depot.Files(); }
-    DepotConnection& Connection() { return m_depot.Connection(); }
+    ServerConnection& Connection() { return m_depot.Connection(); }
     const kel4::IDataControl::ObjectList& Objects() const { return m_objects; }
     kel4::List<std::string> FileNames(int count) const { return {m_files.begin(), m_files.begin() + count}; }
 
@@ -152,7 +152,7 @@ public:
         return *scene;
     }
 
-    DepotConnection& Connection() { return m_depot.Connection(); }
+    ServerConnection& Connection() { return m_depot.Connection(); }
     DataControl& Data() { return m_depot.Data(); }
     const kel4::IDataControl::ObjectList& Objects() const { return m_objects; }
     void ChangeTheFirstAsset()

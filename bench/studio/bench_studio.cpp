@@ -78,9 +78,9 @@ private:
         }
         const host::SaveReport saved = workspace->Save();
         expect(saved.Succeeded(), "the save failed");
-        const std::unique_ptr<host::RevisionServer> alice = host::OpenRevisionServer(m_path, options);
+        const std::unique_ptr<host::RevisionServer> alice = host::OpenRevisionServer(m_path, {revision::PasswordHashCost::Minimal});
         std::string ticket;
-        depot::ChangelistId submitted;
+        revision::ChangelistId submitted;
         expect(alice->login("alice", "alice-pw", "alice-ws", ticket).ok() &&
                    alice->add(ticket, {saved.writtenFiles.begin(), saved.writtenFiles.end()}, "").ok() &&
                    alice->submit(ticket, "", "assets", submitted).ok(),

@@ -5,6 +5,7 @@
 // installed and logged in (the cheapest password hash, so that set-up stays short). Throws
 // std::runtime_error when a step fails. Header-only; the benchmark links hbrc_services.
 
+#include <depot/depot.h>
 #include <hbrcdatamodel/workspace.h>
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrcservices/revisionserver.h>
@@ -30,8 +31,10 @@ public:
         m_root = QFile::encodeName(QDir(m_dir.filePath(QStringLiteral("ws"))).canonicalPath()).toStdString();
         const std::string depotPath = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
         ConnectionOptions connection;
-        connection.depot.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
-        hbrc::depot::Depot admin(depotPath, connection.depot);
+        connection.server.passwordHashCost = hbrc::revision::PasswordHashCost::Minimal;
+        hbrc::depot::DepotOptions adminOptions;
+        adminOptions.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+        hbrc::depot::Depot admin(depotPath, adminOptions);
         if (!hbrc::depot::Depot::create(depotPath).ok() || !admin.addUser("bench", "pw").ok()
             || !admin.addWorkspace("bench-ws", "bench", m_root).ok())
             throw std::runtime_error("cannot set up the depot");
@@ -50,24 +53,24 @@ public:
     hbrc::host::Workspace& Space() { return *m_workspace; }
     hbrc::host::DataControl& Data() { return *m_services.dataControl; }
     hbrc::host::FileVersionControl& Files() { return *m_services.fileVersionControl; }
-    hbrc::host::DepotConnection& Connection() { return *m_services.connection; }
+    hbrc::host::ServerConnection& Connection() { return *m_services.connection; }
     const kel4::IUserParameters* Session() const { return m_services.dataControl->GetUserParameters().Get(); }
 
     // Marks files (absolute paths below Root(), on disk) for add and submits them in one change.
     void Submit(const std::vector<std::string>& files)
     {
         using hbrc::host::RevisionServer;
-        run([&](RevisionServer& server, const std::string& ticket, const hbrc::depot::CancelCheck&) {
+        run([&](RevisionServer& server, const std::string& ticket, const hbrc::revision::CancelCheck&) {
             return server.add(ticket, files, "");
         });
-        run([&](RevisionServer& server, const std::string& ticket, const hbrc::depot::CancelCheck&) {
-            hbrc::depot::ChangelistId submitted;
+        run([&](RevisionServer& server, const std::string& ticket, const hbrc::revision::CancelCheck&) {
+            hbrc::revision::ChangelistId submitted;
             return server.submit(ticket, "", "benchmark files", submitted);
         });
     }
 
 private:
-    void run(const hbrc::host::DepotConnection::Operation& operation)
+    void run(const hbrc::host::ServerConnection::Operation& operation)
     {
         std::string error;
         if (Connection().Run(Session(), operation, error).IsFailure())

@@ -1,6 +1,6 @@
 #include <hbrcservices/datacontrol.h>
 
-#include <hbrcservices/depotqueries.h>
+#include <hbrcservices/serverqueries.h>
 #include <hbrcservices/filepermissions.h>
 #include <hbrcservices/statusrules.h>
 
@@ -43,30 +43,30 @@ void AppendUnique(const FileContainer& files, std::vector<std::string>& into, st
 class StatusByFile
 {
 public:
-    StatusByFile(const std::vector<std::string>& asked, const std::vector<depot::FileStatus>& answered)
+    StatusByFile(const std::vector<std::string>& asked, const std::vector<revision::FileStatus>& answered)
     {
         for (std::size_t i = 0; i < asked.size() && i < answered.size(); ++i)
             m_byFile.emplace(asked[i], &answered[i]);
     }
 
-    std::vector<depot::FileStatus> Of(const std::vector<std::string>& files) const
+    std::vector<revision::FileStatus> Of(const std::vector<std::string>& files) const
     {
-        std::vector<depot::FileStatus> statuses;
+        std::vector<revision::FileStatus> statuses;
         statuses.reserve(files.size());
         for (const std::string& file : files) {
             const auto found = m_byFile.find(file);
-            statuses.push_back(found != m_byFile.end() ? *found->second : depot::FileStatus{});
+            statuses.push_back(found != m_byFile.end() ? *found->second : revision::FileStatus{});
         }
         return statuses;
     }
 
 private:
-    std::unordered_map<std::string, const depot::FileStatus*> m_byFile;
+    std::unordered_map<std::string, const revision::FileStatus*> m_byFile;
 };
 
 }  // namespace
 
-DataControl::DataControl(KELPtr<DataModelMgr> model, std::shared_ptr<DepotConnection> connection)
+DataControl::DataControl(KELPtr<DataModelMgr> model, std::shared_ptr<ServerConnection> connection)
     : m_model(std::move(model)), m_connection(std::move(connection))
 {
 }
@@ -177,7 +177,7 @@ DataControl::Files DataControl::FilesToAsk(const KELHandle<kel4::IDbObject>& obj
 }
 
 kelResult DataControl::KnownStatuses(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles, kel4::closureId closure,
-                                     const Files& files, std::vector<depot::FileStatus>& statuses,
+                                     const Files& files, std::vector<revision::FileStatus>& statuses,
                                      std::string& errorText)
 {
     if (auto cached = m_connection->Cache().Lookup(files)) {
@@ -185,8 +185,8 @@ kelResult DataControl::KnownStatuses(const KELHandle<kel4::IDbObject>& object, b
         return kel4::kResultSuccess;
     }
     const Files asked = FilesToAsk(object, includeExternalFiles, closure, files);
-    std::vector<depot::FileStatus> answered;
-    const kelResult result = DepotQueries::Status(*m_connection, m_session.Get(), asked, answered, errorText);
+    std::vector<revision::FileStatus> answered;
+    const kelResult result = ServerQueries::Status(*m_connection, m_session.Get(), asked, answered, errorText);
     if (result.IsSuccess())
         statuses = StatusByFile(asked, answered).Of(files);
     return result;
@@ -205,11 +205,11 @@ kelResult DataControl::GetStatus(const ObjectList& objects, bool includeExternal
         filesPerObject.push_back(FilesOf(object, includeExternalFiles, closure));
         AppendUnique(filesPerObject.back(), files, seen);
     }
-    std::vector<depot::FileStatus> answered;
+    std::vector<revision::FileStatus> answered;
     if (auto cached = refresh ? std::nullopt : m_connection->Cache().Lookup(files)) {
         answered = std::move(*cached);
     } else if (!files.empty()) {
-        const kelResult result = DepotQueries::Status(*m_connection, m_session.Get(), files, answered, errorText);
+        const kelResult result = ServerQueries::Status(*m_connection, m_session.Get(), files, answered, errorText);
         if (result.IsFailure())
             return result;
     }
@@ -226,12 +226,12 @@ bool DataControl::NeedsAction(const KELHandle<kel4::IDbObject>& object, bool inc
     const Files files = FilesOf(object, includeExternalFiles, closure);
     if (files.empty())
         return false;
-    std::vector<depot::FileStatus> statuses;
+    std::vector<revision::FileStatus> statuses;
     std::string ignored;
     // Without an answer from the depot, every file counts as under revision control: a read-only
     // file then still asks for an action, whose own failure (e.g. an expired session) is reported.
     if (KnownStatuses(object, includeExternalFiles, closure, files, statuses, ignored).IsFailure())
-        statuses.assign(files.size(), depot::FileStatus{});
+        statuses.assign(files.size(), revision::FileStatus{});
     return StatusRules::NeedsAction(files, statuses, FilePermissions::IsReadOnly);
 }
 
@@ -239,7 +239,7 @@ kelResult DataControl::CanCheckOut(const KELHandle<kel4::IDbObject>& object, boo
                                    kel4::closureId closure, bool& canCheckOut)
 {
     canCheckOut = false;
-    std::vector<depot::FileStatus> statuses;
+    std::vector<revision::FileStatus> statuses;
     std::string ignored;
     const kelResult result = KnownStatuses(object, includeExternalFiles, closure,
                                            FilesOf(object, includeExternalFiles, closure), statuses, ignored);
@@ -267,19 +267,19 @@ kelResult DataControl::GetUsersOfObject(const KELHandle<kel4::IDbObject>& object
                                         kel4::List<std::string>& users)
 {
     std::string ignored;
-    return DepotQueries::Holders(*m_connection, m_session.Get(), FilesOf(object, true, closure), users, ignored);
+    return ServerQueries::Holders(*m_connection, m_session.Get(), FilesOf(object, true, closure), users, ignored);
 }
 
 // --- revision operations --------------------------------------------------------------------------
 
-kelResult DataControl::ChangeFiles(const Files& files, const DepotConnection::Operation& change,
+kelResult DataControl::ChangeFiles(const Files& files, const ServerConnection::Operation& change,
                                    std::string& errorText)
 {
     if (files.empty()) {
         errorText.clear();
         return kel4::kResultSuccess;
     }
-    return DepotQueries::Change(*m_connection, m_session.Get(), files, change, errorText);
+    return ServerQueries::Change(*m_connection, m_session.Get(), files, change, errorText);
 }
 
 kelResult DataControl::CheckOut(const ObjectList& objects, bool includeExternalFiles, kel4::closureId closure,
@@ -288,8 +288,8 @@ kelResult DataControl::CheckOut(const ObjectList& objects, bool includeExternalF
     const Files files = FilesOf(objects, includeExternalFiles, closure);
     const kelResult result = ChangeFiles(
         files,
-        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
-            return depot.edit(ticket, files, changelist, cancel);
+        [&](RevisionServer& server, const std::string& ticket, const revision::CancelCheck& cancel) {
+            return server.edit(ticket, files, changelist, cancel);
         },
         errorText);
     // A check-out that also put something right (locks an interrupted one left) says so.
@@ -306,23 +306,23 @@ kelResult DataControl::MarkForAdd(const ObjectList& objects, bool includeExterna
     // may have gained a new external file. Their statuses come from the cache when it knows them
     // all (the post-save hook asked about every new asset's files in one question just before
     // marking them asset by asset), so that each call is one round trip, not two.
-    const std::optional<std::vector<depot::FileStatus>> known = m_connection->Cache().Lookup(files);
+    const std::optional<std::vector<revision::FileStatus>> known = m_connection->Cache().Lookup(files);
     return ChangeFiles(
         files,
-        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
-            std::vector<depot::FileStatus> statuses;
-            depot::Result result;
+        [&](RevisionServer& server, const std::string& ticket, const revision::CancelCheck& cancel) {
+            std::vector<revision::FileStatus> statuses;
+            revision::Result result;
             if (known)
                 statuses = *known;
             else
-                result = depot.status(ticket, files, statuses, cancel);
+                result = server.status(ticket, files, statuses, cancel);
             if (!result.ok())
                 return result;
             Files unknown;
             for (std::size_t i = 0; i < files.size() && i < statuses.size(); ++i)
-                if (statuses[i].word & depot::status::NotInDepot)
+                if (statuses[i].word & revision::status::NotInDepot)
                     unknown.push_back(files[i]);
-            return unknown.empty() ? result : depot.add(ticket, unknown, changelist, cancel);
+            return unknown.empty() ? result : server.add(ticket, unknown, changelist, cancel);
         },
         errorText);
 }
@@ -353,8 +353,8 @@ bool DataControl::ChangeListExists(const std::string& changelist)
     std::string ignored;
     const kelResult result = m_connection->Run(
         m_session.Get(),
-        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
-            return depot.changelistExists(ticket, changelist, exists);
+        [&](RevisionServer& server, const std::string& ticket, const revision::CancelCheck&) {
+            return server.changelistExists(ticket, changelist, exists);
         },
         ignored);
     return result.IsSuccess() && exists;
@@ -362,15 +362,15 @@ bool DataControl::ChangeListExists(const std::string& changelist)
 
 kelResult DataControl::GetPendingChangeLists(kel4::List<std::string>& changelists, std::string& errorText)
 {
-    std::vector<depot::Changelist> pending;
+    std::vector<revision::Changelist> pending;
     const kelResult result = m_connection->Run(
         m_session.Get(),
-        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
-            return depot.changelists(ticket, depot::ChangelistState::Pending, pending);
+        [&](RevisionServer& server, const std::string& ticket, const revision::CancelCheck&) {
+            return server.changelists(ticket, revision::ChangelistState::Pending, pending);
         },
         errorText);
     if (result.IsSuccess())
-        for (const depot::Changelist& changelist : pending)
+        for (const revision::Changelist& changelist : pending)
             changelists.push_back(changelist.id);
     return result;
 }
@@ -378,11 +378,11 @@ kelResult DataControl::GetPendingChangeLists(kel4::List<std::string>& changelist
 kelResult DataControl::GetChangeListDescription(const std::string& changelist, std::string& description,
                                                 std::string& errorText)
 {
-    depot::Changelist described;
+    revision::Changelist described;
     const kelResult result = m_connection->Run(
         m_session.Get(),
-        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
-            return depot.describe(ticket, changelist, described);
+        [&](RevisionServer& server, const std::string& ticket, const revision::CancelCheck&) {
+            return server.describe(ticket, changelist, described);
         },
         errorText);
     if (result.IsSuccess())
@@ -395,8 +395,8 @@ kelResult DataControl::CreateChangeList(const std::string& description, std::str
 {
     return m_connection->Run(
         m_session.Get(),
-        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
-            return depot.createChangelist(ticket, description, changelist);
+        [&](RevisionServer& server, const std::string& ticket, const revision::CancelCheck&) {
+            return server.createChangelist(ticket, description, changelist);
         },
         errorText);
 }

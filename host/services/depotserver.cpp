@@ -2,22 +2,174 @@
 
 #include <depot/ticketstore.h>
 
+#include <filesystem>
 #include <stdexcept>
 
 namespace hbrc::host {
 
-depot::Result DepotServer::login(const std::string& user, const std::string& password, const std::string& workspace,
-                                 std::string& ticket)
+namespace {
+
+// The contract's codes and status bits are the depot's numbers, so that both pass unchanged.
+static_assert(revision::code::Ok == depot::code::Ok && revision::code::Failed == depot::code::Failed &&
+              revision::code::Cancelled == depot::code::Cancelled && revision::code::IoError == depot::code::IoError &&
+              revision::code::SessionUnusable == depot::code::SessionUnusable &&
+              revision::code::Skipped == depot::code::Skipped);
+static_assert(revision::status::OpenedForEdit == depot::status::OpenedForEdit &&
+              revision::status::OpenedByOthers == depot::status::OpenedByOthers &&
+              revision::status::OpenedForAdd == depot::status::OpenedForAdd &&
+              revision::status::AddedByOthers == depot::status::AddedByOthers &&
+              revision::status::OpenedForDelete == depot::status::OpenedForDelete &&
+              revision::status::DeletedByOthers == depot::status::DeletedByOthers &&
+              revision::status::NotAtHead == depot::status::NotAtHead &&
+              revision::status::NotInDepot == depot::status::NotInDepot &&
+              revision::status::IoError == depot::status::IoError &&
+              revision::status::LockedByOthers == depot::status::LockedByOthers);
+
+revision::Result Answer(const depot::Result& result)
 {
-    return m_depot.login(user, password, workspace, ticket);
+    return {result.code, result.error};
 }
 
-depot::Result DepotServer::expireSession(const std::string& ticket)
+revision::FileAction ActionOf(depot::FileAction action)
 {
-    return m_depot.expireSession(ticket);
+    switch (action) {
+    case depot::FileAction::Add: return revision::FileAction::Add;
+    case depot::FileAction::Delete: return revision::FileAction::Delete;
+    case depot::FileAction::Edit: break;
+    }
+    return revision::FileAction::Edit;
 }
 
-depot::Result DepotServer::resumeKept(const std::string& user, const std::string& workspace, std::string& ticket)
+depot::ChangelistState DepotState(revision::ChangelistState state)
+{
+    return state == revision::ChangelistState::Submitted ? depot::ChangelistState::Submitted
+                                                         : depot::ChangelistState::Pending;
+}
+
+revision::ChangelistState StateOf(depot::ChangelistState state)
+{
+    return state == depot::ChangelistState::Submitted ? revision::ChangelistState::Submitted
+                                                      : revision::ChangelistState::Pending;
+}
+
+revision::FileStatus StatusOf(const depot::FileStatus& status)
+{
+    revision::FileStatus answer{status.word, status.changelist, status.holders, {}, status.haveRevision,
+                                status.headRevision};
+    for (const depot::FileHolder& hold : status.heldBy)
+        answer.heldBy.push_back({hold.user, hold.workspace, ActionOf(hold.action), hold.changelist, hold.locked});
+    return answer;
+}
+
+revision::Changelist ChangelistOf(const depot::Changelist& changelist)
+{
+    revision::Changelist answer{changelist.id,        changelist.description,   changelist.user, changelist.workspace,
+                                StateOf(changelist.state), {}, changelist.time};
+    for (const depot::ChangelistFile& file : changelist.files)
+        answer.files.push_back({file.depotPath, ActionOf(file.action), file.revision});
+    return answer;
+}
+
+revision::PendingChangelist PendingOf(const depot::PendingChangelist& pending)
+{
+    revision::PendingChangelist answer{ChangelistOf(pending.changelist), {}};
+    for (const depot::OpenedFile& file : pending.files)
+        answer.files.push_back({file.depotPath, file.localPath, ActionOf(file.action), file.changelist, file.user,
+                                file.workspace, file.locked});
+    return answer;
+}
+
+depot::DepotOptions DepotOptionsOf(const revision::ServerOptions& options)
+{
+    depot::DepotOptions depotOptions;
+    depotOptions.passwordHashCost = options.passwordHashCost == revision::PasswordHashCost::Minimal
+                                        ? depot::PasswordHashCost::Minimal
+                                        : depot::PasswordHashCost::Interactive;
+    return depotOptions;
+}
+
+depot::Operation DepotOperation(revision::Operation operation)
+{
+    using From = revision::Operation;
+    using To = depot::Operation;
+    switch (operation) {
+    case From::Login: return To::Login;
+    case From::Logout: return To::Logout;
+    case From::Session: return To::Session;
+    case From::Sync: return To::Sync;
+    case From::Status: return To::Status;
+    case From::Holders: return To::Holders;
+    case From::Edit: return To::Edit;
+    case From::Add: return To::Add;
+    case From::Delete: return To::Delete;
+    case From::Revert: return To::Revert;
+    case From::Submit: return To::Submit;
+    case From::Changelists: return To::Changelists;
+    case From::Describe: return To::Describe;
+    case From::CreateChangelist: return To::CreateChangelist;
+    case From::ChangelistExists: return To::ChangelistExists;
+    case From::Reopen: return To::Reopen;
+    case From::DeleteChangelist: return To::DeleteChangelist;
+    case From::SetDescription: return To::SetDescription;
+    case From::RevertUnchanged: return To::RevertUnchanged;
+    case From::Pending: break;
+    }
+    return To::Pending;
+}
+
+std::string UnreachableText(const std::string& path, const std::string& why)
+{
+    return "Cannot reach the depot at '" + path + "': " + why;
+}
+
+}  // namespace
+
+void DepotServer::Faults::failNextCalls(int count, int code, std::string message)
+{
+    m_injector.failNextCalls(count, code, std::move(message));
+}
+
+void DepotServer::Faults::failOperation(revision::Operation operation, int code, std::string message)
+{
+    m_injector.failOperation(DepotOperation(operation), code, std::move(message));
+}
+
+DepotServer::DepotServer(const std::string& path, const revision::ServerOptions& options)
+    : m_depot(path, DepotOptionsOf(options))
+{
+}
+
+std::string DepotServer::SettingProblem(const std::string& path)
+{
+    std::error_code ignored;
+    return std::filesystem::is_regular_file(path, ignored) ? std::string() : UnreachableText(path, "no such file");
+}
+
+std::string DepotServer::unreachableText(const std::string& why) const
+{
+    return UnreachableText(path(), why);
+}
+
+revision::Capabilities DepotServer::capabilities() const
+{
+    using revision::Capability;
+    return {Capability::SharedSessions,         Capability::NamedWorkspaces,        Capability::Locks,
+            Capability::ServerNumberedChangelists, Capability::SubmittedChangesListed, Capability::OthersOpenFilesSeen,
+            Capability::KeptLogIns};
+}
+
+revision::Result DepotServer::login(const std::string& user, const std::string& password, const std::string& workspace,
+                                    std::string& ticket)
+{
+    return Answer(m_depot.login(user, password, workspace, ticket));
+}
+
+revision::Result DepotServer::expireSession(const std::string& ticket)
+{
+    return Answer(m_depot.expireSession(ticket));
+}
+
+revision::Result DepotServer::resumeKept(const std::string& user, const std::string& workspace, std::string& ticket)
 {
     const std::optional<depot::StoredTicket> kept =
         depot::TicketStore().find(depot::TicketStore::depotKey(path()), user);
@@ -27,28 +179,28 @@ depot::Result DepotServer::resumeKept(const std::string& user, const std::string
         const depot::Result alive = m_depot.session(kept->ticket, owner, ownersWorkspace);
         if (alive.ok() && owner == user && ownersWorkspace == workspace) {
             ticket = kept->ticket;
-            return alive;
+            return Answer(alive);
         }
     }
-    return {depot::code::Failed, "No live log-in of " + user + " in workspace " + workspace + " is kept."};
+    return {revision::code::Failed, "No live log-in of " + user + " in workspace " + workspace + " is kept."};
 }
 
-depot::Result DepotServer::keep(const std::string& ticket)
+revision::Result DepotServer::keep(const std::string& ticket)
 {
     std::string user;
     std::string workspace;
     const depot::Result alive = m_depot.session(ticket, user, workspace);
     if (!alive.ok())
-        return alive;
+        return Answer(alive);
     try {
         depot::TicketStore().save(depot::TicketStore::depotKey(path()), user, {workspace, ticket});
     } catch (const std::runtime_error& error) {
-        return {depot::code::Failed, error.what()};
+        return {revision::code::Failed, error.what()};
     }
-    return alive;
+    return Answer(alive);
 }
 
-depot::Result DepotServer::logout(const std::string& user, const std::string& ticket)
+revision::Result DepotServer::logout(const std::string& user, const std::string& ticket)
 {
     std::string notForgotten;
     try {
@@ -58,108 +210,135 @@ depot::Result DepotServer::logout(const std::string& user, const std::string& ti
     }
     const depot::Result ended = m_depot.logout(ticket);
     if (!notForgotten.empty())
-        return {depot::code::Failed, notForgotten};
+        return {revision::code::Failed, notForgotten};
     // A session that had ended already needs no ending.
-    return ended.code == depot::code::SessionUnusable ? depot::Result{} : ended;
+    return ended.code == depot::code::SessionUnusable ? revision::Result{} : Answer(ended);
 }
 
-depot::Result DepotServer::sync(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel)
+revision::Result DepotServer::sync(const std::string& ticket, const Files& files, const revision::CancelCheck& cancel)
 {
-    return m_depot.sync(ticket, files, depot::SyncMode::Safe, cancel);
+    return Answer(m_depot.sync(ticket, files, depot::SyncMode::Safe, cancel));
 }
 
-depot::Result DepotServer::status(const std::string& ticket, const Files& files,
-                                  std::vector<depot::FileStatus>& statuses, const depot::CancelCheck& cancel)
+revision::Result DepotServer::status(const std::string& ticket, const Files& files,
+                                     std::vector<revision::FileStatus>& statuses, const revision::CancelCheck& cancel)
 {
-    return m_depot.status(ticket, files, statuses, cancel);
+    std::vector<depot::FileStatus> answered;
+    const depot::Result result = m_depot.status(ticket, files, answered, cancel);
+    if (result.ok()) {
+        statuses.clear();
+        for (const depot::FileStatus& status : answered)
+            statuses.push_back(StatusOf(status));
+    }
+    return Answer(result);
 }
 
-depot::Result DepotServer::holders(const std::string& ticket, const Files& files,
-                                   std::vector<std::vector<std::string>>& users, const depot::CancelCheck& cancel)
+revision::Result DepotServer::holders(const std::string& ticket, const Files& files,
+                                      std::vector<std::vector<std::string>>& users, const revision::CancelCheck& cancel)
 {
-    return m_depot.holders(ticket, files, users, cancel);
+    return Answer(m_depot.holders(ticket, files, users, cancel));
 }
 
-depot::Result DepotServer::edit(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                                const depot::CancelCheck& cancel)
+revision::Result DepotServer::edit(const std::string& ticket, const Files& files,
+                                   const revision::ChangelistId& changelist, const revision::CancelCheck& cancel)
 {
-    return m_depot.edit(ticket, files, changelist, cancel);
+    return Answer(m_depot.edit(ticket, files, changelist, cancel));
 }
 
-depot::Result DepotServer::add(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                               const depot::CancelCheck& cancel)
+revision::Result DepotServer::add(const std::string& ticket, const Files& files,
+                                  const revision::ChangelistId& changelist, const revision::CancelCheck& cancel)
 {
-    return m_depot.add(ticket, files, changelist, cancel);
+    return Answer(m_depot.add(ticket, files, changelist, cancel));
 }
 
-depot::Result DepotServer::remove(const std::string& ticket, const Files& files,
-                                  const depot::ChangelistId& changelist, const depot::CancelCheck& cancel)
+revision::Result DepotServer::remove(const std::string& ticket, const Files& files,
+                                     const revision::ChangelistId& changelist, const revision::CancelCheck& cancel)
 {
-    return m_depot.remove(ticket, files, changelist, cancel);
+    return Answer(m_depot.remove(ticket, files, changelist, cancel));
 }
 
-depot::Result DepotServer::revert(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel)
+revision::Result DepotServer::revert(const std::string& ticket, const Files& files,
+                                     const revision::CancelCheck& cancel)
 {
-    return m_depot.revert(ticket, files, cancel);
+    return Answer(m_depot.revert(ticket, files, cancel));
 }
 
-depot::Result DepotServer::submit(const std::string& ticket, const depot::ChangelistId& changelist,
-                                  const std::string& description, depot::ChangelistId& submitted,
-                                  const depot::CancelCheck& cancel)
+revision::Result DepotServer::submit(const std::string& ticket, const revision::ChangelistId& changelist,
+                                     const std::string& description, revision::ChangelistId& submitted,
+                                     const revision::CancelCheck& cancel)
 {
-    return m_depot.submit(ticket, changelist, description, submitted, cancel);
+    return Answer(m_depot.submit(ticket, changelist, description, submitted, cancel));
 }
 
-depot::Result DepotServer::changelists(const std::string& ticket, depot::ChangelistState state,
-                                       std::vector<depot::Changelist>& changelists)
+revision::Result DepotServer::changelists(const std::string& ticket, revision::ChangelistState state,
+                                          std::vector<revision::Changelist>& changelists)
 {
-    return m_depot.changelists(ticket, state, changelists);
+    std::vector<depot::Changelist> answered;
+    const depot::Result result = m_depot.changelists(ticket, DepotState(state), answered);
+    if (result.ok()) {
+        changelists.clear();
+        for (const depot::Changelist& changelist : answered)
+            changelists.push_back(ChangelistOf(changelist));
+    }
+    return Answer(result);
 }
 
-depot::Result DepotServer::describe(const std::string& ticket, const depot::ChangelistId& changelist,
-                                    depot::Changelist& description)
+revision::Result DepotServer::describe(const std::string& ticket, const revision::ChangelistId& changelist,
+                                       revision::Changelist& description)
 {
-    return m_depot.describe(ticket, changelist, description);
+    depot::Changelist answered;
+    const depot::Result result = m_depot.describe(ticket, changelist, answered);
+    if (result.ok())
+        description = ChangelistOf(answered);
+    return Answer(result);
 }
 
-depot::Result DepotServer::createChangelist(const std::string& ticket, const std::string& description,
-                                            depot::ChangelistId& created)
+revision::Result DepotServer::createChangelist(const std::string& ticket, const std::string& description,
+                                               revision::ChangelistId& created)
 {
-    return m_depot.createChangelist(ticket, description, created);
+    return Answer(m_depot.createChangelist(ticket, description, created));
 }
 
-depot::Result DepotServer::changelistExists(const std::string& ticket, const depot::ChangelistId& changelist,
-                                            bool& exists)
+revision::Result DepotServer::changelistExists(const std::string& ticket, const revision::ChangelistId& changelist,
+                                               bool& exists)
 {
-    return m_depot.changelistExists(ticket, changelist, exists);
+    return Answer(m_depot.changelistExists(ticket, changelist, exists));
 }
 
-depot::Result DepotServer::pendingChangelists(const std::string& ticket, std::vector<depot::PendingChangelist>& pending)
+revision::Result DepotServer::pendingChangelists(const std::string& ticket,
+                                                 std::vector<revision::PendingChangelist>& pending)
 {
-    return m_depot.pending(ticket, pending);
+    std::vector<depot::PendingChangelist> answered;
+    const depot::Result result = m_depot.pending(ticket, answered);
+    if (result.ok()) {
+        pending.clear();
+        for (const depot::PendingChangelist& changelist : answered)
+            pending.push_back(PendingOf(changelist));
+    }
+    return Answer(result);
 }
 
-depot::Result DepotServer::setDescription(const std::string& ticket, const depot::ChangelistId& changelist,
-                                          const std::string& description)
+revision::Result DepotServer::setDescription(const std::string& ticket, const revision::ChangelistId& changelist,
+                                             const std::string& description)
 {
-    return m_depot.setDescription(ticket, changelist, description);
+    return Answer(m_depot.setDescription(ticket, changelist, description));
 }
 
-depot::Result DepotServer::deleteChangelist(const std::string& ticket, const depot::ChangelistId& changelist)
+revision::Result DepotServer::deleteChangelist(const std::string& ticket, const revision::ChangelistId& changelist)
 {
-    return m_depot.deleteChangelist(ticket, changelist);
+    return Answer(m_depot.deleteChangelist(ticket, changelist));
 }
 
-depot::Result DepotServer::reopen(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                                  const depot::CancelCheck& cancel)
+revision::Result DepotServer::reopen(const std::string& ticket, const Files& files,
+                                     const revision::ChangelistId& changelist, const revision::CancelCheck& cancel)
 {
-    return m_depot.reopen(ticket, files, changelist, cancel);
+    return Answer(m_depot.reopen(ticket, files, changelist, cancel));
 }
 
-depot::Result DepotServer::revertUnchanged(const std::string& ticket, const Files& files,
-                                           std::vector<std::string>& reverted, const depot::CancelCheck& cancel)
+revision::Result DepotServer::revertUnchanged(const std::string& ticket, const Files& files,
+                                              std::vector<std::string>& reverted, const revision::CancelCheck& cancel)
 {
-    return m_depot.revertUnchanged(ticket, files, reverted, cancel);
+    return Answer(m_depot.revertUnchanged(ticket, files, reverted, cancel));
 }
 
 }  // namespace hbrc::host

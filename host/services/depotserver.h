@@ -2,61 +2,83 @@
 
 #include <hbrcservices/revisionserver.h>
 
+#include <depot/depot.h>
+
 namespace hbrc::host {
 
-// The embedded depot as the services' server: every call goes to the depot unchanged.
+// The embedded depot as the services' server: every call goes to the depot, its answers and
+// arguments converted between the contract's types and the depot library's here, at this edge.
 class DepotServer final : public RevisionServer
 {
 public:
-    DepotServer(const std::string& path, const depot::DepotOptions& options) : m_depot(path, options) {}
+    DepotServer(const std::string& path, const revision::ServerOptions& options);
+
+    // Why a depot file path cannot serve without opening it (the file is not there); empty if it can.
+    static std::string SettingProblem(const std::string& path);
 
     const std::string& path() const override { return m_depot.path(); }
-    depot::Result login(const std::string& user, const std::string& password, const std::string& workspace,
-                        std::string& ticket) override;
-    depot::Result expireSession(const std::string& ticket) override;
-    depot::Result resumeKept(const std::string& user, const std::string& workspace, std::string& ticket) override;
-    depot::Result keep(const std::string& ticket) override;
-    depot::Result logout(const std::string& user, const std::string& ticket) override;
-    depot::Result sync(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel) override;
-    depot::Result status(const std::string& ticket, const Files& files, std::vector<depot::FileStatus>& statuses,
-                         const depot::CancelCheck& cancel) override;
-    depot::Result holders(const std::string& ticket, const Files& files, std::vector<std::vector<std::string>>& users,
-                          const depot::CancelCheck& cancel) override;
-    depot::Result edit(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                       const depot::CancelCheck& cancel) override;
-    depot::Result add(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                      const depot::CancelCheck& cancel) override;
-    depot::Result remove(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                         const depot::CancelCheck& cancel) override;
-    depot::Result revert(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel) override;
-    depot::Result submit(const std::string& ticket, const depot::ChangelistId& changelist,
-                         const std::string& description, depot::ChangelistId& submitted,
-                         const depot::CancelCheck& cancel) override;
-    depot::Result changelists(const std::string& ticket, depot::ChangelistState state,
-                              std::vector<depot::Changelist>& changelists) override;
-    depot::Result describe(const std::string& ticket, const depot::ChangelistId& changelist,
-                           depot::Changelist& description) override;
-    depot::Result createChangelist(const std::string& ticket, const std::string& description,
-                                   depot::ChangelistId& created) override;
-    depot::Result changelistExists(const std::string& ticket, const depot::ChangelistId& changelist,
-                                   bool& exists) override;
-    depot::Result pendingChangelists(const std::string& ticket, std::vector<depot::PendingChangelist>& pending) override;
-    depot::Result setDescription(const std::string& ticket, const depot::ChangelistId& changelist,
-                                 const std::string& description) override;
-    depot::Result deleteChangelist(const std::string& ticket, const depot::ChangelistId& changelist) override;
-    depot::Result reopen(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                         const depot::CancelCheck& cancel) override;
-    depot::Result revertUnchanged(const std::string& ticket, const Files& files, std::vector<std::string>& reverted,
-                                  const depot::CancelCheck& cancel) override;
-    std::string unreachableText(const std::string& why) const override
-    {
-        return "Cannot reach the depot at '" + path() + "': " + why;
-    }
+    revision::Result login(const std::string& user, const std::string& password, const std::string& workspace,
+                           std::string& ticket) override;
+    revision::Result expireSession(const std::string& ticket) override;
+    revision::Result resumeKept(const std::string& user, const std::string& workspace, std::string& ticket) override;
+    revision::Result keep(const std::string& ticket) override;
+    revision::Result logout(const std::string& user, const std::string& ticket) override;
+    revision::Result sync(const std::string& ticket, const Files& files, const revision::CancelCheck& cancel) override;
+    revision::Result status(const std::string& ticket, const Files& files, std::vector<revision::FileStatus>& statuses,
+                            const revision::CancelCheck& cancel) override;
+    revision::Result holders(const std::string& ticket, const Files& files,
+                             std::vector<std::vector<std::string>>& users, const revision::CancelCheck& cancel) override;
+    revision::Result edit(const std::string& ticket, const Files& files, const revision::ChangelistId& changelist,
+                          const revision::CancelCheck& cancel) override;
+    revision::Result add(const std::string& ticket, const Files& files, const revision::ChangelistId& changelist,
+                         const revision::CancelCheck& cancel) override;
+    revision::Result remove(const std::string& ticket, const Files& files, const revision::ChangelistId& changelist,
+                            const revision::CancelCheck& cancel) override;
+    revision::Result revert(const std::string& ticket, const Files& files,
+                            const revision::CancelCheck& cancel) override;
+    revision::Result submit(const std::string& ticket, const revision::ChangelistId& changelist,
+                            const std::string& description, revision::ChangelistId& submitted,
+                            const revision::CancelCheck& cancel) override;
+    revision::Result changelists(const std::string& ticket, revision::ChangelistState state,
+                                 std::vector<revision::Changelist>& changelists) override;
+    revision::Result describe(const std::string& ticket, const revision::ChangelistId& changelist,
+                              revision::Changelist& description) override;
+    revision::Result createChangelist(const std::string& ticket, const std::string& description,
+                                      revision::ChangelistId& created) override;
+    revision::Result changelistExists(const std::string& ticket, const revision::ChangelistId& changelist,
+                                      bool& exists) override;
+    revision::Result pendingChangelists(const std::string& ticket,
+                                        std::vector<revision::PendingChangelist>& pending) override;
+    revision::Result setDescription(const std::string& ticket, const revision::ChangelistId& changelist,
+                                    const std::string& description) override;
+    revision::Result deleteChangelist(const std::string& ticket, const revision::ChangelistId& changelist) override;
+    revision::Result reopen(const std::string& ticket, const Files& files, const revision::ChangelistId& changelist,
+                            const revision::CancelCheck& cancel) override;
+    revision::Result revertUnchanged(const std::string& ticket, const Files& files, std::vector<std::string>& reverted,
+                                     const revision::CancelCheck& cancel) override;
+    std::string unreachableText(const std::string& why) const override;
+    revision::Capabilities capabilities() const override;
     std::uint64_t roundTrips() const override { return m_depot.roundTrips(); }
-    depot::FaultInjector& faults() override { return m_depot.faults(); }
+    revision::FaultInjection& faults() override { return m_faults; }
 
 private:
+    // The contract's fault injection onto the depot's own, which fails and delays its round trips.
+    class Faults final : public revision::FaultInjection
+    {
+    public:
+        explicit Faults(depot::FaultInjector& injector) : m_injector(injector) {}
+        void setLatency(std::chrono::milliseconds perRoundTrip) override { m_injector.setLatency(perRoundTrip); }
+        std::chrono::milliseconds latency() const override { return m_injector.latency(); }
+        void failNextCalls(int count, int code, std::string message) override;
+        void failOperation(revision::Operation operation, int code, std::string message) override;
+        void clear() override { m_injector.clear(); }
+
+    private:
+        depot::FaultInjector& m_injector;
+    };
+
     depot::Depot m_depot;
+    Faults m_faults{m_depot.faults()};
 };
 
 }  // namespace hbrc::host

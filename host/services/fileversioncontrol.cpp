@@ -1,8 +1,6 @@
 #include <hbrcservices/fileversioncontrol.h>
 
-#include <hbrcservices/depotqueries.h>
-
-#include <filesystem>
+#include <hbrcservices/serverqueries.h>
 
 namespace hbrc::host {
 
@@ -15,7 +13,7 @@ std::vector<std::string> ToVector(const kel4::List<std::string>& files)
 
 }  // namespace
 
-FileVersionControl::FileVersionControl(std::shared_ptr<DepotConnection> connection)
+FileVersionControl::FileVersionControl(std::shared_ptr<ServerConnection> connection)
     : m_connection(std::move(connection))
 {
 }
@@ -47,31 +45,28 @@ KELPtr<kel4::IUserParameters> FileVersionControl::CreateUserParameters(const std
 {
     // Whether the user and the workspace exist only a log-in can tell; what can be checked without
     // one is that the account is complete and, for the embedded depot, that its file is there.
-    const std::string depotPath = server.empty() ? m_connection->Server() : server;
-    std::error_code ignored;
+    const std::string serverSetting = server.empty() ? m_connection->Server() : server;
     if (userName.empty() || workspace.empty()) {
         errorText = "An account needs a user name and a workspace.";
         return {};
     }
-    if (!IsSubversionUrl(depotPath) && !std::filesystem::is_regular_file(depotPath, ignored)) {
-        errorText = "Cannot reach the depot at '" + depotPath + "': no such file";
+    errorText = ServerSettingProblem(serverSetting);
+    if (!errorText.empty())
         return {};
-    }
-    errorText.clear();
-    return KELPtr<kel4::IUserParameters>(new UserParameters(userName, workspace, depotPath));
+    return KELPtr<kel4::IUserParameters>(new UserParameters(userName, workspace, serverSetting));
 }
 
 kelResult FileVersionControl::GetStatus(const kel4::IUserParameters* user, const kel4::List<std::string>& files,
                                         kel4::List<unsigned>& statuses, kel4::List<std::string>& changelists,
                                         std::string& errorText, int /*options*/)
 {
-    std::vector<depot::FileStatus> answered;
-    const kelResult result = DepotQueries::Status(*m_connection, user, ToVector(files), answered, errorText);
+    std::vector<revision::FileStatus> answered;
+    const kelResult result = ServerQueries::Status(*m_connection, user, ToVector(files), answered, errorText);
     if (result.IsFailure())
         return result;
     statuses.clear();
     changelists.clear();
-    for (const depot::FileStatus& status : answered) {
+    for (const revision::FileStatus& status : answered) {
         statuses.push_back(status.word);
         changelists.push_back(status.changelist);
     }
@@ -82,10 +77,10 @@ kelResult FileVersionControl::Revert(const kel4::IUserParameters* user, const ke
                                      std::string& errorText, int /*options*/, int /*reserved*/)
 {
     const std::vector<std::string> list = ToVector(files);
-    return DepotQueries::Change(
+    return ServerQueries::Change(
         *m_connection, user, list,
-        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
-            return depot.revert(ticket, list, cancel);
+        [&](RevisionServer& server, const std::string& ticket, const revision::CancelCheck& cancel) {
+            return server.revert(ticket, list, cancel);
         },
         errorText);
 }
@@ -95,10 +90,10 @@ kelResult FileVersionControl::MarkForDeleteInChangelist(const kel4::IUserParamet
                                                         const std::string& changelist, std::string& errorText)
 {
     const std::vector<std::string> list = ToVector(files);
-    return DepotQueries::Change(
+    return ServerQueries::Change(
         *m_connection, user, list,
-        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
-            return depot.remove(ticket, list, changelist, cancel);
+        [&](RevisionServer& server, const std::string& ticket, const revision::CancelCheck& cancel) {
+            return server.remove(ticket, list, changelist, cancel);
         },
         errorText);
 }
@@ -106,7 +101,7 @@ kelResult FileVersionControl::MarkForDeleteInChangelist(const kel4::IUserParamet
 kelResult FileVersionControl::GetUsersOfFiles(const kel4::IUserParameters* user, const kel4::List<std::string>& files,
                                               kel4::List<std::string>& users, std::string& errorText)
 {
-    return DepotQueries::Holders(*m_connection, user, ToVector(files), users, errorText);
+    return ServerQueries::Holders(*m_connection, user, ToVector(files), users, errorText);
 }
 
 }  // namespace hbrc::host

@@ -14,7 +14,7 @@ RevisionControlServices InstallRevisionControlServices(Workspace& workspace, con
                                                        const ConnectionOptions& options)
 {
     RevisionControlServices services;
-    services.connection = std::make_shared<DepotConnection>(depotPath, options);
+    services.connection = std::make_shared<ServerConnection>(depotPath, options);
     services.dataControl = KELPtr<DataControl>(new DataControl(KELPtr<DataModelMgr>(&workspace.Model()),
                                                                services.connection));
     services.fileVersionControl = KELPtr<FileVersionControl>(new FileVersionControl(services.connection));

@@ -7,6 +7,9 @@
 
 namespace hbrc::host {
 
+namespace {
+
+// The backends' choice: a URL names a Subversion repository, anything else an embedded depot's file.
 bool IsSubversionUrl(const std::string& server)
 {
     static constexpr std::array<const char*, 5> kSchemes{"svn://", "svn+ssh://", "http://", "https://", "file://"};
@@ -16,12 +19,19 @@ bool IsSubversionUrl(const std::string& server)
     return false;
 }
 
+}  // namespace
+
 bool IsUnreachableServerError(const std::string& error)
 {
     return error.rfind("Cannot reach", 0) == 0;
 }
 
-std::unique_ptr<RevisionServer> OpenRevisionServer(const std::string& server, const depot::DepotOptions& options)
+std::string ServerSettingProblem(const std::string& server)
+{
+    return IsSubversionUrl(server) ? std::string() : DepotServer::SettingProblem(server);
+}
+
+std::unique_ptr<RevisionServer> OpenRevisionServer(const std::string& server, const revision::ServerOptions& options)
 {
     if (IsSubversionUrl(server))
         return std::make_unique<SvnServer>(server);

@@ -12,17 +12,17 @@ std::chrono::steady_clock::time_point StatusCache::Now() const
     return m_clock ? m_clock() : std::chrono::steady_clock::now();
 }
 
-void StatusCache::Store(const std::vector<std::string>& files, const std::vector<depot::FileStatus>& statuses)
+void StatusCache::Store(const std::vector<std::string>& files, const std::vector<revision::FileStatus>& statuses)
 {
     const auto now = Now();
     for (std::size_t i = 0; i < files.size() && i < statuses.size(); ++i)
         m_entries[files[i]] = Entry{statuses[i], now};
 }
 
-std::optional<std::vector<depot::FileStatus>> StatusCache::Lookup(const std::vector<std::string>& files) const
+std::optional<std::vector<revision::FileStatus>> StatusCache::Lookup(const std::vector<std::string>& files) const
 {
     const auto oldest = Now() - m_lifetime;
-    std::vector<depot::FileStatus> statuses;
+    std::vector<revision::FileStatus> statuses;
     statuses.reserve(files.size());
     for (const std::string& file : files) {
         const auto found = m_entries.find(file);

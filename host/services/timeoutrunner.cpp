@@ -30,7 +30,7 @@ struct WorkerState
     std::mutex mutex;
     std::condition_variable finished;
     bool done = false;
-    depot::Result result;
+    revision::Result result;
     std::atomic<bool> userCancelled{false};
 
     // True when the worker has finished by `until`.
@@ -66,7 +66,7 @@ TimeOutRunner::Outcome TimeOutRunner::Run(const Operation& operation, const Inte
     bool waitingForUser = false;
 
     std::thread worker([&operation, &calling, &waitingForUser, delegate, state, deadline] {
-        depot::Result result =
+        revision::Result result =
             operation([state, deadline] { return state->userCancelled.load() || Clock::now() >= deadline; });
         {
             std::lock_guard<std::mutex> lock(state->mutex);
@@ -113,8 +113,8 @@ TimeOutRunner::Outcome TimeOutRunner::Run(const Operation& operation, const Inte
         return outcome;
     if (state->userCancelled) {
         // An interrupted network wait fails as a broken connection; the user asked to stop.
-        if (outcome.result.code != depot::code::Cancelled)
-            outcome.result = {depot::code::Cancelled, "The operation was cancelled"};
+        if (outcome.result.code != revision::code::Cancelled)
+            outcome.result = {revision::code::Cancelled, "The operation was cancelled"};
     } else {
         outcome.pastDeadline = Clock::now() >= deadline;
     }

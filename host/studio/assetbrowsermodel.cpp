@@ -41,14 +41,14 @@ QIcon holderIcon(const AssetStatus& status)
     if (status.heldBy.empty())
         return {};
     const bool locked = std::any_of(status.heldBy.begin(), status.heldBy.end(),
-                                    [](const depot::FileHolder& hold) { return hold.locked; });
+                                    [](const revision::FileHolder& hold) { return hold.locked; });
     return QApplication::style()->standardIcon(locked ? QStyle::SP_MessageBoxCritical : QStyle::SP_MessageBoxWarning);
 }
 
 QString holdsText(const AssetStatus& status)
 {
     QStringList lines;
-    for (const depot::FileHolder& hold : status.heldBy)
+    for (const revision::FileHolder& hold : status.heldBy)
         lines << StatusChange::describeHold(hold);
     lines.removeDuplicates();
     return lines.join(QLatin1Char('\n'));

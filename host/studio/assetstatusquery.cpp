@@ -6,7 +6,7 @@ namespace hbrc::studio {
 
 bool StatusAnswer::unreachable() const
 {
-    return code == depot::code::SessionUnusable && host::IsUnreachableServerError(error.toStdString());
+    return code == revision::code::SessionUnusable && host::IsUnreachableServerError(error.toStdString());
 }
 
 AssetStatusQuery::AssetStatusQuery(QObject* parent) : QObject(parent) {}
@@ -16,16 +16,16 @@ AssetStatusQuery::~AssetStatusQuery() = default;
 void AssetStatusQuery::ask(const Account& account, std::vector<std::string> keys, FilesPerAsset files)
 {
     m_scheduler.schedule<StatusAnswer>(
-        [this, question = Question{account, std::move(keys), std::move(files)}](const depot::CancelCheck& cancelled) {
+        [this, question = Question{account, std::move(keys), std::move(files)}](const revision::CancelCheck& cancelled) {
             return askServer(question, cancelled);
         },
         [this](const StatusAnswer& answer) { emit answered(answer); });
 }
 
-StatusAnswer AssetStatusQuery::askServer(const Question& question, const depot::CancelCheck& cancelled)
+StatusAnswer AssetStatusQuery::askServer(const Question& question, const revision::CancelCheck& cancelled)
 {
     std::string ticket;
-    depot::Result result = m_connection.prepare(question.account, ticket);
+    revision::Result result = m_connection.prepare(question.account, ticket);
     host::RevisionServer& server = m_connection.server();
     const std::uint64_t roundTripsBefore = server.roundTrips();
     StatusAnswer answer;
@@ -33,12 +33,12 @@ StatusAnswer AssetStatusQuery::askServer(const Question& question, const depot::
     host::RevisionServer::Files files;
     for (const auto& assetFiles : question.files)
         files.insert(files.end(), assetFiles.begin(), assetFiles.end());
-    std::vector<depot::FileStatus> statuses;
+    std::vector<revision::FileStatus> statuses;
     if (result.ok() && !files.empty())
         result = server.status(ticket, files, statuses, cancelled);
     answer.roundTrips = server.roundTrips() - roundTripsBefore;
     m_roundTrips += answer.roundTrips;
-    if (result.code == depot::code::SessionUnusable)
+    if (result.code == revision::code::SessionUnusable)
         m_connection.forget();  // the next question opens the server again
     answer.code = result.code;
     answer.error = QString::fromStdString(result.error);
@@ -58,8 +58,8 @@ StatusAnswer AssetStatusQuery::askServer(const Question& question, const depot::
             for (const std::string& holder : file->holders)
                 if (!status.holders.contains(QString::fromStdString(holder)))
                     status.holders << QString::fromStdString(holder);
-            if (!status.opened && (file->word & (depot::status::OpenedForEdit | depot::status::OpenedForAdd |
-                                                 depot::status::OpenedForDelete))) {
+            if (!status.opened && (file->word & (revision::status::OpenedForEdit | revision::status::OpenedForAdd |
+                                                 revision::status::OpenedForDelete))) {
                 status.opened = true;
                 status.changelist = QString::fromStdString(file->changelist);
             }

@@ -2,7 +2,7 @@
 
 #include "workerconnection.h"
 
-#include <depot/types.h>
+#include <hbrcservices/revisiontypes.h>
 
 #include <qtextention/qasyncscheduler.h>
 
@@ -24,7 +24,7 @@ struct AssetStatus
 {
     unsigned word = 0;
     QStringList holders;
-    std::vector<depot::FileHolder> heldBy;
+    std::vector<revision::FileHolder> heldBy;
     QString changelist;
     bool opened = false;
     std::int64_t haveRevision = 0;
@@ -74,7 +74,7 @@ private:
         std::vector<std::string> keys;
         FilesPerAsset files;
     };
-    StatusAnswer askServer(const Question& question, const depot::CancelCheck& cancelled);
+    StatusAnswer askServer(const Question& question, const revision::CancelCheck& cancelled);
 
     // Used by the scheduler's worker only, one question at a time.
     WorkerConnection m_connection;

@@ -8,11 +8,11 @@
 
 namespace hbrc::studio {
 
-ChangelistWork::SubmitPlan ChangelistWork::planSubmit(const depot::PendingChangelist& pending, const Files& checked)
+ChangelistWork::SubmitPlan ChangelistWork::planSubmit(const revision::PendingChangelist& pending, const Files& checked)
 {
     SubmitPlan plan;
     plan.changelist = pending.changelist.id;
-    for (const depot::OpenedFile& file : pending.files) {
+    for (const revision::OpenedFile& file : pending.files) {
         const bool isChecked = std::find(checked.begin(), checked.end(), file.localPath) != checked.end();
         if (isChecked)
             ++plan.fileCount;
@@ -28,7 +28,7 @@ RevisionOperations::Work ChangelistWork::submit(SubmitPlan plan, std::string des
 {
     return [plan = std::move(plan), description = std::move(description)](
                host::RevisionServer& server, const std::string& ticket, OperationOutcome& outcome) {
-        depot::Result result;
+        revision::Result result;
         std::string changelist = plan.changelist;
         if (!plan.toDefault.empty())
             result = server.reopen(ticket, plan.toDefault, "");
@@ -37,7 +37,7 @@ RevisionOperations::Work ChangelistWork::submit(SubmitPlan plan, std::string des
             if (result.ok())
                 result = server.reopen(ticket, plan.intoNew, changelist);
         }
-        depot::ChangelistId submitted;
+        revision::ChangelistId submitted;
         if (result.ok())
             result = server.submit(ticket, changelist, description, submitted);
         if (result.ok())
@@ -50,7 +50,7 @@ RevisionOperations::Work ChangelistWork::reopen(Files files, std::string changel
 {
     return [files = std::move(files), changelist = std::move(changelist)](
                host::RevisionServer& server, const std::string& ticket, OperationOutcome& outcome) {
-        const depot::Result result = server.reopen(ticket, files, changelist);
+        const revision::Result result = server.reopen(ticket, files, changelist);
         outcome.done = changelist.empty()
                            ? tr("Moved %n file(s) to the default changelist", nullptr, int(files.size()))
                            : tr("Moved %n file(s) to change %1", nullptr, int(files.size())).arg(QString::fromStdString(changelist));
@@ -62,8 +62,8 @@ RevisionOperations::Work ChangelistWork::newChangelist(std::string description, 
 {
     return [description = std::move(description), files = std::move(files)](
                host::RevisionServer& server, const std::string& ticket, OperationOutcome& outcome) {
-        depot::ChangelistId created;
-        depot::Result result = server.createChangelist(ticket, description, created);
+        revision::ChangelistId created;
+        revision::Result result = server.createChangelist(ticket, description, created);
         if (result.ok() && !files.empty())
             result = server.reopen(ticket, files, created);
         outcome.done = tr("Created change %1 with %n file(s)", nullptr, int(files.size())).arg(QString::fromStdString(created));
@@ -93,7 +93,7 @@ RevisionOperations::Work ChangelistWork::revert(Files files)
 {
     return [files = std::move(files)](host::RevisionServer& server, const std::string& ticket,
                                       OperationOutcome& outcome) {
-        const depot::Result result = server.revert(ticket, files);
+        const revision::Result result = server.revert(ticket, files);
         outcome.changedOnDisk = files;
         outcome.done = tr("Reverted %n file(s)", nullptr, int(files.size()));
         return result;
@@ -105,7 +105,7 @@ RevisionOperations::Work ChangelistWork::revertUnchanged(Files files)
     return [files = std::move(files)](host::RevisionServer& server, const std::string& ticket,
                                       OperationOutcome& outcome) {
         std::vector<std::string> reverted;
-        const depot::Result result = server.revertUnchanged(ticket, files, reverted);
+        const revision::Result result = server.revertUnchanged(ticket, files, reverted);
         QStringList names;
         for (const std::string& name : reverted)
             names << QString::fromStdString(name);
@@ -121,7 +121,7 @@ RevisionOperations::Work ChangelistWork::revertUnchangedCheckOut(Files files, QS
     return [files = std::move(files), asset = std::move(asset)](host::RevisionServer& server,
                                                                  const std::string& ticket, OperationOutcome& outcome) {
         std::vector<std::string> reverted;
-        const depot::Result result = server.revertUnchanged(ticket, files, reverted);
+        const revision::Result result = server.revertUnchanged(ticket, files, reverted);
         outcome.done = reverted.empty() ? tr("Kept the check-out of %1: its file differs from your revision").arg(asset)
                                         : tr("Reverted the check-out of %1 (unchanged)").arg(asset);
         return result;
@@ -132,7 +132,7 @@ RevisionOperations::Work ChangelistWork::getLatest(Files files, QString names)
 {
     return [files = std::move(files), names = std::move(names)](host::RevisionServer& server,
                                                                  const std::string& ticket, OperationOutcome& outcome) {
-        const depot::Result result = server.sync(ticket, files);
+        const revision::Result result = server.sync(ticket, files);
         outcome.changedOnDisk = files;
         outcome.done = tr("Got the latest revision of %1").arg(names);
         return result;

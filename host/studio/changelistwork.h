@@ -28,7 +28,7 @@ public:
         Files intoNew;
         std::size_t fileCount = 0;
     };
-    static SubmitPlan planSubmit(const depot::PendingChangelist& pending, const Files& checked);
+    static SubmitPlan planSubmit(const revision::PendingChangelist& pending, const Files& checked);
 
     static RevisionOperations::Work submit(SubmitPlan plan, std::string description);
     static RevisionOperations::Work reopen(Files files, std::string changelist);

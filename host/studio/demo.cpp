@@ -2,7 +2,6 @@
 
 #include "demodepot.h"
 
-#include <depot/depot.h>
 #include <hbrchost/pluginloader.h>
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrcservices/revisionserver.h>
@@ -113,8 +112,8 @@ public:
         printStatus({rock, sky, leaf});
         Expect(services.connection
                    ->Run(dataControl->GetUserParameters().Get(),
-                         [](host::RevisionServer& d, const std::string& ticket, const depot::CancelCheck&) {
-                             depot::ChangelistId submitted;
+                         [](host::RevisionServer& d, const std::string& ticket, const revision::CancelCheck&) {
+                             revision::ChangelistId submitted;
                              return d.submit(ticket, "", "first assets", submitted);
                          },
                          error)
@@ -124,8 +123,8 @@ public:
         printFiles(rock);
 
         step("bob syncs and opens Rock for edit in his own workspace");
-        ExpectDepot(depot.bob().sync(depot.bobTicket(), {}), "bob syncs");
-        ExpectDepot(depot.bob().edit(depot.bobTicket(), {depot.folderPath("bob") + "/Rock.kel"}, ""), "bob edits");
+        ExpectDone(depot.bob().sync(depot.bobTicket(), {}), "bob syncs");
+        ExpectDone(depot.bob().edit(depot.bobTicket(), {depot.folderPath("bob") + "/Rock.kel"}, ""), "bob edits");
         printStatus({rock, sky});
         kel4::List<std::string> users;
         dataControl->GetUsersOfObject(rock, kel4::closureId::Persistence, users);

@@ -54,18 +54,21 @@ DemoServer::DemoServer(const QString& root, const std::string& url) : m_root(roo
 {
     Expect(QDir(root).mkpath(QStringLiteral("alice")) && QDir(root).mkpath(QStringLiteral("bob")),
            "cannot create the workspace folders");
-    depot::DepotOptions options;
-    options.passwordHashCost = depot::PasswordHashCost::Minimal;  // a demo depot
-    if (m_path.empty()) {
+    const bool newDepot = m_path.empty();
+    if (newDepot) {
         m_path = QFile::encodeName(root + QStringLiteral("/depot.db")).toStdString();
-        ExpectDepot(depot::Depot::create(m_path), "cannot create the depot");
-        depot::Depot admin(m_path, options);
-        ExpectDepot(admin.addUser("alice", "alice-pw"), "add alice");
-        ExpectDepot(admin.addUser("bob", "bob-pw"), "add bob");
-        ExpectDepot(admin.addWorkspace(workspace("alice"), "alice", folderPath("alice")), "add alice-ws");
-        ExpectDepot(admin.addWorkspace(workspace("bob"), "bob", folderPath("bob")), "add bob-ws");
+        ExpectDone(depot::Depot::create(m_path), "cannot create the depot");
     }
-    m_bob = host::OpenRevisionServer(m_path, options);
+    m_bob = host::OpenRevisionServer(m_path, {revision::PasswordHashCost::Minimal});  // a demo server
+    if (newDepot) {
+        depot::DepotOptions options;
+        options.passwordHashCost = depot::PasswordHashCost::Minimal;
+        depot::Depot admin(m_path, options);
+        ExpectDone(admin.addUser("alice", "alice-pw"), "add alice");
+        ExpectDone(admin.addUser("bob", "bob-pw"), "add bob");
+        ExpectDone(admin.addWorkspace(workspace("alice"), "alice", folderPath("alice")), "add alice-ws");
+        ExpectDone(admin.addWorkspace(workspace("bob"), "bob", folderPath("bob")), "add bob-ws");
+    }
 }
 
 QString DemoServer::folder(const char* user) const
@@ -80,13 +83,14 @@ std::string DemoServer::folderPath(const char* user) const
 
 std::string DemoServer::workspace(const char* user) const
 {
-    return host::IsSubversionUrl(m_path) ? folderPath(user) : std::string(user) + "-ws";
+    return m_bob->capabilities().has(revision::Capability::NamedWorkspaces) ? std::string(user) + "-ws"
+                                                                            : folderPath(user);
 }
 
 const std::string& DemoServer::bobTicket()
 {
     if (m_bobTicket.empty())
-        ExpectDepot(m_bob->login("bob", "bob-pw", workspace("bob"), m_bobTicket), "bob logs in");
+        ExpectDone(m_bob->login("bob", "bob-pw", workspace("bob"), m_bobTicket), "bob logs in");
     return m_bobTicket;
 }
 
@@ -114,14 +118,14 @@ int SeedSampleWorkspace(DemoServer& server)
 
     const std::unique_ptr<host::RevisionServer> alice = host::OpenRevisionServer(server.path(), {});
     std::string ticket;
-    ExpectDepot(alice->login("alice", "alice-pw", server.workspace("alice"), ticket), "alice logs in");
+    ExpectDone(alice->login("alice", "alice-pw", server.workspace("alice"), ticket), "alice logs in");
     host::RevisionServer::Files files;
     for (const std::string& file : saved.writtenFiles)
         files.push_back(file);
-    ExpectDepot(alice->add(ticket, files, ""), "alice adds the sample workspace");
-    depot::ChangelistId submitted;
-    ExpectDepot(alice->submit(ticket, "", "sample workspace", submitted), "alice submits the sample workspace");
-    ExpectDepot(server.bob().sync(server.bobTicket(), {}), "bob syncs");
+    ExpectDone(alice->add(ticket, files, ""), "alice adds the sample workspace");
+    revision::ChangelistId submitted;
+    ExpectDone(alice->submit(ticket, "", "sample workspace", submitted), "alice submits the sample workspace");
+    ExpectDone(server.bob().sync(server.bobTicket(), {}), "bob syncs");
     return int(assets.size());
 }
 

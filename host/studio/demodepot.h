@@ -21,7 +21,9 @@ inline void Expect(bool ok, const std::string& what)
         throw DemoError(what);
 }
 
-inline void ExpectDepot(const depot::Result& result, const std::string& what)
+// An answer with ok() and error: a revision server's, or the embedded depot's to its administrator.
+template <typename Answer>
+void ExpectDone(const Answer& result, const std::string& what)
 {
     Expect(result.ok(), what + ": " + result.error);
 }

@@ -115,7 +115,7 @@ public:
         shotOf(window.statusBar(), "tour-1-status-bar.png");
 
         step(QStringLiteral("bob checks Rock out in his own workspace"));
-        ExpectDepot(depot.bob().edit(depot.bobTicket(), {depot.folderPath("bob") + "/Rock.kel"}, ""), "bob edits Rock");
+        ExpectDone(depot.bob().edit(depot.bobTicket(), {depot.folderPath("bob") + "/Rock.kel"}, ""), "bob edits Rock");
         window.refreshStatus();
         waitForStatus();
         printStatus({"Rock"});

@@ -1,7 +1,7 @@
 #include "heldassets.h"
 
 #include <hbrcdatamodel/workspace.h>
-#include <hbrcservices/depotqueries.h>
+#include <hbrcservices/serverqueries.h>
 #include <hbrcservices/filepermissions.h>
 #include <hbrcservices/revisioncontrolservices.h>
 
@@ -29,9 +29,9 @@ QStringList HeldAssets::describe(host::Workspace& workspace, const host::Revisio
     }
     if (files.empty())
         return {};
-    std::vector<depot::FileStatus> statuses;
+    std::vector<revision::FileStatus> statuses;
     std::string ignored;
-    if (host::DepotQueries::Status(*services.connection, services.dataControl->GetUserParameters().Get(), files,
+    if (host::ServerQueries::Status(*services.connection, services.dataControl->GetUserParameters().Get(), files,
                                    statuses, ignored)
             .IsFailure() ||
         statuses.size() != files.size())
@@ -39,7 +39,7 @@ QStringList HeldAssets::describe(host::Workspace& workspace, const host::Revisio
     std::map<std::string, std::set<std::string>> lockers;
     std::map<std::string, std::set<std::string>> editors;
     for (std::size_t i = 0; i < files.size(); ++i)
-        for (const depot::FileHolder& hold : statuses[i].heldBy)
+        for (const revision::FileHolder& hold : statuses[i].heldBy)
             (hold.locked ? lockers : editors)[owners[i]].insert(hold.user);
     const auto names = [](const std::set<std::string>& users) {
         QStringList list;

@@ -22,14 +22,14 @@ PendingChangesModel::PendingChangesModel(QObject* parent) : QStandardItemModel(p
     setHorizontalHeaderLabels({tr("Changelist / File"), tr("Action"), tr("Asset")});
 }
 
-void PendingChangesModel::setPending(std::vector<depot::PendingChangelist> pending, const QString& root,
+void PendingChangesModel::setPending(std::vector<revision::PendingChangelist> pending, const QString& root,
                                      const std::map<std::string, QString>& assetOfPath)
 {
     m_pending = std::move(pending);
     std::set<std::string> stillOpen;
     removeRows(0, rowCount());
     const QDir folder(root);
-    for (const depot::PendingChangelist& list : m_pending) {
+    for (const revision::PendingChangelist& list : m_pending) {
         const std::string& id = list.changelist.id;
         const QString description = QString::fromStdString(list.changelist.description).section(QLatin1Char('\n'), 0, 0);
         QStandardItem* changelist =
@@ -37,7 +37,7 @@ void PendingChangesModel::setPending(std::vector<depot::PendingChangelist> pendi
         changelist->setData(QString::fromStdString(id), ChangelistRole);
         changelist->setToolTip(QString::fromStdString(list.changelist.description));
         changelist->setFlags(changelist->flags() | Qt::ItemIsUserCheckable);
-        for (const depot::OpenedFile& file : list.files) {
+        for (const revision::OpenedFile& file : list.files) {
             const QString path = QString::fromStdString(file.localPath);
             QStandardItem* name = readOnlyItem(root.isEmpty() ? path : folder.relativeFilePath(path));
             name->setData(QString::fromStdString(id), ChangelistRole);
@@ -57,23 +57,23 @@ void PendingChangesModel::setPending(std::vector<depot::PendingChangelist> pendi
         path = stillOpen.count(*path) ? std::next(path) : m_checked.erase(path);
 }
 
-QString PendingChangesModel::actionText(depot::FileAction action)
+QString PendingChangesModel::actionText(revision::FileAction action)
 {
     switch (action) {
-    case depot::FileAction::Add:
+    case revision::FileAction::Add:
         return tr("add");
-    case depot::FileAction::Delete:
+    case revision::FileAction::Delete:
         return tr("delete");
-    case depot::FileAction::Edit:
+    case revision::FileAction::Edit:
         break;
     }
     return tr("edit");
 }
 
-const depot::PendingChangelist* PendingChangesModel::changelist(const std::string& id) const
+const revision::PendingChangelist* PendingChangesModel::changelist(const std::string& id) const
 {
     const auto found = std::find_if(m_pending.begin(), m_pending.end(),
-                                    [&](const depot::PendingChangelist& list) { return list.changelist.id == id; });
+                                    [&](const revision::PendingChangelist& list) { return list.changelist.id == id; });
     return found == m_pending.end() ? nullptr : &*found;
 }
 
@@ -109,7 +109,7 @@ QModelIndex PendingChangesModel::fileIndex(const std::string& path) const
 std::vector<std::string> PendingChangesModel::checkedFiles() const
 {
     std::vector<std::string> files;
-    for (const depot::PendingChangelist& list : m_pending) {
+    for (const revision::PendingChangelist& list : m_pending) {
         const std::vector<std::string> checked = checkedFiles(list.changelist.id);
         files.insert(files.end(), checked.begin(), checked.end());
     }
@@ -119,8 +119,8 @@ std::vector<std::string> PendingChangesModel::checkedFiles() const
 std::vector<std::string> PendingChangesModel::checkedFiles(const std::string& changelist) const
 {
     std::vector<std::string> files;
-    if (const depot::PendingChangelist* list = this->changelist(changelist))
-        for (const depot::OpenedFile& file : list->files)
+    if (const revision::PendingChangelist* list = this->changelist(changelist))
+        for (const revision::OpenedFile& file : list->files)
             if (m_checked.count(file.localPath))
                 files.push_back(file.localPath);
     return files;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <depot/types.h>
+#include <hbrcservices/revisiontypes.h>
 
 #include <QStandardItemModel>
 
@@ -28,11 +28,11 @@ public:
     explicit PendingChangesModel(QObject* parent = nullptr);
 
     // Shows pending; files are named relative to root, assetOfPath names their assets.
-    void setPending(std::vector<depot::PendingChangelist> pending, const QString& root,
+    void setPending(std::vector<revision::PendingChangelist> pending, const QString& root,
                     const std::map<std::string, QString>& assetOfPath);
-    const std::vector<depot::PendingChangelist>& pending() const { return m_pending; }
+    const std::vector<revision::PendingChangelist>& pending() const { return m_pending; }
     // The changelist of that id, or null.
-    const depot::PendingChangelist* changelist(const std::string& id) const;
+    const revision::PendingChangelist* changelist(const std::string& id) const;
 
     static bool isFile(const QModelIndex& index) { return index.parent().isValid(); }
     static std::string changelistOf(const QModelIndex& index);
@@ -48,10 +48,10 @@ public:
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
 
 private:
-    static QString actionText(depot::FileAction action);
+    static QString actionText(revision::FileAction action);
     void updateChangelistCheck(QStandardItem* changelist);
 
-    std::vector<depot::PendingChangelist> m_pending;
+    std::vector<revision::PendingChangelist> m_pending;
     std::set<std::string> m_checked;
 };
 

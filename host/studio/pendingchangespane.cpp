@@ -61,19 +61,19 @@ PendingChangesPane::PendingChangesPane(RevisionOperations& operations, QWidget* 
     };
     auto numbered = [this] { return idle() && !currentChangelist().empty(); };
     addButton(0, 0, addCommand("submit", tr("&Submit..."), [this] { submit(); }, [this] {
-        const depot::PendingChangelist* list = m_model.changelist(currentChangelist());
+        const revision::PendingChangelist* list = m_model.changelist(currentChangelist());
         return idle() && list && !list->files.empty();
     }));
     addButton(1, 0, addCommand("revert", tr("&Revert..."), [this] { revert(); },
                                 [this] { return idle() && !m_model.checkedFiles().empty(); }));
     addButton(2, 0, addCommand("revertUnchanged", tr("Revert &Unchanged"), [this] { revertUnchanged(); }, [this] {
         return idle() && std::any_of(m_model.pending().begin(), m_model.pending().end(),
-                                     [](const depot::PendingChangelist& list) { return !list.files.empty(); });
+                                     [](const revision::PendingChangelist& list) { return !list.files.empty(); });
     }));
     addButton(0, 1, addCommand("newChangelist", tr("&New Changelist..."), [this] { newChangelist(); },
                                 [this] { return idle() && m_workspace; }));
     addButton(1, 1, addCommand("deleteChangelist", tr("&Delete Changelist"), [this] { deleteChangelist(); }, [this] {
-        const depot::PendingChangelist* list = m_model.changelist(currentChangelist());
+        const revision::PendingChangelist* list = m_model.changelist(currentChangelist());
         return idle() && list && !list->changelist.id.empty() && list->files.empty();
     }));
     addButton(2, 1, addCommand("editDescription", tr("&Edit Description..."), [this] { editDescription(); }, numbered));
@@ -165,8 +165,8 @@ void PendingChangesPane::takeOutcome(const OperationOutcome& outcome)
     const bool hadCurrent = m_view->currentIndex().isValid();
     const std::string current = currentChangelist();
     std::vector<std::string> paths;
-    for (const depot::PendingChangelist& list : outcome.pending)
-        for (const depot::OpenedFile& file : list.files)
+    for (const revision::PendingChangelist& list : outcome.pending)
+        for (const revision::OpenedFile& file : list.files)
             paths.push_back(file.localPath);
     const host::DataModelMgr& data = m_workspace->Model();
     const auto owners = data.AssetsOwningFiles({paths.begin(), paths.end()});
@@ -224,7 +224,7 @@ bool PendingChangesPane::confirmRevert(const std::vector<std::string>& files)
 
 void PendingChangesPane::submit()
 {
-    const depot::PendingChangelist* list = m_model.changelist(currentChangelist());
+    const revision::PendingChangelist* list = m_model.changelist(currentChangelist());
     if (!list)
         return;
     // Submitting a changelist means its files, unless the user ticked some of them.
@@ -255,8 +255,8 @@ void PendingChangesPane::revertUnchanged()
 {
     std::vector<std::string> files = m_model.checkedFiles();
     if (files.empty()) {
-        for (const depot::PendingChangelist& list : m_model.pending())
-            for (const depot::OpenedFile& file : list.files)
+        for (const revision::PendingChangelist& list : m_model.pending())
+            for (const revision::OpenedFile& file : list.files)
                 files.push_back(file.localPath);
     }
     UnsavedEdits::Verdict verdict = checkUnsaved(UnsavedEdits::Rewrite::RevertUnchanged, files);
@@ -276,7 +276,7 @@ void PendingChangesPane::deleteChangelist()
 
 void PendingChangesPane::editDescription()
 {
-    const depot::PendingChangelist* list = m_model.changelist(currentChangelist());
+    const revision::PendingChangelist* list = m_model.changelist(currentChangelist());
     if (!list || list->changelist.id.empty())
         return;
     const QString description = DescriptionDialog::ask(this, tr("Edit Description"), tr("Description:"),

@@ -46,7 +46,7 @@ void RevisionOperations::refreshPending()
 {
     // The running operation may have asked before what changed; one queued behind it asks after.
     if (m_queue.size() <= 1)
-        run({}, [](host::RevisionServer&, const std::string&, OperationOutcome&) { return depot::Result{}; });
+        run({}, [](host::RevisionServer&, const std::string&, OperationOutcome&) { return revision::Result{}; });
 }
 
 void RevisionOperations::updateWorking()

@@ -2,7 +2,7 @@
 
 #include "workerconnection.h"
 
-#include <depot/types.h>
+#include <hbrcservices/revisiontypes.h>
 
 #include <QFutureWatcher>
 #include <QObject>
@@ -20,11 +20,11 @@ namespace hbrc::studio {
 struct OperationOutcome
 {
     QString what;           // the operation, for a refusal's text ("Submit"); empty for refreshPending
-    depot::Result result;   // the server's first refusal, or success
+    revision::Result result;   // the server's first refusal, or success
     QString done;           // on success, what was done, for the log
     std::vector<std::string> changedOnDisk;  // local paths whose content the operation rewrote
     // The session's pending work as it was right after the operation (asked in the same task).
-    std::vector<depot::PendingChangelist> pending;
+    std::vector<revision::PendingChangelist> pending;
     bool pendingKnown = false;
 };
 
@@ -37,7 +37,7 @@ class RevisionOperations : public QObject
     Q_OBJECT
 public:
     // Runs on the worker thread: asks the server and fills in outcome.done and changedOnDisk.
-    using Work = std::function<depot::Result(host::RevisionServer& server, const std::string& ticket,
+    using Work = std::function<revision::Result(host::RevisionServer& server, const std::string& ticket,
                                              OperationOutcome& outcome)>;
     using AccountSource = std::function<Account()>;
 

@@ -15,13 +15,13 @@ class StatusChange
 {
     Q_DECLARE_TR_FUNCTIONS(StatusChange)
 public:
-    static QString describeHold(const depot::FileHolder& hold);
+    static QString describeHold(const revision::FileHolder& hold);
     // One line naming every change, or an empty string when nothing a user should know changed.
     static QString describe(const QString& asset, const AssetStatus& before, const AssetStatus& after);
 
 private:
     // "for edit in changelist 12"
-    static QString purpose(const depot::FileHolder& hold);
+    static QString purpose(const revision::FileHolder& hold);
 };
 
 }  // namespace hbrc::studio

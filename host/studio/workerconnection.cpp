@@ -2,7 +2,7 @@
 
 namespace hbrc::studio {
 
-depot::Result WorkerConnection::prepare(const Account& account, std::string& ticket)
+revision::Result WorkerConnection::prepare(const Account& account, std::string& ticket)
 {
     if (!m_server || m_serverSetting != account.server) {
         m_serverSetting = account.server;
@@ -10,14 +10,14 @@ depot::Result WorkerConnection::prepare(const Account& account, std::string& tic
         m_ownTicket.clear();
     }
     ticket = account.ticket;
-    if (!host::IsSubversionUrl(account.server))
+    if (m_server->capabilities().has(revision::Capability::SharedSessions))
         return {};
     if (account.ticket.empty()) {
         // The services have no session (never logged in, or logged out): neither has this one.
         m_ownTicket.clear();
-        return {depot::code::SessionUnusable, "Not logged in; please log in."};
+        return {revision::code::SessionUnusable, revision::kNotLoggedInText};
     }
-    depot::Result result;
+    revision::Result result;
     if (m_ownTicket.empty())
         result = m_server->login(account.userName, account.password, account.workspaceName, m_ownTicket);
     ticket = m_ownTicket;

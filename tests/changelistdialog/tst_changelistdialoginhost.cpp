@@ -2,7 +2,7 @@
 // Subversion server, when the session has expired: nothing listed, and "New" cannot create.
 #include "changelistdialogui.h"
 
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ namespace {
 
 using Dialog = hbChangeListSelectionDialog;
 
-class InHost : public DepotHostFixture, public ::testing::WithParamInterface<ServerKind>
+class InHost : public ServerHostFixture, public ::testing::WithParamInterface<ServerKind>
 {
 public:
     ServerKind Server() const override { return GetParam(); }

@@ -1,13 +1,13 @@
 #pragma once
 
-// Alice's host on the embedded depot (DepotHostFixture: Rock, Tree and Sky submitted and read-only,
+// Alice's host on the embedded depot (ServerHostFixture: Rock, Tree and Sky submitted and read-only,
 // bob on the same depot) with revision control switched on, a window that makes the session
 // interactive (a batch run resets it), one dialog driver checked at the end of every test, the
 // revision-control settings as preferences, and the user's side of the plug-in's dialogs. Dialogs
 // are found by title, object name and button text only: the save-hook suites load the plug-in as a
 // library, the revision-operation suites link it.
 
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 #include <dialogdriver.h>
 
 #include <kel4/revisionstatus.h>
@@ -120,7 +120,7 @@ inline DialogDriver::Handler answerPassword(const QString& password, const QStri
 
 // --- the fixture ------------------------------------------------------------------------------------
 
-class RevisionHostFixture : public DepotHostFixture
+class RevisionHostFixture : public ServerHostFixture
 {
 public:
     // The stored action values: none, prompt, check out, make writable.
@@ -128,7 +128,7 @@ public:
 
     void SetUp() override
     {
-        DepotHostFixture::SetUp();
+        ServerHostFixture::SetUp();
         // Straight into the preferences: the settings' own setter would hand the data control a
         // new account without alice's session.
         SetRevisionControl(true);
@@ -136,7 +136,7 @@ public:
     void TearDown() override
     {
         ExpectDriverFinished();
-        DepotHostFixture::TearDown();
+        ServerHostFixture::TearDown();
     }
     void ExpectDriverFinished() const
     {

@@ -31,7 +31,7 @@ DialogDriver::Handler answerPrompt(const ChangelistAnswer& answer, bool makeWrit
     });
 }
 
-bool canEdit(EditFlows& flows, const DepotHostFixture::ObjectList& objects, bool allowMakeWritable = true)
+bool canEdit(EditFlows& flows, const ServerHostFixture::ObjectList& objects, bool allowMakeWritable = true)
 {
     return flows.helper.CanEditObjects(objects, true, allowMakeWritable, "Rock is about to change");
 }

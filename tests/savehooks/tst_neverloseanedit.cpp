@@ -70,7 +70,7 @@ protected:
             answer("Cancel");
             break;
         case Outcome::DepotUnreachable:
-            services.connection->Faults().failNextCalls(1000000, hbrc::depot::code::SessionUnusable,
+            services.connection->Faults().failNextCalls(1000000, hbrc::revision::code::SessionUnusable,
                                                         "The depot cannot be reached.");
             answer("Check Out");
             if (row.interactive)

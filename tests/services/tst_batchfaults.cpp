@@ -1,7 +1,7 @@
 // A batch job against a failing server: alice's host runs the real plug-in with no window, its
 // progress box standing by, on every server kind. Whatever the fault, the editability question and
 // a save end within their deadlines, show no dialog, keep the edit, leave no lock and report once.
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 
 #include <hbrchost/logcapture.h>
 #include <kel4/irevisioncontroluihelper.h>
@@ -197,7 +197,7 @@ TEST_P(BatchFaults, GoneServerDuringTheAddsAfterASaveIsReportedOnce)
     for (const std::string& name : names)
         CreateMetadata(name);
     hbrc::host::LogCapture log;
-    services.connection->Faults().failOperation(hbrc::depot::Operation::Add, -34, "Cannot reach (injected)");
+    services.connection->Faults().failOperation(hbrc::revision::Operation::Add, -34, "Cannot reach (injected)");
     WithoutWindows([&] { EXPECT_FALSE(workspace->Save().cancelled); });
     services.connection->Faults().clear();
     EXPECT_EQ(log.TextsOfType(eError).size(), 1u);

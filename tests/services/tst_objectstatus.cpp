@@ -1,5 +1,5 @@
 // What alice's data control reports about objects while bob works on the same depot.
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 
 #include <kel4/revisionstatus.h>
 
@@ -15,13 +15,13 @@ namespace {
 struct OtherUserCase
 {
     const char* name;
-    std::function<void(DepotHostFixture&, const std::vector<std::string>& bobFiles)> bobDoes;
+    std::function<void(ServerHostFixture&, const std::vector<std::string>& bobFiles)> bobDoes;
     unsigned expectedWord;
     List<std::string> expectedUsers;
     bool canCheckOut;
 };
 
-class OtherUserStatus : public DepotHostFixture,
+class OtherUserStatus : public ServerHostFixture,
                         public ::testing::WithParamInterface<std::tuple<ServerKind, OtherUserCase>>
 {
 public:
@@ -62,18 +62,18 @@ TEST_P(OtherUserStatus, AliceSeesBobsWorkWithHisName)
 INSTANTIATE_TEST_SUITE_P(
     , OtherUserStatus,
     ::testing::Combine(ServerKinds(), ::testing::Values(
-        OtherUserCase{"Untouched", [](DepotHostFixture&, const auto&) {}, 0u, {}, true},
+        OtherUserCase{"Untouched", [](ServerHostFixture&, const auto&) {}, 0u, {}, true},
         OtherUserCase{"BobEdits",
-                      [](DepotHostFixture& f, const auto& files) { f.BobExpects(f.Bob().edit(f.BobTicket(), files, "")); },
+                      [](ServerHostFixture& f, const auto& files) { f.BobExpects(f.Bob().edit(f.BobTicket(), files, "")); },
                       eStatusCheckedOutByOthers, {"bob"}, false},
         OtherUserCase{"BobSubmitsAnEdit",
-                      [](DepotHostFixture& f, const auto& files) {
+                      [](ServerHostFixture& f, const auto& files) {
                           f.BobExpects(f.Bob().edit(f.BobTicket(), files, ""));
                           for (const std::string& file : files) {
                               QFile changed(QFile::decodeName(file.c_str()));
                               ASSERT_TRUE(changed.open(QIODevice::Append) && changed.write("bob's edit") > 0);
                           }
-                          hbrc::depot::ChangelistId submitted;
+                          hbrc::revision::ChangelistId submitted;
                           f.BobExpects(f.Bob().submit(f.BobTicket(), "", "bob's change", submitted));
                       },
                       eStatusNotHeadRevision, {}, false})),

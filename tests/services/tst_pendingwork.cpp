@@ -1,7 +1,7 @@
 // A session's pending work on the revision server: listing changelists with their files, moving
 // files between them, describing, deleting, reverting unchanged files and submitting one, while
 // bob sees alice's holds and revisions through his own connection.
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 
 #include <QFile>
 
@@ -10,12 +10,12 @@
 
 namespace {
 
-using hbrc::depot::ChangelistId;
-using hbrc::depot::FileStatus;
-using hbrc::depot::PendingChangelist;
-using hbrc::depot::Result;
+using hbrc::revision::ChangelistId;
+using hbrc::revision::FileStatus;
+using hbrc::revision::PendingChangelist;
+using hbrc::revision::Result;
 using hbrc::host::RevisionServer;
-namespace status = hbrc::depot::status;
+namespace status = hbrc::revision::status;
 using Lines = std::vector<std::string>;
 
 Lines Files(const kel4::List<std::string>& files)
@@ -149,9 +149,8 @@ TEST_P(PendingWork, AliceSortsRevertsAndSubmitsWhileBobWatchesAndGetsHerChange)
 // stay unique although the second connection logged in before either changelist existed.
 TEST_P(PendingWork, ASecondConnectionOnTheWorkspaceListsTheChangelistsTheFirstFills)
 {
-    hbrc::depot::DepotOptions options;
-    options.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
-    const std::unique_ptr<RevisionServer> second = hbrc::host::OpenRevisionServer(DepotPath(), options);
+    const std::unique_ptr<RevisionServer> second =
+        hbrc::host::OpenRevisionServer(DepotPath(), {hbrc::revision::PasswordHashCost::Minimal});
     std::string ticket;
     BobExpects(second->login("alice", "alice-pw", AliceWorkspace(), ticket));
 
@@ -192,7 +191,7 @@ TEST_P(PendingWork, RefusedRequestsChangeNothingAndSayWhy)
     const Lines before = AlicesPendingWork();
     for (const auto& [name, request, errorPart] : refusals) {
         const Result refused = request();
-        EXPECT_EQ(refused.code, hbrc::depot::code::Failed) << name << ": " << refused.error;
+        EXPECT_EQ(refused.code, hbrc::revision::code::Failed) << name << ": " << refused.error;
         EXPECT_NE(refused.error.find(errorPart), std::string::npos) << name << ": " << refused.error;
         EXPECT_EQ(AlicesPendingWork(), before) << name;
     }

@@ -1,6 +1,6 @@
 // Check-out, revert, mark-for-delete, make-writable and changelists through the services, as a
 // Perforce user expects them to behave.
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 
 #include <kel4/revisionstatus.h>
 

@@ -1,8 +1,8 @@
 // Log-in, sessions, an unreachable depot and injected faults: the codes and texts the plug-in
 // acts on (-34 starts its re-connection; "Invalid password" its password dialog).
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 
-#include <hbrcservices/depotqueries.h>
+#include <hbrcservices/serverqueries.h>
 #include <kel4/revisionstatus.h>
 
 #include <QProcess>
@@ -61,10 +61,10 @@ TEST_P(SessionsAndFaults, FailedLogInsGiveNoSessionAndSayWhy)
 struct DepotOperation
 {
     const char* name;
-    std::function<kelResult(DepotHostFixture&, std::string& error)> run;
+    std::function<kelResult(ServerHostFixture&, std::string& error)> run;
 };
 
-using F = DepotHostFixture;
+using F = ServerHostFixture;
 const DepotOperation kOperations[] = {
     {"status", [](F& f, std::string& error) {
          List<unsigned> statuses;
@@ -87,7 +87,7 @@ const DepotOperation kOperations[] = {
 };
 
 // Runs every operation: each works, or each answers that the session is unusable.
-void ExpectEveryOperation(DepotHostFixture& fixture, bool usable)
+void ExpectEveryOperation(ServerHostFixture& fixture, bool usable)
 {
     std::string error;
     for (const DepotOperation& operation : kOperations) {
@@ -107,7 +107,7 @@ void ExpectEveryOperation(DepotHostFixture& fixture, bool usable)
 TEST_P(SessionsAndFaults, ASessionLivesUntilItExpiresOrAnotherAccountIsHandedOver)
 {
     std::string error;
-    services.connection->Faults().failOperation(hbrc::depot::Operation::Edit, hbrc::depot::code::IoError, "disk on fire");
+    services.connection->Faults().failOperation(hbrc::revision::Operation::Edit, hbrc::revision::code::IoError, "disk on fire");
     EXPECT_EQ(DataControl()->CheckOut({Asset("Rock")}, true, kPersistence, "", error).GetCode(), kResultFailed);
     EXPECT_EQ(error, "disk on fire");
     services.connection->Faults().clear();
@@ -118,7 +118,7 @@ TEST_P(SessionsAndFaults, ASessionLivesUntilItExpiresOrAnotherAccountIsHandedOve
     ExpectEveryOperation(*this, false);
     EXPECT_FALSE(DataControl()->ChangeListExists("1"));
     EXPECT_TRUE(DataControl()->ChangeListExists("")) << "the default changelist exists without asking";
-    std::vector<hbrc::depot::FileStatus> bobSees;
+    std::vector<hbrc::revision::FileStatus> bobSees;
     BobExpects(Bob().status(BobTicket(), BobFilesOf("Rock"), bobSees));
     for (const auto& status : bobSees)
         EXPECT_EQ(status.word, 0u) << "the refused check-out opened nothing";
@@ -154,17 +154,17 @@ TEST_P(SessionsAndFaults, ASessionLivesUntilItExpiresOrAnotherAccountIsHandedOve
     const QTemporaryDir ownHome;
     qputenv("HOME", QFile::encodeName(ownHome.path()));
     ASSERT_TRUE(services.connection->Keep(session.Get(), error).IsSuccess()) << error;
-    hbrc::host::DepotConnection restart(DepotPath());
+    hbrc::host::ServerConnection restart(DepotPath());
     const KELPtr<hbrc::host::UserParameters> resumed = restart.ResumeKept("alice", AliceWorkspace(), error);
     ASSERT_FALSE(resumed.IsNull()) << error;
-    std::vector<hbrc::depot::FileStatus> statuses;
-    EXPECT_TRUE(hbrc::host::DepotQueries::Status(restart, resumed.Get(), {AlicePath("rock.bin")}, statuses, error)
+    std::vector<hbrc::revision::FileStatus> statuses;
+    EXPECT_TRUE(hbrc::host::ServerQueries::Status(restart, resumed.Get(), {AlicePath("rock.bin")}, statuses, error)
                     .IsSuccess())
         << error;
     EXPECT_TRUE(restart.Logout(resumed.Get(), error).IsSuccess()) << error;
     // A file:// repository asks for no password: there is nothing to keep or forget.
     if (Server() != ServerKind::SvnFile) {
-        EXPECT_TRUE(hbrc::host::DepotConnection(DepotPath()).ResumeKept("alice", AliceWorkspace(), error).IsNull());
+        EXPECT_TRUE(hbrc::host::ServerConnection(DepotPath()).ResumeKept("alice", AliceWorkspace(), error).IsNull());
     }
     qputenv("HOME", home);
 }
@@ -183,7 +183,7 @@ TEST_P(SessionsAndFaults, ServicesOnAnUnreachableServerAnswerUnusableUntilALogIn
     EXPECT_EQ(StatusOf("Rock"), 0u);
 }
 
-class SvnServeFaults : public DepotHostFixture
+class SvnServeFaults : public ServerHostFixture
 {
 public:
     ServerKind Server() const override { return ServerKind::SvnServe; }

@@ -5,7 +5,7 @@
 
 #include <set>
 
-using namespace hbrc::depot;
+using namespace hbrc::revision;
 using hbrc::host::StatusRules::CanCheckOut;
 using hbrc::host::StatusRules::NeedsAction;
 using hbrc::host::StatusRules::ObjectWord;

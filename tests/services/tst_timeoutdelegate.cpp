@@ -1,6 +1,6 @@
 // The time-out delegate protocol: a slow operation asks the delegate (the plug-in's progress
 // box), ends it with Close when it finishes, and rolls back when the user cancels.
-#include <depothostfixture.h>
+#include <serverhostfixture.h>
 #include <dialogdriver.h>
 
 #include <kel4/itimeoutdelegate.h>

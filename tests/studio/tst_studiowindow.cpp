@@ -92,7 +92,7 @@ protected:
     {
         QStringList names;
         if (const auto* list = pending().changelist(changelist))
-            for (const hbrc::depot::OpenedFile& file : list->files)
+            for (const hbrc::revision::OpenedFile& file : list->files)
                 names << pending().fileIndex(file.localPath).siblingAtColumn(PendingChangesModel::AssetColumn).data().toString();
         return names;
     }
@@ -274,7 +274,7 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
 
     hbrc::host::RevisionServer& bob = depot->bob();
     const std::string& ticket = depot->bobTicket();
-    hbrc::depot::ChangelistId changelist;
+    hbrc::revision::ChangelistId changelist;
     ASSERT_TRUE(bob.createChangelist(ticket, "rougher rock", changelist).ok());
     bobHolds("Rock", changelist, true);
 
@@ -291,7 +291,7 @@ TEST_F(StudioWindow, BobsHoldAndNewRevisionReachAlicesBrowserOnTheTimer)
                      .isNull());
     EXPECT_TRUE(cell("Sky", AssetBrowserModel::HolderColumn, Qt::ToolTipRole).isEmpty());
 
-    hbrc::depot::ChangelistId submitted;
+    hbrc::revision::ChangelistId submitted;
     ASSERT_TRUE(bob.submit(ticket, changelist, "", submitted).ok());
     ASSERT_TRUE(DialogDriver::waitUntil(
         [&] { return cell("Rock", AssetBrowserModel::RevisionColumn) == QLatin1String("#1/#2"); }, 10000));
@@ -380,8 +380,8 @@ TEST_F(StudioWindow, TheStartPageCreatesADemoDepotThatStaysInTheRecentList)
 // What the log says about an asset between two status answers, and how a hold reads.
 TEST(StudioTexts, StatusChangesAndHolds)
 {
-    using hbrc::depot::FileAction;
-    using hbrc::depot::FileHolder;
+    using hbrc::revision::FileAction;
+    using hbrc::revision::FileHolder;
     const auto held = [](std::vector<FileHolder> holds) {
         AssetStatus status;
         status.heldBy = std::move(holds);
@@ -587,7 +587,7 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     };
     bobChanges("Rock", "#7a746c", "#5a544c");
     bobChanges("Sun", "#ffe8b0", "#ffd080");
-    hbrc::depot::ChangelistId submitted;
+    hbrc::revision::ChangelistId submitted;
     ASSERT_TRUE(depot->bob().submit(depot->bobTicket(), "", "darker rock, warmer sun", submitted).ok());
     select("Rock");
     EXPECT_FALSE(window->action(QStringLiteral("getLatest"))->isEnabled());
@@ -608,12 +608,12 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
 }
 
 // A pending changelist of the given files (their local paths).
-hbrc::depot::PendingChangelist changelist(const char* id, const std::vector<std::string>& paths)
+hbrc::revision::PendingChangelist changelist(const char* id, const std::vector<std::string>& paths)
 {
-    hbrc::depot::PendingChangelist list;
+    hbrc::revision::PendingChangelist list;
     list.changelist.id = id;
     for (const std::string& path : paths) {
-        hbrc::depot::OpenedFile file;
+        hbrc::revision::OpenedFile file;
         file.depotPath = "//depot/" + path;
         file.localPath = path;
         list.files.push_back(file);
@@ -691,7 +691,7 @@ TEST_F(StudioWindow, RevisionOperationsRunInOrderAndTheLogDockReportsEachOutcome
     ASSERT_EQ(outcomes.size(), 4u);
     const auto descriptions = [](const OperationOutcome& outcome) {
         std::vector<std::string> texts;
-        for (const hbrc::depot::PendingChangelist& list : outcome.pending)
+        for (const hbrc::revision::PendingChangelist& list : outcome.pending)
             texts.push_back(list.changelist.description);
         return texts;
     };
@@ -738,18 +738,18 @@ TEST(StudioPendingChanges, SubmitWorkSubmitsOnlyTheCheckedFiles)
     ASSERT_TRUE(alice->login("alice", "alice-pw", depot.workspace("alice"), ticket).ok());
     const auto file = [&](const char* name) { return depot.folderPath("alice") + "/" + name + ".kel"; };
     const auto pendingFiles = [&] {
-        std::vector<hbrc::depot::PendingChangelist> pending;
+        std::vector<hbrc::revision::PendingChangelist> pending;
         EXPECT_TRUE(alice->pendingChangelists(ticket, pending).ok());
         std::vector<std::vector<std::string>> files;
-        for (const hbrc::depot::PendingChangelist& list : pending) {
+        for (const hbrc::revision::PendingChangelist& list : pending) {
             files.emplace_back();
-            for (const hbrc::depot::OpenedFile& opened : list.files)
+            for (const hbrc::revision::OpenedFile& opened : list.files)
                 files.back().push_back(opened.localPath);
         }
         return files;
     };
     ASSERT_TRUE(alice->edit(ticket, {file("Rock"), file("Sky"), file("Snow")}, "").ok());
-    hbrc::depot::ChangelistId numbered;
+    hbrc::revision::ChangelistId numbered;
     ASSERT_TRUE(alice->createChangelist(ticket, "props", numbered).ok());
     ASSERT_TRUE(alice->edit(ticket, {file("Oak"), file("Sand")}, numbered).ok());
 
@@ -765,13 +765,13 @@ TEST(StudioPendingChanges, SubmitWorkSubmitsOnlyTheCheckedFiles)
         {"from a numbered changelist", numbered, {file("Sand")}, 1, {{file("Oak"), file("Sky")}}},
     };
     for (const auto& submit : submits) {
-        std::vector<hbrc::depot::PendingChangelist> pending;
+        std::vector<hbrc::revision::PendingChangelist> pending;
         ASSERT_TRUE(alice->pendingChangelists(ticket, pending).ok());
         const auto list = std::find_if(pending.begin(), pending.end(),
                                        [&](const auto& each) { return each.changelist.id == submit.changelist; });
         ASSERT_NE(list, pending.end()) << submit.name;
         OperationOutcome outcome;
-        const hbrc::depot::Result result = ChangelistWork::submit(ChangelistWork::planSubmit(*list, submit.checked),
+        const hbrc::revision::Result result = ChangelistWork::submit(ChangelistWork::planSubmit(*list, submit.checked),
                                                                   "part of it")(*alice, ticket, outcome);
         ASSERT_TRUE(result.ok()) << submit.name << ": " << result.error;
         EXPECT_TRUE(outcome.done.endsWith(QStringLiteral("(%1 file(s))").arg(submit.submitted))) << submit.name;

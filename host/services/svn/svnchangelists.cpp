@@ -43,7 +43,7 @@ std::string Unescaped(const std::string& text)
     return plain;
 }
 
-int IdNumber(const depot::ChangelistId& id)
+int IdNumber(const revision::ChangelistId& id)
 {
     if (id.empty() || id.find_first_not_of("0123456789") != std::string::npos || id.size() > 9)
         return 0;
@@ -80,9 +80,9 @@ private:
     int m_fd;
 };
 
-depot::Result Unknown(const depot::ChangelistId& id)
+revision::Result Unknown(const revision::ChangelistId& id)
 {
-    return {depot::code::Failed, "Change " + id + " unknown."};
+    return {revision::code::Failed, "Change " + id + " unknown."};
 }
 
 }  // namespace
@@ -110,12 +110,12 @@ SvnChangelists::Records SvnChangelists::read() const
     return records;
 }
 
-bool SvnChangelists::exists(const depot::ChangelistId& id) const
+bool SvnChangelists::exists(const revision::ChangelistId& id) const
 {
     return id.empty() || read().descriptions.count(IdNumber(id)) > 0;
 }
 
-std::string SvnChangelists::description(const depot::ChangelistId& id) const
+std::string SvnChangelists::description(const revision::ChangelistId& id) const
 {
     const Records records = read();
     const auto found = records.descriptions.find(IdNumber(id));
@@ -127,50 +127,50 @@ std::map<int, std::string> SvnChangelists::pending() const
     return read().descriptions;
 }
 
-depot::Result SvnChangelists::create(const std::string& description, depot::ChangelistId& created) const
+revision::Result SvnChangelists::create(const std::string& description, revision::ChangelistId& created) const
 {
     int number = 0;
-    depot::Result saved = change([&](Records& records) {
+    revision::Result saved = change([&](Records& records) {
         number = records.next++;
         records.descriptions[number] = description;
-        return depot::Result{};
+        return revision::Result{};
     });
     if (saved.ok())
         created = std::to_string(number);
     return saved;
 }
 
-depot::Result SvnChangelists::setDescription(const depot::ChangelistId& id, const std::string& description) const
+revision::Result SvnChangelists::setDescription(const revision::ChangelistId& id, const std::string& description) const
 {
     return change([&](Records& records) {
         const auto found = records.descriptions.find(IdNumber(id));
         if (found == records.descriptions.end())
             return Unknown(id);
         found->second = description;
-        return depot::Result{};
+        return revision::Result{};
     });
 }
 
-depot::Result SvnChangelists::erase(const depot::ChangelistId& id) const
+revision::Result SvnChangelists::erase(const revision::ChangelistId& id) const
 {
     return change([&](Records& records) {
         records.descriptions.erase(IdNumber(id));
-        return depot::Result{};
+        return revision::Result{};
     });
 }
 
-depot::Result SvnChangelists::change(const std::function<depot::Result(Records&)>& edit) const
+revision::Result SvnChangelists::change(const std::function<revision::Result(Records&)>& edit) const
 {
     const ExclusiveLock lock(m_lockFile);
     if (!lock.held())
-        return {depot::code::IoError, "Cannot lock the changelists of the working copy in " + m_lockFile};
+        return {revision::code::IoError, "Cannot lock the changelists of the working copy in " + m_lockFile};
     Records records = read();
-    if (depot::Result edited = edit(records); !edited.ok())
+    if (revision::Result edited = edit(records); !edited.ok())
         return edited;
     return write(records);
 }
 
-depot::Result SvnChangelists::write(const Records& records) const
+revision::Result SvnChangelists::write(const Records& records) const
 {
     // Written beside and renamed over the old records, so that a crash leaves one or the other.
     const std::string written = m_file + ".new";
@@ -180,10 +180,10 @@ depot::Result SvnChangelists::write(const Records& records) const
         for (const auto& [number, text] : records.descriptions)
             out << number << '\t' << Escaped(text) << '\n';
         if (!out.flush())
-            return {depot::code::IoError, "Cannot write the changelists of the working copy to " + written};
+            return {revision::code::IoError, "Cannot write the changelists of the working copy to " + written};
     }
     if (std::rename(written.c_str(), m_file.c_str()) != 0)
-        return {depot::code::IoError, "Cannot write the changelists of the working copy to " + m_file};
+        return {revision::code::IoError, "Cannot write the changelists of the working copy to " + m_file};
     return {};
 }
 

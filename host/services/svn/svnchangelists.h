@@ -1,6 +1,6 @@
 #pragma once
 
-#include <depot/types.h>
+#include <hbrcservices/revisiontypes.h>
 
 #include <functional>
 #include <map>
@@ -24,16 +24,16 @@ public:
     // adminFolder: the administrative folder at the root of the working copy.
     explicit SvnChangelists(const std::string& adminFolder);
 
-    bool exists(const depot::ChangelistId& id) const;
+    bool exists(const revision::ChangelistId& id) const;
     // The description of an existing changelist ("" for the default one).
-    std::string description(const depot::ChangelistId& id) const;
+    std::string description(const revision::ChangelistId& id) const;
     // The numbered changelists as they are now: number to description.
     std::map<int, std::string> pending() const;
 
-    depot::Result create(const std::string& description, depot::ChangelistId& created) const;
+    revision::Result create(const std::string& description, revision::ChangelistId& created) const;
     // Refuses a changelist without a record (deleted or submitted meanwhile, or never made).
-    depot::Result setDescription(const depot::ChangelistId& id, const std::string& description) const;
-    depot::Result erase(const depot::ChangelistId& id) const;
+    revision::Result setDescription(const revision::ChangelistId& id, const std::string& description) const;
+    revision::Result erase(const revision::ChangelistId& id) const;
 
 private:
     struct Records
@@ -45,8 +45,8 @@ private:
     Records read() const;
     // Reads the records, lets edit change them and writes them back, all under the lock; an edit
     // that fails leaves the file as it was.
-    depot::Result change(const std::function<depot::Result(Records&)>& edit) const;
-    depot::Result write(const Records& records) const;
+    revision::Result change(const std::function<revision::Result(Records&)>& edit) const;
+    revision::Result write(const Records& records) const;
 
     std::string m_file;
     std::string m_lockFile;

@@ -33,7 +33,7 @@ void InitialiseLibraryOnce()
 
 svn_error_t* CheckCancel(void* baton)
 {
-    const auto* cancel = *static_cast<const depot::CancelCheck* const*>(baton);
+    const auto* cancel = *static_cast<const revision::CancelCheck* const*>(baton);
     if (cancel && *cancel && (*cancel)())
         return svn_error_create(SVN_ERR_CANCELLED, nullptr, "The operation was cancelled");
     return SVN_NO_ERROR;
@@ -88,8 +88,8 @@ SvnClient::SvnClient()
 
     // The credential cache's providers, as the svn command-line client has them: the account's
     // password, else the one cached for its user; the user name alone for file:// repositories.
-    m_context->cancel_baton = apr_palloc(m_pool.get(), sizeof(depot::CancelCheck*));
-    *static_cast<const depot::CancelCheck**>(m_context->cancel_baton) = nullptr;
+    m_context->cancel_baton = apr_palloc(m_pool.get(), sizeof(revision::CancelCheck*));
+    *static_cast<const revision::CancelCheck**>(m_context->cancel_baton) = nullptr;
     apr_array_header_t* providers = apr_array_make(m_pool.get(), 2, sizeof(svn_auth_provider_object_t*));
     svn_auth_provider_object_t* provider = nullptr;
     svn_auth_get_simple_provider2(&provider, nullptr, nullptr, m_pool.get());
@@ -101,7 +101,7 @@ SvnClient::SvnClient()
     use(nullptr, nullptr);
 }
 
-void SvnClient::use(const SvnCredentials* credentials, const depot::CancelCheck* cancel)
+void SvnClient::use(const SvnCredentials* credentials, const revision::CancelCheck* cancel)
 {
     // The parameters point into credentials, which outlive the operations that use them.
     svn_auth_baton_t* auth = m_context->auth_baton;
@@ -110,7 +110,7 @@ void SvnClient::use(const SvnCredentials* credentials, const depot::CancelCheck*
                            credentials && !credentials->password.empty() ? credentials->password.c_str() : nullptr);
     // Nothing is written to the cache unless the account asks to be kept, not even its user name.
     svn_auth_set_parameter(auth, SVN_AUTH_PARAM_NO_AUTH_CACHE, credentials && credentials->keep ? nullptr : "");
-    *static_cast<const depot::CancelCheck**>(m_context->cancel_baton) = cancel;
+    *static_cast<const revision::CancelCheck**>(m_context->cancel_baton) = cancel;
     // The library keeps the credentials it was given for a realm; a new account must be asked again.
     svn_error_clear(svn_auth_forget_credentials(auth, nullptr, nullptr, m_pool.get()));
 }
@@ -182,7 +182,7 @@ std::string SvnUnreachableText(const std::string& url, const std::string& why)
     return "Cannot reach the Subversion server at '" + url + "': " + why;
 }
 
-depot::Result SvnResult(svn_error_t* err, const std::string& url)
+revision::Result SvnResult(svn_error_t* err, const std::string& url)
 {
     if (!err)
         return {};
@@ -193,14 +193,14 @@ depot::Result SvnResult(svn_error_t* err, const std::string& url)
         if (text.find(message) == std::string::npos)
             text += (text.empty() ? "" : "\n") + std::string(message);
     }
-    depot::Result result{depot::code::Failed, text};
+    revision::Result result{revision::code::Failed, text};
     if (HasCause(err, {SVN_ERR_CANCELLED})) {
-        result.code = depot::code::Cancelled;
+        result.code = revision::code::Cancelled;
     } else if (SvnIsAuthenticationFailure(err)) {
-        result = {depot::code::SessionUnusable,
+        result = {revision::code::SessionUnusable,
                   "The Subversion server at '" + url + "' refused the session's credentials; please log in again.\n" + text};
     } else if (IsUnreachable(err)) {
-        result = {depot::code::SessionUnusable, SvnUnreachableText(url, text)};
+        result = {revision::code::SessionUnusable, SvnUnreachableText(url, text)};
     }
     svn_error_clear(err);
     return result;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <depot/types.h>
+#include <hbrcservices/revisiontypes.h>
 
 #include <apr_pools.h>
 #include <svn_client.h>
@@ -52,7 +52,7 @@ public:
     apr_pool_t* pool() const { return m_pool.get(); }
 
     // The account and cancel check that the next operations use; both must outlive them.
-    void use(const SvnCredentials* credentials, const depot::CancelCheck* cancel);
+    void use(const SvnCredentials* credentials, const revision::CancelCheck* cancel);
 
     // Paths as the client library takes them, allocated in pool.
     static apr_array_header_t* pathArray(const std::vector<std::string>& paths, apr_pool_t* pool);
@@ -65,7 +65,7 @@ private:
 // The outcome of a client-library call on the repository at url: success, or a failure whose code
 // says whether the session is unusable (server unreachable, connection lost, credentials refused:
 // -34, with a text that says which), the caller cancelled, or the request was refused. Clears err.
-depot::Result SvnResult(svn_error_t* err, const std::string& url);
+revision::Result SvnResult(svn_error_t* err, const std::string& url);
 // The text of a failure to reach the Subversion server at url, for the reason why.
 std::string SvnUnreachableText(const std::string& url, const std::string& why);
 // Removes the password cached for user on the repository at url from the credential cache.

@@ -24,9 +24,9 @@ namespace hbrc::host {
 
 namespace {
 
-using depot::Result;
-namespace code = depot::code;
-namespace status = depot::status;
+using revision::Result;
+namespace code = revision::code;
+namespace status = revision::status;
 
 constexpr auto kLatencySlice = std::chrono::milliseconds(10);
 constexpr unsigned kOpenHere = status::OpenedForEdit | status::OpenedForAdd | status::OpenedForDelete;
@@ -64,13 +64,13 @@ bool IsOpenHere(const SvnNodeStatus& node)
     return !node.localLockToken.empty() || IsLocalChange(node.local);
 }
 
-depot::FileAction ActionOf(const SvnNodeStatus& node)
+revision::FileAction ActionOf(const SvnNodeStatus& node)
 {
     if (node.local == svn_wc_status_added || node.local == svn_wc_status_replaced)
-        return depot::FileAction::Add;
+        return revision::FileAction::Add;
     if (node.local == svn_wc_status_deleted)
-        return depot::FileAction::Delete;
-    return depot::FileAction::Edit;
+        return revision::FileAction::Delete;
+    return revision::FileAction::Edit;
 }
 
 // The open files of a walk in path order, leaving out the folders added for them.
@@ -85,9 +85,9 @@ std::vector<std::pair<std::string, const SvnNodeStatus*>> OpenFiles(const SvnSta
 }
 
 // The status word of a file for the session's user; the mapping README.md tables.
-depot::FileStatus FileStatusOf(const SvnNodeStatus* node, bool askedRepository, const std::string& file)
+revision::FileStatus FileStatusOf(const SvnNodeStatus* node, bool askedRepository, const std::string& file)
 {
-    depot::FileStatus result;
+    revision::FileStatus result;
     if (!node || !node->versioned || node->local == svn_wc_status_unversioned ||
         node->local == svn_wc_status_ignored || node->local == svn_wc_status_none) {
         result.word = status::NotInDepot;
@@ -104,7 +104,7 @@ depot::FileStatus FileStatusOf(const SvnNodeStatus* node, bool askedRepository, 
             result.word |= status::OpenedByOthers | status::LockedByOthers;
             result.holders.push_back(node->repositoryLockOwner);
             // Others' working copies and changelists are theirs alone: a lock says who, not where.
-            result.heldBy.push_back({node->repositoryLockOwner, {}, depot::FileAction::Edit, {}, true});
+            result.heldBy.push_back({node->repositoryLockOwner, {}, revision::FileAction::Edit, {}, true});
         }
         if (node->repository != svn_wc_status_none && node->repository != svn_wc_status_normal)
             result.word |= status::NotAtHead;
@@ -117,32 +117,39 @@ depot::FileStatus FileStatusOf(const SvnNodeStatus* node, bool askedRepository, 
     return result;
 }
 
-// Why files cannot be opened, one line each; empty when all of them can.
-std::string Refusals(const RevisionServer::Files& files, const std::vector<depot::FileStatus>& statuses)
+// Why files cannot be opened for action, as the contract words a refusal (a heading, then a line
+// per file); code::Ok when all of them can.
+Result Refusals(const char* action, const RevisionServer::Files& files,
+                const std::vector<revision::FileStatus>& statuses)
 {
     std::string refusals;
+    int refusalCode = code::Failed;
     for (std::size_t i = 0; i < files.size(); ++i) {
         const unsigned word = statuses[i].word;
-        if (word & status::NotInDepot)
-            refusals += files[i] + " - file(s) not in depot.\n";
-        else if (word & status::OpenedByOthers)
-            refusals += files[i] + " - already locked by " + statuses[i].holders.front() + "\n";
-        else if ((word & status::NotAtHead) && !(word & kOpenHere))
-            refusals += files[i] + " - not at the head revision; sync first.\n";
-        else if (word & status::IoError)
-            refusals += files[i] + " - cannot be read.\n";
+        if (word & status::NotInDepot) {
+            refusals += "\n" + files[i] + " is not in the depot";
+        } else if (word & status::OpenedByOthers) {
+            refusals += "\n" + files[i] + " is locked by " + statuses[i].holders.front();
+        } else if ((word & status::NotAtHead) && !(word & kOpenHere)) {
+            refusals += "\n" + files[i] + " is not at the head revision (sync it first)";
+        } else if (word & status::IoError) {
+            refusals += "\n" + files[i] + " cannot be read";
+            refusalCode = code::IoError;
+        }
     }
-    return refusals;
+    if (refusals.empty())
+        return {};
+    return {refusalCode, "Cannot open for " + std::string(action) + ":" + refusals};
 }
 
 // The files locked in user's name elsewhere than in this working copy (no token here), which no
 // longer count as held by others; they are returned for the caller to take back.
 RevisionServer::Files OwnStrayLocks(const RevisionServer::Files& files, const std::string& user,
-                                    std::vector<depot::FileStatus>& statuses)
+                                    std::vector<revision::FileStatus>& statuses)
 {
     RevisionServer::Files strays;
     for (std::size_t i = 0; i < files.size(); ++i) {
-        depot::FileStatus& file = statuses[i];
+        revision::FileStatus& file = statuses[i];
         if ((file.word & status::LockedByOthers) && file.holders == std::vector<std::string>{user}) {
             file.word &= ~(status::OpenedByOthers | status::LockedByOthers);
             file.holders.clear();
@@ -165,15 +172,15 @@ struct LockOutcome
         if (notify->action == svn_wc_notify_locked || notify->action == svn_wc_notify_unlocked) {
             outcome->done.emplace_back(notify->path);
         } else if (notify->action == svn_wc_notify_failed_lock || notify->action == svn_wc_notify_failed_unlock) {
-            outcome->failures += std::string(notify->path) + " - " +
-                                 (notify->err && notify->err->message ? notify->err->message : "refused") + "\n";
+            outcome->failures += "\n" + std::string(notify->path) + " - " +
+                                 (notify->err && notify->err->message ? notify->err->message : "refused");
         }
     }
 };
 
 // Puts files into a changelist of the working copy; "" takes them out of every one.
 svn_error_t* MoveToChangelist(svn_client_ctx_t* context, apr_array_header_t* paths,
-                              const depot::ChangelistId& changelist, apr_pool_t* pool)
+                              const revision::ChangelistId& changelist, apr_pool_t* pool)
 {
     if (changelist.empty())
         return svn_client_remove_from_changelists(paths, svn_depth_empty, nullptr, context, pool);
@@ -201,7 +208,7 @@ svn_error_t* KeepRevision(const svn_commit_info_t* info, void* baton, apr_pool_t
 class SvnServer::Call
 {
 public:
-    Call(SvnServer& server, const depot::CancelCheck& cancel)
+    Call(SvnServer& server, const revision::CancelCheck& cancel)
         : m_server(server), m_cancel(cancel), m_pool(server.m_client.pool())
     {
     }
@@ -215,10 +222,13 @@ public:
     Call(const Call&) = delete;
     Call& operator=(const Call&) = delete;
 
-    Result begin(depot::Operation operation, const std::string* ticket)
+    Result begin(revision::Operation operation, const std::string* ticket)
     {
-        if (std::optional<Result> forced = m_server.m_faults.takeForcedFailure(operation))
+        if (std::optional<Result> forced = m_server.m_faults.takeForcedFailure(operation)) {
+            // A forced failure stands for a round trip that failed.
+            ++m_server.m_roundTrips;
             return *forced;
+        }
         const auto until = std::chrono::steady_clock::now() + m_server.m_faults.latency();
         while (std::chrono::steady_clock::now() < until) {
             if (m_cancel && m_cancel())
@@ -263,7 +273,7 @@ public:
 
 private:
     SvnServer& m_server;
-    depot::CancelCheck m_cancel;
+    revision::CancelCheck m_cancel;
     SvnPool m_pool;
     Session* m_session = nullptr;
 };
@@ -278,7 +288,7 @@ Result SvnServer::login(const std::string& user, const std::string& password, co
                         std::string& ticket)
 {
     Call call(*this, {});
-    if (Result forced = call.begin(depot::Operation::Login, nullptr); !forced.ok())
+    if (Result forced = call.begin(revision::Operation::Login, nullptr); !forced.ok())
         return forced;
     if (user.empty() || workspace.empty())
         return {code::Failed, "A Subversion account needs a user name and the folder of its working copy."};
@@ -335,6 +345,11 @@ void SvnServer::interruptWaits()
     BreakConnectionsTo(m_url);
 }
 
+revision::Capabilities SvnServer::capabilities() const
+{
+    return {revision::Capability::Locks, revision::Capability::KeptLogIns};
+}
+
 Result SvnServer::expireSession(const std::string& ticket)
 {
     m_sessions.erase(ticket);
@@ -355,7 +370,7 @@ Result SvnServer::resumeKept(const std::string& user, const std::string& workspa
 Result SvnServer::keep(const std::string& ticket)
 {
     Call call(*this, {});
-    if (Result begun = call.begin(depot::Operation::Login, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::Login, &ticket); !begun.ok())
         return begun;
     // The configuration folder with its credential cache, made as the svn client makes it.
     svn_error_clear(svn_config_ensure(nullptr, call.pool()));
@@ -375,7 +390,7 @@ Result SvnServer::logout(const std::string& user, const std::string& ticket)
 }
 
 Result SvnServer::statusWords(Call& call, const Files& files, bool askRepository,
-                              std::vector<depot::FileStatus>& statuses, SvnStatusMap* walked)
+                              std::vector<revision::FileStatus>& statuses, SvnStatusMap* walked)
 {
     SvnStatusMap own;
     SvnStatusMap& nodes = walked ? *walked : own;
@@ -392,35 +407,35 @@ Result SvnServer::statusWords(Call& call, const Files& files, bool askRepository
     return result;
 }
 
-Result SvnServer::status(const std::string& ticket, const Files& files, std::vector<depot::FileStatus>& statuses,
-                         const depot::CancelCheck& cancel)
+Result SvnServer::status(const std::string& ticket, const Files& files, std::vector<revision::FileStatus>& statuses,
+                         const revision::CancelCheck& cancel)
 {
     Call call(*this, cancel);
-    if (Result begun = call.begin(depot::Operation::Status, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::Status, &ticket); !begun.ok())
         return begun;
     return statusWords(call, files, true, statuses);
 }
 
 Result SvnServer::holders(const std::string& ticket, const Files& files, std::vector<std::vector<std::string>>& users,
-                          const depot::CancelCheck& cancel)
+                          const revision::CancelCheck& cancel)
 {
     Call call(*this, cancel);
-    if (Result begun = call.begin(depot::Operation::Holders, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::Holders, &ticket); !begun.ok())
         return begun;
-    std::vector<depot::FileStatus> statuses;
+    std::vector<revision::FileStatus> statuses;
     const Result result = statusWords(call, files, true, statuses);
     if (!result.ok())
         return result;
     users.clear();
-    for (const depot::FileStatus& fileStatus : statuses)
+    for (const revision::FileStatus& fileStatus : statuses)
         users.push_back(fileStatus.holders);
     return result;
 }
 
-Result SvnServer::sync(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel)
+Result SvnServer::sync(const std::string& ticket, const Files& files, const revision::CancelCheck& cancel)
 {
     Call call(*this, cancel);
-    if (Result begun = call.begin(depot::Operation::Sync, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::Sync, &ticket); !begun.ok())
         return begun;
     svn_opt_revision_t head{};
     head.kind = svn_opt_revision_head;
@@ -430,8 +445,9 @@ Result SvnServer::sync(const std::string& ticket, const Files& files, const depo
                                        TRUE, TRUE, call.context(), call.pool()));
 }
 
-Result SvnServer::checkFilesMayChange(Call& call, const Files& files, const depot::ChangelistId& changelist,
-                                     std::vector<depot::FileStatus>& statuses, Files* ownStrayLocks)
+Result SvnServer::checkFilesMayChange(Call& call, const char* action, const Files& files,
+                                      const revision::ChangelistId& changelist,
+                                      std::vector<revision::FileStatus>& statuses, Files* ownStrayLocks)
 {
     if (!call.session().changelists->exists(changelist))
         return {code::Failed, "Change " + changelist + " unknown."};
@@ -439,20 +455,18 @@ Result SvnServer::checkFilesMayChange(Call& call, const Files& files, const depo
         return asked;
     if (ownStrayLocks)
         *ownStrayLocks = OwnStrayLocks(files, call.session().credentials.user, statuses);
-    if (const std::string refusals = Refusals(files, statuses); !refusals.empty())
-        return {code::Failed, refusals};
-    return {};
+    return Refusals(action, files, statuses);
 }
 
-Result SvnServer::edit(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                       const depot::CancelCheck& cancel)
+Result SvnServer::edit(const std::string& ticket, const Files& files, const revision::ChangelistId& changelist,
+                       const revision::CancelCheck& cancel)
 {
     Call call(*this, cancel);
-    if (Result begun = call.begin(depot::Operation::Edit, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::Edit, &ticket); !begun.ok())
         return begun;
-    std::vector<depot::FileStatus> statuses;
+    std::vector<revision::FileStatus> statuses;
     Files strays;
-    if (Result checked = checkFilesMayChange(call, files, changelist, statuses, &strays); !checked.ok())
+    if (Result checked = checkFilesMayChange(call, "edit", files, changelist, statuses, &strays); !checked.ok())
         return checked;
 
     Result tookBack;
@@ -478,7 +492,7 @@ Result SvnServer::edit(const std::string& ticket, const Files& files, const depo
         call.context()->notify_baton2 = &outcome;
         Result locked = call.ask(svn_client_lock(call.paths(toLock), "", FALSE, call.context(), call.pool()));
         if (locked.ok() && !outcome.failures.empty())
-            locked = {code::Failed, outcome.failures};
+            locked = {code::Failed, "Cannot open for edit:" + outcome.failures};
         if (!locked.ok()) {
             // All or nothing: the locks taken before the refusal are given back.
             if (!outcome.done.empty())
@@ -490,11 +504,11 @@ Result SvnServer::edit(const std::string& ticket, const Files& files, const depo
     return moved.ok() ? tookBack : moved;
 }
 
-Result SvnServer::add(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                      const depot::CancelCheck& cancel)
+Result SvnServer::add(const std::string& ticket, const Files& files, const revision::ChangelistId& changelist,
+                      const revision::CancelCheck& cancel)
 {
     Call call(*this, cancel);
-    if (Result begun = call.begin(depot::Operation::Add, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::Add, &ticket); !begun.ok())
         return begun;
     if (!call.session().changelists->exists(changelist))
         return {code::Failed, "Change " + changelist + " unknown."};
@@ -518,14 +532,14 @@ Result SvnServer::add(const std::string& ticket, const Files& files, const depot
     return call.finish(err);
 }
 
-Result SvnServer::remove(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                         const depot::CancelCheck& cancel)
+Result SvnServer::remove(const std::string& ticket, const Files& files, const revision::ChangelistId& changelist,
+                         const revision::CancelCheck& cancel)
 {
     Call call(*this, cancel);
-    if (Result begun = call.begin(depot::Operation::Delete, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::Delete, &ticket); !begun.ok())
         return begun;
-    std::vector<depot::FileStatus> statuses;
-    if (Result checked = checkFilesMayChange(call, files, changelist, statuses); !checked.ok())
+    std::vector<revision::FileStatus> statuses;
+    if (Result checked = checkFilesMayChange(call, "delete", files, changelist, statuses); !checked.ok())
         return checked;
     apr_array_header_t* paths = call.paths(files);
     svn_error_t* err = svn_client_delete4(paths, FALSE, FALSE, nullptr, nullptr, nullptr, call.context(), call.pool());
@@ -534,12 +548,12 @@ Result SvnServer::remove(const std::string& ticket, const Files& files, const de
     return call.finish(err);
 }
 
-Result SvnServer::revert(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel)
+Result SvnServer::revert(const std::string& ticket, const Files& files, const revision::CancelCheck& cancel)
 {
     Call call(*this, cancel);
-    if (Result begun = call.begin(depot::Operation::Revert, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::Revert, &ticket); !begun.ok())
         return begun;
-    std::vector<depot::FileStatus> statuses;
+    std::vector<revision::FileStatus> statuses;
     if (Result walked = statusWords(call, files, false, statuses); !walked.ok())
         return walked;
     Files open;
@@ -561,12 +575,12 @@ Result SvnServer::revert(const std::string& ticket, const Files& files, const de
     return call.ask(svn_client_unlock(call.paths(locked), FALSE, call.context(), call.pool()));
 }
 
-Result SvnServer::submit(const std::string& ticket, const depot::ChangelistId& changelist,
-                         const std::string& description, depot::ChangelistId& submitted,
-                         const depot::CancelCheck& cancel)
+Result SvnServer::submit(const std::string& ticket, const revision::ChangelistId& changelist,
+                         const std::string& description, revision::ChangelistId& submitted,
+                         const revision::CancelCheck& cancel)
 {
     Call call(*this, cancel);
-    if (Result begun = call.begin(depot::Operation::Submit, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::Submit, &ticket); !begun.ok())
         return begun;
     const SvnChangelists& records = *call.session().changelists;
     if (!records.exists(changelist))
@@ -619,17 +633,17 @@ Result SvnServer::submit(const std::string& ticket, const depot::ChangelistId& c
     return changelist.empty() ? Result{} : records.erase(changelist);
 }
 
-Result SvnServer::changelists(const std::string& ticket, depot::ChangelistState state,
-                              std::vector<depot::Changelist>& changelists)
+Result SvnServer::changelists(const std::string& ticket, revision::ChangelistState state,
+                              std::vector<revision::Changelist>& changelists)
 {
     Call call(*this, {});
-    if (Result begun = call.begin(depot::Operation::Changelists, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::Changelists, &ticket); !begun.ok())
         return begun;
-    if (state == depot::ChangelistState::Submitted)
+    if (state == revision::ChangelistState::Submitted)
         return {code::Failed, "Submitted changes of a Subversion repository are its log; they are not listed here."};
     changelists.clear();
     for (const auto& [number, text] : call.session().changelists->pending()) {
-        depot::Changelist pending;
+        revision::Changelist pending;
         pending.id = std::to_string(number);
         pending.description = text;
         pending.user = call.session().credentials.user;
@@ -639,11 +653,11 @@ Result SvnServer::changelists(const std::string& ticket, depot::ChangelistState 
     return {};
 }
 
-Result SvnServer::describe(const std::string& ticket, const depot::ChangelistId& changelist,
-                           depot::Changelist& description)
+Result SvnServer::describe(const std::string& ticket, const revision::ChangelistId& changelist,
+                           revision::Changelist& description)
 {
     Call call(*this, {});
-    if (Result begun = call.begin(depot::Operation::Describe, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::Describe, &ticket); !begun.ok())
         return begun;
     if (!call.session().changelists->exists(changelist))
         return {code::Failed, "Change " + changelist + " unknown."};
@@ -656,39 +670,39 @@ Result SvnServer::describe(const std::string& ticket, const depot::ChangelistId&
 }
 
 Result SvnServer::createChangelist(const std::string& ticket, const std::string& description,
-                                   depot::ChangelistId& created)
+                                   revision::ChangelistId& created)
 {
     Call call(*this, {});
-    if (Result begun = call.begin(depot::Operation::CreateChangelist, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::CreateChangelist, &ticket); !begun.ok())
         return begun;
     return call.session().changelists->create(description, created);
 }
 
-Result SvnServer::changelistExists(const std::string& ticket, const depot::ChangelistId& changelist, bool& exists)
+Result SvnServer::changelistExists(const std::string& ticket, const revision::ChangelistId& changelist, bool& exists)
 {
     Call call(*this, {});
-    if (Result begun = call.begin(depot::Operation::ChangelistExists, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::ChangelistExists, &ticket); !begun.ok())
         return begun;
     exists = call.session().changelists->exists(changelist);
     return {};
 }
 
-Result SvnServer::pendingChangelists(const std::string& ticket, std::vector<depot::PendingChangelist>& pending)
+Result SvnServer::pendingChangelists(const std::string& ticket, std::vector<revision::PendingChangelist>& pending)
 {
     Call call(*this, {});
-    if (Result begun = call.begin(depot::Operation::Pending, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::Pending, &ticket); !begun.ok())
         return begun;
     SvnStatusMap nodes;
     if (Result walked = call.walkLocally(nodes); !walked.ok())
         return walked;
     const Session& session = call.session();
-    const auto changelist = [&](const depot::ChangelistId& id, const std::string& description) {
-        depot::PendingChangelist entry;
+    const auto changelist = [&](const revision::ChangelistId& id, const std::string& description) {
+        revision::PendingChangelist entry;
         entry.changelist = {id, description, session.credentials.user, session.workingCopy,
-                            depot::ChangelistState::Pending, {}, 0};
+                            revision::ChangelistState::Pending, {}, 0};
         return entry;
     };
-    std::vector<depot::PendingChangelist> answer{changelist({}, {})};
+    std::vector<revision::PendingChangelist> answer{changelist({}, {})};
     std::map<std::string, std::size_t> byId;
     for (const auto& [number, text] : session.changelists->pending()) {
         byId[std::to_string(number)] = answer.size();
@@ -697,7 +711,7 @@ Result SvnServer::pendingChangelists(const std::string& ticket, std::vector<depo
     for (const auto& [path, node] : OpenFiles(nodes)) {
         // A file in a changelist without a record (made by another client) counts as the default's.
         const auto found = byId.find(node->changelist);
-        depot::PendingChangelist& owner = found == byId.end() ? answer.front() : answer[found->second];
+        revision::PendingChangelist& owner = found == byId.end() ? answer.front() : answer[found->second];
         owner.files.push_back({node->repositoryPath, path, ActionOf(*node), owner.changelist.id,
                                session.credentials.user, session.workingCopy, !node->localLockToken.empty()});
     }
@@ -705,11 +719,11 @@ Result SvnServer::pendingChangelists(const std::string& ticket, std::vector<depo
     return {};
 }
 
-Result SvnServer::setDescription(const std::string& ticket, const depot::ChangelistId& changelist,
+Result SvnServer::setDescription(const std::string& ticket, const revision::ChangelistId& changelist,
                                  const std::string& description)
 {
     Call call(*this, {});
-    if (Result begun = call.begin(depot::Operation::SetDescription, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::SetDescription, &ticket); !begun.ok())
         return begun;
     const SvnChangelists& records = *call.session().changelists;
     if (changelist.empty())
@@ -719,10 +733,10 @@ Result SvnServer::setDescription(const std::string& ticket, const depot::Changel
     return records.setDescription(changelist, description);
 }
 
-Result SvnServer::deleteChangelist(const std::string& ticket, const depot::ChangelistId& changelist)
+Result SvnServer::deleteChangelist(const std::string& ticket, const revision::ChangelistId& changelist)
 {
     Call call(*this, {});
-    if (Result begun = call.begin(depot::Operation::DeleteChangelist, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::DeleteChangelist, &ticket); !begun.ok())
         return begun;
     const SvnChangelists& records = *call.session().changelists;
     if (changelist.empty())
@@ -741,15 +755,15 @@ Result SvnServer::deleteChangelist(const std::string& ticket, const depot::Chang
     return records.erase(changelist);
 }
 
-Result SvnServer::reopen(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                         const depot::CancelCheck& cancel)
+Result SvnServer::reopen(const std::string& ticket, const Files& files, const revision::ChangelistId& changelist,
+                         const revision::CancelCheck& cancel)
 {
     Call call(*this, cancel);
-    if (Result begun = call.begin(depot::Operation::Reopen, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::Reopen, &ticket); !begun.ok())
         return begun;
     if (!call.session().changelists->exists(changelist))
         return {code::Failed, "Change " + changelist + " unknown."};
-    std::vector<depot::FileStatus> statuses;
+    std::vector<revision::FileStatus> statuses;
     if (Result walked = statusWords(call, files, false, statuses); !walked.ok())
         return walked;
     std::string refusals;
@@ -762,10 +776,10 @@ Result SvnServer::reopen(const std::string& ticket, const Files& files, const de
 }
 
 Result SvnServer::revertUnchanged(const std::string& ticket, const Files& files, std::vector<std::string>& reverted,
-                                  const depot::CancelCheck& cancel)
+                                  const revision::CancelCheck& cancel)
 {
     Call call(*this, cancel);
-    if (Result begun = call.begin(depot::Operation::RevertUnchanged, &ticket); !begun.ok())
+    if (Result begun = call.begin(revision::Operation::RevertUnchanged, &ticket); !begun.ok())
         return begun;
     SvnStatusMap nodes;
     if (Result walked = call.walkLocally(nodes); !walked.ok())
@@ -776,9 +790,13 @@ Result SvnServer::revertUnchanged(const std::string& ticket, const Files& files,
     // A checked-out file whose text and properties are the working copy's revision: only its lock
     // and changelist make it open.
     Files unchanged;
-    for (const auto& [path, node] : OpenFiles(nodes))
-        if ((files.empty() || wanted.count(path)) && node->local == svn_wc_status_normal)
+    std::vector<std::string> repositoryPaths;
+    for (const auto& [path, node] : OpenFiles(nodes)) {
+        if ((files.empty() || wanted.count(path)) && node->local == svn_wc_status_normal) {
             unchanged.push_back(path);
+            repositoryPaths.push_back(node->repositoryPath);
+        }
+    }
     if (!unchanged.empty()) {
         if (Result unlocked = call.ask(svn_client_unlock(call.paths(unchanged), FALSE, call.context(), call.pool()));
             !unlocked.ok())
@@ -787,7 +805,7 @@ Result SvnServer::revertUnchanged(const std::string& ticket, const Files& files,
             !moved.ok())
             return moved;
     }
-    reverted = std::move(unchanged);
+    reverted = std::move(repositoryPaths);
     return {};
 }
 

@@ -2,6 +2,7 @@
 
 #include <hbrcservices/revisionserver.h>
 
+#include "../forcedfaults.h"
 #include "svnchangelists.h"
 #include "svnclient.h"
 #include "svnstatuswalk.h"
@@ -23,47 +24,48 @@ public:
     explicit SvnServer(std::string url) : m_url(std::move(url)) {}
 
     const std::string& path() const override { return m_url; }
-    depot::Result login(const std::string& user, const std::string& password, const std::string& workspace,
+    revision::Result login(const std::string& user, const std::string& password, const std::string& workspace,
                         std::string& ticket) override;
-    depot::Result expireSession(const std::string& ticket) override;
-    depot::Result resumeKept(const std::string& user, const std::string& workspace, std::string& ticket) override;
-    depot::Result keep(const std::string& ticket) override;
-    depot::Result logout(const std::string& user, const std::string& ticket) override;
-    depot::Result sync(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel) override;
-    depot::Result status(const std::string& ticket, const Files& files, std::vector<depot::FileStatus>& statuses,
-                         const depot::CancelCheck& cancel) override;
-    depot::Result holders(const std::string& ticket, const Files& files, std::vector<std::vector<std::string>>& users,
-                          const depot::CancelCheck& cancel) override;
-    depot::Result edit(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                       const depot::CancelCheck& cancel) override;
-    depot::Result add(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                      const depot::CancelCheck& cancel) override;
-    depot::Result remove(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                         const depot::CancelCheck& cancel) override;
-    depot::Result revert(const std::string& ticket, const Files& files, const depot::CancelCheck& cancel) override;
-    depot::Result submit(const std::string& ticket, const depot::ChangelistId& changelist,
-                         const std::string& description, depot::ChangelistId& submitted,
-                         const depot::CancelCheck& cancel) override;
-    depot::Result changelists(const std::string& ticket, depot::ChangelistState state,
-                              std::vector<depot::Changelist>& changelists) override;
-    depot::Result describe(const std::string& ticket, const depot::ChangelistId& changelist,
-                           depot::Changelist& description) override;
-    depot::Result createChangelist(const std::string& ticket, const std::string& description,
-                                   depot::ChangelistId& created) override;
-    depot::Result changelistExists(const std::string& ticket, const depot::ChangelistId& changelist,
+    revision::Result expireSession(const std::string& ticket) override;
+    revision::Result resumeKept(const std::string& user, const std::string& workspace, std::string& ticket) override;
+    revision::Result keep(const std::string& ticket) override;
+    revision::Result logout(const std::string& user, const std::string& ticket) override;
+    revision::Result sync(const std::string& ticket, const Files& files, const revision::CancelCheck& cancel) override;
+    revision::Result status(const std::string& ticket, const Files& files, std::vector<revision::FileStatus>& statuses,
+                         const revision::CancelCheck& cancel) override;
+    revision::Result holders(const std::string& ticket, const Files& files, std::vector<std::vector<std::string>>& users,
+                          const revision::CancelCheck& cancel) override;
+    revision::Result edit(const std::string& ticket, const Files& files, const revision::ChangelistId& changelist,
+                       const revision::CancelCheck& cancel) override;
+    revision::Result add(const std::string& ticket, const Files& files, const revision::ChangelistId& changelist,
+                      const revision::CancelCheck& cancel) override;
+    revision::Result remove(const std::string& ticket, const Files& files, const revision::ChangelistId& changelist,
+                         const revision::CancelCheck& cancel) override;
+    revision::Result revert(const std::string& ticket, const Files& files, const revision::CancelCheck& cancel) override;
+    revision::Result submit(const std::string& ticket, const revision::ChangelistId& changelist,
+                         const std::string& description, revision::ChangelistId& submitted,
+                         const revision::CancelCheck& cancel) override;
+    revision::Result changelists(const std::string& ticket, revision::ChangelistState state,
+                              std::vector<revision::Changelist>& changelists) override;
+    revision::Result describe(const std::string& ticket, const revision::ChangelistId& changelist,
+                           revision::Changelist& description) override;
+    revision::Result createChangelist(const std::string& ticket, const std::string& description,
+                                   revision::ChangelistId& created) override;
+    revision::Result changelistExists(const std::string& ticket, const revision::ChangelistId& changelist,
                                    bool& exists) override;
-    depot::Result pendingChangelists(const std::string& ticket, std::vector<depot::PendingChangelist>& pending) override;
-    depot::Result setDescription(const std::string& ticket, const depot::ChangelistId& changelist,
+    revision::Result pendingChangelists(const std::string& ticket, std::vector<revision::PendingChangelist>& pending) override;
+    revision::Result setDescription(const std::string& ticket, const revision::ChangelistId& changelist,
                                  const std::string& description) override;
-    depot::Result deleteChangelist(const std::string& ticket, const depot::ChangelistId& changelist) override;
-    depot::Result reopen(const std::string& ticket, const Files& files, const depot::ChangelistId& changelist,
-                         const depot::CancelCheck& cancel) override;
-    depot::Result revertUnchanged(const std::string& ticket, const Files& files, std::vector<std::string>& reverted,
-                                  const depot::CancelCheck& cancel) override;
+    revision::Result deleteChangelist(const std::string& ticket, const revision::ChangelistId& changelist) override;
+    revision::Result reopen(const std::string& ticket, const Files& files, const revision::ChangelistId& changelist,
+                         const revision::CancelCheck& cancel) override;
+    revision::Result revertUnchanged(const std::string& ticket, const Files& files, std::vector<std::string>& reverted,
+                                  const revision::CancelCheck& cancel) override;
     std::string unreachableText(const std::string& why) const override;
     void interruptWaits() override;
+    revision::Capabilities capabilities() const override;
     std::uint64_t roundTrips() const override { return m_roundTrips; }
-    depot::FaultInjector& faults() override { return m_faults; }
+    revision::FaultInjection& faults() override { return m_faults; }
 
 private:
     struct Session
@@ -76,19 +78,21 @@ private:
 
     Session* find(const std::string& ticket);
     // Refuses a change into a changelist the working copy does not have, and files that others
-    // hold or that are not in a state to change; otherwise statuses holds the files' words.
-    // With ownStrayLocks, the files locked in the session user's name without a token in this
-    // working copy are not refused but listed there.
-    depot::Result checkFilesMayChange(Call& call, const Files& files, const depot::ChangelistId& changelist,
-                                      std::vector<depot::FileStatus>& statuses, Files* ownStrayLocks = nullptr);
-    depot::Result statusWords(Call& call, const Files& files, bool askRepository,
-                              std::vector<depot::FileStatus>& statuses, SvnStatusMap* walked = nullptr);
+    // hold or that are not in a state to open for action ("edit", "delete"); otherwise statuses
+    // holds the files' words. With ownStrayLocks, the files locked in the session user's name
+    // without a token in this working copy are not refused but listed there.
+    revision::Result checkFilesMayChange(Call& call, const char* action, const Files& files,
+                                         const revision::ChangelistId& changelist,
+                                         std::vector<revision::FileStatus>& statuses,
+                                         Files* ownStrayLocks = nullptr);
+    revision::Result statusWords(Call& call, const Files& files, bool askRepository,
+                                 std::vector<revision::FileStatus>& statuses, SvnStatusMap* walked = nullptr);
 
     std::string m_url;
     SvnClient m_client;
     std::map<std::string, std::unique_ptr<Session>> m_sessions;
     std::atomic<std::uint64_t> m_roundTrips{0};
-    depot::FaultInjector m_faults;
+    ForcedFaults m_faults;
 };
 
 }  // namespace hbrc::host

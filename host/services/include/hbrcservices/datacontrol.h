@@ -1,7 +1,8 @@
 #pragma once
 
 #include <hbrcservices/export.h>
-#include <hbrcservices/depotconnection.h>
+
+#include <hbrcservices/serverconnection.h>
 
 #include <hbrcdatamodel/datamodelmgr.h>
 
@@ -24,7 +25,7 @@ namespace hbrc::host {
 class HBRC_SERVICES_EXPORT DataControl final : public kel4::RefCounted<kel4::IDataControl>
 {
 public:
-    DataControl(KELPtr<DataModelMgr> model, std::shared_ptr<DepotConnection> connection);
+    DataControl(KELPtr<DataModelMgr> model, std::shared_ptr<ServerConnection> connection);
 
     void* QueryInterface(const kel4::InterfaceId& iid) override;
 
@@ -73,7 +74,7 @@ public:
     KELPtr<kel4::IUserParameters> GetUserParameters() const override;
     void SetSession(const KELPtr<kel4::IUserParameters>& session) override;
 
-    DepotConnection& Connection() const { return *m_connection; }
+    ServerConnection& Connection() const { return *m_connection; }
 
 private:
     using Files = std::vector<std::string>;
@@ -87,11 +88,11 @@ private:
                      const Files& objectFiles) const;
     // The statuses of the object's files from the cache; on a miss one round trip (see FilesToAsk).
     kelResult KnownStatuses(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles, kel4::closureId closure,
-                            const Files& files, std::vector<depot::FileStatus>& statuses, std::string& errorText);
-    kelResult ChangeFiles(const Files& files, const DepotConnection::Operation& change, std::string& errorText);
+                            const Files& files, std::vector<revision::FileStatus>& statuses, std::string& errorText);
+    kelResult ChangeFiles(const Files& files, const ServerConnection::Operation& change, std::string& errorText);
 
     KELPtr<DataModelMgr> m_model;
-    std::shared_ptr<DepotConnection> m_connection;
+    std::shared_ptr<ServerConnection> m_connection;
     KELPtr<kel4::IUserParameters> m_session;
     // The objects of the last related-objects question and their related objects.
     ObjectSet m_objectsInQuestion;

@@ -1,7 +1,8 @@
 #pragma once
 
 #include <hbrcservices/export.h>
-#include <hbrcservices/depotconnection.h>
+
+#include <hbrcservices/serverconnection.h>
 
 #include <kel4/ifileversioncontrol.h>
 
@@ -15,7 +16,7 @@ namespace hbrc::host {
 class HBRC_SERVICES_EXPORT FileVersionControl final : public kel4::RefCounted<kel4::IFileVersionControl>
 {
 public:
-    explicit FileVersionControl(std::shared_ptr<DepotConnection> connection);
+    explicit FileVersionControl(std::shared_ptr<ServerConnection> connection);
 
     void* QueryInterface(const kel4::InterfaceId& iid) override;
 
@@ -36,10 +37,10 @@ public:
     kelResult GetUsersOfFiles(const kel4::IUserParameters* user, const kel4::List<std::string>& files,
                               kel4::List<std::string>& users, std::string& errorText) override;
 
-    DepotConnection& Connection() const { return *m_connection; }
+    ServerConnection& Connection() const { return *m_connection; }
 
 private:
-    std::shared_ptr<DepotConnection> m_connection;
+    std::shared_ptr<ServerConnection> m_connection;
 };
 
 }  // namespace hbrc::host

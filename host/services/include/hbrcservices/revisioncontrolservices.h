@@ -2,8 +2,8 @@
 
 #include <hbrcservices/export.h>
 #include <hbrcservices/datacontrol.h>
-#include <hbrcservices/depotconnection.h>
 #include <hbrcservices/fileversioncontrol.h>
+#include <hbrcservices/serverconnection.h>
 
 #include <memory>
 #include <string>
@@ -23,7 +23,7 @@ struct RevisionControlAccount
 // The two revision-control services of one open workspace and the connection they share.
 struct HBRC_SERVICES_EXPORT RevisionControlServices
 {
-    std::shared_ptr<DepotConnection> connection;
+    std::shared_ptr<ServerConnection> connection;
     KELPtr<DataControl> dataControl;
     KELPtr<FileVersionControl> fileVersionControl;
 

@@ -2,7 +2,7 @@
 
 #include <hbrcservices/export.h>
 
-#include <depot/types.h>
+#include <hbrcservices/revisiontypes.h>
 
 #include <chrono>
 #include <functional>
@@ -13,7 +13,7 @@
 
 namespace hbrc::host {
 
-// The last known depot status of files, so that per-object questions (needs action, can check
+// The last known server status of files, so that per-object questions (needs action, can check
 // out) need no round trip of their own. Filled by every status question; a change made through
 // the services forgets the files it touched, a change of session forgets everything; entries
 // older than the lifetime count as unknown, so that changes by other users are seen again.
@@ -24,9 +24,9 @@ public:
 
     explicit StatusCache(std::chrono::milliseconds lifetime = std::chrono::seconds(10), Clock clock = {});
 
-    void Store(const std::vector<std::string>& files, const std::vector<depot::FileStatus>& statuses);
+    void Store(const std::vector<std::string>& files, const std::vector<revision::FileStatus>& statuses);
     // The statuses of all files, in their order; nothing when one of them is unknown or stale.
-    std::optional<std::vector<depot::FileStatus>> Lookup(const std::vector<std::string>& files) const;
+    std::optional<std::vector<revision::FileStatus>> Lookup(const std::vector<std::string>& files) const;
     // True when the file's status is known and not stale.
     bool Knows(const std::string& file) const;
     void Forget(const std::vector<std::string>& files);
@@ -36,7 +36,7 @@ public:
 private:
     struct Entry
     {
-        depot::FileStatus status;
+        revision::FileStatus status;
         std::chrono::steady_clock::time_point storedAt;
     };
 

@@ -2,7 +2,7 @@
 
 #include <hbrcservices/export.h>
 
-#include <depot/types.h>
+#include <hbrcservices/revisiontypes.h>
 
 #include <chrono>
 #include <functional>
@@ -30,14 +30,14 @@ namespace hbrc::host {
 class HBRC_SERVICES_EXPORT TimeOutRunner
 {
 public:
-    using Operation = std::function<depot::Result(const depot::CancelCheck& cancel)>;
+    using Operation = std::function<revision::Result(const revision::CancelCheck& cancel)>;
     using Interrupt = std::function<void()>;
     using InteractiveCheck = std::function<bool()>;
 
     // How a run ended: the operation's result, and whether the deadline cut it short.
     struct Outcome
     {
-        depot::Result result;
+        revision::Result result;
         bool pastDeadline = false;
     };
 

@@ -1,18 +1,18 @@
-#include <hbrcservices/depotqueries.h>
+#include <hbrcservices/serverqueries.h>
 
 #include <set>
 
-namespace hbrc::host::DepotQueries {
+namespace hbrc::host::ServerQueries {
 
-kelResult Status(DepotConnection& connection, const kel4::IUserParameters* session,
-                 const std::vector<std::string>& files, std::vector<depot::FileStatus>& statuses,
+kelResult Status(ServerConnection& connection, const kel4::IUserParameters* session,
+                 const std::vector<std::string>& files, std::vector<revision::FileStatus>& statuses,
                  std::string& errorText)
 {
-    std::vector<depot::FileStatus> answered;
+    std::vector<revision::FileStatus> answered;
     const kelResult result = connection.Run(
         session,
-        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
-            return depot.status(ticket, files, answered, cancel);
+        [&](RevisionServer& server, const std::string& ticket, const revision::CancelCheck& cancel) {
+            return server.status(ticket, files, answered, cancel);
         },
         errorText);
     if (result.IsSuccess()) {
@@ -22,14 +22,14 @@ kelResult Status(DepotConnection& connection, const kel4::IUserParameters* sessi
     return result;
 }
 
-kelResult Holders(DepotConnection& connection, const kel4::IUserParameters* session,
+kelResult Holders(ServerConnection& connection, const kel4::IUserParameters* session,
                   const std::vector<std::string>& files, kel4::List<std::string>& users, std::string& errorText)
 {
     std::vector<std::vector<std::string>> perFile;
     const kelResult result = connection.Run(
         session,
-        [&](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck& cancel) {
-            return depot.holders(ticket, files, perFile, cancel);
+        [&](RevisionServer& server, const std::string& ticket, const revision::CancelCheck& cancel) {
+            return server.holders(ticket, files, perFile, cancel);
         },
         errorText);
     if (result.IsFailure())
@@ -41,15 +41,15 @@ kelResult Holders(DepotConnection& connection, const kel4::IUserParameters* sess
     return result;
 }
 
-kelResult Change(DepotConnection& connection, const kel4::IUserParameters* session,
-                 const std::vector<std::string>& files, const DepotConnection::Operation& change,
+kelResult Change(ServerConnection& connection, const kel4::IUserParameters* session,
+                 const std::vector<std::string>& files, const ServerConnection::Operation& change,
                  std::string& errorText)
 {
     const kelResult result = connection.Run(session, change, errorText);
-    // Also after a failure: a cancelled or refused change leaves the depot as it was, but a
+    // Also after a failure: a cancelled or refused change leaves the server as it was, but a
     // failure of an unknown kind may not have. The other files' statuses still hold.
     connection.Cache().Forget(files);
     return result;
 }
 
-}  // namespace hbrc::host::DepotQueries
+}  // namespace hbrc::host::ServerQueries

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <hbrcservices/export.h>
+
 #include <hbrcservices/revisionserver.h>
 #include <hbrcservices/statuscache.h>
 #include <hbrcservices/timeoutrunner.h>
@@ -19,7 +20,7 @@ namespace hbrc::host {
 
 struct ConnectionOptions
 {
-    depot::DepotOptions depot;
+    revision::ServerOptions server;
     // How long an operation runs before the time-out delegate is asked.
     std::chrono::milliseconds timeOutThreshold{500};
     // How long any call waits for the server: then it fails with -34, as for an unreachable server.
@@ -28,7 +29,7 @@ struct ConnectionOptions
     // progress box could be shown), first renews the session from the log-in the user kept. Hosts
     // that run batch jobs turn it on.
     bool renewFromKeptLogIn = false;
-    // How long a file's depot status is trusted without asking the depot again.
+    // How long a file's status is trusted without asking the server again.
     std::chrono::milliseconds statusLifetime{std::chrono::seconds(10)};
 };
 
@@ -36,21 +37,21 @@ struct ConnectionOptions
 // Subversion repository, as the server setting names it), shared by its data control and file
 // version control: the server connection, the time-out runner every operation goes through,
 // the status cache, and the knobs tests and benchmarks turn (round trips, fault injection).
-// Used from the host's UI thread; the depot itself may be driven from the runner's worker.
-class HBRC_SERVICES_EXPORT DepotConnection
+// Used from the host's UI thread; the server itself may be driven from the runner's worker.
+class HBRC_SERVICES_EXPORT ServerConnection
 {
 public:
-    // What an operation does with the depot, in one or more round trips, for a session's ticket.
-    using Operation = std::function<depot::Result(RevisionServer& depot, const std::string& ticket,
-                                                  const depot::CancelCheck& cancel)>;
+    // What an operation does with the server, in one or more round trips, for a session's ticket.
+    using Operation = std::function<revision::Result(RevisionServer& server, const std::string& ticket,
+                                                  const revision::CancelCheck& cancel)>;
 
-    explicit DepotConnection(std::string server, ConnectionOptions options = {});
-    ~DepotConnection();
-    DepotConnection(const DepotConnection&) = delete;
-    DepotConnection& operator=(const DepotConnection&) = delete;
+    explicit ServerConnection(std::string server, ConnectionOptions options = {});
+    ~ServerConnection();
+    ServerConnection(const ServerConnection&) = delete;
+    ServerConnection& operator=(const ServerConnection&) = delete;
 
     // The server setting: the depot file's path or the repository's URL.
-    const std::string& Server() const { return m_depot->path(); }
+    const std::string& Server() const { return m_server->path(); }
 
     // Opens a session. A server other than the current one becomes the current one when the log-in
     // succeeds (fault injection settings do not carry over). Null with errorText on failure.
@@ -77,10 +78,10 @@ public:
     StatusCache& Cache() { return m_cache; }
 
     // --- for tests and benchmarks -------------------------------------------------------------
-    // Round trips made to the depot through this connection, log-ins included.
-    std::uint64_t RoundTrips() const { return m_roundTripsBefore + m_depot->roundTrips(); }
-    // Latency per round trip and forced failures (code -34, depot::code::IoError, ...).
-    depot::FaultInjector& Faults() { return m_depot->faults(); }
+    // Round trips made to the server through this connection, log-ins included.
+    std::uint64_t RoundTrips() const { return m_roundTripsBefore + m_server->roundTrips(); }
+    // Latency per round trip and forced failures (code -34, revision::code::IoError, ...).
+    revision::FaultInjection& Faults() { return m_server->faults(); }
     // The session stops working now, in every process (one round trip).
     kelResult ExpireSession(const kel4::IUserParameters* session, std::string& errorText);
 
@@ -92,8 +93,8 @@ private:
     kelResult RunOn(RevisionServer& server, const TimeOutRunner::Operation& operation, std::string& errorText);
 
     ConnectionOptions m_options;
-    std::unique_ptr<RevisionServer> m_depot;
-    std::uint64_t m_roundTripsBefore = 0;  // made through depots this connection has left
+    std::unique_ptr<RevisionServer> m_server;
+    std::uint64_t m_roundTripsBefore = 0;  // made through servers this connection has left
     TimeOutRunner m_runner;
     StatusCache m_cache;
     bool m_running = false;

@@ -1,4 +1,4 @@
-#include <hbrcservices/depotconnection.h>
+#include <hbrcservices/serverconnection.h>
 
 #include <log/log.h>
 
@@ -23,18 +23,18 @@ const char* const kBusyText = "Another revision-control operation is still runni
 
 }  // namespace
 
-DepotConnection::DepotConnection(std::string server, ConnectionOptions options)
+ServerConnection::ServerConnection(std::string server, ConnectionOptions options)
     : m_options(std::move(options)),
-      m_depot(OpenRevisionServer(server, m_options.depot)),
+      m_server(OpenRevisionServer(server, m_options.server)),
       m_cache(m_options.statusLifetime)
 {
     m_runner.SetThreshold(m_options.timeOutThreshold);
     m_runner.SetDeadline(m_options.callDeadline);
 }
 
-DepotConnection::~DepotConnection() = default;
+ServerConnection::~ServerConnection() = default;
 
-kelResult DepotConnection::RunOn(RevisionServer& server, const TimeOutRunner::Operation& operation,
+kelResult ServerConnection::RunOn(RevisionServer& server, const TimeOutRunner::Operation& operation,
                                  std::string& errorText)
 {
     const TimeOutRunner::Outcome outcome = m_runner.Run(operation, [&server] { server.interruptWaits(); });
@@ -43,14 +43,14 @@ kelResult DepotConnection::RunOn(RevisionServer& server, const TimeOutRunner::Op
         errorText = server.unreachableText("no answer within " + std::to_string(seconds) + " s");
         return kel4::kResultSessionUnusable;
     }
-    const depot::Result& result = outcome.result;
+    const revision::Result& result = outcome.result;
     errorText = result.error;
     if (result.ok())
         return kel4::kResultSuccess;
-    return result.code == depot::code::SessionUnusable ? kel4::kResultSessionUnusable : kel4::kResultFailed;
+    return result.code == revision::code::SessionUnusable ? kel4::kResultSessionUnusable : kel4::kResultFailed;
 }
 
-KELPtr<UserParameters> DepotConnection::Login(const std::string& userName, const std::string& password,
+KELPtr<UserParameters> ServerConnection::Login(const std::string& userName, const std::string& password,
                                                const std::string& workspace, const std::string& server,
                                                std::string& errorText)
 {
@@ -59,29 +59,29 @@ KELPtr<UserParameters> DepotConnection::Login(const std::string& userName, const
         return {};
     }
     RunningGuard running(m_running);
-    const bool otherServer = !server.empty() && server != m_depot->path();
+    const bool otherServer = !server.empty() && server != m_server->path();
     std::unique_ptr<RevisionServer> other;
     if (otherServer)
-        other = OpenRevisionServer(server, m_options.depot);
-    RevisionServer& target = otherServer ? *other : *m_depot;
+        other = OpenRevisionServer(server, m_options.server);
+    RevisionServer& target = otherServer ? *other : *m_server;
 
     std::string ticket;
     const kelResult result = RunOn(
-        target, [&](const depot::CancelCheck&) { return target.login(userName, password, workspace, ticket); },
+        target, [&](const revision::CancelCheck&) { return target.login(userName, password, workspace, ticket); },
         errorText);
     if (otherServer) {
-        // The depot left behind keeps its round trips counted.
-        m_roundTripsBefore += (result.IsSuccess() ? *m_depot : *other).roundTrips();
+        // The server left behind keeps its round trips counted.
+        m_roundTripsBefore += (result.IsSuccess() ? *m_server : *other).roundTrips();
         if (result.IsSuccess())
-            m_depot = std::move(other);
+            m_server = std::move(other);
     }
     if (result.IsFailure())
         return {};
     m_cache.Invalidate();
-    return KELPtr<UserParameters>(new UserParameters(userName, workspace, m_depot->path(), ticket));
+    return KELPtr<UserParameters>(new UserParameters(userName, workspace, m_server->path(), ticket));
 }
 
-KELPtr<UserParameters> DepotConnection::ResumeKept(const std::string& userName, const std::string& workspace,
+KELPtr<UserParameters> ServerConnection::ResumeKept(const std::string& userName, const std::string& workspace,
                                                     std::string& errorText)
 {
     if (m_running) {
@@ -90,42 +90,42 @@ KELPtr<UserParameters> DepotConnection::ResumeKept(const std::string& userName, 
     }
     RunningGuard running(m_running);
     std::string ticket;
-    RevisionServer& depot = *m_depot;
+    RevisionServer& server = *m_server;
     if (RunOn(
-            depot, [&](const depot::CancelCheck&) { return depot.resumeKept(userName, workspace, ticket); }, errorText)
+            server, [&](const revision::CancelCheck&) { return server.resumeKept(userName, workspace, ticket); }, errorText)
             .IsFailure())
         return {};
     m_cache.Invalidate();
-    return KELPtr<UserParameters>(new UserParameters(userName, workspace, m_depot->path(), ticket));
+    return KELPtr<UserParameters>(new UserParameters(userName, workspace, m_server->path(), ticket));
 }
 
-kelResult DepotConnection::Keep(const kel4::IUserParameters* session, std::string& errorText)
+kelResult ServerConnection::Keep(const kel4::IUserParameters* session, std::string& errorText)
 {
     return Run(session,
-               [](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
-                   return depot.keep(ticket);
+               [](RevisionServer& server, const std::string& ticket, const revision::CancelCheck&) {
+                   return server.keep(ticket);
                },
                errorText);
 }
 
-kelResult DepotConnection::Logout(const kel4::IUserParameters* session, std::string& errorText)
+kelResult ServerConnection::Logout(const kel4::IUserParameters* session, std::string& errorText)
 {
     const std::string user = session ? session->GetUserName() : std::string();
     const kelResult result = Run(session,
-                                 [&user](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
-                                     return depot.logout(user, ticket);
+                                 [&user](RevisionServer& server, const std::string& ticket, const revision::CancelCheck&) {
+                                     return server.logout(user, ticket);
                                  },
                                  errorText);
     m_cache.Invalidate();
     return result;
 }
 
-kelResult DepotConnection::Run(const kel4::IUserParameters* session, const Operation& operation,
+kelResult ServerConnection::Run(const kel4::IUserParameters* session, const Operation& operation,
                                std::string& errorText)
 {
     const std::string sessionTicket = UserParameters::TicketOf(session);
     if (sessionTicket.empty()) {
-        errorText = "Not logged in to the depot; please log in.";
+        errorText = revision::kNotLoggedInText;
         return kel4::kResultSessionUnusable;
     }
     if (m_running) {
@@ -133,12 +133,12 @@ kelResult DepotConnection::Run(const kel4::IUserParameters* session, const Opera
         return kel4::kResultFailed;
     }
     RunningGuard running(m_running);
-    RevisionServer& depot = *m_depot;
+    RevisionServer& server = *m_server;
     const auto renewed = m_renewedTickets.find(sessionTicket);
     std::string ticket = renewed == m_renewedTickets.end() ? sessionTicket : renewed->second;
     const auto runWithTicket = [&] {
         return RunOn(
-            depot, [&](const depot::CancelCheck& cancel) { return operation(depot, ticket, cancel); }, errorText);
+            server, [&](const revision::CancelCheck& cancel) { return operation(server, ticket, cancel); }, errorText);
     };
     kelResult result = runWithTicket();
     // Nobody can type a password in a batch run: an expired session is renewed from the log-in the
@@ -149,15 +149,15 @@ kelResult DepotConnection::Run(const kel4::IUserParameters* session, const Opera
     return result;
 }
 
-bool DepotConnection::RenewFromKeptLogIn(const kel4::IUserParameters& session, std::string& ticket)
+bool ServerConnection::RenewFromKeptLogIn(const kel4::IUserParameters& session, std::string& ticket)
 {
-    RevisionServer& depot = *m_depot;
+    RevisionServer& server = *m_server;
     std::string fresh;
     std::string ignored;
     const std::string user = session.GetUserName();
     const std::string workspace = session.GetWorkspace();
     if (RunOn(
-            depot, [&](const depot::CancelCheck&) { return depot.resumeKept(user, workspace, fresh); }, ignored)
+            server, [&](const revision::CancelCheck&) { return server.resumeKept(user, workspace, fresh); }, ignored)
             .IsFailure())
         return false;
     m_renewedTickets[UserParameters::TicketOf(&session)] = fresh;
@@ -168,11 +168,11 @@ bool DepotConnection::RenewFromKeptLogIn(const kel4::IUserParameters& session, s
     return true;
 }
 
-kelResult DepotConnection::ExpireSession(const kel4::IUserParameters* session, std::string& errorText)
+kelResult ServerConnection::ExpireSession(const kel4::IUserParameters* session, std::string& errorText)
 {
     return Run(session,
-               [](RevisionServer& depot, const std::string& ticket, const depot::CancelCheck&) {
-                   return depot.expireSession(ticket);
+               [](RevisionServer& server, const std::string& ticket, const revision::CancelCheck&) {
+                   return server.expireSession(ticket);
                },
                errorText);
 }

@@ -48,7 +48,7 @@ inline std::string ServerKindName(const ::testing::TestParamInfo<ServerKind>& in
     return std::array{"EmbeddedDepot", "SvnServe", "SvnFile"}.at(static_cast<std::size_t>(info.param));
 }
 
-class DepotHostFixture : public ::testing::Test
+class ServerHostFixture : public ::testing::Test
 {
 public:  // table-driven tests' rows act on the fixture from outside
     using ObjectList = kel4::IDataControl::ObjectList;
@@ -64,7 +64,7 @@ public:  // table-driven tests' rows act on the fixture from outside
     virtual hbrc::host::ConnectionOptions ConnectionOptionsForAlice() const
     {
         hbrc::host::ConnectionOptions options;
-        options.depot.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+        options.server.passwordHashCost = hbrc::revision::PasswordHashCost::Minimal;
         // Long enough that no test sees the cache go stale by itself.
         options.statusLifetime = std::chrono::minutes(10);
         return options;
@@ -167,24 +167,24 @@ public:  // table-driven tests' rows act on the fixture from outside
         return created;
     }
     // Alice's own question to the server, through her services' connection, as the studio asks.
-    using ServerCall = std::function<hbrc::depot::Result(hbrc::host::RevisionServer&, const std::string& ticket)>;
-    hbrc::depot::Result AliceAsks(const ServerCall& call) const
+    using ServerCall = std::function<hbrc::revision::Result(hbrc::host::RevisionServer&, const std::string& ticket)>;
+    hbrc::revision::Result AliceAsks(const ServerCall& call) const
     {
-        std::optional<hbrc::depot::Result> answer;
+        std::optional<hbrc::revision::Result> answer;
         std::string error;
         services.connection->Run(
             AliceSession(),
-            [&](hbrc::host::RevisionServer& server, const std::string& ticket, const hbrc::depot::CancelCheck&) {
+            [&](hbrc::host::RevisionServer& server, const std::string& ticket, const hbrc::revision::CancelCheck&) {
                 return *(answer = call(server, ticket));
             },
             error);
-        return answer.value_or(hbrc::depot::Result{hbrc::depot::code::Failed, "the call did not run: " + error});
+        return answer.value_or(hbrc::revision::Result{hbrc::revision::code::Failed, "the call did not run: " + error});
     }
     // Submits alice's changelist (the default one: with the description given).
     void AliceSubmits(const std::string& description, const std::string& changelist = "") const
     {
-        const hbrc::depot::Result result = AliceAsks([&](hbrc::host::RevisionServer& server, const std::string& ticket) {
-            hbrc::depot::ChangelistId submitted;
+        const hbrc::revision::Result result = AliceAsks([&](hbrc::host::RevisionServer& server, const std::string& ticket) {
+            hbrc::revision::ChangelistId submitted;
             return server.submit(ticket, changelist, description, submitted);
         });
         ASSERT_TRUE(result.ok()) << result.error;
@@ -253,7 +253,7 @@ public:  // table-driven tests' rows act on the fixture from outside
     }
     hbrc::host::RevisionServer& Bob() { return *m_bob; }
     const std::string& BobTicket() const { return m_bobTicket; }
-    void BobExpects(const hbrc::depot::Result& result) const { ASSERT_TRUE(result.ok()) << result.error; }
+    template <typename Answer> void BobExpects(const Answer& result) const { ASSERT_TRUE(result.ok()) << result.error; }
 
     std::unique_ptr<hbrc::host::HostSession> host;
     hbrc::host::Workspace* workspace = nullptr;
@@ -281,7 +281,7 @@ private:
         BobExpects(admin.addUser("bob", "bob-pw"));
         BobExpects(admin.addWorkspace(AliceWorkspace(), "alice", Encoded(AliceFolder())));
         BobExpects(admin.addWorkspace(BobWorkspace(), "bob", Encoded(BobFolder())));
-        m_bob = hbrc::host::OpenRevisionServer(m_depotPath, options);
+        m_bob = hbrc::host::OpenRevisionServer(m_depotPath, {hbrc::revision::PasswordHashCost::Minimal});
     }
 
     void CreateRepository()
@@ -329,7 +329,7 @@ private:
 
 // The same host on each server in turn: TEST_P suites instantiated with
 // INSTANTIATE_TEST_SUITE_P(Servers, Suite, ServerKinds(), ServerKindName).
-class ServerFixture : public DepotHostFixture, public ::testing::WithParamInterface<ServerKind>
+class ServerFixture : public ServerHostFixture, public ::testing::WithParamInterface<ServerKind>
 {
 public:
     ServerKind Server() const override { return GetParam(); }

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <hbrcservices/faultinjection.h>
+
+#include <map>
+#include <optional>
+
+namespace hbrc::host {
+
+// The fault injection of a backend that has none of its own (the Subversion one): it keeps what
+// the tests set, and the backend takes the forced failure and waits the latency of each call.
+class ForcedFaults final : public revision::FaultInjection
+{
+public:
+    void setLatency(std::chrono::milliseconds perRoundTrip) override { m_latency = perRoundTrip; }
+    std::chrono::milliseconds latency() const override { return m_latency; }
+    void failNextCalls(int count, int code, std::string message) override;
+    void failOperation(revision::Operation operation, int code, std::string message) override;
+    void clear() override;
+
+    // Consumed once per call by the backend: the failure forced onto this call, if any.
+    std::optional<revision::Result> takeForcedFailure(revision::Operation operation);
+
+private:
+    std::chrono::milliseconds m_latency{0};
+    int m_failuresLeft = 0;
+    revision::Result m_nextCallsFailure;
+    std::map<revision::Operation, revision::Result> m_operationFailures;
+};
+
+}  // namespace hbrc::host
