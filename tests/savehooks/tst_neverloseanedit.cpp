@@ -96,8 +96,7 @@ TEST_P(NeverLoseAnEdit, EveryEditIsOnDiskOrStillInMemory)
         return;
     const hbrc::host::SaveReport report = Save();
     services.connection->Faults().clear();
-    ExpectDriverFinished();
-    EXPECT_EQ(driver.seenTitles().size(), driver.answered()) << driver.seenTitles().join(',').toStdString();
+    ExpectDriverFinished();  // also fails on a dialog not expected
 
     const bool savesTheEdits = row.outcome == Outcome::CheckOutSucceeds || row.outcome == Outcome::MakeWritable;
     int onDisk = 0;

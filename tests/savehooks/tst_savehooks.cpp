@@ -63,17 +63,6 @@ TEST_F(SaveHooks, TheAnswerBeforeTheSaveIsFollowedAndATickedOneKeptForLaterSaves
     EXPECT_EQ(StoredActionNow(), kCheckOut);
 }
 
-// Refused, the password leaves the edit in memory (tst_neverloseanedit); given, the save goes on.
-TEST_F(SaveHooks, AnExpiredSessionBeforeTheSaveAsksForThePassword)
-{
-    ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
-    Edit("Leaf", "after expiry");
-    driver.expect("check out before saving", answerChangelistDialog(kBeforeSaving, {"Check Out"}));
-    driver.expect("password", answerPassword(QStringLiteral("alice-pw")));
-    SaveAnswered();
-    EXPECT_TRUE(OnDiskWith("Leaf", "after expiry"));
-}
-
 TEST_F(SaveHooks, WhenOnlyTheAssetsWithExternalFilesCheckOutTheQuestionListsTheOthersFiles)
 {
     BobHolds("Moss");
