@@ -1,6 +1,5 @@
 // The helper's frame: start and end, the proxy's connection events, the progress box protocol and
 // the host-facing queries that the flows lean on.
-#include "interactivemode.h"
 #include "revisioncontroluihelper.h"
 
 #include <dialogdriver.h>
@@ -118,13 +117,6 @@ TEST_F(HelperTest, ProgressBoxCancelAbortsCloseDoesNotAndEachRunStartsAfresh)
     });
     EXPECT_TRUE(helper->GetUserInput());
     EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString();
-}
-
-TEST_F(HelperTest, TheHiddenProgressBoxDoesNotMakeTheSessionInteractive)
-{
-    EXPECT_FALSE(hbrc::internal::InteractiveMode());
-    QWidget window;
-    EXPECT_TRUE(hbrc::internal::InteractiveMode());
 }
 
 TEST_F(HelperTest, GetDataControlFollowsTheProxyOnlyWhileConnected)
