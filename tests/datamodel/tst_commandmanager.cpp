@@ -1,12 +1,10 @@
 #include <hostworkspacefixture.h>
 
-#include <borax/datamodel/modify/cbaseexecutioncommand.h>
 #include <nrk/fwk/cbasecommand.h>
 
 #include <gtest/gtest.h>
 
 using namespace hbrc::host;
-using namespace borax::datamodel;
 using nrk::fwk::ICommand;
 using nrk::fwk::ICommandManager;
 
@@ -31,34 +29,6 @@ public:
 private:
     int& m_counter;
     bool m_refuse;
-};
-
-// Nests one StepCommand per item of its "asset" parameter and returns their number; an item the
-// library does not know stops it before anything ran.
-class TagAssetsCommand final : public modify::CBaseExecutionCommand
-{
-public:
-    TagAssetsCommand(const ItemLibraryAccessor& library, int& counter, std::vector<UnspecifiedAccessor> assets)
-        : CBaseExecutionCommand(library, "Tag Command"), m_counter(counter)
-    {
-        AddParam(UnspecifiedAccessorListParam("asset", std::move(assets)));
-    }
-    const char* GetCommandIdentifier() const override { return "tagAssets"; }
-
-    bool BuildExecutionCommands(ICommandManager* manager) override
-    {
-        const auto& assets = nrk::fwk::GetParamAs<UnspecifiedAccessorListParam>(*this, "asset")->GetValue();
-        for (const auto& asset : assets)
-            if (!manager || !GetItemLibrary().GetLibrary()->GetItemDbUid(asset.GetItemID()).IsValid())
-                return false;
-        for (std::size_t i = 0; i < assets.size(); ++i)
-            manager->ExecuteCommand(KELPtr<ICommand>(new StepCommand(m_counter, "tag")).Get(), true);
-        SetReturnValue(int(assets.size()));
-        return true;
-    }
-
-private:
-    int& m_counter;
 };
 
 class CommandManagerTest : public HostWorkspaceFixture
@@ -120,33 +90,6 @@ TEST_F(CommandManagerTest, UndoableCommandsThatRanFormTheHistoryUntilTheWorkspac
     host->CloseWorkspace();
     EXPECT_FALSE(manager->CanUndo());
     EXPECT_EQ(manager->GetUndoCommand(), nullptr);
-}
-
-TEST_F(CommandManagerTest, ExecutionCommandRunsBuildExecutionCommandsWithItsNestedCommandsAsOneStep)
-{
-    const auto library = host->Proxy().GetItemLibraryAccessor();
-    const Internal::ItemLibraryInternalAccessor internal(library);
-    std::vector<UnspecifiedAccessor> assets;
-    for (const char* name : {"rock", "sand"})
-        assets.emplace_back(library, internal.FindItemByDbUid(Create(AssetKind::Data, name).GetDbObjectId().GetStr()));
-
-    const KELPtr<TagAssetsCommand> command(new TagAssetsCommand(library, counter, assets));
-    ASSERT_TRUE(manager->ExecuteCommand(command.Get(), true));
-    EXPECT_EQ(command->GetCommandManager(), manager);  // given the manager that ran it
-    int returned = 0;
-    ASSERT_TRUE(command->GetReturnValue(returned));
-    EXPECT_EQ(returned, 2);
-    EXPECT_EQ(counter, 2);
-    EXPECT_EQ(manager->GetUndoCount(), 1u);
-    EXPECT_EQ(manager->GetUndoCommand(), command.Get());
-    EXPECT_TRUE(manager->Undo());
-    EXPECT_EQ(counter, 0);
-
-    // An accessor whose item is unknown stops the command: it did not run and left no result.
-    const KELPtr<TagAssetsCommand> stray(new TagAssetsCommand(library, counter, {UnspecifiedAccessor(library, ItemID(999))}));
-    EXPECT_FALSE(manager->ExecuteCommand(stray.Get(), true));
-    EXPECT_FALSE(stray->GetReturnValue(returned));
-    EXPECT_EQ(counter, 0);
 }
 
 }  // namespace
