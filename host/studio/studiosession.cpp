@@ -8,6 +8,7 @@
 #include <QDir>
 
 #include <algorithm>
+#include <utility>
 
 namespace hbrc::studio {
 
@@ -21,10 +22,11 @@ constexpr const char* kRefreshKey = "Studio.StatusRefreshSeconds";
 constexpr int kDefaultRefreshSeconds = 60;
 }  // namespace
 
-StudioSession::StudioSession(const QString& preferencesFile) : m_host(preferencesFile)
+StudioSession::StudioSession(const QString& preferencesFile, host::ConnectionOptions connection)
+    : m_host(preferencesFile), m_connectionOptions(std::move(connection))
 {
     m_host.AddWorkspaceSetup([this](host::Workspace& workspace) {
-        m_services = host::InstallRevisionControlServices(workspace, storedAccount().server);
+        m_services = host::InstallRevisionControlServices(workspace, storedAccount().server, m_connectionOptions);
     });
 }
 

@@ -23,7 +23,9 @@ namespace hbrc::studio {
 class StudioSession
 {
 public:
-    explicit StudioSession(const QString& preferencesFile);
+    // connection: how the workspaces' services talk to their server (e.g. when a slow operation
+    // shows the progress box).
+    explicit StudioSession(const QString& preferencesFile, host::ConnectionOptions connection = {});
     ~StudioSession();
     StudioSession(const StudioSession&) = delete;
     StudioSession& operator=(const StudioSession&) = delete;
@@ -58,6 +60,7 @@ public:
 
 private:
     host::HostSession m_host;
+    const host::ConnectionOptions m_connectionOptions;
     host::RevisionControlServices m_services;
     kel4::IRevisionControlUIHelper* m_helper = nullptr;
     IRevisionControlPropertiesMgr* m_settings = nullptr;
