@@ -2,6 +2,41 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de">
 <context>
+    <name>AssetDialogs</name>
+    <message>
+        <source>Delete Asset</source>
+        <translation>Asset löschen</translation>
+    </message>
+    <message>
+        <source>Delete %1? The next save removes its files.</source>
+        <translation>%1 löschen? Das nächste Speichern entfernt seine Dateien.</translation>
+    </message>
+    <message>
+        <source>Rename</source>
+        <translation>Umbenennen</translation>
+    </message>
+    <message>
+        <source>New name:</source>
+        <translation>Neuer Name:</translation>
+    </message>
+    <message>
+        <source>Add External File</source>
+        <translation>Externe Datei hinzufügen</translation>
+    </message>
+    <message>
+        <source>%1 has no external file</source>
+        <translation>%1 hat keine externe Datei</translation>
+    </message>
+    <message>
+        <source>Remove External File</source>
+        <translation>Externe Datei entfernen</translation>
+    </message>
+    <message>
+        <source>File:</source>
+        <translation>Datei:</translation>
+    </message>
+</context>
+<context>
     <name>ChangelistWork</name>
     <message numerus="yes">
         <source>Submitted change %1 (%n file(s))</source>
@@ -152,6 +187,17 @@
     </message>
 </context>
 <context>
+    <name>UnsavedEdits</name>
+    <message>
+        <source>Not brought up to date because of unsaved edits: %1. Save or undo them first.</source>
+        <translation>Wegen ungespeicherter Änderungen nicht aktualisiert: %1. Speichern Sie sie oder machen Sie sie zuerst rückgängig.</translation>
+    </message>
+    <message>
+        <source>Not reverted: %1 has unsaved edits. Save or undo them first.</source>
+        <translation>Nicht zurückgesetzt: %1 hat ungespeicherte Änderungen. Speichern Sie sie oder machen Sie sie zuerst rückgängig.</translation>
+    </message>
+</context>
+<context>
     <name>hbrc::studio::AssetBrowser</name>
     <message>
         <source>Search assets</source>
@@ -242,6 +288,154 @@
     </message>
 </context>
 <context>
+    <name>hbrc::studio::AssetCommands</name>
+    <message>
+        <source>refused: %1</source>
+        <translation>abgelehnt: %1</translation>
+    </message>
+    <message>
+        <source>Refused: %1</source>
+        <translation>Abgelehnt: %1</translation>
+    </message>
+    <message>
+        <source>Checked out %1</source>
+        <translation>%1 ausgecheckt</translation>
+    </message>
+    <message>
+        <source>Made %1 writable</source>
+        <translation>%1 beschreibbar gemacht</translation>
+    </message>
+    <message>
+        <source>%1 is not saved yet: the next save marks it for add</source>
+        <translation>%1 ist noch nicht gespeichert: Das nächste Speichern markiert es zum Hinzufügen</translation>
+    </message>
+    <message>
+        <source>Marked %1 for add</source>
+        <translation>%1 zum Hinzufügen markiert</translation>
+    </message>
+    <message>
+        <source>Cannot mark %1 for add: %2</source>
+        <translation>%1 lässt sich nicht zum Hinzufügen markieren: %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n asset(s)</source>
+        <translation>
+            <numerusform>%n Asset</numerusform>
+            <numerusform>%n Assets</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Get Latest</source>
+        <translation>Neueste Revision holen</translation>
+    </message>
+    <message>
+        <source>Revert</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>%1 refused: %2</source>
+        <translation>%1 abgelehnt: %2</translation>
+    </message>
+    <message>
+        <source>%1 was not read again: %2</source>
+        <translation>%1 wurde nicht neu gelesen: %2</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::AssetEdits</name>
+    <message>
+        <source>%1 of %2: %3 -&gt; %4</source>
+        <translation>%1 von %2: %3 -&gt; %4</translation>
+    </message>
+    <message>
+        <source>Rename %1</source>
+        <translation>Umbenennen von %1</translation>
+    </message>
+    <message>
+        <source>Edit %1 of %2</source>
+        <translation>Bearbeiten von %1 an %2</translation>
+    </message>
+    <message>
+        <source>failed: %1</source>
+        <translation>fehlgeschlagen: %1</translation>
+    </message>
+    <message>
+        <source>Edited %1</source>
+        <translation>Bearbeitet: %1</translation>
+    </message>
+    <message>
+        <source>Cannot edit %1</source>
+        <translation>Nicht bearbeitet: %1</translation>
+    </message>
+    <message numerus="yes">
+        <source>Saved %n file(s)</source>
+        <translation>
+            <numerusform>%n Datei gespeichert</numerusform>
+            <numerusform>%n Dateien gespeichert</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The save did not complete: %1</source>
+        <translation>Das Speichern wurde nicht abgeschlossen: %1</translation>
+    </message>
+    <message>
+        <source>The save was cancelled; the edits stay in memory</source>
+        <translation>Das Speichern wurde abgebrochen; die Änderungen bleiben im Arbeitsspeicher</translation>
+    </message>
+    <message>
+        <source>The save was cancelled: the check-out of %1 was cancelled; the edits stay in memory</source>
+        <translation>Das Speichern wurde abgebrochen: Das Auschecken von %1 wurde abgebrochen; die Änderungen bleiben im Arbeitsspeicher</translation>
+    </message>
+    <message>
+        <source>Cannot create %1: %2</source>
+        <translation>%1 lässt sich nicht anlegen: %2</translation>
+    </message>
+    <message>
+        <source>Created %1 (saved with the next save)</source>
+        <translation>%1 angelegt (wird beim nächsten Speichern gesichert)</translation>
+    </message>
+    <message>
+        <source>delete %1</source>
+        <translation>%1 löschen</translation>
+    </message>
+    <message>
+        <source>Deleted %1</source>
+        <translation>%1 gelöscht</translation>
+    </message>
+    <message>
+        <source>Cannot read %1</source>
+        <translation>%1 lässt sich nicht lesen</translation>
+    </message>
+    <message>
+        <source>add %1 to %2</source>
+        <translation>%1 zu %2 hinzufügen</translation>
+    </message>
+    <message>
+        <source>Added %1</source>
+        <translation>%1 hinzugefügt</translation>
+    </message>
+    <message>
+        <source>remove %1 from %2</source>
+        <translation>%1 aus %2 entfernen</translation>
+    </message>
+    <message>
+        <source>Removed %1</source>
+        <translation>%1 entfernt</translation>
+    </message>
+    <message>
+        <source>Undid %1</source>
+        <translation>Rückgängig gemacht: %1</translation>
+    </message>
+    <message>
+        <source>Redid %1</source>
+        <translation>Wiederholt: %1</translation>
+    </message>
+    <message>
+        <source>Cannot redo %1</source>
+        <translation>%1 lässt sich nicht wiederholen</translation>
+    </message>
+</context>
+<context>
     <name>hbrc::studio::DescriptionDialog</name>
     <message numerus="yes">
         <source>%n file(s):</source>
@@ -300,259 +494,12 @@
         <translation>Der Status der Assets ist unbekannt: %1</translation>
     </message>
     <message>
-        <source>&amp;File</source>
-        <translation>&amp;Datei</translation>
-    </message>
-    <message>
-        <source>&amp;Open Workspace...</source>
-        <translation>Arbeitsbereich ö&amp;ffnen...</translation>
-    </message>
-    <message>
-        <source>&amp;New Asset...</source>
-        <translation>&amp;Neues Asset...</translation>
-    </message>
-    <message>
-        <source>&amp;Delete Asset</source>
-        <translation>Asset &amp;löschen</translation>
-    </message>
-    <message>
-        <source>&amp;Rename...</source>
-        <translation>&amp;Umbenennen...</translation>
-    </message>
-    <message>
-        <source>&amp;Add External File...</source>
-        <translation>Externe Datei &amp;hinzufügen...</translation>
-    </message>
-    <message>
-        <source>Re&amp;move External File...</source>
-        <translation>Externe Datei &amp;entfernen...</translation>
-    </message>
-    <message>
-        <source>&amp;Save</source>
-        <translation>&amp;Speichern</translation>
-    </message>
-    <message>
-        <source>&amp;Close</source>
-        <translation>S&amp;chließen</translation>
-    </message>
-    <message>
-        <source>&amp;Quit</source>
-        <translation>&amp;Beenden</translation>
-    </message>
-    <message>
-        <source>&amp;Edit</source>
-        <translation>&amp;Bearbeiten</translation>
-    </message>
-    <message>
-        <source>&amp;Undo</source>
-        <translation>&amp;Rückgängig</translation>
-    </message>
-    <message>
-        <source>&amp;Redo</source>
-        <translation>&amp;Wiederholen</translation>
-    </message>
-    <message>
-        <source>&amp;Revision Control</source>
-        <translation>&amp;Versionsverwaltung</translation>
-    </message>
-    <message>
-        <source>&amp;Check Out</source>
-        <translation>&amp;Auschecken</translation>
-    </message>
-    <message>
-        <source>Make &amp;Writable</source>
-        <translation>&amp;Beschreibbar machen</translation>
-    </message>
-    <message>
-        <source>Mark for &amp;Add</source>
-        <translation>Zum &amp;Hinzufügen markieren</translation>
-    </message>
-    <message>
-        <source>Show &amp;Files</source>
-        <translation>&amp;Dateien anzeigen</translation>
-    </message>
-    <message>
-        <source>Reveal in File &amp;Browser</source>
-        <translation>Im Dateibrowser &amp;zeigen</translation>
-    </message>
-    <message>
-        <source>&amp;Refresh Status</source>
-        <translation>&amp;Status aktualisieren</translation>
-    </message>
-    <message>
-        <source>&amp;Settings...</source>
-        <translation>&amp;Einstellungen...</translation>
-    </message>
-    <message>
-        <source>&amp;Undo %1</source>
-        <translation>%1 &amp;rückgängig machen</translation>
-    </message>
-    <message>
-        <source>Server: %1</source>
-        <translation>Server: %1</translation>
-    </message>
-    <message>
-        <source>none</source>
-        <translation>keiner</translation>
-    </message>
-    <message>
-        <source>User: %1</source>
-        <translation>Benutzer: %1</translation>
-    </message>
-    <message>
-        <source>Workspace: %1</source>
-        <translation>Arbeitsbereich: %1</translation>
-    </message>
-    <message>
-        <source>Session: %1</source>
-        <translation>Sitzung: %1</translation>
-    </message>
-    <message>
-        <source>Cannot open the workspace %1: %2</source>
-        <translation>Der Arbeitsbereich %1 lässt sich nicht öffnen: %2</translation>
-    </message>
-    <message>
         <source>%1 - hbrc-studio</source>
         <translation>%1 - hbrc-studio</translation>
     </message>
     <message>
-        <source>refused: %1</source>
-        <translation>abgelehnt: %1</translation>
-    </message>
-    <message>
-        <source>Refused: %1</source>
-        <translation>Abgelehnt: %1</translation>
-    </message>
-    <message>
-        <source>%1 of %2: %3 -&gt; %4</source>
-        <translation>%1 von %2: %3 -&gt; %4</translation>
-    </message>
-    <message>
-        <source>failed: %1</source>
-        <translation>fehlgeschlagen: %1</translation>
-    </message>
-    <message>
-        <source>Edited %1</source>
-        <translation>Bearbeitet: %1</translation>
-    </message>
-    <message>
-        <source>Cannot edit %1</source>
-        <translation>Nicht bearbeitet: %1</translation>
-    </message>
-    <message numerus="yes">
-        <source>Saved %n file(s)</source>
-        <translation>
-            <numerusform>%n Datei gespeichert</numerusform>
-            <numerusform>%n Dateien gespeichert</numerusform>
-        </translation>
-    </message>
-    <message>
-        <source>The save did not complete: %1</source>
-        <translation>Das Speichern wurde nicht abgeschlossen: %1</translation>
-    </message>
-    <message>
-        <source>Cannot create %1: %2</source>
-        <translation>%1 lässt sich nicht anlegen: %2</translation>
-    </message>
-    <message>
-        <source>Created %1 (saved with the next save)</source>
-        <translation>%1 angelegt (wird beim nächsten Speichern gesichert)</translation>
-    </message>
-    <message>
-        <source>Delete Asset</source>
-        <translation>Asset löschen</translation>
-    </message>
-    <message>
-        <source>Delete %1? The next save removes its files.</source>
-        <translation>%1 löschen? Das nächste Speichern entfernt seine Dateien.</translation>
-    </message>
-    <message>
-        <source>delete %1</source>
-        <translation>%1 löschen</translation>
-    </message>
-    <message>
-        <source>Deleted %1</source>
-        <translation>%1 gelöscht</translation>
-    </message>
-    <message>
-        <source>Rename</source>
-        <translation>Umbenennen</translation>
-    </message>
-    <message>
-        <source>New name:</source>
-        <translation>Neuer Name:</translation>
-    </message>
-    <message>
-        <source>Add External File</source>
-        <translation>Externe Datei hinzufügen</translation>
-    </message>
-    <message>
-        <source>Cannot read %1</source>
-        <translation>%1 lässt sich nicht lesen</translation>
-    </message>
-    <message>
-        <source>add %1 to %2</source>
-        <translation>%1 zu %2 hinzufügen</translation>
-    </message>
-    <message>
-        <source>Added %1</source>
-        <translation>%1 hinzugefügt</translation>
-    </message>
-    <message>
-        <source>%1 has no external file</source>
-        <translation>%1 hat keine externe Datei</translation>
-    </message>
-    <message>
-        <source>Remove External File</source>
-        <translation>Externe Datei entfernen</translation>
-    </message>
-    <message>
-        <source>File:</source>
-        <translation>Datei:</translation>
-    </message>
-    <message>
-        <source>remove %1 from %2</source>
-        <translation>%1 aus %2 entfernen</translation>
-    </message>
-    <message>
-        <source>Removed %1</source>
-        <translation>%1 entfernt</translation>
-    </message>
-    <message>
-        <source>Undid %1</source>
-        <translation>Rückgängig gemacht: %1</translation>
-    </message>
-    <message>
-        <source>Checked out %1</source>
-        <translation>%1 ausgecheckt</translation>
-    </message>
-    <message>
-        <source>Made %1 writable</source>
-        <translation>%1 beschreibbar gemacht</translation>
-    </message>
-    <message>
-        <source>%1 is not saved yet: the next save marks it for add</source>
-        <translation>%1 ist noch nicht gespeichert: Das nächste Speichern markiert es zum Hinzufügen</translation>
-    </message>
-    <message>
-        <source>Marked %1 for add</source>
-        <translation>%1 zum Hinzufügen markiert</translation>
-    </message>
-    <message>
-        <source>Cannot mark %1 for add: %2</source>
-        <translation>%1 lässt sich nicht zum Hinzufügen markieren: %2</translation>
-    </message>
-    <message>
         <source>Open Workspace</source>
         <translation>Arbeitsbereich öffnen</translation>
-    </message>
-    <message>
-        <source>Created a demo depot in %1 (users alice and bob, passwords alice-pw and bob-pw)</source>
-        <translation>Demo-Depot in %1 angelegt (Benutzer alice und bob, Passwörter alice-pw und bob-pw)</translation>
-    </message>
-    <message>
-        <source>Cannot create a demo depot: %1</source>
-        <translation>Das Demo-Depot lässt sich nicht anlegen: %1</translation>
     </message>
     <message>
         <source>Unsaved Edits</source>
@@ -561,89 +508,6 @@
     <message>
         <source>The workspace has unsaved edits. Save them?</source>
         <translation>Der Arbeitsbereich hat ungespeicherte Änderungen. Speichern?</translation>
-    </message>
-    <message>
-        <source>&amp;Get Latest</source>
-        <translation>Neueste &amp;Revision holen</translation>
-    </message>
-    <message>
-        <source>%1 refused: %2</source>
-        <translation>%1 abgelehnt: %2</translation>
-    </message>
-    <message>
-        <source>%1 was not read again: %2</source>
-        <translation>%1 wurde nicht neu gelesen: %2</translation>
-    </message>
-    <message>
-        <source>Get Latest</source>
-        <translation>Neueste Revision holen</translation>
-    </message>
-    <message>
-        <source>Get Latest of A&amp;ll Assets</source>
-        <translation>Neueste Revision a&amp;ller Assets holen</translation>
-    </message>
-    <message>
-        <source>Not brought up to date because of unsaved edits: %1. Save or undo them first.</source>
-        <translation>Wegen ungespeicherter Änderungen nicht aktualisiert: %1. Speichern Sie sie oder machen Sie sie zuerst rückgängig.</translation>
-    </message>
-    <message numerus="yes">
-        <source>%n asset(s)</source>
-        <translation>
-            <numerusform>%n Asset</numerusform>
-            <numerusform>%n Assets</numerusform>
-        </translation>
-    </message>
-    <message>
-        <source>&amp;Find</source>
-        <translation>&amp;Suchen</translation>
-    </message>
-    <message>
-        <source>Log &amp;In...</source>
-        <translation>A&amp;nmelden...</translation>
-    </message>
-    <message>
-        <source>Log &amp;Out</source>
-        <translation>Ab&amp;melden</translation>
-    </message>
-    <message>
-        <source>Turn Revision Control &amp;On</source>
-        <translation>&amp;Versionsverwaltung einschalten</translation>
-    </message>
-    <message>
-        <source>&amp;Redo %1</source>
-        <translation>%1 &amp;wiederholen</translation>
-    </message>
-    <message>
-        <source>&amp;Retry</source>
-        <translation>&amp;Erneut versuchen</translation>
-    </message>
-    <message>
-        <source>Rename %1</source>
-        <translation>Umbenennen von %1</translation>
-    </message>
-    <message>
-        <source>Edit %1 of %2</source>
-        <translation>Bearbeiten von %1 an %2</translation>
-    </message>
-    <message>
-        <source>The save was cancelled; the edits stay in memory</source>
-        <translation>Das Speichern wurde abgebrochen; die Änderungen bleiben im Arbeitsspeicher</translation>
-    </message>
-    <message>
-        <source>The save was cancelled: the check-out of %1 was cancelled; the edits stay in memory</source>
-        <translation>Das Speichern wurde abgebrochen: Das Auschecken von %1 wurde abgebrochen; die Änderungen bleiben im Arbeitsspeicher</translation>
-    </message>
-    <message>
-        <source>Redid %1</source>
-        <translation>Wiederholt: %1</translation>
-    </message>
-    <message>
-        <source>Cannot redo %1</source>
-        <translation>%1 lässt sich nicht wiederholen</translation>
-    </message>
-    <message>
-        <source>Revert</source>
-        <translation>Zurücksetzen</translation>
     </message>
 </context>
 <context>
@@ -769,10 +633,6 @@
     <message>
         <source>Describe the change:</source>
         <translation>Beschreiben Sie die Änderung:</translation>
-    </message>
-    <message>
-        <source>Not reverted: %1 has unsaved edits. Save or undo them first.</source>
-        <translation>Nicht zurückgesetzt: %1 hat ungespeicherte Änderungen. Speichern Sie sie oder machen Sie sie zuerst rückgängig.</translation>
     </message>
     <message>
         <source>Revert Unchanged</source>
@@ -989,6 +849,167 @@
     <message>
         <source>(none yet)</source>
         <translation>(noch keine)</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::StudioActions</name>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Open Workspace...</source>
+        <translation>Arbeitsbereich ö&amp;ffnen...</translation>
+    </message>
+    <message>
+        <source>&amp;New Asset...</source>
+        <translation>&amp;Neues Asset...</translation>
+    </message>
+    <message>
+        <source>&amp;Delete Asset</source>
+        <translation>Asset &amp;löschen</translation>
+    </message>
+    <message>
+        <source>&amp;Rename...</source>
+        <translation>&amp;Umbenennen...</translation>
+    </message>
+    <message>
+        <source>&amp;Add External File...</source>
+        <translation>Externe Datei &amp;hinzufügen...</translation>
+    </message>
+    <message>
+        <source>Re&amp;move External File...</source>
+        <translation>Externe Datei &amp;entfernen...</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Speichern</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>S&amp;chließen</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>&amp;Rückgängig</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>&amp;Find</source>
+        <translation>&amp;Suchen</translation>
+    </message>
+    <message>
+        <source>&amp;Revision Control</source>
+        <translation>&amp;Versionsverwaltung</translation>
+    </message>
+    <message>
+        <source>&amp;Check Out</source>
+        <translation>&amp;Auschecken</translation>
+    </message>
+    <message>
+        <source>Make &amp;Writable</source>
+        <translation>&amp;Beschreibbar machen</translation>
+    </message>
+    <message>
+        <source>Mark for &amp;Add</source>
+        <translation>Zum &amp;Hinzufügen markieren</translation>
+    </message>
+    <message>
+        <source>&amp;Get Latest</source>
+        <translation>Neueste &amp;Revision holen</translation>
+    </message>
+    <message>
+        <source>Get Latest of A&amp;ll Assets</source>
+        <translation>Neueste Revision a&amp;ller Assets holen</translation>
+    </message>
+    <message>
+        <source>Show &amp;Files</source>
+        <translation>&amp;Dateien anzeigen</translation>
+    </message>
+    <message>
+        <source>Reveal in File &amp;Browser</source>
+        <translation>Im Dateibrowser &amp;zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Refresh Status</source>
+        <translation>&amp;Status aktualisieren</translation>
+    </message>
+    <message>
+        <source>Log &amp;In...</source>
+        <translation>A&amp;nmelden...</translation>
+    </message>
+    <message>
+        <source>Log &amp;Out</source>
+        <translation>Ab&amp;melden</translation>
+    </message>
+    <message>
+        <source>Turn Revision Control &amp;On</source>
+        <translation>&amp;Versionsverwaltung einschalten</translation>
+    </message>
+    <message>
+        <source>&amp;Settings...</source>
+        <translation>&amp;Einstellungen...</translation>
+    </message>
+    <message>
+        <source>&amp;Retry</source>
+        <translation>&amp;Erneut versuchen</translation>
+    </message>
+    <message>
+        <source>&amp;Undo %1</source>
+        <translation>%1 &amp;rückgängig machen</translation>
+    </message>
+    <message>
+        <source>&amp;Redo %1</source>
+        <translation>%1 &amp;wiederholen</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::StudioStatusBar</name>
+    <message>
+        <source>Server: %1</source>
+        <translation>Server: %1</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>keiner</translation>
+    </message>
+    <message>
+        <source>User: %1</source>
+        <translation>Benutzer: %1</translation>
+    </message>
+    <message>
+        <source>Workspace: %1</source>
+        <translation>Arbeitsbereich: %1</translation>
+    </message>
+    <message>
+        <source>Session: %1</source>
+        <translation>Sitzung: %1</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::WorkspaceController</name>
+    <message>
+        <source>Cannot open the workspace %1: %2</source>
+        <translation>Der Arbeitsbereich %1 lässt sich nicht öffnen: %2</translation>
+    </message>
+    <message>
+        <source>Created a demo depot in %1 (users alice and bob, passwords alice-pw and bob-pw)</source>
+        <translation>Demo-Depot in %1 angelegt (Benutzer alice und bob, Passwörter alice-pw und bob-pw)</translation>
+    </message>
+    <message>
+        <source>Cannot create a demo depot: %1</source>
+        <translation>Das Demo-Depot lässt sich nicht anlegen: %1</translation>
     </message>
 </context>
 </TS>

@@ -277,6 +277,28 @@ Please select an option before saving continues</source>
         <translation>Einige Dateien der folgenden Assets sind schreibgeschützt.
 Bitte wählen Sie eine Option, bevor das Speichern fortgesetzt wird</translation>
     </message>
+    <message>
+        <source>Gave up after retrying for %1 seconds (the host preference %2).</source>
+        <translation>Nach %1 Sekunden wiederholter Versuche aufgegeben (Host-Einstellung %2).</translation>
+    </message>
+    <message>
+        <source>%1 is &quot;none&quot;</source>
+        <translation>%1 ist &quot;none&quot;</translation>
+    </message>
+    <message>
+        <source>%1 is off</source>
+        <translation>%1 ist ausgeschaltet</translation>
+    </message>
+    <message>
+        <source>%1 names the changelist &quot;%2&quot;, which no longer exists</source>
+        <translation>%1 nennt die Änderungsliste &quot;%2&quot;, die es nicht mehr gibt</translation>
+    </message>
+    <message>
+        <source>The save was cancelled: these assets have read-only files and need a decision that a batch run cannot make (%1):
+%2</source>
+        <translation>Das Speichern wurde abgebrochen: Diese Assets haben schreibgeschützte Dateien und brauchen eine Entscheidung, die ein Batch-Lauf nicht treffen kann (%1):
+%2</translation>
+    </message>
 </context>
 <context>
     <name>hbChangeListSelectionDialog</name>
