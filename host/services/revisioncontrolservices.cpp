@@ -10,11 +10,11 @@ kelResult RevisionControlServices::ExpireSessionNow()
     return connection->ExpireSession(dataControl->GetUserParameters().Get(), ignored);
 }
 
-RevisionControlServices InstallRevisionControlServices(Workspace& workspace, const std::string& depotPath,
+RevisionControlServices InstallRevisionControlServices(Workspace& workspace, const std::string& server,
                                                        const ConnectionOptions& options)
 {
     RevisionControlServices services;
-    services.connection = std::make_shared<ServerConnection>(depotPath, options);
+    services.connection = std::make_shared<ServerConnection>(server, options);
     services.dataControl = KELPtr<DataControl>(new DataControl(KELPtr<DataModelMgr>(&workspace.Model()),
                                                                services.connection));
     services.fileVersionControl = KELPtr<FileVersionControl>(new FileVersionControl(services.connection));
@@ -25,13 +25,13 @@ RevisionControlServices InstallRevisionControlServices(Workspace& workspace, con
     return services;
 }
 
-RevisionControlServices InstallRevisionControlServices(Workspace& workspace, const std::string& depotPath,
+RevisionControlServices InstallRevisionControlServices(Workspace& workspace, const std::string& server,
                                                        const RevisionControlAccount& account,
                                                        std::string& errorText, const ConnectionOptions& options)
 {
-    RevisionControlServices services = InstallRevisionControlServices(workspace, depotPath, options);
+    RevisionControlServices services = InstallRevisionControlServices(workspace, server, options);
     const KELPtr<kel4::IUserParameters> session = services.fileVersionControl->Login(
-        account.userName, account.password, account.workspace, depotPath, errorText);
+        account.userName, account.password, account.workspace, server, errorText);
     if (session)
         services.dataControl->SetSession(session);
     return services;

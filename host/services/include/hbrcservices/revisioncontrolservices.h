@@ -17,7 +17,7 @@ struct RevisionControlAccount
 {
     std::string userName;
     std::string password;
-    std::string workspace;  // the depot workspace whose root is the workspace folder
+    std::string workspace;  // the server's workspace whose root is the workspace folder
 };
 
 // The two revision-control services of one open workspace and the connection they share.
@@ -31,20 +31,20 @@ struct HBRC_SERVICES_EXPORT RevisionControlServices
     kelResult ExpireSessionNow();
 };
 
-// Registers a data control and a file version control over the depot file depotPath in the
-// workspace's database instance (under UID_DataControl and UID_FileVersionControl), replacing
-// any registered before. No session is installed: operations answer -34 until the host logs in
+// Registers a data control and a file version control over the server that the setting server
+// names (an embedded depot's file or a repository URL) in the workspace's database instance (under
+// UID_DataControl and UID_FileVersionControl), replacing any registered before. No session is installed: operations answer -34 until the host logs in
 // and calls SetSession. With HostSession, call it from a workspace setup:
 //
-//     host.AddWorkspaceSetup([&](Workspace& w) { services = InstallRevisionControlServices(w, depot); });
+//     host.AddWorkspaceSetup([&](Workspace& w) { services = InstallRevisionControlServices(w, server); });
 HBRC_SERVICES_EXPORT RevisionControlServices InstallRevisionControlServices(Workspace& workspace,
-                                                                            const std::string& depotPath,
+                                                                            const std::string& server,
                                                                             const ConnectionOptions& options = {});
 
 // The same, then logs account in and installs the session in the data control. When the log-in
 // fails the services are installed all the same, errorText says why and they answer -34.
 HBRC_SERVICES_EXPORT RevisionControlServices InstallRevisionControlServices(Workspace& workspace,
-                                                                            const std::string& depotPath,
+                                                                            const std::string& server,
                                                                             const RevisionControlAccount& account,
                                                                             std::string& errorText,
                                                                             const ConnectionOptions& options = {});
