@@ -112,6 +112,13 @@ depot::Operation DepotOperation(revision::Operation operation)
     case From::DeleteChangelist: return To::DeleteChangelist;
     case From::SetDescription: return To::SetDescription;
     case From::RevertUnchanged: return To::RevertUnchanged;
+    case From::History: return To::History;
+    case From::Content: return To::Content;
+    case From::SubmittedChanges: return To::Changelists;
+    case From::FilesAt: return To::Files;
+    case From::Users: return To::Users;
+    case From::Workspaces: return To::Workspaces;
+    case From::WorkspaceChanges: return To::WorkspaceChanges;
     case From::Pending: break;
     }
     return To::Pending;
@@ -339,6 +346,52 @@ revision::Result DepotServer::revertUnchanged(const std::string& ticket, const F
                                               std::vector<std::string>& reverted, const revision::CancelCheck& cancel)
 {
     return Answer(m_depot.revertUnchanged(ticket, files, reverted, cancel));
+}
+
+// Not served yet: the history questions and the workspace scan arrive with their backends.
+revision::Result DepotServer::fileHistory(const std::string&, const Files&, std::size_t,
+                                     std::vector<std::vector<revision::FileRevision>>&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result DepotServer::fileContent(const std::string&, const revision::FileAtRevision&, std::string&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result DepotServer::submittedChanges(const std::string&, const revision::ChangeFilter&,
+                                          std::vector<revision::Changelist>&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result DepotServer::filesAt(const std::string&, const Files&, const revision::ChangelistId&,
+                                 std::vector<revision::FileRevision>&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result DepotServer::users(const std::string&, std::vector<std::string>&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result DepotServer::workspaces(const std::string&, std::vector<revision::WorkspaceRecord>&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result DepotServer::syncTo(const std::string&, const std::vector<revision::FileAtRevision>&,
+                                const revision::CancelCheck&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result DepotServer::workspaceChanges(const std::string&, const Files&, std::vector<revision::WorkspaceChange>&,
+                                          const revision::CancelCheck&)
+{
+    return {revision::code::Failed, "not served yet"};
 }
 
 }  // namespace hbrc::host

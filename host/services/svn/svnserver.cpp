@@ -809,4 +809,50 @@ Result SvnServer::revertUnchanged(const std::string& ticket, const Files& files,
     return {};
 }
 
+// Not served yet: the history questions and the workspace scan arrive with their backends.
+revision::Result SvnServer::fileHistory(const std::string&, const Files&, std::size_t,
+                                     std::vector<std::vector<revision::FileRevision>>&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result SvnServer::fileContent(const std::string&, const revision::FileAtRevision&, std::string&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result SvnServer::submittedChanges(const std::string&, const revision::ChangeFilter&,
+                                          std::vector<revision::Changelist>&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result SvnServer::filesAt(const std::string&, const Files&, const revision::ChangelistId&,
+                                 std::vector<revision::FileRevision>&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result SvnServer::users(const std::string&, std::vector<std::string>&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result SvnServer::workspaces(const std::string&, std::vector<revision::WorkspaceRecord>&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result SvnServer::syncTo(const std::string&, const std::vector<revision::FileAtRevision>&,
+                                const revision::CancelCheck&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
+revision::Result SvnServer::workspaceChanges(const std::string&, const Files&, std::vector<revision::WorkspaceChange>&,
+                                          const revision::CancelCheck&)
+{
+    return {revision::code::Failed, "not served yet"};
+}
+
 }  // namespace hbrc::host

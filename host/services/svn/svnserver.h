@@ -61,6 +61,21 @@ public:
                          const revision::CancelCheck& cancel) override;
     revision::Result revertUnchanged(const std::string& ticket, const Files& files, std::vector<std::string>& reverted,
                                   const revision::CancelCheck& cancel) override;
+    revision::Result fileHistory(const std::string& ticket, const Files& files, std::size_t limit,
+                                 std::vector<std::vector<revision::FileRevision>>& histories) override;
+    revision::Result fileContent(const std::string& ticket, const revision::FileAtRevision& file,
+                                 std::string& content) override;
+    revision::Result submittedChanges(const std::string& ticket, const revision::ChangeFilter& filter,
+                                      std::vector<revision::Changelist>& changes) override;
+    revision::Result filesAt(const std::string& ticket, const Files& paths, const revision::ChangelistId& change,
+                             std::vector<revision::FileRevision>& files) override;
+    revision::Result users(const std::string& ticket, std::vector<std::string>& users) override;
+    revision::Result workspaces(const std::string& ticket, std::vector<revision::WorkspaceRecord>& workspaces) override;
+    revision::Result syncTo(const std::string& ticket, const std::vector<revision::FileAtRevision>& files,
+                            const revision::CancelCheck& cancel) override;
+    revision::Result workspaceChanges(const std::string& ticket, const Files& paths,
+                                      std::vector<revision::WorkspaceChange>& changes,
+                                      const revision::CancelCheck& cancel) override;
     std::string unreachableText(const std::string& why) const override;
     void interruptWaits() override;
     revision::Capabilities capabilities() const override;

@@ -128,7 +128,7 @@ struct WorkspaceInfo
 enum class Operation {
     Administer, Login, Logout, Sync, Status, Holders, Edit, Add, Delete, Revert, Lock, Submit,
     Opened, Changelists, Describe, CreateChangelist, ChangelistExists, Session, Reopen, DeleteChangelist,
-    SetDescription, RevertUnchanged, Unlock, Workspaces, Pending
+    SetDescription, RevertUnchanged, Unlock, Workspaces, Pending, History, Content, Files, Users, WorkspaceChanges
 };
 
 enum class PasswordHashCost { Interactive, Minimal };

@@ -16,7 +16,8 @@ namespace hbrc::revision {
 // The operations of a server, as fault injection names them.
 enum class Operation {
     Login, Logout, Session, Sync, Status, Holders, Edit, Add, Delete, Revert, Submit, Changelists, Describe,
-    CreateChangelist, ChangelistExists, Reopen, DeleteChangelist, SetDescription, RevertUnchanged, Pending
+    CreateChangelist, ChangelistExists, Reopen, DeleteChangelist, SetDescription, RevertUnchanged, Pending,
+    History, Content, SubmittedChanges, FilesAt, Users, Workspaces, WorkspaceChanges
 };
 
 class HBRC_SERVICES_EXPORT FaultInjection

@@ -111,6 +111,41 @@ public:
                                           std::vector<std::string>& reverted,
                                           const revision::CancelCheck& cancel = {}) = 0;
 
+    // --- history: each question is one round trip, whatever the number of files or changes ---
+    // The history of each file, newest first, at most `limit` revisions per file (0: all), one list
+    // per file in the order asked; a file the depot never had gets an empty list.
+    virtual revision::Result fileHistory(const std::string& ticket, const Files& files, std::size_t limit,
+                                         std::vector<std::vector<revision::FileRevision>>& histories) = 0;
+    // The content of a file at a revision (0: the head); a revision that deletes it is refused.
+    virtual revision::Result fileContent(const std::string& ticket, const revision::FileAtRevision& file,
+                                         std::string& content) = 0;
+    // Submitted changes, newest first, without their files (describe has them).
+    virtual revision::Result submittedChanges(const std::string& ticket, const revision::ChangeFilter& filter,
+                                              std::vector<revision::Changelist>& changes) = 0;
+    // The files at or below the local paths (the whole depot when empty) as of a submitted change
+    // ("": the head), each at the revision it had then; files deleted by then are left out. In path
+    // order; description is left empty.
+    virtual revision::Result filesAt(const std::string& ticket, const Files& paths, const revision::ChangelistId& change,
+                                     std::vector<revision::FileRevision>& files) = 0;
+    // The users the server knows, sorted; on a server without accounts of its own, the authors of
+    // its submitted changes.
+    virtual revision::Result users(const std::string& ticket, std::vector<std::string>& users) = 0;
+    // The workspaces the server knows, by name; a server whose workspaces are working copies knows
+    // the session's own.
+    virtual revision::Result workspaces(const std::string& ticket, std::vector<revision::WorkspaceRecord>& workspaces) = 0;
+    // Brings files to the revisions named, read-only, as sync does for the head; files this workspace
+    // has open are refused.
+    virtual revision::Result syncTo(const std::string& ticket, const std::vector<revision::FileAtRevision>& files,
+                                    const revision::CancelCheck& cancel = {}) = 0;
+
+    // --- work done without opening files ---
+    // The workspace files at or below the local paths (the whole workspace when empty) that differ
+    // from the revisions the workspace has without being open: by content, not by the read-only
+    // bit. One round trip for the workspace's records; the files themselves are read locally.
+    virtual revision::Result workspaceChanges(const std::string& ticket, const Files& paths,
+                                              std::vector<revision::WorkspaceChange>& changes,
+                                              const revision::CancelCheck& cancel = {}) = 0;
+
     // The text of a call that cannot reach the server, for the reason why (the same as the
     // server's own when a connection fails).
     virtual std::string unreachableText(const std::string& why) const = 0;

@@ -4,6 +4,7 @@
 // hand a server and what it answers, whichever backend serves. Includes neither backend; each
 // backend converts its own types to these at its edge.
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
@@ -110,6 +111,55 @@ struct PendingChangelist
 {
     Changelist changelist;          // id "" for the default changelist
     std::vector<OpenedFile> files;  // in path order
+};
+
+// One revision of a file, as its history lists it.
+struct FileRevision
+{
+    std::string depotPath;
+    std::int64_t revision = 0;
+    ChangelistId changelist;               // the submitted change that made it
+    FileAction action = FileAction::Edit;  // Add (also an add after a deletion), Edit or Delete
+    std::string user;
+    std::string workspace;  // empty where the server does not record it
+    std::int64_t time = 0;  // seconds since the epoch
+    std::string description;
+};
+
+// A file named with a revision: 0 is the head revision.
+struct FileAtRevision
+{
+    std::string file;
+    std::int64_t revision = 0;
+};
+
+// Which submitted changes to list; every filter left empty lets all through.
+struct ChangeFilter
+{
+    std::string user;                // only this user's changes
+    std::vector<std::string> paths;  // only changes to files at or below these local paths
+    std::int64_t since = 0;          // submitted at or after (seconds since the epoch); 0: no bound
+    std::int64_t until = 0;          // submitted at or before; 0: no bound
+    std::size_t limit = 0;           // the newest N; 0: all
+};
+
+// A workspace known to the server.
+struct WorkspaceRecord
+{
+    std::string name;
+    std::string owner;
+    std::string root;  // the local folder; empty where the server does not record it
+};
+
+// A workspace file that differs from the revision the workspace has without being open in it: its
+// content changed (Edit; also a file made writable by another tool and changed), it is not in the
+// depot (Add), or it is gone from the disk (Delete).
+struct WorkspaceChange
+{
+    std::string localPath;
+    std::string depotPath;  // empty for a file not in the depot
+    FileAction action = FileAction::Edit;
+    std::int64_t haveRevision = 0;  // 0 for a file not in the depot
 };
 
 // The refusal of a call made without a session (code::SessionUnusable).
