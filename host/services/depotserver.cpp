@@ -388,10 +388,18 @@ revision::Result DepotServer::syncTo(const std::string&, const std::vector<revis
     return {revision::code::Failed, "not served yet"};
 }
 
-revision::Result DepotServer::workspaceChanges(const std::string&, const Files&, std::vector<revision::WorkspaceChange>&,
-                                          const revision::CancelCheck&)
+revision::Result DepotServer::workspaceChanges(const std::string& ticket, const Files& paths,
+                                              std::vector<revision::WorkspaceChange>& changes,
+                                              const revision::CancelCheck& cancel)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::vector<depot::WorkspaceChange> found;
+    const depot::Result result = m_depot.workspaceChanges(ticket, paths, found, cancel);
+    if (result.ok()) {
+        changes.clear();
+        for (const depot::WorkspaceChange& change : found)
+            changes.push_back({change.localPath, change.depotPath, ActionOf(change.action), change.haveRevision});
+    }
+    return Answer(result);
 }
 
 }  // namespace hbrc::host
