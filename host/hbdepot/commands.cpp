@@ -18,6 +18,7 @@
 #include "passwordinput.h"
 #include "sessioncommands.h"
 #include "statuswords.h"
+#include "workspacecommands.h"
 
 namespace hbrc::hbdepot {
 
@@ -155,11 +156,26 @@ const std::vector<Command>& commands()
          "  -d DESCRIPTION   the description (needed for the default changelist)\n"
          "Example: hbdepot submit -d \"first ship\"",
          submitChange},
-        {{"status"}, Needs::Session, {{}, {}, 1, kAny}, "status FILE...",
-         "print each file's status in words, its changelist and who holds it",
-         "'hbdepot help' lists the status words; --json adds the hexadecimal word.\n"
+        {{"status"}, Needs::Session, {{}, {}, 0, kAny}, "status [FILE...]",
+         "print each file's status in words, its changelist and who holds it (none named: the workspace's)",
+         "Without FILE, lists every file of the workspace that is not up to date: open here, not at head,\n"
+         "held by others, or changed without being opened (\"edited, not opened\", \"new, not opened\",\n"
+         "\"deleted, not opened\"; 'hbdepot reconcile' opens those), named from the current folder.\n"
+         "'hbdepot help' lists the status words; --json adds the hexadecimal word, and without FILE an\n"
+         "\"unopened\" key (edit, add, delete, or empty).\n"
          "Example: hbdepot status ship.kel sail.kel",
          printStatus},
+        {{"reconcile"}, Needs::Session, {{"-c"}, {"-n"}, 0, kAny}, "reconcile [-n] [-c CHANGE] [PATH...]",
+         "open the files changed without being opened, below PATH or in the whole workspace",
+         "  -n          only say what would be opened\n"
+         "  -c CHANGE   open them in this pending changelist (default: the default one)\n"
+         "Compares the files with the workspace's revisions by content, not by the write bit: a file\n"
+         "edited after making it writable, or changed by another tool, opens for edit; a new file for\n"
+         "add; a file removed from the disk for delete. All are opened, or none: when an action is\n"
+         "refused (someone else holds a file), the files opened before it are reverted without losing\n"
+         "any change, and the refusal names the holders.\n"
+         "Example: hbdepot reconcile -n art && hbdepot reconcile -c 4 art",
+         reconcileFiles},
     };
     return table;
 }
@@ -254,6 +270,8 @@ void printUsage(std::ostream& out)
     for (std::size_t i = 0; i < legend.size(); ++i)
         out << (i % 4 == 0 ? "\n  " : ", ") << legend[i];
     out << ", 0x0 up to date\n"
+           "Changed without being opened (status without FILE; reconcile opens them): edited, not opened;\n"
+           "  new, not opened; deleted, not opened\n"
            "\nExit status: 0 done, 1 refused or failed (the reason is printed), 2 bad usage.\n";
 }
 

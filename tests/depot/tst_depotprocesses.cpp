@@ -215,7 +215,7 @@ TEST_F(DepotProcesses, EveryCallAnswersWithItsExitCodeAndSaysWhy)
     for (const Row& row : rows)
         expect(row.arguments, row.exitCode, row.says);
     for (const QStringList& command : std::vector<QStringList>{
-             {"frobnicate"}, {"edit"}, {"edit", "-c"}, {"status"}, {"opened", "more"}, {"describe"}, {"user", "add"},
+             {"frobnicate"}, {"edit"}, {"edit", "-c"}, {"status", "-n"}, {"opened", "more"}, {"describe"}, {"user", "add"},
              {"user", "add", "carol", "pw", "extra"}, {"sync", "--forse"}, {"submit", "-d", "a", "-d", "b"}, {"reopen"},
              {"unlock"}, {"revert"}, {"change", "-d", "3", "extra"}, {"change"}, {"changes", "-m", "0"},
              {"-z", "xml", "opened"}, {}, {"user"}, {"workspace", "frob"}, {"passwd", "bob", "extra"}, {"user", "delete"}})
@@ -225,7 +225,7 @@ TEST_F(DepotProcesses, EveryCallAnswersWithItsExitCodeAndSaysWhy)
     const ToolRun help = expect({"help"}, 0);
     for (const char* verb : {"init", "user add", "workspace add", "login", "logout", "info", "sync", "edit", "add",
                              "delete", "revert", "reopen", "lock", "unlock", "opened", "change", "changes", "describe",
-                             "submit", "status", "help", "passwd", "user delete", "workspace delete"})
+                             "submit", "status", "reconcile", "help", "passwd", "user delete", "workspace delete"})
         EXPECT_TRUE(help.output.contains(QString("\n  ") + verb + " ")) << verb << " is not listed";
 
     EXPECT_TRUE(fs::is_directory(path("nowhere")));
