@@ -142,12 +142,14 @@ const std::vector<Command>& commands()
          "  -d CHANGE   delete this pending changelist, which must be empty\n"
          "The new number is printed even with -q.\nExample: hull=$(hbdepot change \"a longer hull\")",
          changeChangelist},
-        {{"changes"}, Needs::Session, {{"-s", "-m", "-u"}, {}, 0, 0}, "changes [-s pending|submitted] [-m N] [-u USER]",
+        {{"changes"}, Needs::Session, {{"-s", "-m", "-u"}, {}, 0, kAny},
+         "changes [-s pending|submitted] [-m N] [-u USER] [PATH...]",
          "list changelists, newest first (default: pending; -m: the newest N; -u: of one user)",
          "  -s pending|submitted   which changelists (default: this workspace's pending ones)\n"
          "  -m N                   only the newest N\n"
          "  -u USER                only those of USER\n"
-         "Example: hbdepot changes -s submitted -m 10 -u alice",
+         "  PATH...                submitted changes only: those that changed files at or below a PATH\n"
+         "Example: hbdepot changes -s submitted -m 10 -u alice art",
          printChanges},
         {{"describe"}, Needs::Session, {{}, {}, 1, 1}, "describe CHANGE",
          "show a changelist, its date and its files ('default' too)", "Example: hbdepot describe 12",

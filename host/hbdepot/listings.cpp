@@ -175,18 +175,25 @@ Result printChanges(Context& c)
     const std::string state = c.args.option("-s").value_or("pending");
     if (state != "pending" && state != "submitted")
         throw std::invalid_argument("-s takes pending or submitted");
-    const std::size_t maximum = maximumCount(c.args).value_or(std::numeric_limits<std::size_t>::max());
+    const std::optional<std::size_t> maximum = maximumCount(c.args);
     const std::optional<std::string> user = c.args.option("-u");
-    std::vector<depot::Changelist> all;
-    const Result result = c.depot.changelists(
-        c.ticket, state == "pending" ? depot::ChangelistState::Pending : depot::ChangelistState::Submitted, all);
+    std::vector<depot::Changelist> shown;
+    Result result;
+    if (state == "submitted") {
+        const depot::ChangeFilter filter{user.value_or(""), c.files(), 0, 0, maximum.value_or(0)};
+        result = c.depot.submittedChanges(c.ticket, filter, shown);
+    } else {
+        if (!c.args.words().empty())
+            throw std::invalid_argument("paths choose among submitted changes only (-s submitted)");
+        std::vector<depot::Changelist> all;
+        result = c.depot.changelists(c.ticket, depot::ChangelistState::Pending, all);
+        for (auto change = all.rbegin(); change != all.rend() && shown.size() < maximum.value_or(all.size()); ++change) {
+            if (!user || change->user == *user)
+                shown.push_back(*change);
+        }
+    }
     if (!result.ok())
         return result;
-    std::vector<depot::Changelist> shown;
-    for (auto change = all.rbegin(); change != all.rend() && shown.size() < maximum; ++change) {
-        if (!user || change->user == *user)
-            shown.push_back(*change);
-    }
     if (c.line.json()) {
         JsonWriter json(c.out);
         json.beginDocument().key("changes").beginArray();
