@@ -155,7 +155,7 @@ public:
     // Writes a file's bytes at a revision (0: the head) to `out`, as they were submitted; a revision
     // that deletes the file has none and is refused. A damaged content fails midway.
     Result fileContent(const std::string& ticket, const FileAtRevision& file, std::ostream& out);
-    // Submitted changes that pass the filter, newest (last submitted) first, without their files.
+    // Submitted changes that pass the filter, newest (highest number) first, without their files.
     Result submittedChanges(const std::string& ticket, const ChangeFilter& filter, std::vector<Changelist>& changes);
     // The files at or below the paths (the whole depot when empty) as they were right after the
     // submitted change (""): the head), each at its revision then; files deleted by then are left
