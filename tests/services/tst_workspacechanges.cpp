@@ -106,6 +106,12 @@ TEST_P(WorkspaceChanges, FindsWhatChangedWithoutOpeningAndOpensItForTheActionNam
         EXPECT_EQ(change.haveRevision > 0, inDepot) << change.localPath;
     }
 
+    const Result cancelled = AliceAsks([](RevisionServer& server, const std::string& ticket) {
+        std::vector<WorkspaceChange> unused;
+        return server.workspaceChanges(ticket, {}, unused, [] { return true; });
+    });
+    EXPECT_EQ(cancelled.code, hbrc::revision::code::Cancelled) << cancelled.error;
+
     // A filter of a file, a deleted file and a new folder.
     EXPECT_THAT(FilesOf(ChangesBelow({changedByATool, deleted, AlicePath("props")})),
                 ::testing::UnorderedElementsAre(Found{changedByATool, FileAction::Edit}, Found{deleted, FileAction::Delete},

@@ -64,15 +64,17 @@ public:
         if (base.back() != '/')
             base += '/';
         const std::string keyBase = scope.empty() ? std::string() : scope + '/';
-        for (fs::recursive_directory_iterator entry(start, error), end; entry != end; entry.increment(error)) {
-            if (error)
-                break;
+        // The folder a failure names: the last one entered (or the start).
+        fs::path folder = start;
+        for (fs::recursive_directory_iterator entry(start, error), end; !error && entry != end; entry.increment(error)) {
             std::error_code typeError;
             if (entry->is_regular_file(typeError))
                 visit(keyBase + entry->path().string().substr(base.size()), entry->path(), entry->file_size(typeError));
+            else if (entry->is_directory(typeError))
+                folder = entry->path();
         }
         if (error)
-            throw DepotError(code::IoError, "Cannot read the folders below '" + start.string() + "': " + error.message());
+            throw DepotError(code::IoError, "Cannot read the folder '" + folder.string() + "': " + error.message());
     }
 
     void findDeleted(const std::vector<std::string>& scopes)
