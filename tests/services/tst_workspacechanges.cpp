@@ -17,16 +17,7 @@ using hbrc::revision::Result;
 using hbrc::revision::WorkspaceChange;
 namespace fs = std::filesystem;
 
-struct Found
-{
-    std::string file;
-    FileAction action;
-    bool operator==(const Found& other) const { return file == other.file && action == other.action; }
-    friend void PrintTo(const Found& found, std::ostream* out)
-    {
-        *out << found.file << " " << static_cast<int>(found.action);
-    }
-};
+using Found = std::pair<std::string, FileAction>;
 
 std::string Read(const std::string& file)
 {
@@ -98,7 +89,7 @@ TEST_P(WorkspaceChanges, FindsWhatChangedWithoutOpeningAndOpensItForTheActionNam
                                    {changedByATool, FileAction::Edit},
                                    {created, FileAction::Add},
                                    {deleted, FileAction::Delete}};
-    std::sort(expected.begin(), expected.end(), [](const Found& a, const Found& b) { return a.file < b.file; });
+    std::sort(expected.begin(), expected.end());
     EXPECT_EQ(FilesOf(changes), expected);
     for (const WorkspaceChange& change : changes) {
         const bool inDepot = change.action != FileAction::Add;
