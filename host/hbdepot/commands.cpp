@@ -162,7 +162,7 @@ const std::vector<Command>& commands()
          "Example: hbdepot submit -d \"first ship\"",
          submitChange},
         {{"status"}, Needs::Session, {{}, {}, 0, kAny}, "status [FILE...]",
-         "print each file's status in words, its changelist and who holds it (none named: the workspace's)",
+         "print each file's status in words, its changelist and who holds it (no FILE: the whole workspace)",
          "Without FILE, lists every file of the workspace that is not up to date: open here, not at head,\n"
          "held by others, or changed without being opened (\"edited, not opened\", \"new, not opened\",\n"
          "\"deleted, not opened\"; 'hbdepot reconcile' opens those), named from the current folder.\n"
