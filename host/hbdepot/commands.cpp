@@ -304,8 +304,8 @@ void printUsage(std::ostream& out)
         printUsageLine(out, command.usage, command.summary);
     printUsageLine(out, "help [COMMAND]", "show this text, or one command's options and an example");
     out
-        << "\nPaths: commands name files as you gave them; opened, describe, sync and revert -a name\n"
-           "depot paths (//depot/...).\n"
+        << "\nPaths: commands name files as you gave them; opened, describe, sync, revert -a, filelog,\n"
+           "files and diff name depot paths (//depot/...).\n"
            "Status words (JSON keeps the hexadecimal word beside them):";
     const std::vector<std::string> legend = statusLegend();
     for (std::size_t i = 0; i < legend.size(); ++i)
