@@ -118,11 +118,8 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(ChangeListDialogTest, RefreshListsNewChangeListsAndTheEditorFollowsTheSelection)
 {
     auto dialog = changeListDialog();
-    EXPECT_EQ(dialog->findChild<QTextEdit*>(QStringLiteral("assetsEdit")), nullptr);  // no assets text
-    for (QLabel* label : dialog->findChildren<QLabel*>())
-        EXPECT_NE(label->text(), QStringLiteral("Assets:"));
     offer({{"4711", kLong}});
-    QTest::mouseClick(button(*dialog, QStringLiteral("Refresh")), Qt::LeftButton);
+    click(*dialog, QStringLiteral("Refresh"));
     EXPECT_EQ(comboTexts(*dialog).size(), 3);
     EXPECT_EQ(combo(*dialog)->currentIndex(), 1);
 
@@ -200,12 +197,6 @@ TEST(ReadOnlyAssetsDialog, ShowsTheAssetsAndAsksTheDataControlNothing)
     Dialog dialog(KELPtr<kel4::IDataControl>(strict.Get()), QStringLiteral("Rock\nTree\n"), {"/w/rock.kel"}, false,
                   false, nullptr);
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Read-Only Assets"));
-    EXPECT_EQ(combo(dialog), nullptr);
-    EXPECT_EQ(descriptionEdit(dialog), nullptr);
-    EXPECT_EQ(button(dialog, QStringLiteral("Refresh")), nullptr);
-    EXPECT_FALSE(button(dialog, QStringLiteral("Check Out"))->isEnabled());
-    EXPECT_TRUE(button(dialog, QStringLiteral("Continue"))->isHidden());
-    EXPECT_TRUE(button(dialog, QStringLiteral("Make Writable"))->isHidden());
     auto* assets = dialog.findChild<QTextEdit*>(QStringLiteral("assetsEdit"));
     ASSERT_NE(assets, nullptr);
     EXPECT_EQ(assets->toPlainText(), QStringLiteral("Rock\nTree\n"));
@@ -248,17 +239,12 @@ TEST_F(ChangeListDialogTest, TheFilesAreListedToggledAndTheFirstRevealedInTheFil
 {
     auto dialog = changeListDialog({"/w/trees/oak.kel", "/w/rocks/granite.kel", "/w/r\xC3\xB6" "ck.bin"}, true);
     auto* files = dialog->findChild<QFileListWidget*>(QStringLiteral("fileList"));
-    ASSERT_EQ(files->topLevelItemCount(), 3);
-    QStringList paths;
-    for (int i = 0; i < files->topLevelItemCount(); ++i)
-        paths << files->topLevelItem(i)->text(0);
-    EXPECT_TRUE(paths.contains(QStringLiteral("/w/r\u00f6ck.bin")));
-    EXPECT_FALSE(files->isHidden());
-    QTest::mouseClick(button(*dialog, QStringLiteral("Hide Files")), Qt::LeftButton);
-    EXPECT_TRUE(files->isHidden());
-    QTest::mouseClick(button(*dialog, QStringLiteral("Show Files")), Qt::LeftButton);
-    EXPECT_FALSE(files->isHidden());
-    EXPECT_NE(button(*dialog, QStringLiteral("Hide Files")), nullptr);
+    EXPECT_EQ(files->topLevelItemCount(), 3);
+    EXPECT_EQ(files->findItems(QStringLiteral("/w/r\u00f6ck.bin"), Qt::MatchExactly).size(), 1);
+    for (const bool hidden : {false, true, false}) {  // the button names what it does next
+        EXPECT_EQ(files->isHidden(), hidden);
+        click(*dialog, hidden ? QStringLiteral("Show Files") : QStringLiteral("Hide Files"));
+    }
 
     std::vector<ProgramStart> started;
     ProgramLauncher previous = SetProgramLauncher([&](const ProgramStart& s) { started.push_back(s); });
@@ -299,98 +285,83 @@ protected:
     }
     void TearDown() override { QApplication::setStyle(m_previousStyle); }
 
-    // Object names of the widgets that Tab visits, starting from the focused one, for one round.
-    static std::set<QString> tabRound(QWidget& dialog)
-    {
-        std::set<QString> visited;
-        for (int i = 0; i < 20; ++i) {
-            QWidget* focus = QApplication::focusWidget();
-            if (!focus)
-                break;
-            visited.insert(focus->objectName());
-            QTest::keyClick(focus, Qt::Key_Tab);
-        }
-        EXPECT_TRUE(dialog.isActiveWindow());
-        return visited;
-    }
-
-    std::unique_ptr<Dialog> dialog(bool selectChangeList)
-    {
-        return changeListDialog({"/ws/rock.kel"}, false, QStringLiteral("Rock\nSky"), selectChangeList);
-    }
-
 private:
     QString m_previousStyle;
 };
 
-TEST_P(DialogKeyboard, TabReachesEveryControlOfTheChangeListDialogAndReturnUsesTheDefaultChangeList)
+// A control as the keyboard tests name it: its object name, else a button's text, else its class.
+QString controlName(const QWidget* widget)
 {
-    auto d = dialog(true);
-    std::set<QString> visited;
-    const int result = runDialog(*d, [&] {
-        ASSERT_TRUE(QTest::qWaitForWindowActive(d.get()));
-        visited = tabRound(*d);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
-    });
-    EXPECT_EQ(result, Dialog::Cancelled) << "Escape cancels";
-    // The description editor is disabled while "Default" is selected, and then not in the round.
-    for (const char* name : {"changeListCombo", "assetsEdit", "showFilesButton", "refreshButton",
-                             "checkOutButton", "cancelButton", "dontShowAgain"})
-        EXPECT_TRUE(visited.count(QString::fromLatin1(name))) << name << " is not reached by Tab";
-
-    auto again = dialog(true);
-    EXPECT_EQ(runDialog(*again, [&] { QTest::keyClick(combo(*again), Qt::Key_Return); }),
-              Dialog::UseChangeList);
-    EXPECT_EQ(again->getChangeList(), "") << "the default changelist is preselected";
+    if (!widget->objectName().isEmpty())
+        return widget->objectName();
+    const auto* button = qobject_cast<const QAbstractButton*>(widget);
+    return button ? button->text() : QString::fromLatin1(widget->metaObject()->className());
 }
 
-struct ReadOnlyCase {
-    bool continueOffered;
-    bool makeWritableOffered;
-    int returnGives;
+// One way a dialog is shown: what it offers, what is typed into the control that has the focus,
+// what Tab reaches from there (one full round back to it), and what the key pressed there gives.
+struct KeyboardCase {
+    const char* name;
+    std::function<std::unique_ptr<QDialog>()> open;
+    QString typed;
+    std::set<QString> tabReaches;
+    Qt::Key key;
+    int result;
 };
 
-TEST_P(DialogKeyboard, ReturnInTheReadOnlyDialogPressesTheFirstOfferedChoice)
+// Buttons and check boxes are in the Tab chain although the dark styles leave them out; a disabled
+// or hidden control is not. Return presses the first offered choice; Escape cancels.
+TEST_P(DialogKeyboard, TabReachesEveryOfferedControlAndReturnPressesTheFirstChoice)
 {
-    const ReadOnlyCase cases[] = {
-        {true, true, Dialog::ContinueWithoutAction},
-        {false, true, Dialog::MakeWritable},
-        {false, false, Dialog::Cancelled},
+    const auto changeList = [this](const QString& assets, bool selectChangeList, bool continueOffered,
+                                   bool makeWritableOffered) {
+        return [=]() -> std::unique_ptr<QDialog> {
+            auto dialog = changeListDialog({"/ws/rock.kel"}, false, assets, selectChangeList);
+            dialog->includeContinueButton(continueOffered);
+            dialog->includeMakeWritableButton(makeWritableOffered);
+            return dialog;
+        };
     };
-    for (const ReadOnlyCase& c : cases) {
-        auto d = dialog(false);
-        d->includeContinueButton(c.continueOffered);
-        d->includeMakeWritableButton(c.makeWritableOffered);
-        const int result = runDialog(*d, [&] {
-            ASSERT_TRUE(QTest::qWaitForWindowActive(d.get()));
-            ASSERT_NE(d->focusWidget(), nullptr);
-            QTest::keyClick(d->focusWidget(), Qt::Key_Return);
+    const QString rock = QStringLiteral("Rock\nSky");
+    const KeyboardCase cases[] = {
+        {"changelist (the description is disabled while Default is selected)", changeList({}, true, false, false), {},
+         {"changeListCombo", "showFilesButton", "refreshButton", "checkOutButton", "cancelButton", "dontShowAgain"},
+         Qt::Key_Return, Dialog::UseChangeList},
+        {"changelist with assets, Escape", changeList(rock, true, false, false), {},
+         {"changeListCombo", "assetsEdit", "showFilesButton", "refreshButton", "checkOutButton", "cancelButton",
+          "dontShowAgain"},
+         Qt::Key_Escape, Dialog::Cancelled},
+        {"read-only with both choices", changeList(rock, false, true, true), {},
+         {"assetsEdit", "showFilesButton", "continueButton", "makeWritableButton", "cancelButton", "dontShowAgain"},
+         Qt::Key_Return, Dialog::ContinueWithoutAction},
+        {"read-only, make writable only", changeList(rock, false, false, true), {},
+         {"assetsEdit", "showFilesButton", "makeWritableButton", "cancelButton", "dontShowAgain"}, Qt::Key_Return,
+         Dialog::MakeWritable},
+        {"read-only, nothing offered", changeList(rock, false, false, false), {},
+         {"assetsEdit", "showFilesButton", "cancelButton", "dontShowAgain"}, Qt::Key_Return, Dialog::Cancelled},
+        {"password, once typed", [] { return std::make_unique<PasswordRequiredDialog>(nullptr); }, "secret",
+         {"QLineEdit", "Ok", "Cancel"}, Qt::Key_Return, QDialog::Accepted},
+    };
+    for (const KeyboardCase& c : cases) {
+        const std::unique_ptr<QDialog> dialog = c.open();
+        std::set<QString> visited;
+        DialogDriver driver;
+        driver.expect(QString::fromLatin1(c.name), [&](QWidget*) {
+            ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+            QWidget* const start = QApplication::focusWidget();
+            QTest::keyClicks(start, c.typed);
+            QWidget* focus = start;
+            while (focus && visited.insert(controlName(focus)).second) {
+                QTest::keyClick(focus, Qt::Key_Tab);
+                focus = QApplication::focusWidget();
+            }
+            ASSERT_EQ(focus, start) << c.name << ": Tab comes round to where it started";
+            QTest::keyClick(focus, c.key);
         });
-        EXPECT_EQ(result, c.returnGives) << "continue " << c.continueOffered << ", make writable " << c.makeWritableOffered;
+        EXPECT_EQ(dialog->exec(), c.result) << c.name;
+        EXPECT_TRUE(driver.finished()) << driver.failures().join(QLatin1Char('\n')).toStdString();
+        EXPECT_EQ(visited, c.tabReaches) << c.name;
     }
-}
-
-TEST_P(DialogKeyboard, ThePasswordDialogTakesTypingReturnAndTab)
-{
-    PasswordRequiredDialog password(nullptr);
-    DialogDriver driver;
-    std::set<QString> visited;
-    driver.expect(QStringLiteral("password"), [&](QWidget*) {
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&password));
-        auto* field = password.findChild<QLineEdit*>();
-        QTest::keyClicks(field, QStringLiteral("secret"));
-        for (int i = 0; i < 4; ++i) {
-            visited.insert(qobject_cast<QPushButton*>(QApplication::focusWidget())
-                               ? qobject_cast<QPushButton*>(QApplication::focusWidget())->text()
-                               : QStringLiteral("field"));
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        }
-        QTest::keyClick(field, Qt::Key_Return);
-    });
-    EXPECT_EQ(password.exec(), QDialog::Accepted);
-    EXPECT_TRUE(driver.finished()) << driver.failures().join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(password.GetPassword(), QStringLiteral("secret"));
-    EXPECT_EQ(visited, (std::set<QString>{QStringLiteral("field"), QStringLiteral("Ok"), QStringLiteral("Cancel")}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Styles, DialogKeyboard, ::testing::Values(DarkStyle::Simple, DarkStyle::Tarn),

@@ -53,23 +53,18 @@ protected:
     }
 };
 
-TEST_F(ObjectQueryTest, SaveHookQuerySelectsDirtyPersistableMetadataAndValueAssetsUntilSaved)
+TEST_F(ObjectQueryTest, SelectsWhatItsFlagsDescribeUntilSaved)
 {
-    EXPECT_EQ(Run(kSaveHookQuery, 3), (std::set<std::string>{"material", "curve", "new curve"}));
-    // Without option bit 0, objects never saved are left out.
-    EXPECT_EQ(Run(kSaveHookQuery, 2), (std::set<std::string>{"material", "curve"}));
-    ASSERT_TRUE(workspace->Save().Succeeded());
-    EXPECT_TRUE(Run(kSaveHookQuery, 3).empty());
-}
-
-TEST_F(ObjectQueryTest, FlagsCombineAsWritten)
-{
-    EXPECT_EQ(Run("select object where AND(IS_DIRTY, NOT(IS_PERSISTABLE))", 1), (std::set<std::string>{"preview"}));
-    // A part is persistable and dirty with its asset but is neither metadata nor a value asset.
-    EXPECT_EQ(Run("select object where AND(IS_DIRTY,NOT(OR(IS_METADATA,IS_VALUE_ASSET)))", 1),
-              (std::set<std::string>{"mesh", "coat"}));
-    EXPECT_EQ(Run("  select  object\nwhere\tNOT( IS_DIRTY )  ", 1),
-              (std::set<std::string>{"clean material", "clean curve"}));
+    const std::tuple<const char*, std::string, int, std::set<std::string>> rows[] = {  // name, query, options, selected
+        {"save hook: dirty persistable metadata and value assets", kSaveHookQuery, 3, {"material", "curve", "new curve"}},
+        {"save hook without option bit 0: never saved left out", kSaveHookQuery, 2, {"material", "curve"}},
+        {"not persistable", "select object where AND(IS_DIRTY, NOT(IS_PERSISTABLE))", 1, {"preview"}},
+        // A part is persistable and dirty with its asset but is neither metadata nor a value asset.
+        {"neither kind", "select object where AND(IS_DIRTY,NOT(OR(IS_METADATA,IS_VALUE_ASSET)))", 1, {"mesh", "coat"}},
+        {"blanks anywhere", "  select  object\nwhere\tNOT( IS_DIRTY )  ", 1, {"clean material", "clean curve"}},
+    };
+    for (const auto& [name, query, options, selected] : rows)
+        EXPECT_EQ(Run(query, options), selected) << name;
 
     // Through the manager, a malformed query is a failed result with the parser's message.
     kel4::Vector<kel4::CQueryResult> results;
@@ -77,6 +72,8 @@ TEST_F(ObjectQueryTest, FlagsCombineAsWritten)
     EXPECT_EQ(workspace->Model().Query("select object where IS_DELETED", results, 3, error), kel4::kResultFailed);
     EXPECT_EQ(error, "position 21: unknown flag \"IS_DELETED\"");
     EXPECT_TRUE(results.empty());
+    ASSERT_TRUE(workspace->Save().Succeeded());
+    EXPECT_TRUE(Run(kSaveHookQuery, 3).empty());
 }
 
 // A malformed query names the position of its fault (the text starting there; empty: its end)

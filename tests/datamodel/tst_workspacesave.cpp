@@ -245,32 +245,53 @@ TEST_F(WorkspaceSave, TracksTheFilesTheSaveDeleted)
               (kel4::Set<std::string>{PathOf("terrain.height"), PathOf("terrain.kel")}));
 }
 
-// Invalid edits and a handle whose asset was deleted (even with its slot reused) change nothing.
-TEST_F(WorkspaceSave, InvalidEditsAndHandlesOfDeletedAssetsChangeNothing)
+// Refused edits say why and change nothing: invalid names, a reload (after a revert or a sync
+// rewrote the file) over unsaved edits, of a file that now holds other objects or is gone, and a
+// handle whose asset was deleted, even with its slot reused. A reload otherwise takes the file.
+TEST_F(WorkspaceSave, RefusedEditsSayWhyAndChangeNothing)
 {
-    const auto steel = Create(AssetKind::Metadata, "steel");
+    const auto steel = Create(AssetKind::Metadata, "steel", {{"roughness", "0.4"}});
+    const auto rock = Create(AssetKind::Data, "rock");
     ASSERT_TRUE(workspace->Save().Succeeded());
-    EXPECT_EQ(workspace->SetField(steel, "two words", "x").error, "The field name \"two words\" must be one word without '='");
-    EXPECT_EQ(workspace->AddExternalFile(steel, "../escape.bin", "x").error,
-              "\"../escape.bin\" is not a file name inside the asset's folder");
-    EXPECT_EQ(workspace->RemoveExternalFile(steel, "none.bin").error, "The asset has no external file \"none.bin\"");
-    EXPECT_EQ(workspace->Rename(steel, "").error, "A name cannot be empty");
-    EXPECT_FALSE(workspace->HasUnsavedChanges());
-    std::string error;
-    EXPECT_TRUE(workspace->CreateAsset(NewAsset{}, error).IsNull());
-    EXPECT_EQ(error, "An asset needs a name");
+    const auto roughness = [&] { return workspace->Model().Store().AssetAt(steel.GetCacheIndex()).record.fields.at("roughness"); };
+    const QByteArray saved = ReadFile("steel.kel");
+    WriteFile("steel.kel", QByteArray(saved).replace("roughness = 0.4", "roughness = 0.7"));
+    EXPECT_TRUE(workspace->ReloadFromDisk(steel));
+    EXPECT_EQ(roughness(), "0.7");
 
-    const auto doomed = Create(AssetKind::Data, "doomed");
-    const DbObjectId id = doomed.GetDbObjectId();
-    ASSERT_TRUE(workspace->DeleteAsset(doomed));
+    std::string unnamed;
+    EXPECT_TRUE(workspace->CreateAsset(NewAsset{}, unnamed).IsNull());
+    const std::pair<std::string, std::string> invalid[] = {  // the error, the one expected
+        {workspace->SetField(steel, "two words", "x").error, "The field name \"two words\" must be one word without '='"},
+        {workspace->AddExternalFile(steel, "../escape.bin", "x").error,
+         "\"../escape.bin\" is not a file name inside the asset's folder"},
+        {workspace->RemoveExternalFile(steel, "none.bin").error, "The asset has no external file \"none.bin\""},
+        {workspace->Rename(steel, "").error, "A name cannot be empty"},
+        {unnamed, "An asset needs a name"},
+    };
+    for (const auto& [error, expected] : invalid)
+        EXPECT_EQ(error, expected);
+    EXPECT_FALSE(workspace->HasUnsavedChanges());
+
+    WriteFile("steel.kel", ReadFile("rock.kel"));
+    EXPECT_EQ(workspace->ReloadFromDisk(steel).error, "steel.kel now holds other objects; open the workspace again");
+    ASSERT_TRUE(workspace->SetField(steel, "roughness", "0.9"));
+    WriteFile("steel.kel", saved);
+    EXPECT_EQ(workspace->ReloadFromDisk(steel).error, "\"steel\" has unsaved edits");
+    EXPECT_EQ(roughness(), "0.9");
+    ASSERT_TRUE(QFile::remove(QString::fromStdString(PathOf("rock.kel"))));
+    EXPECT_EQ(workspace->ReloadFromDisk(rock).error.rfind("Cannot read rock.kel: ", 0), 0u);
+    EXPECT_FALSE(workspace->FindAsset("rock").IsNull());
+
+    const DbObjectId id = rock.GetDbObjectId();
+    ASSERT_TRUE(workspace->DeleteAsset(rock));
     const auto successor = Create(AssetKind::Data, "successor");
-    EXPECT_EQ(successor.GetCacheIndex(), doomed.GetCacheIndex());
-    EXPECT_NE(successor, doomed);
-    EXPECT_FALSE(workspace->Model().IsHandleValid(doomed));
-    EXPECT_TRUE(doomed.GetName().empty());
+    EXPECT_EQ(successor.GetCacheIndex(), rock.GetCacheIndex());
+    EXPECT_FALSE(workspace->Model().IsHandleValid(rock));
+    EXPECT_TRUE(rock.GetName().empty());
     EXPECT_TRUE(workspace->Model().ResolveObject(id).IsNull());
-    EXPECT_FALSE(workspace->DeleteAsset(doomed));
-    EXPECT_FALSE(workspace->SetField(doomed, "a", "b"));
+    EXPECT_FALSE(workspace->DeleteAsset(rock));
+    EXPECT_FALSE(workspace->SetField(rock, "a", "b"));
 }
 
 TEST_F(WorkspaceSave, NewAssetsGetDistinctFilesInTheirFolder)
@@ -283,44 +304,12 @@ TEST_F(WorkspaceSave, NewAssetsGetDistinctFilesInTheirFolder)
     const auto second = workspace->CreateAsset(asset, error);
     ASSERT_TRUE(workspace->AddExternalFile(second, "lod/high.bin", "x"));
     ASSERT_TRUE(workspace->Save().Succeeded());
-    EXPECT_TRUE(Exists("props/stone/Big_rock_.kel"));
-    EXPECT_TRUE(Exists("props/stone/Big_rock__2.kel"));
-    EXPECT_TRUE(Exists("props/stone/lod/high.bin"));
+    for (const char* file : {"props/stone/Big_rock_.kel", "props/stone/Big_rock__2.kel", "props/stone/lod/high.bin"})
+        EXPECT_TRUE(Exists(file)) << file;
     const auto owners = workspace->Model().AssetsOwningFiles(
         {PathOf("props/stone/lod/high.bin"), "props/stone/Big_rock_.kel", PathOf("elsewhere.kel")});
     EXPECT_EQ(std::vector<KELHandle<kel4::IAsset>>(owners.begin(), owners.end()),
               (std::vector<KELHandle<kel4::IAsset>>{second, first, {}}));
-}
-
-// A revert or a sync rewrites an asset's file: the asset takes the file's content again unless
-// alice has unsaved edits on it (they stay) or the file now holds other objects.
-TEST_F(WorkspaceSave, ReloadFromDiskTakesTheFileUnlessEditsWouldBeLost)
-{
-    const auto steel = Create(AssetKind::Metadata, "steel", {{"roughness", "0.4"}});
-    ASSERT_TRUE(workspace->Save().Succeeded());
-    const QByteArray saved = ReadFile("steel.kel");
-    ASSERT_TRUE(saved.contains("roughness = 0.4"));
-    const auto roughness = [&] { return workspace->Model().Store().AssetAt(steel.GetCacheIndex()).record.fields.at("roughness"); };
-
-    WriteFile("steel.kel", QByteArray(saved).replace("roughness = 0.4", "roughness = 0.7"));
-    EXPECT_TRUE(workspace->ReloadFromDisk(steel));
-    EXPECT_EQ(roughness(), "0.7");
-    EXPECT_FALSE(workspace->HasUnsavedChanges());
-
-    ASSERT_TRUE(workspace->SetField(steel, "roughness", "0.9"));
-    WriteFile("steel.kel", saved);
-    EXPECT_EQ(workspace->ReloadFromDisk(steel).error, "\"steel\" has unsaved edits");
-    EXPECT_EQ(roughness(), "0.9");
-    ASSERT_TRUE(workspace->Save().Succeeded());
-
-    const auto rock = Create(AssetKind::Data, "rock");
-    ASSERT_TRUE(workspace->Save().Succeeded());
-    WriteFile("steel.kel", ReadFile("rock.kel"));
-    EXPECT_EQ(workspace->ReloadFromDisk(steel).error, "steel.kel now holds other objects; open the workspace again");
-    EXPECT_EQ(roughness(), "0.9");
-    ASSERT_TRUE(QFile::remove(QString::fromStdString(PathOf("rock.kel"))));
-    EXPECT_EQ(workspace->ReloadFromDisk(rock).error.rfind("Cannot read rock.kel: ", 0), 0u);
-    EXPECT_FALSE(workspace->FindAsset("rock").IsNull());
 }
 
 }  // namespace

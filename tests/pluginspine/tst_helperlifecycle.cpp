@@ -1,19 +1,13 @@
-// The helper's frame: start and end, the proxy's connection events, the progress box protocol and
-// the host-facing queries that the flows lean on.
+// The helper's frame: start and end, the proxy's connection events and the host-facing queries that
+// the flows lean on. (The progress box runs over the real services in tst_progressbox.)
 #include "revisioncontroluihelper.h"
 
-#include <dialogdriver.h>
 #include <hostfakes.h>
-
-#include <QAbstractButton>
-#include <QMessageBox>
-#include <QWidget>
 
 #include <gtest/gtest.h>
 
 #include <memory>
 
-using hbrc::test::DialogDriver;
 using hbrc::test::FakeHost;
 using ::testing::_;
 
@@ -94,29 +88,6 @@ TEST_F(HelperTest, ConnectAndDisconnectRegisterAndUnregisterWithABoundItemLibrar
         EXPECT_EQ(r.code, 40);
         EXPECT_EQ(r.contextIndex, 7);
     }
-}
-
-TEST_F(HelperTest, ProgressBoxCancelAbortsCloseDoesNotAndEachRunStartsAfresh)
-{
-    DialogDriver driver;
-    QString text;
-    driver.expect("progress box, pressed Cancel", [&](QWidget* w) {
-        auto* box = qobject_cast<QMessageBox*>(w);
-        ASSERT_NE(box, nullptr);
-        text = box->text();
-        box->button(QMessageBox::Cancel)->click();
-    });
-    EXPECT_TRUE(helper->GetUserInput());
-    EXPECT_EQ(text, QStringLiteral("Perforce Operation in Progress, press Cancel to abort"));
-
-    driver.expect("progress box, closed by the operation", [&](QWidget*) { helper->Close(); });
-    EXPECT_FALSE(helper->GetUserInput());
-
-    driver.expect("progress box, pressed Cancel again", [](QWidget* w) {
-        qobject_cast<QMessageBox*>(w)->button(QMessageBox::Cancel)->click();
-    });
-    EXPECT_TRUE(helper->GetUserInput());
-    EXPECT_TRUE(driver.finished()) << driver.failures().join('\n').toStdString();
 }
 
 TEST_F(HelperTest, GetDataControlFollowsTheProxyOnlyWhileConnected)

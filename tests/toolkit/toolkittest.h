@@ -114,12 +114,6 @@ inline QImage paintedImage(const QSize& size, const QColor& background, const st
     return image;
 }
 
-// The pixel as an opaque-or-not QColor, for readable comparisons.
-inline QColor pixelColor(const QImage& image, int x, int y)
-{
-    return QColor::fromRgba(image.pixel(x, y));
-}
-
 // The same role in every group is the same grey.
 inline QColor grey(int value)
 {
