@@ -24,7 +24,9 @@ AssetInMemory AssetInMemory::of(const host::DataModelMgr& model, std::uint32_t s
     AssetInMemory asset;
     asset.record = stored.record;
     for (const std::string& name : stored.record.externalFiles) {
-        File file{name, model.Store().AbsolutePath(stored.ExternalPath(name))};
+        File file;
+        file.name = name;
+        file.path = model.AbsolutePath(stored.ExternalPath(name));
         if (const auto pending = stored.pendingContent.find(name); pending != stored.pendingContent.end()) {
             file.inMemory = true;
             file.content = pending->second;

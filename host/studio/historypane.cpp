@@ -11,6 +11,7 @@
 
 #include <hbrcdatamodel/workspace.h>
 
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
@@ -18,6 +19,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <optional>
 #include <set>
 
 namespace hbrc::studio {
@@ -88,8 +90,12 @@ void HistoryPane::showAsset(const KELHandle<kel4::IDbObject>& asset)
 void HistoryPane::refresh()
 {
     m_stale = true;
-    if (isVisible())
+    if (isVisible()) {
         askHistory();
+        return;
+    }
+    m_revisions->clear();
+    m_history = {};
 }
 
 void HistoryPane::showEvent(QShowEvent* event)
@@ -114,11 +120,11 @@ void HistoryPane::askHistory()
         m_state->setText(tr("Select an asset to see its history."));
         return;
     }
-    const host::ObjectStore& store = workspace->Model().Store();
-    const host::StoredAsset& stored = store.AssetAt(slot);
-    std::vector<std::string> files{store.AbsolutePath(stored.kelPath)};
+    const host::DataModelMgr& model = workspace->Model();
+    const host::StoredAsset& stored = model.Store().AssetAt(slot);
+    std::vector<std::string> files{model.AbsolutePath(stored.kelPath)};
     for (const std::string& name : stored.record.externalFiles)
-        files.push_back(store.AbsolutePath(stored.ExternalPath(name)));
+        files.push_back(model.AbsolutePath(stored.ExternalPath(name)));
     m_state->setText(tr("Asking the server for the history of %1...").arg(QString::fromStdString(stored.record.name)));
     m_historyQuestion->ask<HistoryAnswer>(
         m_session.sessionAccount(),
@@ -207,8 +213,11 @@ void HistoryPane::compareChosen()
     const QString after = comparison.withEdits ? tr("Your edits") : label(comparison.after);
     std::optional<AssetInMemory> inMemory;
     if (comparison.withEdits) {
-        const host::DataModelMgr& model = m_session.currentWorkspace()->Model();
-        inMemory = AssetInMemory::of(model, model.SlotOf(m_asset));
+        host::Workspace* workspace = m_session.currentWorkspace();
+        const std::uint32_t slot = workspace ? workspace->Model().SlotOf(m_asset) : host::ObjectStore::kNoSlot;
+        if (slot == host::ObjectStore::kNoSlot || !workspace->Model().Store().IsAsset(slot))
+            return;
+        inMemory = AssetInMemory::of(workspace->Model(), slot);
     }
     m_differences->showMessage(tr("Asking the server..."));
     m_differenceQuestion->ask<DifferenceAnswer>(

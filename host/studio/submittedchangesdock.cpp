@@ -22,6 +22,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace hbrc::studio {
 
 namespace {
@@ -215,9 +217,8 @@ void SubmittedChangesDock::showChange(const revision::Changelist& change)
                                                    QString::fromStdString(asset.IsNull() ? std::string() : asset.GetName())});
         if (asset.IsNull())
             continue;
-        const host::ObjectStore& store = model.Store();
         row->setData(FileNameColumn, kKelFileRole,
-                     QString::fromStdString(store.AbsolutePath(store.AssetAt(model.SlotOf(asset)).kelPath)));
+                     QString::fromStdString(model.AbsolutePath(model.Store().AssetAt(model.SlotOf(asset)).kelPath)));
         if (!firstAsset)
             firstAsset = row;
     }
