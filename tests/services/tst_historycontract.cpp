@@ -37,17 +37,15 @@ Lines Summary(const std::vector<FileRevision>& history)
 class HistoryContract : public ServerFixture
 {
 public:
+    // Alice asks through a connection of her own, whose round trips are hers alone.
     void SetUp() override
     {
         ServerFixture::SetUp();
         if (HasFatalFailure())
             return;
-        AliceAsks([this](RevisionServer& server, const std::string& ticket) {
-            alice = &server;
-            aliceTicket = ticket;
-            return Result{};
-        });
-        ASSERT_NE(alice, nullptr);
+        aliceServer = hbrc::host::OpenRevisionServer(DepotPath(), {hbrc::revision::PasswordHashCost::Minimal});
+        alice = aliceServer.get();
+        BobExpects(alice->login("alice", "alice-pw", AliceWorkspace(), aliceTicket));
         alice1 = Submits(*alice, aliceTicket, AlicePath("rock.bin"), "alice 1");
         bob1 = Submits(Bob(), BobTicket(), BobPath("rock.bin"), "bob 1");
         alice2 = Submits(*alice, aliceTicket, AlicePath("rock.bin"), "alice 2");
@@ -55,6 +53,12 @@ public:
         BobExpects(alice->sync(aliceTicket, {}));
         BobExpects(alice->remove(aliceTicket, {AlicePath("tree.bin")}, ""));
         BobExpects(alice->submit(aliceTicket, "", "drop tree", dropTree));
+    }
+
+    void TearDown() override
+    {
+        aliceServer.reset();
+        ServerFixture::TearDown();
     }
 
     // Brings the workspace to the head, then submits text as file's new content and description.
@@ -78,6 +82,7 @@ public:
         EXPECT_EQ(alice->roundTrips() - before, roundTrips);
     }
 
+    std::unique_ptr<RevisionServer> aliceServer;
     RevisionServer* alice = nullptr;
     std::string aliceTicket;
     ChangelistId alice1, bob1, alice2, bob2, dropTree;
@@ -131,7 +136,7 @@ TEST_P(HistoryContract, HistoriesContentsChangesFilesUsersWorkspacesAndAnOldRevi
         std::vector<hbrc::revision::Changelist> changes;
         AliceAsksOnce([&] { return alice->submittedChanges(aliceTicket, row.filter, changes); });
         Lines ids;
-        for (const auto& change : changes)
+        for (const hbrc::revision::Changelist& change : changes)
             ids.push_back(change.id);
         EXPECT_EQ(ids, row.changes) << row.name;
     }

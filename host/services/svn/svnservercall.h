@@ -59,6 +59,13 @@ public:
         use(*m_session);
         return {};
     }
+    // Begins a question about the session's working copy: also where it lies in the repository.
+    revision::Result begin(revision::Operation operation, const std::string& ticket, SvnRepositoryPaths& where)
+    {
+        if (revision::Result begun = begin(operation, &ticket); !begun.ok())
+            return begun;
+        return finish(SvnRepositoryPaths::Open(m_session->workingCopy, context(), pool(), where));
+    }
     void use(const Session& session) { m_server.m_client.use(&session.credentials, &m_cancel); }
 
     Session& session() const { return *m_session; }
@@ -102,11 +109,6 @@ public:
         apr_array_header_t* revisions = nullptr;
         return svn_client_update4(&revisions, paths(targets), &at, svn_depth_unknown, FALSE, TRUE, TRUE, TRUE, TRUE,
                                   context(), pool());
-    }
-    // Where the session's working copy lies in the repository, from its own records.
-    revision::Result repositoryPaths(SvnRepositoryPaths& paths) const
-    {
-        return finish(SvnRepositoryPaths::Open(m_session->workingCopy, context(), pool(), paths));
     }
     // The working copy's nodes, the repository not asked.
     revision::Result walkLocally(SvnStatusMap& nodes) const

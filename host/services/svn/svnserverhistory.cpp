@@ -38,11 +38,9 @@ Result SvnServer::fileHistory(const std::string& ticket, const Files& files, std
                               std::vector<std::vector<revision::FileRevision>>& histories)
 {
     Call call(*this, {});
-    if (Result begun = call.begin(revision::Operation::History, &ticket); !begun.ok())
-        return begun;
     SvnRepositoryPaths where;
-    if (Result opened = call.repositoryPaths(where); !opened.ok())
-        return opened;
+    if (Result begun = call.begin(revision::Operation::History, ticket, where); !begun.ok())
+        return begun;
     std::vector<std::optional<std::string>> paths;
     std::vector<std::string> known;
     for (const std::string& file : files) {
@@ -67,11 +65,9 @@ Result SvnServer::fileHistory(const std::string& ticket, const Files& files, std
 Result SvnServer::fileContent(const std::string& ticket, const revision::FileAtRevision& file, std::string& content)
 {
     Call call(*this, {});
-    if (Result begun = call.begin(revision::Operation::Content, &ticket); !begun.ok())
-        return begun;
     SvnRepositoryPaths where;
-    if (Result opened = call.repositoryPaths(where); !opened.ok())
-        return opened;
+    if (Result begun = call.begin(revision::Operation::Content, ticket, where); !begun.ok())
+        return begun;
     const std::optional<std::string> path = where.repositoryPath(file.file);
     if (!path)
         return {code::Failed, file.file + " is not in the working copy " + call.session().workingCopy + "."};
@@ -94,11 +90,9 @@ Result SvnServer::submittedChanges(const std::string& ticket, const revision::Ch
                                    std::vector<revision::Changelist>& changes)
 {
     Call call(*this, {});
-    if (Result begun = call.begin(revision::Operation::SubmittedChanges, &ticket); !begun.ok())
-        return begun;
     SvnRepositoryPaths where;
-    if (Result opened = call.repositoryPaths(where); !opened.ok())
-        return opened;
+    if (Result begun = call.begin(revision::Operation::SubmittedChanges, ticket, where); !begun.ok())
+        return begun;
     const std::vector<std::string> folders = RepositoryPathsOf(where, filter.paths);
     changes.clear();
     if (!filter.paths.empty() && folders.empty())
@@ -122,14 +116,12 @@ Result SvnServer::filesAt(const std::string& ticket, const Files& paths, const r
                           std::vector<revision::FileRevision>& files)
 {
     Call call(*this, {});
-    if (Result begun = call.begin(revision::Operation::FilesAt, &ticket); !begun.ok())
+    SvnRepositoryPaths where;
+    if (Result begun = call.begin(revision::Operation::FilesAt, ticket, where); !begun.ok())
         return begun;
     const std::optional<long> revision = change.empty() ? std::optional<long>(0) : RevisionNumber(change);
     if (!revision)
         return {code::Failed, "Change " + change + " unknown."};
-    SvnRepositoryPaths where;
-    if (Result opened = call.repositoryPaths(where); !opened.ok())
-        return opened;
     const std::vector<std::string> folders = RepositoryPathsOf(where, paths);
     files.clear();
     if (!paths.empty() && folders.empty())
@@ -156,11 +148,9 @@ Result SvnServer::filesAt(const std::string& ticket, const Files& paths, const r
 Result SvnServer::users(const std::string& ticket, std::vector<std::string>& users)
 {
     Call call(*this, {});
-    if (Result begun = call.begin(revision::Operation::Users, &ticket); !begun.ok())
-        return begun;
     SvnRepositoryPaths where;
-    if (Result opened = call.repositoryPaths(where); !opened.ok())
-        return opened;
+    if (Result begun = call.begin(revision::Operation::Users, ticket, where); !begun.ok())
+        return begun;
     // The repository has no accounts to list: its users are the authors of its log.
     SvnLogQuery query;
     query.url = where.url({}, call.pool());
