@@ -173,6 +173,7 @@ TEST_P(HistoryContract, HistoriesContentsChangesFilesUsersWorkspacesAndAnOldRevi
     BobExpects(alice->status(aliceTicket, {AlicePath("rock.bin")}, statuses));
     EXPECT_TRUE(statuses.at(0).word & hbrc::revision::status::NotAtHead);
     EXPECT_EQ(statuses.at(0).haveRevision, rock[3].revision);
+    EXPECT_EQ(statuses.at(0).headRevision, rock[0].revision);
     EXPECT_EQ(Writable({AlicePath("rock.bin")}), std::vector<bool>{false});
     QFile synced(QFile::decodeName(QByteArray::fromStdString(AlicePath("rock.bin"))));
     ASSERT_TRUE(synced.open(QIODevice::ReadOnly));
