@@ -31,6 +31,7 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSplitter>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -200,6 +201,10 @@ public:
         window.refreshStatus();
         waitForStatus();
         select("Rock");
+        // Room for the history beside the browser: the picture is of the property pane.
+        window.resize(1400, 860);
+        if (auto* splitter = window.findChild<QSplitter*>(QStringLiteral("workSplitter")))
+            splitter->setSizes({420, 980});
         window.propertyPane().setCurrentWidget(&window.history());
         QTreeWidget* revisions = window.history().revisions();
         waitUntil([&] { return !window.history().isPending() && revisions->topLevelItemCount() > 1; });
@@ -211,11 +216,12 @@ public:
         revisions->setCurrentItem(revisions->topLevelItem(1));
         waitUntil([&] { return !window.history().isPending(); });
         printDifferences(*window.history().differences());
-        shot("tour-7-history.png");
+        shotOf(&window.propertyPane(), "tour-7-history.png");
 
         step(QStringLiteral("alice opens Submitted Changes (Revision Control menu)"));
         window.action(QStringLiteral("submittedChanges"))->trigger();
         SubmittedChangesDock& submitted = window.submittedChanges();
+        window.resizeDocks({&submitted}, {760}, Qt::Horizontal);
         waitUntil([&] { return !submitted.isPending() && submitted.model().rowCount() > 0; });
         submitted.changes()->setCurrentIndex(submitted.model().index(0, 0));
         waitUntil([&] { return !submitted.isPending() && submitted.files()->topLevelItemCount() > 0; });
@@ -224,7 +230,7 @@ public:
                   << submitted.model().index(row, SubmittedChangesModel::UserColumn).data().toString() << ": "
                   << submitted.model().index(row, SubmittedChangesModel::DescriptionColumn).data().toString() << "\n";
         printDifferences(*submitted.differences());
-        shot("tour-8-submitted-changes.png");
+        shotOf(&submitted, "tour-8-submitted-changes.png");
 
         step(QStringLiteral("done"));
         m_out << "Status questions asked: " << m_statusAnswers << ", round trips for them: "
