@@ -94,6 +94,8 @@ void HistoryPane::refresh()
         askHistory();
         return;
     }
+    m_historyQuestion->cancel();
+    m_differenceQuestion->cancel();
     m_revisions->clear();
     m_history = {};
 }

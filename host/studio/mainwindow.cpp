@@ -226,6 +226,7 @@ void MainWindow::showWorkspace(host::Workspace* workspace)
                              : tr("hbrc-studio"));
     updateStatusBar();
     updateActions();
+    m_submitted->refresh();
     if (workspace)
         refreshStatus();
 }

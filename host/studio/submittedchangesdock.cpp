@@ -130,6 +130,13 @@ void SubmittedChangesDock::askChanges()
 {
     m_stale = false;
     if (!m_session.currentWorkspace()) {
+        for (ServerQuestion* question : {m_listQuestion, m_describeQuestion, m_differenceQuestion})
+            question->cancel();
+        takeChanges({});
+        m_shownChange.clear();
+        m_description->clear();
+        m_files->clear();
+        m_differences->showMessage({});
         m_state->setText(tr("Open a workspace to see its server's submitted changes."));
         return;
     }
