@@ -30,6 +30,8 @@ namespace {
 constexpr std::size_t kRevisionsListed = 1000;
 // The row of the edits in memory has no entry of the history.
 constexpr int kEditsRow = -1;
+// A row's file and revision ("your edits" for the edits), to choose it again after a refresh.
+constexpr int kRowKeyRole = Qt::UserRole + 1;
 
 struct HistoryAnswer
 {
@@ -110,6 +112,10 @@ void HistoryPane::showEvent(QShowEvent* event)
 void HistoryPane::askHistory()
 {
     m_stale = false;
+    // The rows chosen stay chosen when the same asset's history comes again (after an operation).
+    m_chosen.clear();
+    for (const QTreeWidgetItem* item : m_revisions->selectedItems())
+        m_chosen << item->data(FileColumn, kRowKeyRole).toString();
     m_revisions->clear();
     m_history = {};
     m_differences->showMessage({});
@@ -156,6 +162,7 @@ void HistoryPane::showHistory(const std::vector<std::string>& files, int code, c
     auto* edits = new QTreeWidgetItem({name, tr("your edits"), QString(), QString(), QString(), QString(),
                                        tr("the revision you have, with the edits in memory")});
     edits->setData(FileColumn, Qt::UserRole, kEditsRow);
+    edits->setData(FileColumn, kRowKeyRole, QString::fromStdString(files.front()) + QStringLiteral("#edits"));
     rows << edits;
     for (std::size_t i = 0; i < m_history.entries().size(); ++i) {
         const AssetHistory::Entry& entry = m_history.entries()[i];
@@ -168,9 +175,14 @@ void HistoryPane::showHistory(const std::vector<std::string>& files, int code, c
              PendingChangesModel::actionText(made.action), description});
         row->setToolTip(DescriptionColumn, QString::fromStdString(made.description));
         row->setData(FileColumn, Qt::UserRole, int(i));
+        row->setData(FileColumn, kRowKeyRole,
+                     QStringLiteral("%1#%2").arg(QString::fromStdString(m_history.files()[entry.file])).arg(made.revision));
         rows << row;
     }
     m_revisions->addTopLevelItems(rows);
+    for (QTreeWidgetItem* row : rows)
+        if (m_chosen.contains(row->data(FileColumn, kRowKeyRole).toString()))
+            row->setSelected(true);
 }
 
 std::vector<revision::ChangelistId> HistoryPane::chosenChanges(bool& edits) const

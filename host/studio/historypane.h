@@ -4,6 +4,7 @@
 
 #include <kel4/kelhandle.h>
 
+#include <QStringList>
 #include <QWidget>
 
 class QLabel;
@@ -63,6 +64,7 @@ private:
     KELHandle<kel4::IDbObject> m_asset;
     bool m_stale = true;
     AssetHistory m_history;
+    QStringList m_chosen;  // the rows chosen before the history was asked again
     QLabel* m_state = nullptr;
     QTreeWidget* m_revisions = nullptr;
     QPushButton* m_getRevision = nullptr;
