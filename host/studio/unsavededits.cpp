@@ -27,7 +27,7 @@ UnsavedEdits::Verdict UnsavedEdits::check(const host::DataModelMgr& model, Rewri
         return verdict;
     }
     if (rewrite == Rewrite::GetRevision) {
-        verdict.warning = tr("Not brought to an older revision because of unsaved edits: %1. Save or undo them first.").arg(names);
+        verdict.warning = tr("Not brought to the chosen revision because of unsaved edits: %1. Save or undo them first.").arg(names);
         verdict.files.clear();
         return verdict;
     }

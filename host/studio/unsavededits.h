@@ -13,7 +13,7 @@ class DataModelMgr;
 
 namespace hbrc::studio {
 
-// The one rule of what unsaved edits block: revert and getting the latest or an older revision.
+// The one rule of what unsaved edits block: revert and getting the latest or another revision.
 // Each rewrites files on disk while an asset's edits live in memory only: the asset would look up to date while dirty, and its next
 // save would write the edits over what was brought (or a revert would drop the check-out the save
 // needs). Revert asks the user once for all its files, so one asset with unsaved edits holds back

@@ -160,7 +160,7 @@ TEST_P(StudioHistory, WhoChangedRocksColourWhenAndWhatItWasBefore)
     EXPECT_EQ(differencesIn(*history().differences()).value(0).toStdString(), "colour: #0000cc -> #123456 (changed)");
     chooseRevisions({"alice: a warmer rock"});
     QTest::mouseClick(history().findChild<QPushButton*>(QStringLiteral("getThisRevision")), Qt::LeftButton);
-    EXPECT_TRUE(logged(QStringLiteral("Not brought to an older revision because of unsaved edits: Rock. Save or undo them first.")));
+    EXPECT_TRUE(logged(QStringLiteral("Not brought to the chosen revision because of unsaved edits: Rock. Save or undo them first.")));
     EXPECT_EQ(colourShown().toStdString(), "#123456");
 
     // Undone, the edit lets Get This Revision bring alice's first colour back from disk.
