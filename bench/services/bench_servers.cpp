@@ -2,7 +2,9 @@
 // Subversion repository served by svnserve on 127.0.0.1, each with one workspace of 10,000
 // submitted files. Measures a status question about 1,000 and 10,000 files and a check-out of 100
 // files (reverted between iterations); reports round trips per question, the ratios between the
-// servers and the growth from 1,000 to 10,000 files on each.
+// servers and the growth from 1,000 to 10,000 files on each. Then the history questions on a
+// repository of 10,000 submitted changes: the history of a file with 1,000 revisions and the list
+// of every submitted change, each one round trip.
 #include <ratioreporter.h>
 #include <svnrepositoryfixture.h>
 
@@ -18,6 +20,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <cstdio>
 #include <memory>
 #include <stdexcept>
 
@@ -161,6 +164,137 @@ void BM_CheckOut100(benchmark::State& state)
 }
 BENCHMARK(BM_CheckOut100)->Arg(kDepot)->Arg(kSvn)->Unit(benchmark::kMillisecond);
 
+// --- history: a file with 1,000 revisions among 10,000 submitted changes ---
+
+constexpr int kChanges = 10000;
+constexpr int kOtherFiles = 100;
+// The hot file changes in every tenth change (the first adds it): kChanges / 10 revisions.
+constexpr int kHotEvery = 10;
+
+std::string DumpProperties(const std::vector<std::pair<std::string, std::string>>& properties)
+{
+    std::string block;
+    for (const auto& [name, value] : properties)
+        block += "K " + std::to_string(name.size()) + "\n" + name + "\nV " + std::to_string(value.size()) + "\n" + value +
+                 "\n";
+    return block + "PROPS-END\n";
+}
+
+std::string DumpFile(const std::string& path, bool added, const std::string& text)
+{
+    const std::string properties = added ? DumpProperties({}) : std::string();
+    std::string node = "Node-path: " + path + "\nNode-kind: file\nNode-action: " + (added ? "add" : "change") + "\n";
+    if (added)
+        node += "Prop-content-length: " + std::to_string(properties.size()) + "\n";
+    node += "Text-content-length: " + std::to_string(text.size()) + "\nContent-length: " +
+            std::to_string(properties.size() + text.size()) + "\n\n";
+    return node + properties + text + "\n\n";
+}
+
+// kChanges revisions by alice and bob in turn, one a second: the first adds the folder "assets"
+// with the hot file and kOtherFiles others, each later one edits the hot file or one of the others.
+QByteArray HistoryDump()
+{
+    std::string dump = "SVN-fs-dump-format-version: 2\n\n";
+    for (int revision = 1; revision <= kChanges; ++revision) {
+        char date[32];
+        std::snprintf(date, sizeof date, "2026-01-01T%02d:%02d:%02d.000000Z", revision / 3600, revision / 60 % 60,
+                      revision % 60);
+        const std::string properties = DumpProperties(
+            {{"svn:author", revision % 2 ? "alice" : "bob"}, {"svn:date", date}, {"svn:log", "change " + std::to_string(revision)}});
+        dump += "Revision-number: " + std::to_string(revision) + "\nProp-content-length: " +
+                std::to_string(properties.size()) + "\nContent-length: " + std::to_string(properties.size()) + "\n\n" +
+                properties + "\n";
+        const std::string text = "asset " + std::to_string(revision) + "\n";
+        if (revision == 1) {
+            const std::string folder = DumpProperties({});
+            dump += "Node-path: assets\nNode-kind: dir\nNode-action: add\nProp-content-length: " +
+                    std::to_string(folder.size()) + "\nContent-length: " + std::to_string(folder.size()) + "\n\n" +
+                    folder + "\n\n";
+            dump += DumpFile("assets/hot.kel", true, text);
+            for (int other = 0; other < kOtherFiles; ++other)
+                dump += DumpFile("assets/f" + std::to_string(other) + ".kel", true, text);
+        } else if (revision % kHotEvery == 1) {
+            dump += DumpFile("assets/hot.kel", false, text);
+        } else {
+            dump += DumpFile("assets/f" + std::to_string(revision % kOtherFiles) + ".kel", false, text);
+        }
+    }
+    return QByteArray::fromStdString(dump);
+}
+
+// A repository with the history of HistoryDump(), and alice logged in to a working copy of it.
+class HistoryScene
+{
+public:
+    static HistoryScene& Get(int server)
+    {
+        if (server != kSvn)
+            throw std::runtime_error("no history scene for this server");
+        static HistoryScene svn;
+        return svn;
+    }
+
+    RevisionServer& Server() { return *m_server; }
+    const std::string& Ticket() const { return m_ticket; }
+    std::string HotFile() const { return m_root + "/assets/hot.kel"; }
+
+private:
+    HistoryScene()
+    {
+        m_repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served);
+        m_repository->Load(HistoryDump());
+        m_root = QFile::encodeName(m_dir.filePath(QStringLiteral("ws"))).toStdString();
+        m_server = OpenRevisionServer(m_repository->Url(), {});
+        if (const hbrc::revision::Result login = m_server->login("alice", "alice-pw", m_root, m_ticket); !login.ok())
+            throw std::runtime_error(login.error);
+    }
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<SvnRepositoryFixture> m_repository;
+    std::string m_root;
+    std::unique_ptr<RevisionServer> m_server;
+    std::string m_ticket;
+};
+
+void ReportServerRoundTrips(benchmark::State& state, RevisionServer& server, std::uint64_t before)
+{
+    state.counters["round_trips_per_question"] =
+        benchmark::Counter(double(server.roundTrips() - before) / double(state.iterations()));
+}
+
+// The whole history of the hot file; range(0): the server.
+void BM_FileHistory1000(benchmark::State& state)
+{
+    HistoryScene& scene = HistoryScene::Get(int(state.range(0)));
+    state.SetLabel(kServerNames[state.range(0)]);
+    const auto before = scene.Server().roundTrips();
+    for (auto _ : state) {
+        std::vector<std::vector<hbrc::revision::FileRevision>> histories;
+        if (const hbrc::revision::Result read = scene.Server().fileHistory(scene.Ticket(), {scene.HotFile()}, 0, histories);
+            !read.ok() || histories.at(0).size() != std::size_t(kChanges / kHotEvery))
+            throw std::runtime_error("history of the hot file: " + read.error);
+    }
+    ReportServerRoundTrips(state, scene.Server(), before);
+}
+BENCHMARK(BM_FileHistory1000)->Arg(kSvn)->Unit(benchmark::kMillisecond);
+
+// Every submitted change, unfiltered; range(0): the server.
+void BM_SubmittedChanges10000(benchmark::State& state)
+{
+    HistoryScene& scene = HistoryScene::Get(int(state.range(0)));
+    state.SetLabel(kServerNames[state.range(0)]);
+    const auto before = scene.Server().roundTrips();
+    for (auto _ : state) {
+        std::vector<hbrc::revision::Changelist> changes;
+        if (const hbrc::revision::Result read = scene.Server().submittedChanges(scene.Ticket(), {}, changes);
+            !read.ok() || changes.size() != std::size_t(kChanges))
+            throw std::runtime_error("submitted changes: " + read.error);
+    }
+    ReportServerRoundTrips(state, scene.Server(), before);
+}
+BENCHMARK(BM_SubmittedChanges10000)->Arg(kSvn)->Unit(benchmark::kMillisecond);
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -171,6 +305,10 @@ int main(int argc, char** argv)
         {"svnserve / depot: status of 1,000 files", "BM_Status/1/1000", "BM_Status/0/1000"},
         {"svnserve / depot: status of 10,000 files", "BM_Status/1/10000", "BM_Status/0/10000"},
         {"svnserve / depot: check-out and revert of 100 files", "BM_CheckOut100/1", "BM_CheckOut100/0"},
+        {"svnserve / depot: history of a file with 1,000 revisions", "BM_FileHistory1000/1", "BM_FileHistory1000/0"},
+        {"svnserve / depot: 10,000 submitted changes", "BM_SubmittedChanges10000/1", "BM_SubmittedChanges10000/0"},
+        {"svnserve: 10,000 submitted changes / history of 1,000 revisions", "BM_SubmittedChanges10000/1",
+         "BM_FileHistory1000/1"},
     });
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks(&reporter);

@@ -112,6 +112,21 @@ void AssetCommands::getLatest(const std::vector<KELHandle<kel4::IDbObject>>& ass
     m_operations.run(tr("Get Latest"), ChangelistWork::getLatest(std::move(verdict.files), what));
 }
 
+void AssetCommands::getRevision(const KELHandle<kel4::IDbObject>& asset, std::vector<revision::FileAtRevision> files,
+                                const QString& change)
+{
+    std::vector<std::string> paths;
+    for (const revision::FileAtRevision& file : files)
+        paths.push_back(file.file);
+    const UnsavedEdits::Verdict verdict =
+        UnsavedEdits::check(m_session.currentWorkspace()->Model(), UnsavedEdits::Rewrite::GetRevision, paths);
+    if (!verdict.warning.isEmpty()) {
+        emit message(Log::eWarning, verdict.warning);
+        return;
+    }
+    m_operations.run(tr("Get This Revision"), ChangelistWork::getRevision(std::move(files), nameOf(asset), change));
+}
+
 std::vector<KELHandle<kel4::IDbObject>> AssetCommands::assetsBehind() const
 {
     std::vector<KELHandle<kel4::IDbObject>> behind;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <hbrcservices/revisiontypes.h>
 #include <kel4/kelhandle.h>
 
 #include <QObject>
@@ -41,6 +42,10 @@ public:
     // Brings the head revision of the assets' files; assets with unsaved edits are left out and
     // named. The files are read again when the operation's outcome comes back.
     void getLatest(const std::vector<KELHandle<kel4::IDbObject>>& assets);
+    // Brings the asset's files to the revisions they had as of change (files), unless the asset has
+    // unsaved edits; the files are read again when the operation's outcome comes back.
+    void getRevision(const KELHandle<kel4::IDbObject>& asset, std::vector<revision::FileAtRevision> files,
+                     const QString& change);
     // The assets whose status says a newer revision is on the server.
     std::vector<KELHandle<kel4::IDbObject>> assetsBehind() const;
     bool isBehind(const KELHandle<kel4::IDbObject>& asset) const;

@@ -139,4 +139,17 @@ RevisionOperations::Work ChangelistWork::getLatest(Files files, QString names)
     };
 }
 
+RevisionOperations::Work ChangelistWork::getRevision(std::vector<revision::FileAtRevision> files, QString asset,
+                                                     QString change)
+{
+    return [files = std::move(files), asset = std::move(asset), change = std::move(change)](
+               host::RevisionServer& server, const std::string& ticket, OperationOutcome& outcome) {
+        const revision::Result result = server.syncTo(ticket, files);
+        for (const revision::FileAtRevision& file : files)
+            outcome.changedOnDisk.push_back(file.file);
+        outcome.done = tr("Got %1 as of change %2").arg(asset, change);
+        return result;
+    };
+}
+
 }  // namespace hbrc::studio

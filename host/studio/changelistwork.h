@@ -44,6 +44,9 @@ public:
     static RevisionOperations::Work revertUnchangedCheckOut(Files files, QString asset);
     // Brings the head revision of files into the workspace.
     static RevisionOperations::Work getLatest(Files files, QString names);
+    // Brings files to the revisions named: an asset as of one of its changes.
+    static RevisionOperations::Work getRevision(std::vector<revision::FileAtRevision> files, QString asset,
+                                                QString change);
 };
 
 }  // namespace hbrc::studio

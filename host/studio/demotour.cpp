@@ -3,13 +3,18 @@
 #include "assetbrowser.h"
 #include "assetbrowsermodel.h"
 #include "demodepot.h"
+#include "differenceview.h"
+#include "historypane.h"
 #include "logdock.h"
 #include "mainwindow.h"
 #include "pendingchangespane.h"
 #include "propertypane.h"
 #include "revisionoperations.h"
 #include "studiosession.h"
+#include "submittedchangesdock.h"
+#include "submittedchangesmodel.h"
 
+#include <hbrcdatamodel/kelformat.h>
 #include <hbrcdatamodel/workspace.h>
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
@@ -18,6 +23,7 @@
 #include <qtextention/qfunctoraction.h>
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QEventLoop>
@@ -25,10 +31,12 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSplitter>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QTreeView>
+#include <QTreeWidget>
 
 #include <functional>
 
@@ -188,6 +196,42 @@ public:
         window.pendingChanges().view()->setCurrentIndex(pending.fileIndex(depot.folderPath("alice") + "/Sky.kel"));
         shot("tour-6-pending-changes.png");
 
+        step(QStringLiteral("bob submits a new colour for Rock; alice asks who changed it, and what it was before"));
+        submitRockAsBob(depot, "#5f8a4a", "Moss on the north face");
+        window.refreshStatus();
+        waitForStatus();
+        select("Rock");
+        // Room for the history beside the browser: the picture is of the property pane.
+        window.resize(1400, 860);
+        if (auto* splitter = window.findChild<QSplitter*>(QStringLiteral("workSplitter")))
+            splitter->setSizes({420, 980});
+        window.propertyPane().setCurrentWidget(&window.history());
+        QTreeWidget* revisions = window.history().revisions();
+        waitUntil([&] { return !window.history().isPending() && revisions->topLevelItemCount() > 1; });
+        for (int row = 0; row < revisions->topLevelItemCount(); ++row)
+            m_out << "  " << revisions->topLevelItem(row)->text(HistoryPane::RevisionColumn) << " "
+                  << revisions->topLevelItem(row)->text(HistoryPane::FileColumn) << " by "
+                  << revisions->topLevelItem(row)->text(HistoryPane::UserColumn) << ": "
+                  << revisions->topLevelItem(row)->text(HistoryPane::DescriptionColumn) << "\n";
+        revisions->setCurrentItem(revisions->topLevelItem(1));
+        waitUntil([&] { return !window.history().isPending(); });
+        printDifferences(*window.history().differences());
+        shotOf(&window.propertyPane(), "tour-7-history.png");
+
+        step(QStringLiteral("alice opens Submitted Changes (Revision Control menu)"));
+        window.action(QStringLiteral("submittedChanges"))->trigger();
+        SubmittedChangesDock& submitted = window.submittedChanges();
+        window.resizeDocks({&submitted}, {760}, Qt::Horizontal);
+        waitUntil([&] { return !submitted.isPending() && submitted.model().rowCount() > 0; });
+        submitted.changes()->setCurrentIndex(submitted.model().index(0, 0));
+        waitUntil([&] { return !submitted.isPending() && submitted.files()->topLevelItemCount() > 0; });
+        for (int row = 0; row < submitted.model().rowCount(); ++row)
+            m_out << "  " << submitted.model().index(row, SubmittedChangesModel::ChangeColumn).data().toString() << " "
+                  << submitted.model().index(row, SubmittedChangesModel::UserColumn).data().toString() << ": "
+                  << submitted.model().index(row, SubmittedChangesModel::DescriptionColumn).data().toString() << "\n";
+        printDifferences(*submitted.differences());
+        shotOf(&submitted, "tour-8-submitted-changes.png");
+
         step(QStringLiteral("done"));
         m_out << "Status questions asked: " << m_statusAnswers << ", round trips for them: "
               << window.model().statusQuery().roundTrips() << "\n";
@@ -219,6 +263,44 @@ private:
         if (m_window->operations().isBusy())
             loop.exec();
         waitForStatus();
+    }
+
+    // Until done holds, the window's events running meanwhile; at most 20 s.
+    static void waitUntil(const std::function<bool()>& done)
+    {
+        QDeadlineTimer deadline(20000);
+        while (!done() && !deadline.hasExpired())
+            QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 50);
+    }
+
+    // bob gives Rock a new colour in his workspace (he has it open) and submits it.
+    static void submitRockAsBob(DemoServer& depot, const std::string& colour, const std::string& description)
+    {
+        const QString file = QString::fromStdString(depot.folderPath("bob") + "/Rock.kel");
+        QFile kel(file);
+        Expect(kel.open(QIODevice::ReadOnly), "cannot read bob's Rock");
+        host::AssetRecord record;
+        std::string error;
+        Expect(host::KelFormat::Parse(kel.readAll().toStdString(), record, error), error);
+        kel.close();
+        record.fields["colour"] = colour;
+        Expect(kel.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+                   kel.write(QByteArray::fromStdString(host::KelFormat::Serialize(record))) > 0,
+               "cannot write bob's Rock");
+        kel.close();
+        revision::ChangelistId submitted;
+        ExpectDone(depot.bob().submit(depot.bobTicket(), "", description, submitted), "bob submits Rock");
+    }
+
+    void printDifferences(const DifferenceView& view)
+    {
+        const DifferenceModel& rows = view.differences();
+        for (int row = 0; row < rows.rowCount(); ++row) {
+            m_out << "  ";
+            for (int column = 0; column < DifferenceModel::ColumnCount; ++column)
+                m_out << (column ? " | " : "") << rows.index(row, column).data().toString();
+            m_out << "\n";
+        }
     }
 
     KELHandle<kel4::IAsset> asset(const char* name) const

@@ -4,6 +4,7 @@
 #include "assetcommands.h"
 #include "assetdialogs.h"
 #include "assetedits.h"
+#include "historypane.h"
 #include "logdock.h"
 #include "logindialog.h"
 #include "pendingchangespane.h"
@@ -16,6 +17,7 @@
 #include "studioactions.h"
 #include "studiosession.h"
 #include "studiostatusbar.h"
+#include "submittedchangesdock.h"
 #include "windowlayout.h"
 #include "workspacecontroller.h"
 
@@ -134,6 +136,7 @@ void MainWindow::buildControllers()
     connect(m_edits, &AssetEdits::message, this, &MainWindow::log);
     connect(m_workspaces, &WorkspaceController::aboutToLeave, this, [this] {
         m_properties->showAsset(nullptr, {}, {});
+        m_history->showAsset({});
         model().setWorkspace(nullptr);
         m_pending->setWorkspace(nullptr);
     });
@@ -150,6 +153,14 @@ void MainWindow::buildControllers()
         m_properties->showValues();
         refreshStatus();
     });
+    m_history = new HistoryPane(m_session, *m_commands, model(), m_properties);
+    m_properties->addTab(m_history, tr("History"));
+    m_submitted = new SubmittedChangesDock(m_session, this);
+    tabifyDockWidget(m_pending, m_submitted);
+    m_submitted->hide();
+    connect(m_commands, &AssetCommands::operationApplied, m_history, &HistoryPane::refresh);
+    connect(m_commands, &AssetCommands::operationApplied, m_submitted, &SubmittedChangesDock::refresh);
+    connect(m_submitted, &SubmittedChangesDock::assetChosen, m_browser, &AssetBrowser::selectAsset);
 }
 
 QFunctorAction* MainWindow::action(const QString& name) const
@@ -215,6 +226,7 @@ void MainWindow::showWorkspace(host::Workspace* workspace)
                              : tr("hbrc-studio"));
     updateStatusBar();
     updateActions();
+    m_submitted->refresh();
     if (workspace)
         refreshStatus();
 }
@@ -258,6 +270,7 @@ void MainWindow::showSelection()
         m_properties->showAsset(m_session.currentWorkspace(), asset, files);
     else
         m_properties->showValues();
+    m_history->showAsset(asset);
     updateActions();
 }
 

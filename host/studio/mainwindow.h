@@ -26,6 +26,7 @@ class AssetBrowserModel;
 class AssetCommands;
 class AssetDialogs;
 class AssetEdits;
+class HistoryPane;
 class LogDock;
 class PendingChangesPane;
 class PropertyPane;
@@ -36,6 +37,7 @@ class StatusRefreshPolicy;
 class StudioActions;
 class StudioSession;
 class StudioStatusBar;
+class SubmittedChangesDock;
 class WorkspaceController;
 struct StatusAnswer;
 
@@ -85,6 +87,8 @@ public:
     AssetCommands& assetCommands() const { return *m_commands; }
     AssetEdits& assetEdits() const { return *m_edits; }
     AssetDialogs& assetDialogs() const { return *m_dialogs; }
+    HistoryPane& history() const { return *m_history; }
+    SubmittedChangesDock& submittedChanges() const { return *m_submitted; }
     // The session as the status bar tells it ("logged in as alice", "revision control off", ...).
     QString sessionState() const;
 
@@ -130,6 +134,8 @@ private:
     std::unique_ptr<AssetDialogs> m_dialogs;
     StatusRefreshPolicy* m_refresh = nullptr;
     StudioActions* m_actions = nullptr;
+    HistoryPane* m_history = nullptr;
+    SubmittedChangesDock* m_submitted = nullptr;
     std::unique_ptr<nrk::signalling::IConnection> m_settingsConnection;
 };
 

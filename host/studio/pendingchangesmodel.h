@@ -47,8 +47,10 @@ public:
 
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
 
-private:
+    // What a file's action reads as ("edit", "add", "delete"), here and in the history lists.
     static QString actionText(revision::FileAction action);
+
+private:
     void updateChangelistCheck(QStandardItem* changelist);
 
     std::vector<revision::PendingChangelist> m_pending;

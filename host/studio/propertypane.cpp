@@ -28,7 +28,7 @@ PropertyPane::PropertyPane(QWidget* parent) : QTabWidgetEx(parent)
     addTab(m_files, tr("Files"));
     m_history = new QListWidget(this);
     m_history->setObjectName(QStringLiteral("historyPage"));
-    addTab(m_history, tr("History"));
+    addTab(m_history, tr("Undo History"));
     rebuild();
 }
 

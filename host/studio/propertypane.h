@@ -19,7 +19,8 @@ class Workspace;
 namespace hbrc::studio {
 
 // The selected asset's pane: its name and fields with fitting editors ("Properties"), its files
-// with their read-only state ("Files") and what happened to it in this session ("History").
+// with their read-only state ("Files") and what happened to it in this session ("Undo History");
+// the window adds the server's history of it (HistoryPane).
 // An edit is only reported (fieldEdited); the asset changes when the window accepts it, and
 // showValues puts the model's values back into the editors either way.
 class PropertyPane : public QTabWidgetEx

@@ -8,6 +8,7 @@
 #include "revisionoperations.h"
 #include "sessioncontroller.h"
 #include "studiosession.h"
+#include "submittedchangesdock.h"
 
 #include <qtextention/qfunctoraction.h>
 
@@ -67,6 +68,10 @@ StudioActions::StudioActions(MainWindow& window, StudioSession& session)
     add(revision, "revealInFileBrowser", tr("Reveal in File &Browser"), [&commands, selected] { commands.showFiles(selected(), true); }, selection);
     add(revision, "refreshStatus", tr("&Refresh Status"), [&window] { window.refreshStatus(); }, open)
         ->setShortcut(QKeySequence::Refresh);
+    add(revision, "submittedChanges", tr("Submitted C&hanges"), [&window] {
+        window.submittedChanges().show();
+        window.submittedChanges().raise();
+    }, open);
     revision->addSeparator();
     add(revision, "logIn", tr("Log &In..."), [&sessionController] { sessionController.logIn(); },
               [&sessionController] { return sessionController.hasServer(); });

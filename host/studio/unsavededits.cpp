@@ -26,6 +26,11 @@ UnsavedEdits::Verdict UnsavedEdits::check(const host::DataModelMgr& model, Rewri
         verdict.warning = tr("Not brought up to date because of unsaved edits: %1. Save or undo them first.").arg(names);
         return verdict;
     }
+    if (rewrite == Rewrite::GetRevision) {
+        verdict.warning = tr("Not brought to the chosen revision because of unsaved edits: %1. Save or undo them first.").arg(names);
+        verdict.files.clear();
+        return verdict;
+    }
     verdict.warning = tr("Not reverted: %1 has unsaved edits. Save or undo them first.").arg(names);
     if (rewrite == Rewrite::Revert)
         verdict.files.clear();

@@ -13,16 +13,17 @@ class DataModelMgr;
 
 namespace hbrc::studio {
 
-// The one rule of what unsaved edits block: revert and get latest. Both rewrite files on disk while
-// an asset's edits live in memory only: the asset would look up to date while dirty, and its next
+// The one rule of what unsaved edits block: revert and getting the latest or another revision.
+// Each rewrites files on disk while an asset's edits live in memory only: the asset would look up to date while dirty, and its next
 // save would write the edits over what was brought (or a revert would drop the check-out the save
 // needs). Revert asks the user once for all its files, so one asset with unsaved edits holds back
-// all of them; Revert Unchanged and Get Latest ask nothing and act on the other files.
+// all of them; Revert Unchanged and Get Latest ask nothing and act on the other files; Get This
+// Revision brings one asset, so its unsaved edits hold it back.
 class UnsavedEdits
 {
     Q_DECLARE_TR_FUNCTIONS(UnsavedEdits)
 public:
-    enum class Rewrite { Revert, RevertUnchanged, GetLatest };
+    enum class Rewrite { Revert, RevertUnchanged, GetLatest, GetRevision };
 
     struct Verdict
     {

@@ -51,6 +51,19 @@ public:
         WriteFile(RepositoryPath() + QStringLiteral("/conf/passwd"), "[users]\n" + users);
     }
 
+    // Loads a dump stream (svnadmin's format) into the repository: many revisions made at once,
+    // without waiting for the disk after each (a throw-away repository).
+    void Load(const QByteArray& dump) const
+    {
+        QProcess process;
+        process.start(QStringLiteral("svnadmin"), {QStringLiteral("load"), QStringLiteral("--quiet"),
+                                                   QStringLiteral("--no-flush-to-disk"), RepositoryPath()});
+        process.write(dump);
+        process.closeWriteChannel();
+        if (!process.waitForFinished(600000) || process.exitCode() != 0)
+            throw std::runtime_error("svnadmin load failed: " + process.readAllStandardError().toStdString());
+    }
+
     // Kills the server at once, as a crash would: connections break, new ones are refused. Safe
     // from any thread; the process is reaped when the object is destroyed.
     void CrashServer() const
