@@ -12,12 +12,12 @@ namespace hbrc::hbdepot {
 
 using depot::Result;
 
-namespace {
-
 std::string inChangelist(const depot::ChangelistId& id)
 {
     return id.empty() || id == "default" ? "the default changelist" : "change " + id;
 }
+
+namespace {
 
 // One line per file named, once the depot has done it all.
 Result reportEach(Context& c, const Result& result, const std::string& what)

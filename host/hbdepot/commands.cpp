@@ -19,6 +19,7 @@
 #include "passwordinput.h"
 #include "sessioncommands.h"
 #include "statuswords.h"
+#include "workspacecommands.h"
 
 namespace hbrc::hbdepot {
 
@@ -142,12 +143,14 @@ const std::vector<Command>& commands()
          "  -d CHANGE   delete this pending changelist, which must be empty\n"
          "The new number is printed even with -q.\nExample: hull=$(hbdepot change \"a longer hull\")",
          changeChangelist},
-        {{"changes"}, Needs::Session, {{"-s", "-m", "-u"}, {}, 0, 0}, "changes [-s pending|submitted] [-m N] [-u USER]",
+        {{"changes"}, Needs::Session, {{"-s", "-m", "-u"}, {}, 0, kAny},
+         "changes [-s pending|submitted] [-m N] [-u USER] [PATH...]",
          "list changelists, newest first (default: pending; -m: the newest N; -u: of one user)",
          "  -s pending|submitted   which changelists (default: this workspace's pending ones)\n"
          "  -m N                   only the newest N\n"
          "  -u USER                only those of USER\n"
-         "Example: hbdepot changes -s submitted -m 10 -u alice",
+         "  PATH...                submitted changes only: those that changed files at or below a PATH\n"
+         "Example: hbdepot changes -s submitted -m 10 -u alice art",
          printChanges},
         {{"describe"}, Needs::Session, {{}, {}, 1, 1}, "describe CHANGE",
          "show a changelist, its date and its files ('default' too)", "Example: hbdepot describe 12",
@@ -158,9 +161,13 @@ const std::vector<Command>& commands()
          "  -d DESCRIPTION   the description (needed for the default changelist)\n"
          "Example: hbdepot submit -d \"first ship\"",
          submitChange},
-        {{"status"}, Needs::Session, {{}, {}, 1, kAny}, "status FILE...",
-         "print each file's status in words, its changelist and who holds it",
-         "'hbdepot help' lists the status words; --json adds the hexadecimal word.\n"
+        {{"status"}, Needs::Session, {{}, {}, 0, kAny}, "status [FILE...]",
+         "print each file's status in words, its changelist and who holds it (no FILE: the whole workspace)",
+         "Without FILE, lists every file of the workspace that is not up to date: open here, not at head,\n"
+         "held by others, or changed without being opened (\"edited, not opened\", \"new, not opened\",\n"
+         "\"deleted, not opened\"; 'hbdepot reconcile' opens those), named from the current folder.\n"
+         "'hbdepot help' lists the status words; --json adds the hexadecimal word, and without FILE an\n"
+         "\"unopened\" key (edit, add, delete, or empty).\n"
          "Example: hbdepot status ship.kel sail.kel",
          printStatus},
         {{"filelog"}, Needs::Session, {{"-m"}, {}, 1, kAny}, "filelog [-m N] FILE...",
@@ -197,6 +204,17 @@ const std::vector<Command>& commands()
          "Example: hbdepot users", printUsers},
         {{"workspaces"}, Needs::Session, {{}, {}, 0, 0}, "workspaces", "list the depot's workspaces with owner and root",
          "Example: hbdepot workspaces", printWorkspaces},
+        {{"reconcile"}, Needs::Session, {{"-c"}, {"-n"}, 0, kAny}, "reconcile [-n] [-c CHANGE] [PATH...]",
+         "open the files changed without being opened, below PATH or in the whole workspace",
+         "  -n          only say what would be opened\n"
+         "  -c CHANGE   open them in this pending changelist (default: the default one)\n"
+         "Compares the files with the workspace's revisions by content, not by the write bit: a file\n"
+         "edited after making it writable, or changed by another tool, opens for edit; a new file for\n"
+         "add; a file removed from the disk for delete. All are opened, or none: when an action is\n"
+         "refused (someone else holds a file), the files opened before it are reverted without losing\n"
+         "any change, and the refusal names the holders.\n"
+         "Example: hbdepot reconcile -n art && hbdepot reconcile -c 4 art",
+         reconcileFiles},
     };
     return table;
 }
@@ -286,13 +304,15 @@ void printUsage(std::ostream& out)
         printUsageLine(out, command.usage, command.summary);
     printUsageLine(out, "help [COMMAND]", "show this text, or one command's options and an example");
     out
-        << "\nPaths: commands name files as you gave them; opened, describe, sync and revert -a name\n"
-           "depot paths (//depot/...).\n"
+        << "\nPaths: commands name files as you gave them; opened, describe, sync, revert -a, filelog,\n"
+           "files and diff name depot paths (//depot/...).\n"
            "Status words (JSON keeps the hexadecimal word beside them):";
     const std::vector<std::string> legend = statusLegend();
     for (std::size_t i = 0; i < legend.size(); ++i)
         out << (i % 4 == 0 ? "\n  " : ", ") << legend[i];
     out << ", 0x0 up to date\n"
+           "Changed without being opened (status without FILE; reconcile opens them): edited, not opened;\n"
+           "  new, not opened; deleted, not opened\n"
            "\nExit status: 0 done, 1 refused or failed (the reason is printed), 2 bad usage.\n";
 }
 

@@ -15,6 +15,7 @@
 #include "commandcontext.h"
 #include "jsonwriter.h"
 #include "statuswords.h"
+#include "workspacecommands.h"
 
 namespace hbrc::hbdepot {
 
@@ -102,13 +103,23 @@ void writeRevisionFields(JsonWriter& json, const depot::FileRevision& revision)
     json.key("time").value(revision.time).key("date").value(dateOf(revision.time));
 }
 
-}  // namespace
-
-Result printStatus(Context& c)
+Result collectNamedStatus(Context& c, std::vector<StatusEntry>& entries)
 {
     const std::vector<std::string> files = c.files();
     std::vector<depot::FileStatus> statuses;
     const Result result = c.depot.status(c.ticket, files, statuses);
+    for (std::size_t i = 0; result.ok() && i < statuses.size(); ++i)
+        entries.push_back({c.word(i), files[i], statuses[i], std::nullopt});
+    return result;
+}
+
+}  // namespace
+
+Result printStatus(Context& c)
+{
+    std::vector<StatusEntry> entries;
+    const bool wholeWorkspace = c.args.words().empty();
+    const Result result = wholeWorkspace ? collectWorkspaceStatus(c, entries) : collectNamedStatus(c, entries);
     if (!result.ok())
         return result;
     const auto opened = [](const depot::FileStatus& status) {
@@ -118,23 +129,31 @@ Result printStatus(Context& c)
     if (c.line.json()) {
         JsonWriter json(c.out);
         json.beginDocument().key("files").beginArray();
-        for (std::size_t i = 0; i < statuses.size(); ++i) {
-            const depot::FileStatus& status = statuses[i];
-            json.beginObject().key("file").value(c.word(i)).key("path").value(files[i]);
+        for (const StatusEntry& entry : entries) {
+            const depot::FileStatus& status = entry.status;
+            json.beginObject().key("file").value(entry.name).key("path").value(entry.path);
             json.key("status").value(hex(status.word)).key("words").value(statusWords(status.word));
             json.key("changelist");
             if (opened(status))
                 json.value(changelistName(status.changelist));
             else
                 json.value(std::string());
-            json.key("holders").value(status.holders).endObject();
+            json.key("holders").value(status.holders);
+            if (wholeWorkspace)
+                json.key("unopened").value(entry.unopened ? depot::actionName(*entry.unopened) : "");
+            json.endObject();
         }
         json.endArray().endObject();
         return result;
     }
-    for (std::size_t i = 0; i < statuses.size(); ++i) {
-        const depot::FileStatus& status = statuses[i];
-        c.out << c.word(i) << " - " << joined(statusWords(status.word), ", ");
+    for (const StatusEntry& entry : entries) {
+        const depot::FileStatus& status = entry.status;
+        // A file whose only news is a change made without opening it is not also "up to date".
+        std::vector<std::string> words =
+            entry.unopened && status.word == 0 ? std::vector<std::string>() : statusWords(status.word);
+        if (entry.unopened)
+            words.emplace_back(unopenedChangeWords(*entry.unopened));
+        c.out << entry.name << " - " << joined(words, ", ");
         if (opened(status))
             c.out << " in " << (status.changelist.empty() ? "the default changelist" : "change " + status.changelist);
         if (!status.holders.empty())
@@ -175,18 +194,25 @@ Result printChanges(Context& c)
     const std::string state = c.args.option("-s").value_or("pending");
     if (state != "pending" && state != "submitted")
         throw std::invalid_argument("-s takes pending or submitted");
-    const std::size_t maximum = maximumCount(c.args).value_or(std::numeric_limits<std::size_t>::max());
+    const std::optional<std::size_t> maximum = maximumCount(c.args);
     const std::optional<std::string> user = c.args.option("-u");
-    std::vector<depot::Changelist> all;
-    const Result result = c.depot.changelists(
-        c.ticket, state == "pending" ? depot::ChangelistState::Pending : depot::ChangelistState::Submitted, all);
+    std::vector<depot::Changelist> shown;
+    Result result;
+    if (state == "submitted") {
+        const depot::ChangeFilter filter{user.value_or(""), c.files(), 0, 0, maximum.value_or(0)};
+        result = c.depot.submittedChanges(c.ticket, filter, shown);
+    } else {
+        if (!c.args.words().empty())
+            throw std::invalid_argument("paths choose among submitted changes only (-s submitted)");
+        std::vector<depot::Changelist> all;
+        result = c.depot.changelists(c.ticket, depot::ChangelistState::Pending, all);
+        for (auto change = all.rbegin(); change != all.rend() && shown.size() < maximum.value_or(all.size()); ++change) {
+            if (!user || change->user == *user)
+                shown.push_back(*change);
+        }
+    }
     if (!result.ok())
         return result;
-    std::vector<depot::Changelist> shown;
-    for (auto change = all.rbegin(); change != all.rend() && shown.size() < maximum; ++change) {
-        if (!user || change->user == *user)
-            shown.push_back(*change);
-    }
     if (c.line.json()) {
         JsonWriter json(c.out);
         json.beginDocument().key("changes").beginArray();

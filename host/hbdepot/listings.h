@@ -6,10 +6,24 @@
 
 #include <depot/types.h>
 
+#include <optional>
+#include <string>
+
 namespace hbrc::hbdepot {
 
 struct Context;
 
+// One file of a status listing: the name it is shown by, its local path, its status, and, in a
+// status of the whole workspace, what it needs when it changed without being opened.
+struct StatusEntry
+{
+    std::string name;
+    std::string path;
+    depot::FileStatus status;
+    std::optional<depot::FileAction> unopened;
+};
+
+// "status FILE..." lists the files named; "status" the whole workspace (workspacecommands.h).
 depot::Result printStatus(Context& c);
 depot::Result printOpened(Context& c);
 depot::Result printChanges(Context& c);

@@ -71,6 +71,17 @@ revision::Changelist ChangelistOf(const depot::Changelist& changelist)
     return answer;
 }
 
+// Each element of a depot answer in the contract's type.
+template <typename Convert, typename From>
+auto ConvertedAll(const std::vector<From>& answered, Convert convert)
+{
+    std::vector<decltype(convert(answered.front()))> converted;
+    converted.reserve(answered.size());
+    for (const From& each : answered)
+        converted.push_back(convert(each));
+    return converted;
+}
+
 revision::FileRevision RevisionOf(const depot::FileRevision& file)
 {
     return {file.depotPath, file.revision, file.changelist, ActionOf(file.action), file.user, file.workspace, file.time,
@@ -289,11 +300,8 @@ revision::Result DepotServer::changelists(const std::string& ticket, revision::C
 {
     std::vector<depot::Changelist> answered;
     const depot::Result result = m_depot.changelists(ticket, DepotState(state), answered);
-    if (result.ok()) {
-        changelists.clear();
-        for (const depot::Changelist& changelist : answered)
-            changelists.push_back(ChangelistOf(changelist));
-    }
+    if (result.ok())
+        changelists = ConvertedAll(answered, ChangelistOf);
     return Answer(result);
 }
 
@@ -360,14 +368,10 @@ revision::Result DepotServer::fileHistory(const std::string& ticket, const Files
 {
     std::vector<std::vector<depot::FileRevision>> answered;
     const depot::Result result = m_depot.fileHistory(ticket, files, limit, answered);
-    if (result.ok()) {
-        histories.clear();
-        for (const std::vector<depot::FileRevision>& history : answered) {
-            std::vector<revision::FileRevision>& converted = histories.emplace_back();
-            for (const depot::FileRevision& each : history)
-                converted.push_back(RevisionOf(each));
-        }
-    }
+    if (result.ok())
+        histories = ConvertedAll(answered, [](const std::vector<depot::FileRevision>& history) {
+            return ConvertedAll(history, RevisionOf);
+        });
     return Answer(result);
 }
 
@@ -387,11 +391,8 @@ revision::Result DepotServer::submittedChanges(const std::string& ticket, const 
     std::vector<depot::Changelist> answered;
     const depot::Result result = m_depot.submittedChanges(
         ticket, {filter.user, filter.paths, filter.since, filter.until, filter.limit}, answered);
-    if (result.ok()) {
-        changes.clear();
-        for (const depot::Changelist& change : answered)
-            changes.push_back(ChangelistOf(change));
-    }
+    if (result.ok())
+        changes = ConvertedAll(answered, ChangelistOf);
     return Answer(result);
 }
 
@@ -400,11 +401,8 @@ revision::Result DepotServer::filesAt(const std::string& ticket, const Files& pa
 {
     std::vector<depot::FileRevision> answered;
     const depot::Result result = m_depot.filesAt(ticket, paths, change, answered);
-    if (result.ok()) {
-        files.clear();
-        for (const depot::FileRevision& each : answered)
-            files.push_back(RevisionOf(each));
-    }
+    if (result.ok())
+        files = ConvertedAll(answered, RevisionOf);
     return Answer(result);
 }
 
@@ -417,11 +415,10 @@ revision::Result DepotServer::workspaces(const std::string& ticket, std::vector<
 {
     std::vector<depot::WorkspaceInfo> answered;
     const depot::Result result = m_depot.workspaces(ticket, answered);
-    if (result.ok()) {
-        workspaces.clear();
-        for (const depot::WorkspaceInfo& workspace : answered)
-            workspaces.push_back({workspace.name, workspace.owner, workspace.root});
-    }
+    if (result.ok())
+        workspaces = ConvertedAll(answered, [](const depot::WorkspaceInfo& workspace) {
+            return revision::WorkspaceRecord{workspace.name, workspace.owner, workspace.root};
+        });
     return Answer(result);
 }
 
@@ -435,11 +432,18 @@ revision::Result DepotServer::syncTo(const std::string& ticket, const std::vecto
     return Answer(m_depot.syncTo(ticket, targets, depot::SyncMode::Safe, cancel));
 }
 
-// Not served yet: the workspace scan arrives with its backend.
-revision::Result DepotServer::workspaceChanges(const std::string&, const Files&, std::vector<revision::WorkspaceChange>&,
-                                          const revision::CancelCheck&)
+revision::Result DepotServer::workspaceChanges(const std::string& ticket, const Files& paths,
+                                              std::vector<revision::WorkspaceChange>& changes,
+                                              const revision::CancelCheck& cancel)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::vector<depot::WorkspaceChange> found;
+    const depot::Result result = m_depot.workspaceChanges(ticket, paths, found, cancel);
+    if (result.ok()) {
+        changes.clear();
+        for (const depot::WorkspaceChange& change : found)
+            changes.push_back({change.localPath, change.depotPath, ActionOf(change.action), change.haveRevision});
+    }
+    return Answer(result);
 }
 
 }  // namespace hbrc::host

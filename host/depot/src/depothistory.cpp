@@ -110,13 +110,12 @@ Result Depot::submittedChanges(const std::string& ticket, const ChangeFilter& fi
 {
     std::vector<Changelist> answer;
     const Result result = d->runInSession(Operation::Changelists, Transaction::Kind::Read, ticket, {}, [&](Call& call) {
-        // Newest first by the time of submission; a numbered changelist submitted late has an
-        // older number than changes submitted before it.
+        // Newest first by number, as changes are named and listed everywhere else.
         Statement select(call.db(), ("SELECT c.number, c.description, c.user, c.workspace, c.time FROM changes c "
                                      "WHERE c.submitted = 1 AND (?1 = '' OR c.user = ?1) AND (?2 = 0 OR c.time >= ?2) "
                                      "AND (?3 = 0 OR c.time <= ?3) AND (?4 IS NULL OR EXISTS (SELECT 1 FROM revisions r "
                                      "WHERE r.change = c.number AND " +
-                                     atOrBelow("r.path", 4) + ")) ORDER BY c.time DESC, c.number DESC LIMIT ?5")
+                                     atOrBelow("r.path", 4) + ")) ORDER BY c.number DESC LIMIT ?5")
                                         .c_str());
         select.bind(1, filter.user).bind(2, filter.since).bind(3, filter.until).bind(4, scopeOf(call, filter.paths));
         select.bind(5, filter.limit == 0 ? std::int64_t{-1} : static_cast<std::int64_t>(filter.limit));
@@ -143,9 +142,9 @@ Result Depot::filesAt(const std::string& ticket, const Files& paths, const Chang
                 throw DepotError(code::Failed, "Change " + change + " is not submitted.");
             submitted.reset();
         }
-        // Each file's newest revision among the changes submitted up to the one asked about (in
-        // the order of submission, as the list of submitted changes has it); SQLite takes the
-        // other columns from the row with the maximum.
+        // Each file's newest revision among the changes submitted up to the one asked about, in
+        // the order of submission (a numbered changelist submitted late keeps its older number);
+        // SQLite takes the other columns from the row with the maximum.
         Statement select(call.db(), (std::string("SELECT ") + kRevisionColumns + ", max(r.rev) FROM revisions r " +
                                      "JOIN changes c ON c.number = r.change WHERE (?1 IS NULL OR (c.time, c.number) <= "
                                      "(SELECT time, number FROM changes WHERE number = ?1)) AND " +

@@ -15,6 +15,7 @@ public:
 
     const std::string& name() const { return m_name; }
     const std::string& owner() const { return m_owner; }
+    const std::filesystem::path& root() const { return m_root; }
 
     // The depot key ("art/ship.kel") of a local path, absolute or relative to the root; nothing
     // when the path lies outside the root.

@@ -101,6 +101,16 @@ public:
     // Users of other workspaces holding the files (open or locked), sorted, per file.
     Result holders(const std::string& ticket, const Files& files, std::vector<std::vector<std::string>>& users,
                    const CancelCheck& cancel = {});
+    // The files at or below the local paths (the whole workspace when empty) that changed without
+    // being opened here, compared by content (size first, then digest) with the revisions the
+    // workspace has: edited, new, or deleted from the disk; in path order. One read of the depot;
+    // the files are read locally. The depot's own files and the workspace's .hbdepot file are left
+    // out. A path outside the workspace is refused.
+    Result workspaceChanges(const std::string& ticket, const Files& paths, std::vector<WorkspaceChange>& changes,
+                            const CancelCheck& cancel = {});
+    // Every file this workspace has a revision of or has open, and every file at the head, by
+    // local path in path order: what a status of the whole workspace asks about.
+    Result workspaceFiles(const std::string& ticket, Files& files);
 
     // Open files in a pending changelist of this workspace ("" = the default changelist). All
     // files are opened, or none when one of them cannot be (the error names each refusal).
@@ -155,7 +165,7 @@ public:
     // Writes a file's bytes at a revision (0: the head) to `out`, as they were submitted; a revision
     // that deletes the file has none and is refused. A damaged content fails midway.
     Result fileContent(const std::string& ticket, const FileAtRevision& file, std::ostream& out);
-    // Submitted changes that pass the filter, newest (last submitted) first, without their files.
+    // Submitted changes that pass the filter, newest (highest number) first, without their files.
     Result submittedChanges(const std::string& ticket, const ChangeFilter& filter, std::vector<Changelist>& changes);
     // The files at or below the paths (the whole depot when empty) as they were right after the
     // submitted change (""): the head), each at its revision then; files deleted by then are left

@@ -71,6 +71,17 @@ struct FileStatus
     std::int64_t headRevision = 0;     // the latest revision (also a deletion); 0 for none
 };
 
+// A workspace file that differs from the revision the workspace has without being open there: its
+// content changed (Edit, whatever its write bit), the depot has no revision of it here (Add), or
+// it is gone from the disk (Delete).
+struct WorkspaceChange
+{
+    std::string localPath;
+    std::string depotPath;  // empty for a file the depot does not have at the head
+    FileAction action = FileAction::Edit;
+    std::int64_t haveRevision = 0;  // 0 when the workspace has no revision of it
+};
+
 struct OpenedFile
 {
     std::string depotPath;  // "//depot/..."
