@@ -4,7 +4,8 @@
 // files (reverted between iterations); reports round trips per question, the ratios between the
 // servers and the growth from 1,000 to 10,000 files on each. Then the history questions on a
 // repository of 10,000 submitted changes: the history of a file with 1,000 revisions and the list
-// of every submitted change, each one round trip.
+// of every submitted change, each one round trip (the depot's history replayed through its server,
+// the repository's loaded from a dump).
 #include <ratioreporter.h>
 #include <svnrepositoryfixture.h>
 
@@ -171,6 +172,26 @@ constexpr int kOtherFiles = 100;
 // The hot file changes in every tenth change (the first adds it): kChanges / 10 revisions.
 constexpr int kHotEvery = 10;
 
+// The files of the history: the hot file and kOtherFiles others, all added by the first change.
+std::vector<std::string> HistoryFiles()
+{
+    std::vector<std::string> files{"assets/hot.kel"};
+    for (int other = 0; other < kOtherFiles; ++other)
+        files.push_back("assets/f" + std::to_string(other) + ".kel");
+    return files;
+}
+
+// The file a later change (2..kChanges) edits: the hot file in every tenth, else one of the others.
+std::string EditedBy(int change)
+{
+    return change % kHotEvery == 1 ? "assets/hot.kel" : "assets/f" + std::to_string(change % kOtherFiles) + ".kel";
+}
+
+std::string HistoryText(int change)
+{
+    return "asset " + std::to_string(change) + "\n";
+}
+
 std::string DumpProperties(const std::vector<std::pair<std::string, std::string>>& properties)
 {
     std::string block;
@@ -205,49 +226,95 @@ QByteArray HistoryDump()
         dump += "Revision-number: " + std::to_string(revision) + "\nProp-content-length: " +
                 std::to_string(properties.size()) + "\nContent-length: " + std::to_string(properties.size()) + "\n\n" +
                 properties + "\n";
-        const std::string text = "asset " + std::to_string(revision) + "\n";
+        const std::string text = HistoryText(revision);
         if (revision == 1) {
             const std::string folder = DumpProperties({});
             dump += "Node-path: assets\nNode-kind: dir\nNode-action: add\nProp-content-length: " +
                     std::to_string(folder.size()) + "\nContent-length: " + std::to_string(folder.size()) + "\n\n" +
                     folder + "\n\n";
-            dump += DumpFile("assets/hot.kel", true, text);
-            for (int other = 0; other < kOtherFiles; ++other)
-                dump += DumpFile("assets/f" + std::to_string(other) + ".kel", true, text);
-        } else if (revision % kHotEvery == 1) {
-            dump += DumpFile("assets/hot.kel", false, text);
+            for (const std::string& file : HistoryFiles())
+                dump += DumpFile(file, true, text);
         } else {
-            dump += DumpFile("assets/f" + std::to_string(revision % kOtherFiles) + ".kel", false, text);
+            dump += DumpFile(EditedBy(revision), false, text);
         }
     }
     return QByteArray::fromStdString(dump);
 }
 
-// A repository with the history of HistoryDump(), and alice logged in to a working copy of it.
+// A server with the history of HistoryDump(), and alice logged in to a workspace on it: on
+// Subversion loaded from the dump, on the depot replayed change by change (by alice alone).
 class HistoryScene
 {
 public:
     static HistoryScene& Get(int server)
     {
-        if (server != kSvn)
-            throw std::runtime_error("no history scene for this server");
-        static HistoryScene svn;
-        return svn;
+        static HistoryScene depot(kDepot);
+        static HistoryScene svn(kSvn);
+        return server == kDepot ? depot : svn;
     }
 
     RevisionServer& Server() { return *m_server; }
     const std::string& Ticket() const { return m_ticket; }
-    std::string HotFile() const { return m_root + "/assets/hot.kel"; }
+    std::string HotFile() const { return Local("assets/hot.kel"); }
 
 private:
-    HistoryScene()
+    explicit HistoryScene(int server)
     {
-        m_repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served);
-        m_repository->Load(HistoryDump());
-        m_root = QFile::encodeName(m_dir.filePath(QStringLiteral("ws"))).toStdString();
-        m_server = OpenRevisionServer(m_repository->Url(), {});
-        if (const hbrc::revision::Result login = m_server->login("alice", "alice-pw", m_root, m_ticket); !login.ok())
-            throw std::runtime_error(login.error);
+        QDir(m_dir.path()).mkpath(QStringLiteral("ws"));
+        m_root = QFile::encodeName(QDir(m_dir.filePath(QStringLiteral("ws"))).canonicalPath()).toStdString();
+        std::string workspace = m_root;
+        if (server == kDepot) {
+            const std::string depotPath = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
+            hbrc::depot::DepotOptions options;
+            options.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+            hbrc::depot::Depot admin(depotPath, options);
+            workspace = "alice-ws";
+            if (!hbrc::depot::Depot::create(depotPath).ok() || !admin.addUser("alice", "alice-pw").ok() ||
+                !admin.addWorkspace(workspace, "alice", m_root).ok())
+                throw std::runtime_error("cannot set up the depot");
+            m_server = OpenRevisionServer(depotPath, {hbrc::revision::PasswordHashCost::Minimal});
+        } else {
+            m_repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served);
+            m_repository->Load(HistoryDump());
+            m_server = OpenRevisionServer(m_repository->Url(), {});
+        }
+        Expect(m_server->login("alice", "alice-pw", workspace, m_ticket));
+        if (server == kDepot)
+            Replay();
+    }
+
+    std::string Local(const std::string& relative) const { return m_root + "/" + relative; }
+    static void Expect(const hbrc::revision::Result& result)
+    {
+        if (!result.ok())
+            throw std::runtime_error(result.error);
+    }
+    void Write(const std::string& relative, const std::string& text) const
+    {
+        QFile file(QFile::decodeName(Local(relative).c_str()));
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(text.c_str()) <= 0)
+            throw std::runtime_error("cannot write " + relative);
+    }
+    void Submit(int change)
+    {
+        hbrc::revision::ChangelistId submitted;
+        Expect(m_server->submit(m_ticket, "", "change " + std::to_string(change), submitted));
+    }
+    void Replay()
+    {
+        QDir(QFile::decodeName(m_root.c_str())).mkpath(QStringLiteral("assets"));
+        std::vector<std::string> added;
+        for (const std::string& file : HistoryFiles()) {
+            Write(file, HistoryText(1));
+            added.push_back(Local(file));
+        }
+        Expect(m_server->add(m_ticket, added, ""));
+        Submit(1);
+        for (int change = 2; change <= kChanges; ++change) {
+            Expect(m_server->edit(m_ticket, {Local(EditedBy(change))}, ""));
+            Write(EditedBy(change), HistoryText(change));
+            Submit(change);
+        }
     }
 
     QTemporaryDir m_dir;
@@ -277,7 +344,7 @@ void BM_FileHistory1000(benchmark::State& state)
     }
     ReportServerRoundTrips(state, scene.Server(), before);
 }
-BENCHMARK(BM_FileHistory1000)->Arg(kSvn)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FileHistory1000)->Arg(kDepot)->Arg(kSvn)->Unit(benchmark::kMillisecond);
 
 // Every submitted change, unfiltered; range(0): the server.
 void BM_SubmittedChanges10000(benchmark::State& state)
@@ -293,7 +360,7 @@ void BM_SubmittedChanges10000(benchmark::State& state)
     }
     ReportServerRoundTrips(state, scene.Server(), before);
 }
-BENCHMARK(BM_SubmittedChanges10000)->Arg(kSvn)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SubmittedChanges10000)->Arg(kDepot)->Arg(kSvn)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -135,7 +135,9 @@ svn_error_t* SvnReadLog(svn_client_ctx_t* context, const SvnLogQuery& query, std
     }
     log.clear();
     LogReading reading{context, &log};
-    return svn_client_log5(SvnClient::pathArray({query.url}, pool), &head, ranges, query.limit, query.changedPaths,
+    std::vector<std::string> targets{query.url};
+    targets.insert(targets.end(), query.paths.begin(), query.paths.end());
+    return svn_client_log5(SvnClient::pathArray(targets, pool), &head, ranges, query.limit, query.changedPaths,
                            TRUE /*strict_node_history*/, FALSE /*include_merged_revisions*/, revisionProperties,
                            ReceiveLogEntry, &reading, context, pool);
 }

@@ -33,6 +33,8 @@ struct SvnLogEntry
 struct SvnLogQuery
 {
     std::string url;
+    // Paths below url (relative to it) to log instead of url itself; each must exist at the head.
+    std::vector<std::string> paths;
     // Dates that bound the revisions (seconds since the epoch; 0: no bound). The revision before
     // since comes with them: a date names the last revision at or before it.
     std::int64_t since = 0;

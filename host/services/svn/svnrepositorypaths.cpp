@@ -40,6 +40,32 @@ std::string SvnRepositoryPaths::url(const std::string& repositoryPath, apr_pool_
     return svn_path_url_add_component2(m_repositoryRoot.c_str(), repositoryPath.c_str(), pool);
 }
 
+namespace {
+
+svn_error_t* KeepSchedule(void* baton, const char* /*path*/, const svn_client_info2_t* info, apr_pool_t* /*pool*/)
+{
+    *static_cast<bool*>(baton) = info->wc_info && info->wc_info->schedule != svn_wc_schedule_add &&
+                                 info->wc_info->schedule != svn_wc_schedule_replace;
+    return SVN_NO_ERROR;
+}
+
+}  // namespace
+
+bool SvnIsFromRepository(const std::string& local, svn_client_ctx_t* context, apr_pool_t* pool)
+{
+    // Without revisions the question stays in the working copy.
+    const svn_opt_revision_t unspecified{};
+    bool fromRepository = false;
+    const char* absolute = svn_dirent_canonicalize(local.c_str(), pool);
+    svn_error_t* err = svn_client_info4(absolute, &unspecified, &unspecified, svn_depth_empty, FALSE, FALSE, FALSE,
+                                        nullptr, KeepSchedule, &fromRepository, context, pool);
+    if (err) {
+        svn_error_clear(err);
+        return false;
+    }
+    return fromRepository;
+}
+
 bool SvnIsAtOrBelow(const std::string& repositoryPath, const std::string& folder)
 {
     return folder.empty() || repositoryPath == folder ||

@@ -34,6 +34,9 @@ private:
     std::string m_repositoryRoot;   // the repository root's URL
 };
 
+// True when the working copy has the local file from the repository: versioned, and not only
+// scheduled for add.
+bool SvnIsFromRepository(const std::string& local, svn_client_ctx_t* context, apr_pool_t* pool);
 // True when repositoryPath is folder or lies below it.
 bool SvnIsAtOrBelow(const std::string& repositoryPath, const std::string& folder);
 // The deepest folder that holds every one of the repository paths: a log or listing there sees

@@ -1,8 +1,8 @@
 #include "svnserver.h"
 
 #include "svnconnectionbreaker.h"
-#include "svnworkspacechanges.h"
 #include "svnservercall.h"
+#include "svnworkspacechanges.h"
 
 #include <svn_config.h>
 

@@ -2,6 +2,8 @@
 // the files of the session's working copy.
 #include "svnservercall.h"
 
+#include <svn_dirent_uri.h>
+
 #include <charconv>
 #include <set>
 
@@ -48,14 +50,31 @@ Result SvnServer::fileHistory(const std::string& ticket, const Files& files, std
         if (paths.back())
             known.push_back(*paths.back());
     }
-    // One log of the folder that holds them all, split per file: also files deleted since have
-    // their history, which a log of the file itself at the head revision cannot give.
+    // One log of the files, split per file. A log cannot name a path that the head revision lacks:
+    // when one of them is not in the working copy from the repository (never added, or deleted),
+    // the folder that holds them all is logged instead, which has the deletions too.
     std::vector<SvnLogEntry> log;
     if (!known.empty()) {
+        const std::string folder = SvnCommonFolder(known);
         SvnLogQuery query;
-        query.url = where.url(SvnCommonFolder(known), call.pool());
+        query.url = where.url(folder, call.pool());
         query.changedPaths = true;
-        if (Result read = call.askUnlessAbsent(SvnReadLog(call.context(), query, log, call.pool())); !read.ok())
+        if (std::all_of(files.begin(), files.end(), [&](const std::string& file) {
+                return !where.repositoryPath(file) || SvnIsFromRepository(file, call.context(), call.pool());
+            })) {
+            for (const std::string& path : known)
+                query.paths.push_back(svn_relpath_skip_ancestor(folder.c_str(), path.c_str()));
+            query.limit = known.size() == 1 ? static_cast<int>(limit) : 0;
+        }
+        svn_error_t* err = SvnReadLog(call.context(), query, log, call.pool());
+        if (err && SvnIsNotFound(err) && !query.paths.empty()) {
+            // Deleted in the repository since the working copy's last sync: a second question.
+            call.askUnlessAbsent(err);
+            query.paths.clear();
+            query.limit = 0;
+            err = SvnReadLog(call.context(), query, log, call.pool());
+        }
+        if (Result read = call.askUnlessAbsent(err); !read.ok())
             return read;
     }
     histories = SvnFileHistories(log, paths, limit);
