@@ -8,6 +8,7 @@
 #include <memory>
 
 class QFunctorAction;
+class QPushButton;
 class QSplitter;
 class QStackedWidget;
 
@@ -27,8 +28,10 @@ class AssetCommands;
 class AssetDialogs;
 class AssetEdits;
 class LogDock;
+class OfflineWork;
 class PendingChangesPane;
 class PropertyPane;
+class Reconciler;
 class RevisionOperations;
 class SessionController;
 class StartPage;
@@ -85,6 +88,8 @@ public:
     AssetCommands& assetCommands() const { return *m_commands; }
     AssetEdits& assetEdits() const { return *m_edits; }
     AssetDialogs& assetDialogs() const { return *m_dialogs; }
+    OfflineWork& offlineWork() const { return *m_offline; }
+    Reconciler& reconciler() const { return *m_reconciler; }
     // The session as the status bar tells it ("logged in as alice", "revision control off", ...).
     QString sessionState() const;
 
@@ -112,6 +117,7 @@ private:
     void log(int level, const QString& text);
 
     void createDemoDepot();
+    void buildOfflineWork();
 
     StudioSession& m_session;
     QStackedWidget* m_pages = nullptr;
@@ -131,6 +137,9 @@ private:
     StatusRefreshPolicy* m_refresh = nullptr;
     StudioActions* m_actions = nullptr;
     std::unique_ptr<nrk::signalling::IConnection> m_settingsConnection;
+    OfflineWork* m_offline = nullptr;
+    Reconciler* m_reconciler = nullptr;
+    QPushButton* m_reconcileNotice = nullptr;  // in the status bar while reconcile is offered
 };
 
 }  // namespace hbrc::studio
