@@ -189,9 +189,9 @@ void MainWindow::buildOfflineWork()
     connect(m_reconciler, &Reconciler::started, m_reconcileNotice, &QWidget::hide);
     connect(m_reconciler, &Reconciler::refused, this, [this](const QString& why) {
         auto* box = new QMessageBox(QMessageBox::Warning, tr("Reconcile Refused"),
-                                    tr("Nothing was opened: the server refused the reconcile."), QMessageBox::Ok, this);
+                                    tr("Nothing was opened; the server refused the reconcile:\n%1").arg(why),
+                                    QMessageBox::Ok, this);
         box->setObjectName(QStringLiteral("reconcileRefused"));
-        box->setInformativeText(why);
         box->setAttribute(Qt::WA_DeleteOnClose);
         box->open();
     });

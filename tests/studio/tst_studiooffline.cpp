@@ -1,6 +1,7 @@
 // A morning offline and an afternoon reconciled, in alice's real studio on a demo depot with bob
 // working meanwhile; and the offline journal's promise that a kill of the host never leaves a
 // changed file unnamed.
+#include "assetedits.h"
 #include "offlinework.h"
 #include "pendingchangespane.h"
 #include "pendingchangesmodel.h"
@@ -29,6 +30,13 @@ using namespace hbrc::studio;
 using namespace hbrc::test;
 
 namespace {
+
+hbrc::host::NewAsset named(const std::string& name)
+{
+    hbrc::host::NewAsset asset;
+    asset.name = name;
+    return asset;
+}
 
 class StudioOffline : public StudioFixture<>
 {
@@ -86,7 +94,7 @@ protected:
                     EXPECT_EQ(item->checkState(0), Qt::Unchecked) << item->text(0).toStdString();
                 }
             }
-            EXPECT_EQ(rows, listed);
+            EXPECT_EQ(rows.join('\n').toStdString(), listed.join('\n').toStdString());
             QTest::keyClick(files, Qt::Key_Tab);
             QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
             auto* edit = qobject_cast<QLineEdit*>(dialog->focusWidget());
@@ -132,11 +140,11 @@ TEST_F(StudioOffline, AMorningOfflineIsReconciledWithEveryConflictNamedAndNothin
     const std::set<std::string> herFiles{aliceFile("Leaf"), aliceFile("Moss"), aliceFile("Sky"), aliceFile("Water")};
     EXPECT_EQ(journalled(), herFiles);
 
-    // bob meanwhile locks Sky and submits Leaf.
+    // bob meanwhile submits Leaf and locks Sky.
+    bobSubmits("Leaf", "#4e8a3a", "#3e7a2a");
     const std::string bobSky = depot->folderPath("bob") + "/Sky.kel";
     ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {bobSky}, "").ok());
     ASSERT_TRUE(hbrc::depot::Depot(depot->path()).lock(depot->bobTicket(), {bobSky}).ok());
-    bobSubmits("Leaf", "#4e8a3a", "#3e7a2a");
 
     // Online again: the window offers the reconcile, which lists her four files with bob named.
     workOffline->trigger();
@@ -155,7 +163,9 @@ TEST_F(StudioOffline, AMorningOfflineIsReconciledWithEveryConflictNamedAndNothin
 
     // bob lets Sky go; she reconciles again from the menu.
     ASSERT_TRUE(depot->bob().revert(depot->bobTicket(), {bobSky}).ok());
-    expectReconcile(listed, {"Leaf.kel"}, QStringLiteral("Offline morning"));
+    QStringList freed = listed;
+    freed[2] = "Sky.kel | edit | nothing new";
+    expectReconcile(freed, {"Leaf.kel"}, QStringLiteral("Offline morning"));
     QPushButton menuCommand;
     QObject::connect(&menuCommand, &QPushButton::clicked, window->action(QStringLiteral("reconcile")), &QAction::trigger);
     reconcileAndWait(&menuCommand);
@@ -191,7 +201,7 @@ TEST(OfflineJournal, AKilledSaveLeavesEveryChangedFileNamed)
     ASSERT_TRUE(workspace) << error;
     constexpr int kOld = 40;
     for (int i = 0; i < kOld; ++i)
-        ASSERT_FALSE(workspace->CreateAsset({hbrc::host::AssetKind::Data, "Asset", "old" + std::to_string(i)}, error).IsNull());
+        ASSERT_FALSE(workspace->CreateAsset(named("old" + std::to_string(i)), error).IsNull());
     ASSERT_TRUE(workspace->Save().Succeeded());
 
     const auto filesOnDisk = [&] {
@@ -206,7 +216,7 @@ TEST(OfflineJournal, AKilledSaveLeavesEveryChangedFileNamed)
         hbrc::host::OfflineJournal journal(journalFile);
         workspace->Model().SetJournal(&journal);
         for (int i = 0; i < 60; ++i)
-            workspace->CreateAsset({hbrc::host::AssetKind::Data, "Asset", "r" + std::to_string(round) + "n" + std::to_string(i)}, error);
+            workspace->CreateAsset(named("r" + std::to_string(round) + "n" + std::to_string(i)), error);
         std::size_t deleted = 0;
         for (int i = round; i < kOld; i += 6, ++deleted)
             workspace->DeleteAsset(workspace->FindAsset("old" + std::to_string(i)));
