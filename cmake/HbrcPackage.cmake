@@ -7,6 +7,7 @@
 #   lib/cmake/HbRevisionControl/   find_package(HbRevisionControl): HbRevisionControl::sdk,
 #              HbRevisionControl::sdkruntime, HbRevisionControl::qtextention
 #   lib/pkgconfig/                 hbrc-sdk.pc, qtextention.pc
+#   share/hbrevisioncontrol/hbdepot/schemas/   the JSON Schema of each hbdepot --json listing
 include(CMakePackageConfigHelpers)
 
 set(hbrc_include_root ${CMAKE_INSTALL_INCLUDEDIR}/hbrc)

@@ -1,5 +1,7 @@
 // Status of many files: one batched call against the same files asked one by one, and the round
-// trips a 1,000-file question costs.
+// trips a 1,000-file question costs. The history questions on a long history: a file's 1,000
+// revisions and the list of 10,000 submitted changes, each one round trip, timed against a plain
+// status question.
 #include <depot/depot.h>
 
 #include <benchmark/benchmark.h>
@@ -9,7 +11,9 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,11 +24,14 @@ namespace {
 
 constexpr int kFiles = 10000;
 
-// A depot holding kFiles submitted files, synced into one workspace, built once per run.
+// A depot in a folder of its own with one user's workspace, filled once per run.
 class Workspace
 {
 public:
-    Workspace() : m_root(fs::temp_directory_path() / ("bench_depot_" + std::to_string(::getpid())))
+    using Fill = std::function<void(Workspace&)>;
+
+    Workspace(const std::string& name, const Fill& fill)
+        : m_root(fs::temp_directory_path() / (name + "_" + std::to_string(::getpid())))
     {
         fs::remove_all(m_root);
         fs::create_directories(m_root / "ws");
@@ -34,17 +41,7 @@ public:
         m_depot->addUser("bench", "");
         m_depot->addWorkspace("bench-ws", "bench", (m_root / "ws").string());
         m_depot->login("bench", "", "bench-ws", m_ticket);
-        for (int i = 0; i < kFiles; ++i) {
-            const fs::path file = m_root / "ws" / ("assets/" + std::to_string(i % 100)) / (std::to_string(i) + ".kel");
-            fs::create_directories(file.parent_path());
-            std::ofstream(file) << "asset " << i;
-            m_files.push_back(file.string());
-        }
-        m_depot->add(m_ticket, m_files, "");
-        ChangelistId submitted;
-        const Result result = m_depot->submit(m_ticket, "", "bench assets", submitted);
-        if (!result.ok())
-            std::fprintf(stderr, "setting up the bench depot failed: %s\n", result.error.c_str());
+        fill(*this);
     }
     ~Workspace()
     {
@@ -54,6 +51,25 @@ public:
 
     Depot& depot() { return *m_depot; }
     const std::string& ticket() const { return m_ticket; }
+    // Writes a workspace file (writable first, as an opened file is) and names it among files().
+    std::string write(const std::string& relative, const std::string& content)
+    {
+        const fs::path file = m_root / "ws" / relative;
+        fs::create_directories(file.parent_path());
+        std::error_code ignored;
+        fs::permissions(file, fs::perms::owner_write, fs::perm_options::add, ignored);
+        std::ofstream(file, std::ios::trunc) << content;
+        if (m_named.insert(file.string()).second)
+            m_files.push_back(file.string());
+        return file.string();
+    }
+    void submit(const std::string& description)
+    {
+        ChangelistId submitted;
+        const Result result = m_depot->submit(m_ticket, "", description, submitted);
+        if (!result.ok())
+            std::fprintf(stderr, "setting up the bench depot failed: %s\n", result.error.c_str());
+    }
     std::vector<std::string> files(std::size_t count) const
     {
         return std::vector<std::string>(m_files.begin(), m_files.begin() + static_cast<std::ptrdiff_t>(count));
@@ -64,14 +80,43 @@ private:
     std::unique_ptr<Depot> m_depot;
     std::string m_ticket;
     std::vector<std::string> m_files;
+    std::set<std::string> m_named;
 };
 
+// kFiles files submitted in one change.
 Workspace& workspace()
 {
-    static Workspace instance;
+    static Workspace instance("bench_depot", [](Workspace& w) {
+        for (int i = 0; i < kFiles; ++i)
+            w.write("assets/" + std::to_string(i % 100) + "/" + std::to_string(i) + ".kel", "asset " + std::to_string(i));
+        w.depot().add(w.ticket(), w.files(kFiles), "");
+        w.submit("bench assets");
+    });
     return instance;
 }
 
+constexpr int kRevisions = 1000;
+constexpr int kChanges = 10000;
+
+// ship.kel with kRevisions revisions, among kChanges submitted changes (the others add a file each).
+Workspace& history()
+{
+    static Workspace instance("bench_depot_history", [](Workspace& w) {
+        const std::string ship = w.write("ship.kel", "revision 1");
+        w.depot().add(w.ticket(), {ship}, "");
+        w.submit("ship 1");
+        for (int change = 2; change <= kChanges; ++change) {
+            if (change <= kRevisions) {
+                w.depot().edit(w.ticket(), {ship}, "");
+                w.write("ship.kel", "revision " + std::to_string(change));
+            } else {
+                w.depot().add(w.ticket(), {w.write("other/" + std::to_string(change) + ".kel", "other")}, "");
+            }
+            w.submit("change " + std::to_string(change));
+        }
+    });
+    return instance;
+}
 void BM_StatusBatched(benchmark::State& state)
 {
     const auto files = workspace().files(static_cast<std::size_t>(state.range(0)));
@@ -117,6 +162,54 @@ void BM_StatusOneByOne(benchmark::State& state)
         benchmark::Counter(static_cast<double>(files.size()), benchmark::Counter::kIsIterationInvariantRate);
 }
 BENCHMARK(BM_StatusOneByOne)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+// A history question against a plain status question of the same file, side by side in each
+// iteration; a question that takes more than one round trip fails the run.
+void measureAgainstStatus(benchmark::State& state, std::size_t listed, const std::function<std::size_t()>& ask)
+{
+    using Clock = std::chrono::steady_clock;
+    Workspace& w = history();
+    const std::vector<std::string> ship = w.files(1);
+    std::vector<FileStatus> statuses;
+    Clock::duration asked{};
+    Clock::duration status{};
+    for (auto _ : state) {
+        const std::uint64_t before = w.depot().roundTrips();
+        const auto start = Clock::now();
+        const std::size_t answered = ask();
+        const auto middle = Clock::now();
+        if (w.depot().roundTrips() - before != 1 || answered != listed) {
+            state.SkipWithError("the question took more than one round trip or missed entries");
+            return;
+        }
+        w.depot().status(w.ticket(), ship, statuses);
+        asked += middle - start;
+        status += Clock::now() - middle;
+    }
+    state.counters["round_trips_per_question"] = 1;
+    state.counters["over_one_file_status"] =
+        std::chrono::duration<double>(asked).count() / std::chrono::duration<double>(status).count();
+}
+
+void BM_FileHistory(benchmark::State& state)
+{
+    std::vector<std::vector<FileRevision>> histories;
+    measureAgainstStatus(state, kRevisions, [&] {
+        history().depot().fileHistory(history().ticket(), history().files(1), 0, histories);
+        return histories.empty() ? 0 : histories.front().size();
+    });
+}
+BENCHMARK(BM_FileHistory)->Unit(benchmark::kMillisecond);
+
+void BM_SubmittedChanges(benchmark::State& state)
+{
+    std::vector<Changelist> changes;
+    measureAgainstStatus(state, kChanges, [&] {
+        history().depot().submittedChanges(history().ticket(), {}, changes);
+        return changes.size();
+    });
+}
+BENCHMARK(BM_SubmittedChanges)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

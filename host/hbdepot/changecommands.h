@@ -5,9 +5,14 @@
 
 #include <depot/types.h>
 
+#include <string>
+
 namespace hbrc::hbdepot {
 
 struct Context;
+
+// "the default changelist" or "change 4", as the commands' lines name a changelist.
+std::string inChangelist(const depot::ChangelistId& id);
 
 depot::Result editFiles(Context& c);
 depot::Result addFiles(Context& c);

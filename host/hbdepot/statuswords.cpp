@@ -44,4 +44,17 @@ std::vector<std::string> statusLegend()
     return legend;
 }
 
+const char* unopenedChangeWords(depot::FileAction action)
+{
+    switch (action) {
+    case depot::FileAction::Add:
+        return "new, not opened";
+    case depot::FileAction::Delete:
+        return "deleted, not opened";
+    case depot::FileAction::Edit:
+        break;
+    }
+    return "edited, not opened";
+}
+
 }  // namespace hbrc::hbdepot

@@ -3,6 +3,7 @@
 #include <depot/ticketstore.h>
 
 #include <filesystem>
+#include <sstream>
 #include <stdexcept>
 
 namespace hbrc::host {
@@ -68,6 +69,23 @@ revision::Changelist ChangelistOf(const depot::Changelist& changelist)
     for (const depot::ChangelistFile& file : changelist.files)
         answer.files.push_back({file.depotPath, ActionOf(file.action), file.revision});
     return answer;
+}
+
+// Each element of a depot answer in the contract's type.
+template <typename Convert, typename From>
+auto ConvertedAll(const std::vector<From>& answered, Convert convert)
+{
+    std::vector<decltype(convert(answered.front()))> converted;
+    converted.reserve(answered.size());
+    for (const From& each : answered)
+        converted.push_back(convert(each));
+    return converted;
+}
+
+revision::FileRevision RevisionOf(const depot::FileRevision& file)
+{
+    return {file.depotPath, file.revision, file.changelist, ActionOf(file.action), file.user, file.workspace, file.time,
+            file.description};
 }
 
 revision::PendingChangelist PendingOf(const depot::PendingChangelist& pending)
@@ -282,11 +300,8 @@ revision::Result DepotServer::changelists(const std::string& ticket, revision::C
 {
     std::vector<depot::Changelist> answered;
     const depot::Result result = m_depot.changelists(ticket, DepotState(state), answered);
-    if (result.ok()) {
-        changelists.clear();
-        for (const depot::Changelist& changelist : answered)
-            changelists.push_back(ChangelistOf(changelist));
-    }
+    if (result.ok())
+        changelists = ConvertedAll(answered, ChangelistOf);
     return Answer(result);
 }
 
@@ -348,50 +363,87 @@ revision::Result DepotServer::revertUnchanged(const std::string& ticket, const F
     return Answer(m_depot.revertUnchanged(ticket, files, reverted, cancel));
 }
 
-// Not served yet: the history questions and the workspace scan arrive with their backends.
-revision::Result DepotServer::fileHistory(const std::string&, const Files&, std::size_t,
-                                     std::vector<std::vector<revision::FileRevision>>&)
+revision::Result DepotServer::fileHistory(const std::string& ticket, const Files& files, std::size_t limit,
+                                         std::vector<std::vector<revision::FileRevision>>& histories)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::vector<std::vector<depot::FileRevision>> answered;
+    const depot::Result result = m_depot.fileHistory(ticket, files, limit, answered);
+    if (result.ok())
+        histories = ConvertedAll(answered, [](const std::vector<depot::FileRevision>& history) {
+            return ConvertedAll(history, RevisionOf);
+        });
+    return Answer(result);
 }
 
-revision::Result DepotServer::fileContent(const std::string&, const revision::FileAtRevision&, std::string&)
+revision::Result DepotServer::fileContent(const std::string& ticket, const revision::FileAtRevision& file,
+                                         std::string& content)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::ostringstream bytes;
+    const depot::Result result = m_depot.fileContent(ticket, {file.file, file.revision}, bytes);
+    if (result.ok())
+        content = std::move(bytes).str();
+    return Answer(result);
 }
 
-revision::Result DepotServer::submittedChanges(const std::string&, const revision::ChangeFilter&,
-                                          std::vector<revision::Changelist>&)
+revision::Result DepotServer::submittedChanges(const std::string& ticket, const revision::ChangeFilter& filter,
+                                              std::vector<revision::Changelist>& changes)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::vector<depot::Changelist> answered;
+    const depot::Result result = m_depot.submittedChanges(
+        ticket, {filter.user, filter.paths, filter.since, filter.until, filter.limit}, answered);
+    if (result.ok())
+        changes = ConvertedAll(answered, ChangelistOf);
+    return Answer(result);
 }
 
-revision::Result DepotServer::filesAt(const std::string&, const Files&, const revision::ChangelistId&,
-                                 std::vector<revision::FileRevision>&)
+revision::Result DepotServer::filesAt(const std::string& ticket, const Files& paths,
+                                     const revision::ChangelistId& change, std::vector<revision::FileRevision>& files)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::vector<depot::FileRevision> answered;
+    const depot::Result result = m_depot.filesAt(ticket, paths, change, answered);
+    if (result.ok())
+        files = ConvertedAll(answered, RevisionOf);
+    return Answer(result);
 }
 
-revision::Result DepotServer::users(const std::string&, std::vector<std::string>&)
+revision::Result DepotServer::users(const std::string& ticket, std::vector<std::string>& users)
 {
-    return {revision::code::Failed, "not served yet"};
+    return Answer(m_depot.users(ticket, users));
 }
 
-revision::Result DepotServer::workspaces(const std::string&, std::vector<revision::WorkspaceRecord>&)
+revision::Result DepotServer::workspaces(const std::string& ticket, std::vector<revision::WorkspaceRecord>& workspaces)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::vector<depot::WorkspaceInfo> answered;
+    const depot::Result result = m_depot.workspaces(ticket, answered);
+    if (result.ok())
+        workspaces = ConvertedAll(answered, [](const depot::WorkspaceInfo& workspace) {
+            return revision::WorkspaceRecord{workspace.name, workspace.owner, workspace.root};
+        });
+    return Answer(result);
 }
 
-revision::Result DepotServer::syncTo(const std::string&, const std::vector<revision::FileAtRevision>&,
-                                const revision::CancelCheck&)
+revision::Result DepotServer::syncTo(const std::string& ticket, const std::vector<revision::FileAtRevision>& files,
+                                    const revision::CancelCheck& cancel)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::vector<depot::FileAtRevision> targets;
+    targets.reserve(files.size());
+    for (const revision::FileAtRevision& file : files)
+        targets.push_back({file.file, file.revision});
+    return Answer(m_depot.syncTo(ticket, targets, depot::SyncMode::Safe, cancel));
 }
 
-revision::Result DepotServer::workspaceChanges(const std::string&, const Files&, std::vector<revision::WorkspaceChange>&,
-                                          const revision::CancelCheck&)
+revision::Result DepotServer::workspaceChanges(const std::string& ticket, const Files& paths,
+                                              std::vector<revision::WorkspaceChange>& changes,
+                                              const revision::CancelCheck& cancel)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::vector<depot::WorkspaceChange> found;
+    const depot::Result result = m_depot.workspaceChanges(ticket, paths, found, cancel);
+    if (result.ok()) {
+        changes.clear();
+        for (const depot::WorkspaceChange& change : found)
+            changes.push_back({change.localPath, change.depotPath, ActionOf(change.action), change.haveRevision});
+    }
+    return Answer(result);
 }
 
 }  // namespace hbrc::host

@@ -159,7 +159,8 @@ TEST_F(DepotProcesses, BobWorksThroughTheToolWhileAliceWorksInProcess)
     EXPECT_EQ(run(bobArguments({"changes", "-s", "submitted", "-m", "1"})).output.count("Change "), 1);
     const ToolRun alices = expect(bobArguments({"--json", "changes", "-s", "submitted", "-u", "alice", "-m", "1"}), 0,
                                   R"("description":"alice's \"a\"\n\tsecond line")");
-    EXPECT_TRUE(alices.output.startsWith("[{\"change\":\"2\",\"user\":\"alice\"")) << alices.output.toStdString();
+    EXPECT_TRUE(alices.output.startsWith("{\"format\":1,\"changes\":[{\"change\":\"2\",\"user\":\"alice\""))
+        << alices.output.toStdString();
     EXPECT_TRUE(alices.output.contains("\"time\":1700000000,")) << alices.output.toStdString();
     EXPECT_TRUE(run(bobArguments({"describe", "2"})).output.startsWith("Change 2 by alice@alice-ws on 2023/11/1"));
 }
@@ -215,17 +216,17 @@ TEST_F(DepotProcesses, EveryCallAnswersWithItsExitCodeAndSaysWhy)
     for (const Row& row : rows)
         expect(row.arguments, row.exitCode, row.says);
     for (const QStringList& command : std::vector<QStringList>{
-             {"frobnicate"}, {"edit"}, {"edit", "-c"}, {"status"}, {"opened", "more"}, {"describe"}, {"user", "add"},
+             {"frobnicate"}, {"edit"}, {"edit", "-c"}, {"status", "-n"}, {"opened", "more"}, {"describe"}, {"user", "add"},
              {"user", "add", "carol", "pw", "extra"}, {"sync", "--forse"}, {"submit", "-d", "a", "-d", "b"}, {"reopen"},
              {"unlock"}, {"revert"}, {"change", "-d", "3", "extra"}, {"change"}, {"changes", "-m", "0"},
              {"-z", "xml", "opened"}, {}, {"user"}, {"workspace", "frob"}, {"passwd", "bob", "extra"}, {"user", "delete"}})
         expect(bobArguments(command), 2);
     EXPECT_TRUE(run({}).errors.startsWith("Usage: hbdepot [OPTIONS] COMMAND"));
-    EXPECT_TRUE(run({"sync", "--help"}).output.startsWith("Usage: hbdepot [OPTIONS] sync [-f] [FILE...]"));
+    EXPECT_TRUE(run({"sync", "--help"}).output.startsWith("Usage: hbdepot [OPTIONS] sync [-f] [FILE[#REV]...]"));
     const ToolRun help = expect({"help"}, 0);
     for (const char* verb : {"init", "user add", "workspace add", "login", "logout", "info", "sync", "edit", "add",
                              "delete", "revert", "reopen", "lock", "unlock", "opened", "change", "changes", "describe",
-                             "submit", "status", "help", "passwd", "user delete", "workspace delete"})
+                             "submit", "status", "reconcile", "help", "passwd", "user delete", "workspace delete"})
         EXPECT_TRUE(help.output.contains(QString("\n  ") + verb + " ")) << verb << " is not listed";
 
     EXPECT_TRUE(fs::is_directory(path("nowhere")));
@@ -274,7 +275,7 @@ TEST_F(DepotProcesses, TheAccountComesFromOptionEnvironmentFileOrFolderInThatOrd
     for (const auto& [options, variables, workspace] : std::vector<Row>{
              {{}, {}, "file-ws"}, {{}, environment, "env-ws"}, {{"-w", "option-ws"}, environment, "option-ws"}}) {
         const QString info = expect(options + QStringList{"--json", "info"}, 0, {}, {}, variables, "bob").output;
-        EXPECT_TRUE(info.startsWith(R"({"depot":")" + depotArgument() + R"(","user":"bob","workspace":")" + workspace))
+        EXPECT_TRUE(info.startsWith(R"({"format":1,"depot":")" + depotArgument() + R"(","user":"bob","workspace":")" + workspace))
             << info.toStdString();
     }
 
@@ -290,10 +291,10 @@ TEST_F(DepotProcesses, TheAccountComesFromOptionEnvironmentFileOrFolderInThatOrd
     EXPECT_EQ(runIn("bob/art", {"edit", "-q", "ship.kel"}).output, "") << "-q, also after the command, says nothing";
     const ToolRun status = runIn("bob/art", {"-z", "json", "status", "ship.kel", "../shared.kel"});
     EXPECT_EQ(status.output.toStdString(),
-              "[{\"file\":\"ship.kel\",\"path\":\"" + bobFile("art/ship.kel") +
+              "{\"format\":1,\"files\":[{\"file\":\"ship.kel\",\"path\":\"" + bobFile("art/ship.kel") +
                   "\",\"status\":\"0x1\",\"words\":[\"open for edit\"],\"changelist\":\"default\",\"holders\":[]},"
                   "{\"file\":\"../shared.kel\",\"path\":\"" + bobFile("shared.kel") +
-                  "\",\"status\":\"0x0\",\"words\":[\"up to date\"],\"changelist\":\"\",\"holders\":[]}]\n");
+                  "\",\"status\":\"0x0\",\"words\":[\"up to date\"],\"changelist\":\"\",\"holders\":[]}]}\n");
     EXPECT_EQ(runIn(".", {"opened"}).exitCode, 2) << "above every workspace nobody is inferred";
 }
 

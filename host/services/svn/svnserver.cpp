@@ -1,6 +1,7 @@
 #include "svnserver.h"
 
 #include "svnconnectionbreaker.h"
+#include "svnworkspacechanges.h"
 
 #include <svn_config.h>
 
@@ -53,17 +54,6 @@ bool IsUnreadable(const std::string& file)
     return ::access(file.c_str(), F_OK) == 0 && ::access(file.c_str(), R_OK) != 0;
 }
 
-bool IsLocalChange(svn_wc_status_kind kind)
-{
-    return kind == svn_wc_status_added || kind == svn_wc_status_deleted || kind == svn_wc_status_replaced;
-}
-
-// Opened in this working copy: locked here (checked out) or scheduled for add or delete.
-bool IsOpenHere(const SvnNodeStatus& node)
-{
-    return !node.localLockToken.empty() || IsLocalChange(node.local);
-}
-
 revision::FileAction ActionOf(const SvnNodeStatus& node)
 {
     if (node.local == svn_wc_status_added || node.local == svn_wc_status_replaced)
@@ -78,7 +68,7 @@ std::vector<std::pair<std::string, const SvnNodeStatus*>> OpenFiles(const SvnSta
 {
     std::vector<std::pair<std::string, const SvnNodeStatus*>> open;
     for (const auto& [path, node] : nodes)
-        if (!node.directory && IsOpenHere(node))
+        if (!node.directory && SvnIsOpenHere(node))
             open.emplace_back(path, &node);
     std::sort(open.begin(), open.end());
     return open;
@@ -597,7 +587,7 @@ Result SvnServer::submit(const std::string& ticket, const revision::ChangelistId
     std::set<std::string> commit;
     Files unlockOnly;
     for (const auto& [path, node] : nodes) {
-        if (!IsOpenHere(node) || node.changelist != changelist)
+        if (!SvnIsOpenHere(node) || node.changelist != changelist)
             continue;
         if (node.local == svn_wc_status_normal) {
             unlockOnly.push_back(path);
@@ -849,10 +839,21 @@ revision::Result SvnServer::syncTo(const std::string&, const std::vector<revisio
     return {revision::code::Failed, "not served yet"};
 }
 
-revision::Result SvnServer::workspaceChanges(const std::string&, const Files&, std::vector<revision::WorkspaceChange>&,
-                                          const revision::CancelCheck&)
+Result SvnServer::workspaceChanges(const std::string& ticket, const Files& paths,
+                                   std::vector<revision::WorkspaceChange>& changes,
+                                   const revision::CancelCheck& cancel)
 {
-    return {revision::code::Failed, "not served yet"};
+    Call call(*this, cancel);
+    if (Result begun = call.begin(revision::Operation::WorkspaceChanges, &ticket); !begun.ok())
+        return begun;
+    SvnStatusMap nodes;
+    if (Result walked = call.walkLocally(nodes); !walked.ok())
+        return walked;
+    apr_array_header_t* globalIgnores = nullptr;
+    if (Result read = call.finish(svn_wc_get_default_ignores(&globalIgnores, call.context()->config, call.pool()));
+        !read.ok())
+        return read;
+    return SvnWorkspaceChanges(nodes, call.session().workingCopy, paths, globalIgnores, cancel, changes, call.pool());
 }
 
 }  // namespace hbrc::host

@@ -15,6 +15,7 @@ svn_error_t* Record(void* baton, const char* path, const svn_client_status_t* st
     node.headChangedRevision =
         SVN_IS_VALID_REVNUM(status->ood_changed_rev) ? status->ood_changed_rev : node.changedRevision;
     node.local = status->node_status;
+    node.textModified = status->text_status == svn_wc_status_modified;
     node.repository = status->repos_node_status;
     if (status->lock && status->lock->token)
         node.localLockToken = status->lock->token;
@@ -29,6 +30,12 @@ svn_error_t* Record(void* baton, const char* path, const svn_client_status_t* st
 }
 
 }  // namespace
+
+bool SvnIsOpenHere(const SvnNodeStatus& node)
+{
+    return !node.localLockToken.empty() || node.local == svn_wc_status_added ||
+           node.local == svn_wc_status_deleted || node.local == svn_wc_status_replaced;
+}
 
 svn_error_t* SvnWalkStatus(const SvnClient& client, const std::string& workingCopy, bool askRepository,
                            SvnStatusMap& statuses, apr_pool_t* pool)
