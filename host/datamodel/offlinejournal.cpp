@@ -1,5 +1,7 @@
 #include <hbrcdatamodel/offlinejournal.h>
 
+#include "durablewrites.h"
+
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
@@ -9,7 +11,6 @@
 #include <cstring>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace hbrc::host {
@@ -33,37 +34,16 @@ int changeOf(char letter)
     return -1;
 }
 
-bool writeAll(int descriptor, const QByteArray& content)
-{
-    const char* data = content.constData();
-    qsizetype left = content.size();
-    while (left > 0) {
-        const ssize_t written = ::write(descriptor, data, static_cast<size_t>(left));
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        data += written;
-        left -= written;
-    }
-    return true;
-}
-
 // Writes content to a descriptor and flushes it; closes it in any case.
 bool writeDurably(int descriptor, const QByteArray& content)
 {
-    const bool durable = writeAll(descriptor, content) && ::fsync(descriptor) == 0;
+    const bool durable = DurableWrites::WriteAll(descriptor, content) && ::fsync(descriptor) == 0;
     return ::close(descriptor) == 0 && durable;
 }
 
 void flushFolderOf(const QByteArray& file)
 {
-    const QByteArray folder = QFile::encodeName(QFileInfo(QFile::decodeName(file)).absolutePath());
-    const int descriptor = ::open(folder.constData(), O_RDONLY | O_CLOEXEC);
-    if (descriptor >= 0) {
-        ::fsync(descriptor);
-        ::close(descriptor);
-    }
+    DurableWrites::Flush(QFile::encodeName(QFileInfo(QFile::decodeName(file)).absolutePath()));
 }
 
 std::string failure(const char* what, const QString& file)

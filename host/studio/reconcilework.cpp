@@ -20,14 +20,6 @@ using revision::FileAction;
 constexpr std::uint32_t kOpenHere =
     revision::status::OpenedForEdit | revision::status::OpenedForAdd | revision::status::OpenedForDelete;
 
-QString names(const std::vector<std::string>& users)
-{
-    QStringList list;
-    for (const std::string& user : users)
-        list << QString::fromStdString(user);
-    return list.join(QStringLiteral(", "));
-}
-
 ReconcileWork::Files pathsOf(const std::vector<ReconcileItem>& items, FileAction action)
 {
     ReconcileWork::Files files;
@@ -63,21 +55,22 @@ void revertKeepingContent(host::RevisionServer& server, const std::string& ticke
 }  // namespace
 
 ReconcileSurvey ReconcileWork::plan(const Files& files, const std::vector<revision::FileStatus>& statuses,
-                                    const std::vector<bool>& onDisk)
+                                    const std::vector<bool>& onDisk, const std::vector<bool>& unchangedKnown)
 {
     ReconcileSurvey survey;
-    for (std::size_t i = 0; i < files.size() && i < statuses.size() && i < onDisk.size(); ++i) {
+    const std::size_t count = std::min({files.size(), statuses.size(), onDisk.size(), unchangedKnown.size()});
+    for (std::size_t i = 0; i < count; ++i) {
         const revision::FileStatus& status = statuses[i];
         const bool inWorkspace = status.haveRevision > 0;
-        if ((status.word & kOpenHere) || (!onDisk[i] && !inWorkspace)) {
+        const bool unchanged = unchangedKnown[i] && onDisk[i] && inWorkspace;
+        if ((status.word & kOpenHere) || (!onDisk[i] && !inWorkspace) || unchanged) {
             survey.settled.push_back(files[i]);
             continue;
         }
         ReconcileItem item;
         item.localPath = files[i];
         item.action = !inWorkspace ? FileAction::Add : onDisk[i] ? FileAction::Edit : FileAction::Delete;
-        for (const revision::FileHolder& hold : status.heldBy)
-            (hold.locked ? item.lockedBy : item.openedBy).push_back(hold.user);
+        item.heldBy = status.heldBy;
         item.haveRevision = status.haveRevision;
         item.headRevision = status.headRevision;
         survey.items.push_back(std::move(item));
@@ -102,10 +95,16 @@ RevisionOperations::Work ReconcileWork::survey(Files journalled, std::shared_ptr
             if (const revision::Result asked = server.status(ticket, files, statuses); !asked.ok())
                 return asked;
         }
+        std::set<std::string> changed;
+        for (const revision::WorkspaceChange& change : changes)
+            changed.insert(change.localPath);
         std::vector<bool> onDisk;
-        for (const std::string& file : files)
+        std::vector<bool> unchangedKnown;
+        for (const std::string& file : files) {
             onDisk.push_back(std::filesystem::exists(file));
-        ReconcileSurvey found = plan(files, statuses, onDisk);
+            unchangedKnown.push_back(scanned.ok() && !changed.count(file));
+        }
+        ReconcileSurvey found = plan(files, statuses, onDisk, unchangedKnown);
         found.scanProblem = scanned.ok() ? std::string() : scanned.error;
 
         Files behind;
@@ -183,10 +182,17 @@ QString ReconcileWork::actionText(revision::FileAction action)
 QString ReconcileWork::serverText(const ReconcileItem& item)
 {
     QStringList parts;
-    if (!item.lockedBy.empty())
-        parts << tr("locked by %1").arg(names(item.lockedBy));
-    if (!item.openedBy.empty())
-        parts << tr("checked out by %1").arg(names(item.openedBy));
+    for (const revision::FileHolder& hold : item.heldBy) {
+        const QString user = QString::fromStdString(hold.user);
+        if (hold.locked)
+            parts << tr("locked by %1").arg(user);
+        else if (hold.action == FileAction::Add)
+            parts << tr("added by %1").arg(user);
+        else if (hold.action == FileAction::Delete)
+            parts << tr("deleted by %1").arg(user);
+        else
+            parts << tr("checked out by %1").arg(user);
+    }
     if (item.behind())
         parts << (item.newerBy.empty() ? tr("revision %1 was submitted").arg(item.headRevision)
                                        : tr("revision %1 was submitted by %2")

@@ -18,8 +18,7 @@ struct ReconcileItem
 {
     std::string localPath;
     revision::FileAction action = revision::FileAction::Edit;
-    std::vector<std::string> lockedBy;  // other users who locked it
-    std::vector<std::string> openedBy;  // other users who have it open without a lock
+    std::vector<revision::FileHolder> heldBy;  // other users' holds: open for an action, locked
     std::int64_t haveRevision = 0;
     std::int64_t headRevision = 0;
     std::string newerBy;  // who submitted the head revision, when the workspace has an older one
@@ -52,11 +51,13 @@ class ReconcileWork
 public:
     using Files = std::vector<std::string>;
 
-    // The facts of each file in one place: whether it is on the disk, its status, the scan's and
-    // the journal's word. A file the workspace has is edited or deleted, one it has not is added;
-    // one that is open here already or is neither on the disk nor in the workspace needs nothing.
+    // The facts of each file in one place: whether it is on the disk, its status, and whether the
+    // scan found its content changed (unchangedKnown: the scan answered and did not name it). A
+    // file the workspace has is edited or deleted, one it has not is added; one that is open here
+    // already, is neither on the disk nor in the workspace, or is on the disk as the workspace's
+    // revision has it (made writable offline, not changed) needs nothing.
     static ReconcileSurvey plan(const Files& files, const std::vector<revision::FileStatus>& statuses,
-                                const std::vector<bool>& onDisk);
+                                const std::vector<bool>& onDisk, const std::vector<bool>& unchangedKnown);
     // Lists the journal's files and those the scan of the workspace finds, with one status question
     // for all and one history question for those with a newer revision on the server.
     static RevisionOperations::Work survey(Files journalled, std::shared_ptr<ReconcileSurvey> into);
@@ -67,7 +68,7 @@ public:
 
     // "add", "edit", "delete" as the dialog shows them.
     static QString actionText(revision::FileAction action);
-    // What happened on the server, for the dialog ("locked by bob; revision 3 submitted by bob").
+    // What happened on the server, for the dialog ("locked by bob; revision 3 was submitted by bob").
     static QString serverText(const ReconcileItem& item);
 };
 

@@ -61,17 +61,13 @@ protected:
         QFile file(QString::fromStdString(aliceFile(name)));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
-    // bob changes an asset's file in his workspace and submits it.
-    void bobSubmits(const char* name, const QByteArray& from, const QByteArray& to)
+    // bob adds a field to an asset in his workspace and submits it.
+    void bobSubmits(const char* name)
     {
         const std::string path = depot->folderPath("bob") + "/" + name + ".kel";
         ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {path}, "").ok());
         QFile file(QString::fromStdString(path));
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const QByteArray text = file.readAll().replace(from, to);
-        file.close();
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(text);
+        ASSERT_TRUE(file.open(QIODevice::Append) && file.write("field season = autumn\n") > 0);
         file.close();
         hbrc::revision::ChangelistId submitted;
         ASSERT_TRUE(depot->bob().submit(depot->bobTicket(), "", "bob's " + std::string(name), submitted).ok());
@@ -141,7 +137,7 @@ TEST_F(StudioOffline, AMorningOfflineIsReconciledWithEveryConflictNamedAndNothin
     EXPECT_EQ(journalled(), herFiles);
 
     // bob meanwhile submits Leaf and locks Sky.
-    bobSubmits("Leaf", "#4e8a3a", "#3e7a2a");
+    bobSubmits("Leaf");
     const std::string bobSky = depot->folderPath("bob") + "/Sky.kel";
     ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {bobSky}, "").ok());
     ASSERT_TRUE(hbrc::depot::Depot(depot->path()).lock(depot->bobTicket(), {bobSky}).ok());
@@ -150,24 +146,39 @@ TEST_F(StudioOffline, AMorningOfflineIsReconciledWithEveryConflictNamedAndNothin
     workOffline->trigger();
     auto* notice = window->statusBar()->findChild<QPushButton*>(QStringLiteral("reconcileNotice"));
     ASSERT_TRUE(notice && DialogDriver::waitUntil([&] { return notice->isVisible(); }, 20000));
-    const QStringList listed{"Leaf.kel | edit | revision 2 was submitted by bob", "Moss.kel | add | nothing new",
-                             "Sky.kel | edit | locked by bob", "Water.kel | delete | nothing new"};
-    // Leaf cannot be opened before she has bob's revision; Sky's lock refuses the whole reconcile.
-    expectReconcile(listed, {"Leaf.kel"}, QStringLiteral("Offline morning"));
-    driver.expectMessageBox(QStringLiteral("Reconcile Refused"), QMessageBox::Ok, QStringLiteral("locked by bob"));
-    reconcileAndWait(notice);
-    ASSERT_TRUE(DialogDriver::waitUntil([&] { return driver.finished(); }));
-    EXPECT_EQ(journalled(), herFiles);
-    for (const hbrc::revision::PendingChangelist& list : window->pendingChanges().model().pending())
-        EXPECT_TRUE(list.files.empty()) << "all or none: " << list.changelist.id;
-
-    // bob lets Sky go; she reconciles again from the menu.
-    ASSERT_TRUE(depot->bob().revert(depot->bobTicket(), {bobSky}).ok());
-    QStringList freed = listed;
-    freed[2] = "Sky.kel | edit | nothing new";
-    expectReconcile(freed, {"Leaf.kel"}, QStringLiteral("Offline morning"));
+    QStringList listed{"Leaf.kel | edit | revision 2 was submitted by bob", "Moss.kel | add | nothing new",
+                       "Sky.kel | edit | locked by bob", "Water.kel | delete | nothing new"};
     QPushButton menuCommand;
     QObject::connect(&menuCommand, &QPushButton::clicked, window->action(QStringLiteral("reconcile")), &QAction::trigger);
+    // Leaf cannot be opened before she has bob's revision. A refused reconcile opens nothing and
+    // names the holder; one refused after its edit call reverts the edits and keeps her content.
+    const auto refusedAttempt = [&](QAbstractButton* start, const QString& refusal) {
+        expectReconcile(listed, {"Leaf.kel"}, QStringLiteral("Offline morning"));
+        driver.expectMessageBox(QStringLiteral("Reconcile Refused"), QMessageBox::Ok, refusal);
+        reconcileAndWait(start);
+        ASSERT_TRUE(DialogDriver::waitUntil([&] { return driver.finished(); }));
+        waitForOperations();
+        EXPECT_EQ(journalled(), herFiles);
+        for (const hbrc::revision::PendingChangelist& list : window->pendingChanges().model().pending())
+            EXPECT_TRUE(list.files.empty()) << "all or none: " << list.changelist.id;
+        EXPECT_TRUE(onDisk("Sky").contains("#123456"));
+    };
+    refusedAttempt(notice, QStringLiteral("Sky.kel is locked by bob"));
+
+    // bob lets Sky go, but has made a Moss of his own meanwhile.
+    ASSERT_TRUE(depot->bob().revert(depot->bobTicket(), {bobSky}).ok());
+    const std::string bobMoss = depot->folderPath("bob") + "/Moss.kel";
+    QFile moss(QString::fromStdString(bobMoss));
+    ASSERT_TRUE(moss.open(QIODevice::WriteOnly) && moss.write("bob's moss") > 0);
+    moss.close();
+    ASSERT_TRUE(depot->bob().add(depot->bobTicket(), {bobMoss}, "").ok());
+    listed[1] = "Moss.kel | add | added by bob";
+    listed[2] = "Sky.kel | edit | nothing new";
+    refusedAttempt(&menuCommand, QStringLiteral("Moss.kel is opened for add by bob"));
+
+    ASSERT_TRUE(depot->bob().revert(depot->bobTicket(), {bobMoss}).ok());
+    listed[1] = "Moss.kel | add | nothing new";
+    expectReconcile(listed, {"Leaf.kel"}, QStringLiteral("Offline morning"));
     reconcileAndWait(&menuCommand);
     waitForOperations();
 
