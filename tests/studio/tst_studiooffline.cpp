@@ -238,8 +238,14 @@ TEST(OfflineJournal, AKilledSaveLeavesEveryChangedFileNamed)
             workspace->Save();
             ::_exit(0);
         }
-        // Round 0 is killed at once; the others as soon as the files begin to change.
-        while (round > 0 && filesOnDisk() == before && ::waitpid(child, nullptr, WNOHANG) == 0) {
+        // Round 0 is killed at once, rounds 1 and 2 when the first file is gone, the others when
+        // the first new one is there.
+        const auto newFileThere = [&] {
+            const std::set<std::string> now = filesOnDisk();
+            return std::any_of(now.begin(), now.end(), [&](const std::string& file) { return !before.count(file); });
+        };
+        while (round > 0 && (round < 3 ? filesOnDisk() == before : !newFileThere()) &&
+               ::waitpid(child, nullptr, WNOHANG) == 0) {
         }
         ::kill(child, SIGKILL);
         ::waitpid(child, nullptr, 0);
