@@ -1,5 +1,7 @@
 #include <hbrcdatamodel/stagedwrites.h>
 
+#include "durablewrites.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -27,22 +29,6 @@ std::string lastError()
     return std::strerror(errno);
 }
 
-bool writeAll(int descriptor, const QByteArray& content)
-{
-    const char* data = content.constData();
-    qsizetype left = content.size();
-    while (left > 0) {
-        const ssize_t written = ::write(descriptor, data, static_cast<size_t>(left));
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        data += written;
-        left -= written;
-    }
-    return true;
-}
-
 // Creates a new file beside target with target's permissions (a new target gets the usual
 // permissions for new files); -1 when none can be created.
 int createTemporary(const QByteArray& target, QByteArray& temporary)
@@ -59,17 +45,6 @@ int createTemporary(const QByteArray& target, QByteArray& temporary)
         return descriptor;
     }
     return -1;
-}
-
-// Flushes a file or folder to the disk; false when the flush failed.
-bool flush(const QByteArray& path)
-{
-    const int descriptor = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0)
-        return false;
-    const bool flushed = ::fsync(descriptor) == 0;
-    ::close(descriptor);
-    return flushed;
 }
 
 }  // namespace
@@ -105,7 +80,7 @@ std::optional<StagedWrites::Ticket> StagedWrites::Stage(const QString& path, con
         fail(path, "a temporary file cannot be created beside it (" + lastError() + ")", report);
         return std::nullopt;
     }
-    const bool written = writeAll(descriptor, content);
+    const bool written = DurableWrites::WriteAll(descriptor, content);
     const std::string reason = written ? std::string() : lastError();
 #ifdef __linux__
     // Start the write-back now so that the flush pass of Commit() finds the data on its way.
@@ -128,7 +103,7 @@ std::set<QString> StagedWrites::Commit(SaveReport& report)
     // ahead of the content it puts in place.
     std::vector<bool> durable(m_staged.size());
     for (std::size_t i = 0; i < m_staged.size(); ++i)
-        durable[i] = flush(m_staged[i].temporary);
+        durable[i] = DurableWrites::Flush(m_staged[i].temporary);
 
     std::set<QString> written;
     std::set<QByteArray> folders;
@@ -154,7 +129,7 @@ std::set<QString> StagedWrites::Commit(SaveReport& report)
     }
     // The renames are durable once their folders are.
     for (const QByteArray& folder : folders)
-        flush(folder);
+        DurableWrites::Flush(folder);
     return written;
 }
 

@@ -4,9 +4,11 @@
 #include <hbrcdatamodel/datamodelmgr.h>
 #include <hbrcdatamodel/itemlibrary.h>
 #include <hbrcdatamodel/kelformat.h>
+#include <hbrcdatamodel/offlinejournal.h>
 #include <hbrcdatamodel/stagedwrites.h>
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <optional>
 #include <vector>
@@ -20,13 +22,44 @@ QString absolute(const DataModelMgr& model, const std::string& relative)
     return QFile::decodeName(QByteArray::fromStdString(model.AbsolutePath(relative)));
 }
 
+// Names a file the save is about to create or delete in the offline journal, when one is kept;
+// false (reported) when the journal cannot be written: the file must then stay as it is.
+bool journalBefore(DataModelMgr& model, const QString& path, OfflineJournal::Change change, SaveReport& report)
+{
+    OfflineJournal* journal = model.Journal();
+    if (!journal)
+        return true;
+    const bool affected = change == OfflineJournal::Change::Created ? !QFileInfo::exists(path) : QFileInfo::exists(path);
+    std::string error;
+    if (!affected || journal->Record(QFile::encodeName(path).toStdString(), change, error))
+        return true;
+    report.Fail(QFile::encodeName(path).toStdString(), error);
+    return false;
+}
+
+// Removes one file of the save, named in the offline journal first.
+bool removeFile(DataModelMgr& model, const QString& path, SaveReport& report)
+{
+    return journalBefore(model, path, OfflineJournal::Change::Deleted, report) && AssetFiles::Remove(path, report);
+}
+
+// Stages one file of the save, named in the offline journal first when it is new.
+std::optional<StagedWrites::Ticket> stageFile(DataModelMgr& model, StagedWrites& writes, const QString& path,
+                                              const QByteArray& content, SaveReport& report,
+                                              const std::vector<StagedWrites::Ticket>& renameAfter = {})
+{
+    if (!journalBefore(model, path, OfflineJournal::Change::Created, report))
+        return std::nullopt;
+    return writes.Stage(path, content, report, renameAfter);
+}
+
 void removeDeletedAssets(DataModelMgr& model, SaveReport& report)
 {
     std::vector<PendingDeletion> remaining;
     for (PendingDeletion& deletion : model.Store().PendingDeletions()) {
         PendingDeletion failed;
         for (const std::string& file : deletion.files) {
-            if (!AssetFiles::Remove(absolute(model, file), report))
+            if (!removeFile(model, absolute(model, file), report))
                 failed.files.push_back(file);
         }
         if (!failed.files.empty())
@@ -50,7 +83,7 @@ std::optional<StagedAsset> stageAsset(DataModelMgr& model, std::uint32_t slot, S
     std::vector<StagedWrites::Ticket> externals;
     bool externalsStaged = true;
     for (const auto& [name, content] : asset.pendingContent) {
-        const auto ticket = writes.Stage(absolute(model, asset.ExternalPath(name)), content, report);
+        const auto ticket = stageFile(model, writes, absolute(model, asset.ExternalPath(name)), content, report);
         if (ticket)
             externals.push_back(*ticket);
         externalsStaged = externalsStaged && ticket;
@@ -59,7 +92,8 @@ std::optional<StagedAsset> stageAsset(DataModelMgr& model, std::uint32_t slot, S
         return std::nullopt;
     StagedAsset staged{slot, absolute(model, asset.kelPath), asset.record};
     ++staged.saved.version;
-    if (!writes.Stage(staged.kelPath, QByteArray::fromStdString(KelFormat::Serialize(staged.saved)), report, externals))
+    if (!stageFile(model, writes, staged.kelPath, QByteArray::fromStdString(KelFormat::Serialize(staged.saved)), report,
+                   externals))
         return std::nullopt;
     return staged;
 }
@@ -76,7 +110,7 @@ bool finishAsset(DataModelMgr& model, const StagedAsset& staged, SaveReport& rep
         model.DataSource().RecordAddedObject(DbObjectId(asset.record.id), staged.slot, model.Store().InstanceOf(staged.slot));
 
     for (auto name = asset.pendingRemoval.begin(); name != asset.pendingRemoval.end();) {
-        if (AssetFiles::Remove(absolute(model, asset.ExternalPath(*name)), report))
+        if (removeFile(model, absolute(model, asset.ExternalPath(*name)), report))
             name = asset.pendingRemoval.erase(name);
         else
             ++name;

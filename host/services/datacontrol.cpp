@@ -4,6 +4,7 @@
 #include <hbrcservices/filepermissions.h>
 #include <hbrcservices/statusrules.h>
 
+#include <hbrcdatamodel/offlinejournal.h>
 #include <log/log.h>
 
 #include <optional>
@@ -160,6 +161,16 @@ std::string DataControl::GetAssetDisplayName(const KELHandle<kel4::IDbObject>& o
 
 // --- status and editability -----------------------------------------------------------------------
 
+// While the host keeps an offline journal it works without its server: the questions asked before
+// every edit and save answer at once instead of waiting for a server that is not there.
+bool DataControl::Offline(std::string& errorText) const
+{
+    if (!m_model->Journal())
+        return false;
+    errorText = "Working offline";
+    return true;
+}
+
 DataControl::Files DataControl::FilesToAsk(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles,
                                            kel4::closureId closure, const Files& objectFiles) const
 {
@@ -184,6 +195,8 @@ kelResult DataControl::KnownStatuses(const KELHandle<kel4::IDbObject>& object, b
         statuses = std::move(*cached);
         return kel4::kResultSuccess;
     }
+    if (Offline(errorText))
+        return kel4::kResultSessionUnusable;
     const Files asked = FilesToAsk(object, includeExternalFiles, closure, files);
     std::vector<revision::FileStatus> answered;
     const kelResult result = ServerQueries::Status(*m_connection, m_session.Get(), asked, answered, errorText);
@@ -208,6 +221,8 @@ kelResult DataControl::GetStatus(const ObjectList& objects, bool includeExternal
     std::vector<revision::FileStatus> answered;
     if (auto cached = refresh ? std::nullopt : m_connection->Cache().Lookup(files)) {
         answered = std::move(*cached);
+    } else if (Offline(errorText)) {
+        return kel4::kResultSessionUnusable;
     } else if (!files.empty()) {
         const kelResult result = ServerQueries::Status(*m_connection, m_session.Get(), files, answered, errorText);
         if (result.IsFailure())
@@ -334,7 +349,11 @@ kelResult DataControl::MakeWritable(const KELHandle<kel4::IDbObject>& object, bo
     bool allWritable = true;
     for (const std::string& file : FilesOf(object, includeExternalFiles, closure)) {
         std::string error;
-        if (!FilePermissions::MakeWritable(file, error)) {
+        // Offline, the journal names the file before it becomes writable, or it stays read-only.
+        OfflineJournal* journal = m_model->Journal();
+        const bool journalled = !journal || !FilePermissions::IsReadOnly(file) ||
+                                journal->Record(file, OfflineJournal::Change::MadeWritable, error);
+        if (!journalled || !FilePermissions::MakeWritable(file, error)) {
             allWritable = false;
             errorText += error + "\n";
         }

@@ -74,7 +74,8 @@ bool AssetEdits::save()
     // own choice to work without revision control: a writable copy changes nothing on the server,
     // where their check-out or lock still stands, and the user now knows whom to ask before they
     // turn revision control on (which would make the save check the files out instead).
-    if (!m_sessionController.revisionControlOn())
+    // Offline the server is not asked: the reconcile names who holds the files.
+    if (m_sessionController.state() == SessionState::RevisionControlOff)
         for (const QString& held : HeldAssets::describe(*workspace, m_session.services()))
             emit message(Log::eWarning, held);
     host::SaveReport report;

@@ -23,6 +23,7 @@
 #include <qtextention/qfunctoraction.h>
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDeadlineTimer>
 #include <QDialogButtonBox>
 #include <QDir>
@@ -231,6 +232,53 @@ public:
                   << submitted.model().index(row, SubmittedChangesModel::DescriptionColumn).data().toString() << "\n";
         printDifferences(*submitted.differences());
         shotOf(&submitted, "tour-8-submitted-changes.png");
+
+        step(QStringLiteral("alice works offline: she edits Leaf and Rock, which bob changed meanwhile, and saves"));
+        window.action(QStringLiteral("workOffline"))->trigger();
+        m_out << "  session: " << window.sessionState() << "\n";
+        select("Leaf");
+        editColour("#3f9a4a");
+        select("Rock");
+        editColour("#8a6c5c");
+        DialogAnswer makeWritable([this](QWidget* dialog) {
+            for (auto* button : dialog->findChildren<QPushButton*>())
+                if (button->text().remove('&') == QLatin1String("Make Writable")) {
+                    m_out << "  \"" << dialog->windowTitle() << "\" dialog: alice presses Make Writable\n";
+                    return button->click();
+                }
+            Expect(false, "expected the save's question with Make Writable");
+        });
+        Expect(window.save(), "the offline save failed");
+        Expect(makeWritable.answered(), "the offline save asked nothing");
+        m_out << "  " << lastLogLine() << "\n";
+
+        step(QStringLiteral("back online: Reconcile Offline Work lists her files and names bob on Rock"));
+        window.action(QStringLiteral("workOffline"))->trigger();
+        waitForStatus();
+        DialogAnswer reconcile([this](QWidget* dialog) {
+            auto* files = dialog->findChild<QTreeWidget*>(QStringLiteral("files"));
+            auto* changelists = dialog->findChild<QComboBox*>(QStringLiteral("changelist"));
+            Expect(files && changelists, "expected the Reconcile dialog");
+            m_out << "  \"" << dialog->windowTitle() << "\" dialog:\n";
+            for (int row = 0; row < files->topLevelItemCount(); ++row) {
+                QTreeWidgetItem* item = files->topLevelItem(row);
+                m_out << "    " << item->text(0) << " (" << item->text(1) << "): " << item->text(2) << "\n";
+                // Rock, which bob changed, stays out; alice talks to him first.
+                if (!item->text(0).startsWith(QLatin1String("Leaf")))
+                    item->setCheckState(0, Qt::Unchecked);
+            }
+            changelists->setCurrentIndex(changelists->findText(QStringLiteral("look dev"), Qt::MatchEndsWith));
+            files->setFocus();
+            shotOf(dialog, "tour-9-reconcile.png");
+            m_out << "  alice reconciles Leaf into \"look dev\"\n";
+            dialog->findChild<QPushButton*>(QStringLiteral("reconcile"))->click();
+        });
+        window.action(QStringLiteral("reconcile"))->trigger();
+        waitUntil([&] { return reconcile.answered(); });
+        Expect(reconcile.answered(), "no Reconcile dialog appeared");
+        waitForOperations();
+        m_out << "  " << lastLogLine() << "\n";
+        printStatus({"Leaf"});
 
         step(QStringLiteral("done"));
         m_out << "Status questions asked: " << m_statusAnswers << ", round trips for them: "

@@ -7,8 +7,11 @@
 #include "historypane.h"
 #include "logdock.h"
 #include "logindialog.h"
+#include "offlinework.h"
 #include "pendingchangespane.h"
 #include "propertypane.h"
+#include "reconciledialog.h"
+#include "reconciler.h"
 #include "revisionoperations.h"
 #include "sessioncontroller.h"
 #include "settingsdialog.h"
@@ -33,6 +36,7 @@
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QStackedWidget>
 #include <QStandardPaths>
 #include <QTreeView>
@@ -57,6 +61,7 @@ MainWindow::MainWindow(StudioSession& session, QWidget* parent) : QMainWindow(pa
     setPalette(readable);
     buildPanes();
     buildControllers();
+    buildOfflineWork();
     m_actions = new StudioActions(*this, m_session);
     connect(m_statusBar, &StudioStatusBar::sessionClicked, m_actions, &StudioActions::offerSessionAction);
     if (IRevisionControlPropertiesMgr* settings = m_session.settings()) {
@@ -163,6 +168,46 @@ void MainWindow::buildControllers()
     connect(m_submitted, &SubmittedChangesDock::assetChosen, m_browser, &AssetBrowser::selectAsset);
 }
 
+// Work Offline and Reconcile: the offer to reconcile is a notice in the status bar with a button,
+// never a dialog of its own.
+void MainWindow::buildOfflineWork()
+{
+    m_offline = new OfflineWork(m_session, *m_sessionController, this);
+    m_reconciler = new Reconciler(
+        *m_offline, *m_operations,
+        [this](const ReconcileSurvey& survey) {
+            return ReconcileDialog::ask(this, survey, m_pending->model().pending(),
+                                        m_session.currentWorkspace() ? m_session.currentWorkspace()->Root() : QString());
+        },
+        this);
+    m_reconcileNotice = new QPushButton(tr("Files were changed offline: Reconcile..."), m_statusBar);
+    m_reconcileNotice->setObjectName(QStringLiteral("reconcileNotice"));
+    m_reconcileNotice->setFocusPolicy(Qt::StrongFocus);
+    m_reconcileNotice->hide();
+    m_statusBar->addPermanentWidget(m_reconcileNotice);
+    connect(m_offline, &OfflineWork::message, this, &MainWindow::log);
+    connect(m_reconciler, &Reconciler::message, this, &MainWindow::log);
+    connect(m_workspaces, &WorkspaceController::opened, m_offline, &OfflineWork::workspaceOpened);
+    connect(m_workspaces, &WorkspaceController::aboutToLeave, m_offline, &OfflineWork::workspaceClosed);
+    connect(m_offline, &OfflineWork::offlineChanged, this, [this](bool offline) {
+        updateStatusBar();
+        updateActions();
+        if (!offline)
+            refreshStatus();
+    });
+    connect(m_offline, &OfflineWork::reconcileOffered, m_reconcileNotice, &QWidget::show);
+    connect(m_reconcileNotice, &QPushButton::clicked, m_reconciler, &Reconciler::start);
+    connect(m_reconciler, &Reconciler::started, m_reconcileNotice, &QWidget::hide);
+    connect(m_reconciler, &Reconciler::refused, this, [this](const QString& why) {
+        auto* box = new QMessageBox(QMessageBox::Warning, tr("Reconcile Refused"),
+                                    tr("Nothing was opened; the server refused the reconcile:\n%1").arg(why),
+                                    QMessageBox::Ok, this);
+        box->setObjectName(QStringLiteral("reconcileRefused"));
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->open();
+    });
+}
+
 QFunctorAction* MainWindow::action(const QString& name) const
 {
     return m_actions->action(name);
@@ -183,7 +228,8 @@ void MainWindow::updateStatusBar()
     host::Workspace* workspace = m_session.currentWorkspace();
     m_statusBar->showSession(m_session.storedAccount(), workspace ? workspace->Root() : QString(), sessionState());
     const SessionState state = m_sessionController->state();
-    model().setStatusUnavailable(state == SessionState::RevisionControlOff || state == SessionState::NotLoggedIn
+    model().setStatusUnavailable(state == SessionState::RevisionControlOff || state == SessionState::NotLoggedIn ||
+                                         state == SessionState::Offline
                                      ? sessionState()
                                      : QString());
 }

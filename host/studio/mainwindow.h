@@ -8,6 +8,7 @@
 #include <memory>
 
 class QFunctorAction;
+class QPushButton;
 class QSplitter;
 class QStackedWidget;
 
@@ -28,8 +29,10 @@ class AssetDialogs;
 class AssetEdits;
 class HistoryPane;
 class LogDock;
+class OfflineWork;
 class PendingChangesPane;
 class PropertyPane;
+class Reconciler;
 class RevisionOperations;
 class SessionController;
 class StartPage;
@@ -89,6 +92,8 @@ public:
     AssetDialogs& assetDialogs() const { return *m_dialogs; }
     HistoryPane& history() const { return *m_history; }
     SubmittedChangesDock& submittedChanges() const { return *m_submitted; }
+    OfflineWork& offlineWork() const { return *m_offline; }
+    Reconciler& reconciler() const { return *m_reconciler; }
     // The session as the status bar tells it ("logged in as alice", "revision control off", ...).
     QString sessionState() const;
 
@@ -116,6 +121,7 @@ private:
     void log(int level, const QString& text);
 
     void createDemoDepot();
+    void buildOfflineWork();
 
     StudioSession& m_session;
     QStackedWidget* m_pages = nullptr;
@@ -137,6 +143,9 @@ private:
     HistoryPane* m_history = nullptr;
     SubmittedChangesDock* m_submitted = nullptr;
     std::unique_ptr<nrk::signalling::IConnection> m_settingsConnection;
+    OfflineWork* m_offline = nullptr;
+    Reconciler* m_reconciler = nullptr;
+    QPushButton* m_reconcileNotice = nullptr;  // in the status bar while reconcile is offered
 };
 
 }  // namespace hbrc::studio

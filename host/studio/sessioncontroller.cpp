@@ -53,6 +53,8 @@ SessionState SessionController::state() const
         return SessionState::NoWorkspace;
     if (!hasServer())
         return SessionState::NoServer;
+    if (m_offline != OfflineReason::None)
+        return SessionState::Offline;
     if (!revisionControlOn())
         return SessionState::RevisionControlOff;
     // Never "logged in" without a session, whatever installed or removed it.
@@ -73,6 +75,9 @@ QString SessionController::stateText() const
             .arg(QString::fromStdString(m_session.services().dataControl->GetUserParameters()->GetUserName()));
     case SessionState::Expired: return tr("expired");
     case SessionState::Unreachable: return tr("unreachable");
+    case SessionState::Offline:
+        return m_offline == OfflineReason::Chosen ? tr("Offline: working offline by choice")
+                                                  : tr("Offline: the server cannot be reached");
     }
     return {};
 }
@@ -85,6 +90,7 @@ SessionAction SessionController::fittingAction() const
     case SessionState::Expired: return SessionAction::LogIn;
     case SessionState::Unreachable: return SessionAction::Retry;
     case SessionState::LoggedIn: return SessionAction::LogOut;
+    case SessionState::Offline: return SessionAction::WorkOnline;
     default: return SessionAction::None;
     }
 }
@@ -116,6 +122,7 @@ void SessionController::workspaceOpened()
 
 void SessionController::workspaceClosed()
 {
+    m_offline = OfflineReason::None;
     setState(SessionState::NoWorkspace);
 }
 
@@ -252,6 +259,14 @@ void SessionController::statusAnswered(const StatusAnswer& answer)
         m_state = answer.code >= 0 ? SessionState::LoggedIn : SessionState::Expired;
     if (m_state != before)
         emit stateChanged();
+}
+
+void SessionController::setOffline(OfflineReason reason)
+{
+    if (reason == m_offline)
+        return;
+    m_offline = reason;
+    emit stateChanged();
 }
 
 }  // namespace hbrc::studio

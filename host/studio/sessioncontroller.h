@@ -21,10 +21,14 @@ enum class SessionState {
     LoggedIn,
     Expired,      // the server refuses the session it gave
     Unreachable,  // the server cannot be reached at all
+    Offline,      // working without the server: chosen, or since it could not be reached
 };
 
+// Why the studio works offline.
+enum class OfflineReason { None, Chosen, ServerUnreachable };
+
 // What a click on the session in the status bar offers.
-enum class SessionAction { None, LogIn, LogOut, TurnRevisionControlOn, Retry };
+enum class SessionAction { None, LogIn, LogOut, TurnRevisionControlOn, Retry, WorkOnline };
 
 // The questions of the Log In dialog and the user's answers.
 struct LoginRequest
@@ -71,6 +75,13 @@ public:
     void revisionControlChosen(bool wasOn);
     // A status question was answered.
     void statusAnswered(const StatusAnswer& answer);
+    // Offline (OfflineWork decides when): the state says so and why, whatever the server answers
+    // meanwhile; OfflineReason::None ends it.
+    void setOffline(OfflineReason reason);
+    OfflineReason offlineReason() const { return m_offline; }
+    // The server's last answer, whether or not the studio works offline: what tells that an
+    // unreachable server answers again.
+    SessionState serverState() const { return m_state; }
 
     SessionState state() const;
     // The state in words: "logged in as alice", "expired", "revision control off", ...
@@ -97,6 +108,7 @@ private:
     StudioSession& m_session;
     LoginPrompt m_prompt;
     SessionState m_state = SessionState::NoWorkspace;
+    OfflineReason m_offline = OfflineReason::None;
 };
 
 }  // namespace hbrc::studio

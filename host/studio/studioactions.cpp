@@ -5,6 +5,8 @@
 #include "assetdialogs.h"
 #include "assetedits.h"
 #include "mainwindow.h"
+#include "offlinework.h"
+#include "reconciler.h"
 #include "revisionoperations.h"
 #include "sessioncontroller.h"
 #include "studiosession.h"
@@ -80,6 +82,19 @@ StudioActions::StudioActions(MainWindow& window, StudioSession& session)
     add(revision, "turnRevisionControlOn", tr("Turn Revision Control &On"),
               [&sessionController] { sessionController.turnRevisionControlOn(); },
               [&sessionController] { return sessionController.hasServer() && !sessionController.revisionControlOn(); });
+    revision->addSeparator();
+    OfflineWork& offline = window.offlineWork();
+    Reconciler& reconciler = window.reconciler();
+    QFunctorAction* workOffline = add(revision, "workOffline", tr("Work O&ffline"), {},
+                                      [&sessionController] { return sessionController.hasServer(); });
+    workOffline->setCheckable(true);
+    connect(workOffline, &QAction::triggered, &offline, &OfflineWork::setWorkingOffline);
+    connect(&offline, &OfflineWork::offlineChanged, workOffline, &QAction::setChecked);
+    add(revision, "reconcile", tr("Reconc&ile Offline Work..."), [&reconciler] { reconciler.start(); },
+        [&sessionController, &offline, &reconciler] {
+            return sessionController.hasSession() && !offline.isOffline() && !reconciler.isBusy();
+        });
+    revision->addSeparator();
     add(revision, "settings", tr("&Settings..."), [&window] { window.showSettings(); });
     for (QMenu* menu : {file, edit, revision})
         connect(menu, &QMenu::aboutToShow, this, &StudioActions::update);
@@ -117,6 +132,7 @@ void StudioActions::offerSessionAction(const QPoint& at)
         {SessionAction::LogIn, "logIn"},
         {SessionAction::LogOut, "logOut"},
         {SessionAction::TurnRevisionControlOn, "turnRevisionControlOn"},
+        {SessionAction::WorkOnline, "workOffline"},
     };
     auto* menu = new QMenu(&m_window);
     menu->setAttribute(Qt::WA_DeleteOnClose);

@@ -1,11 +1,13 @@
 #include "studiosession.h"
 
+#include <hbrcdatamodel/offlinejournal.h>
 #include <hbrchost/pluginloader.h>
 #include <hbrcservices/userparameters.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <kel4/irevisioncontroluihelper.h>
 
 #include <QDir>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <utility>
@@ -23,7 +25,7 @@ constexpr int kDefaultRefreshSeconds = 60;
 }  // namespace
 
 StudioSession::StudioSession(const QString& preferencesFile, host::ConnectionOptions connection)
-    : m_host(preferencesFile), m_connectionOptions(std::move(connection))
+    : m_host(preferencesFile), m_preferencesFile(preferencesFile), m_connectionOptions(std::move(connection))
 {
     m_host.AddWorkspaceSetup([this](host::Workspace& workspace) {
         m_services = host::InstallRevisionControlServices(workspace, storedAccount().server, m_connectionOptions);
@@ -97,6 +99,12 @@ void StudioSession::close()
 {
     m_host.CloseWorkspace();
     m_services = {};
+}
+
+QString StudioSession::offlineJournalFile() const
+{
+    const QString folder = QFileInfo(m_preferencesFile).absoluteDir().filePath(QStringLiteral("offline"));
+    return currentWorkspace() ? host::OfflineJournal::FileFor(folder, currentWorkspace()->Root()) : QString();
 }
 
 QStringList StudioSession::recentWorkspaces()

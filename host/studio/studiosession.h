@@ -48,6 +48,9 @@ public:
     host::Workspace* open(const QString& folder, std::string& errorText);
     void close();
     QStringList recentWorkspaces();
+    // Where the offline journal of the open workspace is kept: beside the preferences, outside the
+    // workspace.
+    QString offlineJournalFile() const;
     // How often the window asks the server about the assets' status by itself (0: never).
     int statusRefreshSeconds();
     void setStatusRefreshSeconds(int seconds);
@@ -60,6 +63,7 @@ public:
 
 private:
     host::HostSession m_host;
+    const QString m_preferencesFile;
     const host::ConnectionOptions m_connectionOptions;
     host::RevisionControlServices m_services;
     kel4::IRevisionControlUIHelper* m_helper = nullptr;

@@ -11,6 +11,7 @@
 #include <QString>
 
 namespace hbrc::host {
+class OfflineJournal;
 
 // The data model of an open workspace folder: its object store, database instance and data
 // source, answering the SDK's IDataModelMgr and the host-side questions that the revision-control
@@ -76,12 +77,18 @@ public:
     kel4::List<KELHandle<kel4::IAsset>> AssetsOwningFiles(const kel4::List<std::string>& files) const;
     bool IsDirty(const KELHandleBase& object) const;
 
+    // The journal that names every file the host makes writable, creates or deletes, each before it
+    // changes; null while the host works with its server (the default). Not owned.
+    void SetJournal(OfflineJournal* journal) { m_journal = journal; }
+    OfflineJournal* Journal() const { return m_journal; }
+
 private:
     QString m_root;
     std::string m_encodedRoot;  // m_root in the file-name encoding, the prefix of every absolute path
     ObjectStore m_store;
     KELPtr<KelInstance> m_instance;
     KELPtr<MultiFileDataSource> m_dataSource;
+    OfflineJournal* m_journal = nullptr;
 };
 
 }  // namespace hbrc::host

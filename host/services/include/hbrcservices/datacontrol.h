@@ -90,6 +90,9 @@ private:
     kelResult KnownStatuses(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles, kel4::closureId closure,
                             const Files& files, std::vector<revision::FileStatus>& statuses, std::string& errorText);
     kelResult ChangeFiles(const Files& files, const ServerConnection::Operation& change, std::string& errorText);
+    // True (with errorText) while the workspace keeps an offline journal: status questions then
+    // fail at once with kResultSessionUnusable.
+    bool Offline(std::string& errorText) const;
 
     KELPtr<DataModelMgr> m_model;
     std::shared_ptr<ServerConnection> m_connection;
