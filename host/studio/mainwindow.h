@@ -26,7 +26,9 @@ class AssetBrowserModel;
 class AssetCommands;
 class AssetDialogs;
 class AssetEdits;
+class AssetWatches;
 class LogDock;
+class NoticeBar;
 class PendingChangesPane;
 class PropertyPane;
 class RevisionOperations;
@@ -85,6 +87,8 @@ public:
     AssetCommands& assetCommands() const { return *m_commands; }
     AssetEdits& assetEdits() const { return *m_edits; }
     AssetDialogs& assetDialogs() const { return *m_dialogs; }
+    AssetWatches& assetWatches() const { return *m_watches; }
+    NoticeBar& noticeBar() const { return *m_notice; }
     // The session as the status bar tells it ("logged in as alice", "revision control off", ...).
     QString sessionState() const;
 
@@ -130,6 +134,8 @@ private:
     std::unique_ptr<AssetDialogs> m_dialogs;
     StatusRefreshPolicy* m_refresh = nullptr;
     StudioActions* m_actions = nullptr;
+    AssetWatches* m_watches = nullptr;
+    NoticeBar* m_notice = nullptr;
     std::unique_ptr<nrk::signalling::IConnection> m_settingsConnection;
 };
 
