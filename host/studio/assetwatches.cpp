@@ -73,7 +73,8 @@ QString AssetWatches::offerAfterRefusal(const KELHandleBase& asset) const
     const AssetStatus* status = m_model.statusAt(m_model.rowOf(asset));
     if (m_scope.isEmpty() || isWatching(asset) || !status || status->holders.isEmpty())
         return {};
-    return tr("%1 is held by %2.").arg(QString::fromStdString(asset.GetName()), status->holders.join(QStringLiteral(", ")));
+    return tr("%1 is held by %2.")
+        .arg(QString::fromStdString(asset.GetName()), status->holders.join(QStringLiteral(", ")));
 }
 
 void AssetWatches::takeStatus(const StatusAnswer& answer)

@@ -158,13 +158,14 @@ void MainWindow::buildControllers()
     m_watches = new AssetWatches(m_session.host().Preferences(), model(), this);
     connect(&model(), &AssetBrowserModel::statusRefreshed, m_watches, &AssetWatches::takeStatus);
     connect(m_watches, &AssetWatches::message, this, &MainWindow::log);
-    connect(m_watches, &AssetWatches::freed, this, [this](const KELHandle<kel4::IDbObject>& asset, const QString& line) {
-        updateActions();
-        m_notice->offer(line, tr("&Check Out"), [this, asset] {
-            if (model().rowOf(asset) >= 0)
-                m_commands->checkOut(asset);
-        });
-    });
+    connect(m_watches, &AssetWatches::freed, this,
+            [this](const KELHandle<kel4::IDbObject>& asset, const QString& line) {
+                updateActions();
+                m_notice->offer(line, tr("&Check Out"), [this, asset] {
+                    if (model().rowOf(asset) >= 0)
+                        m_commands->checkOut(asset);
+                });
+            });
     connect(m_commands, &AssetCommands::refused, this, [this](const KELHandle<kel4::IDbObject>& asset) {
         if (const QString offer = m_watches->offerAfterRefusal(asset); !offer.isEmpty())
             m_notice->offer(offer, tr("Tell &Me When It's Free"), [this, asset] { m_watches->toggle(asset); });

@@ -42,8 +42,9 @@ class WorkspaceController;
 struct StatusAnswer;
 
 // The studio's main window "TarnWindow": the start page, or the asset browser beside the property
-// pane for the open workspace; the File, Edit and Revision Control menus; the log dock and the
-// status bar (server, user, workspace, session state). It builds the panes and wires them to the
+// pane for the open workspace; the File, Edit and Revision Control menus; the log dock, the
+// status bar (server, user, workspace, session state) and the notice bar above the panes (a
+// watched asset is free; a refused asset can be watched). It builds the panes and wires them to the
 // controllers, which hold the logic: WorkspaceController (open, close), AssetEdits (edits, undo,
 // save), AssetCommands (revision-control commands), StatusRefreshPolicy (when the status is
 // asked), SessionController (log-in, session state). StudioActions holds the menus, AssetDialogs

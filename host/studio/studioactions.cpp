@@ -146,7 +146,8 @@ void StudioActions::update()
 {
     for (const auto& [name, action] : m_actions)
         action->updateEnabled();
-    action(QStringLiteral("watchAsset"))->setChecked(m_window.assetWatches().isWatching(m_window.browser().currentAsset()));
+    action(QStringLiteral("watchAsset"))
+        ->setChecked(m_window.assetWatches().isWatching(m_window.browser().currentAsset()));
     // Every step is an edit of the user's, named after it (EditStepCommand).
     const nrk::fwk::ICommand* undo = m_session.host().Commands().GetUndoCommand();
     action(QStringLiteral("undo"))

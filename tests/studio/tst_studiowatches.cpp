@@ -51,7 +51,8 @@ TEST_F(StudioWatches, BobReleasesRockAndAlicesWatchSurvivesARestartAndChecksItOu
     ASSERT_TRUE(hbrc::depot::Depot(depot->path()).lock(depot->bobTicket(), {bobsRock()}).ok());
     refresh();
     select("Rock");
-    EXPECT_EQ(RelatedHolds::describe(QStringLiteral("Moss"), {{QStringLiteral("Rock"), window->model().statusAt(window->model().rowOf(asset("Rock")))}}),
+    const AssetStatus* rock = window->model().statusAt(window->model().rowOf(asset("Rock")));
+    EXPECT_EQ(RelatedHolds::describe(QStringLiteral("Moss"), {{QStringLiteral("Rock"), rock}}),
               QStringList{"Moss: its related asset Rock is locked by bob"});
 
     // The refused check-out offers the watch in the window's notice bar.
