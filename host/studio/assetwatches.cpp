@@ -68,6 +68,12 @@ void AssetWatches::toggle(const KELHandleBase& asset)
     store();
 }
 
+void AssetWatches::watch(const KELHandleBase& asset)
+{
+    if (!isWatching(asset))
+        toggle(asset);
+}
+
 QString AssetWatches::offerAfterRefusal(const KELHandleBase& asset) const
 {
     const AssetStatus* status = m_model.statusAt(m_model.rowOf(asset));

@@ -36,6 +36,8 @@ public:
     bool mayToggle(const KELHandleBase& asset) const;
     // Starts watching the asset, or stops when it is watched.
     void toggle(const KELHandleBase& asset);
+    // Starts watching the asset unless it is watched already (an offer taken after the menu's).
+    void watch(const KELHandleBase& asset);
     // After a refusal: the offer to watch the asset ("Rock is held by bob."), or an empty string
     // when nobody else holds it or it is watched already.
     QString offerAfterRefusal(const KELHandleBase& asset) const;

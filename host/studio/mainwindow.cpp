@@ -168,7 +168,7 @@ void MainWindow::buildControllers()
             });
     connect(m_commands, &AssetCommands::refused, this, [this](const KELHandle<kel4::IDbObject>& asset) {
         if (const QString offer = m_watches->offerAfterRefusal(asset); !offer.isEmpty())
-            m_notice->offer(offer, tr("Tell &Me When It's Free"), [this, asset] { m_watches->toggle(asset); });
+            m_notice->offer(offer, tr("Tell &Me When It's Free"), [this, asset] { m_watches->watch(asset); });
     });
     connect(m_edits, &AssetEdits::editRefused, this, [this] {
         m_properties->showValues();

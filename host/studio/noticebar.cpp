@@ -19,6 +19,7 @@ NoticeBar::NoticeBar(QWidget* parent) : QFrame(parent)
     m_text = new QLabel(this);
     m_text->setObjectName(QStringLiteral("noticeText"));
     m_text->setWordWrap(true);
+    m_text->setTextFormat(Qt::PlainText);
     m_action = new QPushButton(this);
     m_action->setObjectName(QStringLiteral("noticeAction"));
     m_dismiss = new QPushButton(tr("&Dismiss"), this);
