@@ -1,5 +1,6 @@
 #include "assetbrowsermodel.h"
 
+#include "relatedholds.h"
 #include "statuschange.h"
 
 #include <hbrcdatamodel/workspace.h>
@@ -45,13 +46,13 @@ QIcon holderIcon(const AssetStatus& status)
     return QApplication::style()->standardIcon(locked ? QStyle::SP_MessageBoxCritical : QStyle::SP_MessageBoxWarning);
 }
 
-QString holdsText(const AssetStatus& status)
+QString holdsText(const AssetStatus& status, const QStringList& relatedHolds)
 {
     QStringList lines;
     for (const revision::FileHolder& hold : status.heldBy)
         lines << StatusChange::describeHold(hold);
     lines.removeDuplicates();
-    return lines.join(QLatin1Char('\n'));
+    return (lines + relatedHolds).join(QLatin1Char('\n'));
 }
 
 }  // namespace
@@ -174,6 +175,35 @@ int AssetBrowserModel::rowOf(const KELHandleBase& asset) const
     return found == m_rows.end() ? -1 : int(found - m_rows.begin());
 }
 
+std::string AssetBrowserModel::idAt(int row) const
+{
+    return row < 0 || row >= int(m_rows.size()) ? std::string() : m_rows[std::size_t(row)].id;
+}
+
+int AssetBrowserModel::rowOfId(const std::string& id) const
+{
+    const auto found = std::find_if(m_rows.begin(), m_rows.end(), [&id](const Row& row) { return row.id == id; });
+    return found == m_rows.end() ? -1 : int(found - m_rows.begin());
+}
+
+QStringList AssetBrowserModel::relatedHolds(int row) const
+{
+    const KELHandle<kel4::IDbObject> asset = assetAt(row);
+    if (asset.IsNull())
+        return {};
+    const host::DataModelMgr& model = m_workspace->Model();
+    const host::DataModelMgr::ObjectSet related = model.RelatedObjects({asset});
+    std::vector<RelatedHolds::Related> held;
+    for (const KELHandle<kel4::IDbObject>& owner : model.OwningAssets({related.begin(), related.end()})) {
+        if (owner == asset)
+            continue;  // its own parts
+        const int ownerRow = rowOf(owner);
+        if (ownerRow >= 0)
+            held.push_back({name(m_rows[std::size_t(ownerRow)]), statusAt(ownerRow)});
+    }
+    return RelatedHolds::describe(name(m_rows[std::size_t(row)]), held);
+}
+
 int AssetBrowserModel::rowCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : int(m_rows.size());
@@ -216,9 +246,10 @@ QVariant AssetBrowserModel::data(const QModelIndex& index, int role) const
         return QApplication::style()->standardIcon(QStyle::SP_ArrowDown);
     if (role == Qt::ForegroundRole && index.column() == RevisionColumn && row.status.behind)
         return QColor(0xc0, 0x7a, 0x12);
-    if (role == Qt::ToolTipRole && (index.column() == StatusColumn || index.column() == HolderColumn) &&
-        !row.status.heldBy.empty())
-        return holdsText(row.status);
+    if (role == Qt::ToolTipRole && (index.column() == StatusColumn || index.column() == HolderColumn)) {
+        if (const QStringList related = relatedHolds(index.row()); !row.status.heldBy.empty() || !related.isEmpty())
+            return holdsText(row.status, related);
+    }
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
         return {};
     const host::StoredAsset& asset = store.AssetAt(row.slot);

@@ -56,6 +56,11 @@ public:
     // The last answered status of row, or null while it is unknown.
     const AssetStatus* statusAt(int row) const;
     int rowOf(const KELHandleBase& asset) const;
+    // The asset's id in the workspace, and the row of an id (-1: none).
+    std::string idAt(int row) const;
+    int rowOfId(const std::string& id) const;
+    // Which of row's related assets (those an edit of it involves) other users hold, one line each.
+    QStringList relatedHolds(int row) const;
     const AssetStatusQuery& statusQuery() const { return m_query; }
 
     int rowCount(const QModelIndex& parent = {}) const override;

@@ -47,6 +47,7 @@ bool AssetCommands::mayEdit(const KELHandle<kel4::IDbObject>& asset, const QStri
     if (!allowed) {
         emit historyNoted(asset, tr("refused: %1").arg(what));
         emit message(Log::eWarning, tr("Refused: %1").arg(what));
+        noteRefusal(asset);
     }
     return allowed;
 }
@@ -58,7 +59,16 @@ void AssetCommands::checkOut(const KELHandle<kel4::IDbObject>& asset)
             return m_session.helper()->CheckOutObject(asset, cancelled, true);
         }))
         emit message(Log::eMessage, tr("Checked out %1").arg(nameOf(asset)));
+    else
+        noteRefusal(asset);
     emit changed();
+}
+
+void AssetCommands::noteRefusal(const KELHandle<kel4::IDbObject>& asset)
+{
+    for (const QString& line : m_model.relatedHolds(m_model.rowOf(asset)))
+        emit message(Log::eWarning, line);
+    emit refused(asset);
 }
 
 void AssetCommands::makeWritable(const KELHandle<kel4::IDbObject>& asset)

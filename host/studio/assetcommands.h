@@ -71,8 +71,12 @@ signals:
     void assetsReread();
     // takeOutcome is done with an operation's outcome: the status is worth asking again.
     void operationApplied();
+    // The plug-in refused to let asset be edited or checked out (the user may have cancelled).
+    void refused(const KELHandle<kel4::IDbObject>& asset);
 
 private:
+    // Names the related assets others hold, beside the plug-in's own report, and emits refused.
+    void noteRefusal(const KELHandle<kel4::IDbObject>& asset);
     void rereadFromDisk(const std::vector<std::string>& files);
 
     StudioSession& m_session;

@@ -4,9 +4,11 @@
 #include "assetcommands.h"
 #include "assetdialogs.h"
 #include "assetedits.h"
+#include "assetwatches.h"
 #include "historypane.h"
 #include "logdock.h"
 #include "logindialog.h"
+#include "noticebar.h"
 #include "offlinework.h"
 #include "pendingchangespane.h"
 #include "propertypane.h"
@@ -40,6 +42,7 @@
 #include <QStackedWidget>
 #include <QStandardPaths>
 #include <QTreeView>
+#include <QVBoxLayout>
 
 namespace hbrc::studio {
 
@@ -98,7 +101,13 @@ void MainWindow::buildPanes()
     splitter->setStretchFactor(0, 3);
     splitter->setStretchFactor(1, 2);
     m_pages->addWidget(splitter);
-    setCentralWidget(m_pages);
+    auto* central = new QWidget(this);
+    auto* centralLayout = new QVBoxLayout(central);
+    centralLayout->setContentsMargins(0, 0, 0, 0);
+    m_notice = new NoticeBar(central);
+    centralLayout->addWidget(m_notice);
+    centralLayout->addWidget(m_pages, 1);
+    setCentralWidget(central);
     m_log = new LogDock(this);
     addDockWidget(Qt::BottomDockWidgetArea, m_log);
     resizeDocks({m_log}, {140}, Qt::Vertical);
@@ -154,6 +163,21 @@ void MainWindow::buildControllers()
     connect(m_edits, &AssetEdits::changed, this, &MainWindow::afterChange);
     connect(m_commands, &AssetCommands::historyNoted, m_properties, &PropertyPane::addHistory);
     connect(m_edits, &AssetEdits::historyNoted, m_properties, &PropertyPane::addHistory);
+    m_watches = new AssetWatches(m_session.host().Preferences(), model(), this);
+    connect(&model(), &AssetBrowserModel::statusRefreshed, m_watches, &AssetWatches::takeStatus);
+    connect(m_watches, &AssetWatches::message, this, &MainWindow::log);
+    connect(m_watches, &AssetWatches::freed, this,
+            [this](const KELHandle<kel4::IDbObject>& asset, const QString& line) {
+                updateActions();
+                m_notice->offer(line, tr("&Check Out"), [this, asset] {
+                    if (model().rowOf(asset) >= 0)
+                        m_commands->checkOut(asset);
+                });
+            });
+    connect(m_commands, &AssetCommands::refused, this, [this](const KELHandle<kel4::IDbObject>& asset) {
+        if (const QString offer = m_watches->offerAfterRefusal(asset); !offer.isEmpty())
+            m_notice->offer(offer, tr("Tell &Me When It's Free"), [this, asset] { m_watches->watch(asset); });
+    });
     connect(m_edits, &AssetEdits::editRefused, this, [this] {
         m_properties->showValues();
         refreshStatus();
@@ -261,6 +285,8 @@ void MainWindow::closeWorkspace()
 // The open workspace (null: none, the start page) in the panes, the title and the status bar.
 void MainWindow::showWorkspace(host::Workspace* workspace)
 {
+    const Account account = m_session.storedAccount();
+    m_watches->setScope(workspace ? account.server : std::string(), account.workspaceName);
     if (workspace) {
         model().setWorkspace(workspace);
         m_pending->setWorkspace(workspace);

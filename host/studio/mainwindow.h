@@ -27,8 +27,10 @@ class AssetBrowserModel;
 class AssetCommands;
 class AssetDialogs;
 class AssetEdits;
+class AssetWatches;
 class HistoryPane;
 class LogDock;
+class NoticeBar;
 class OfflineWork;
 class PendingChangesPane;
 class PropertyPane;
@@ -45,8 +47,9 @@ class WorkspaceController;
 struct StatusAnswer;
 
 // The studio's main window "TarnWindow": the start page, or the asset browser beside the property
-// pane for the open workspace; the File, Edit and Revision Control menus; the log dock and the
-// status bar (server, user, workspace, session state). It builds the panes and wires them to the
+// pane for the open workspace; the File, Edit and Revision Control menus; the log dock, the
+// status bar (server, user, workspace, session state) and the notice bar above the panes (a
+// watched asset is free; a refused asset can be watched). It builds the panes and wires them to the
 // controllers, which hold the logic: WorkspaceController (open, close), AssetEdits (edits, undo,
 // save), AssetCommands (revision-control commands), StatusRefreshPolicy (when the status is
 // asked), SessionController (log-in, session state). StudioActions holds the menus, AssetDialogs
@@ -94,6 +97,8 @@ public:
     SubmittedChangesDock& submittedChanges() const { return *m_submitted; }
     OfflineWork& offlineWork() const { return *m_offline; }
     Reconciler& reconciler() const { return *m_reconciler; }
+    AssetWatches& assetWatches() const { return *m_watches; }
+    NoticeBar& noticeBar() const { return *m_notice; }
     // The session as the status bar tells it ("logged in as alice", "revision control off", ...).
     QString sessionState() const;
 
@@ -142,6 +147,8 @@ private:
     StudioActions* m_actions = nullptr;
     HistoryPane* m_history = nullptr;
     SubmittedChangesDock* m_submitted = nullptr;
+    AssetWatches* m_watches = nullptr;
+    NoticeBar* m_notice = nullptr;
     std::unique_ptr<nrk::signalling::IConnection> m_settingsConnection;
     OfflineWork* m_offline = nullptr;
     Reconciler* m_reconciler = nullptr;

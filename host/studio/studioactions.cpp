@@ -4,6 +4,7 @@
 #include "assetcommands.h"
 #include "assetdialogs.h"
 #include "assetedits.h"
+#include "assetwatches.h"
 #include "mainwindow.h"
 #include "offlinework.h"
 #include "reconciler.h"
@@ -65,6 +66,10 @@ StudioActions::StudioActions(MainWindow& window, StudioSession& session)
               [&commands, selected] { return commands.isBehind(selected()); });
     add(revision, "getLatestAll", tr("Get Latest of A&ll Assets"), [&commands, selected] { commands.getLatest(commands.assetsBehind()); },
               [&commands] { return !commands.assetsBehind().empty(); });
+    AssetWatches& watches = window.assetWatches();
+    add(revision, "watchAsset", tr("Tell &Me When It's Free"), [&watches, selected] { watches.toggle(selected()); },
+        [&watches, selected] { return watches.mayToggle(selected()); })
+        ->setCheckable(true);
     revision->addSeparator();
     add(revision, "showFiles", tr("Show &Files"), [&commands, selected] { commands.showFiles(selected(), false); }, selection);
     add(revision, "revealInFileBrowser", tr("Reveal in File &Browser"), [&commands, selected] { commands.showFiles(selected(), true); }, selection);
@@ -102,7 +107,7 @@ StudioActions::StudioActions(MainWindow& window, StudioSession& session)
     // The asset commands also on a right click in the browser (the click makes the row current).
     QTreeView* assets = window.browser().view();
     assets->setContextMenuPolicy(Qt::ActionsContextMenu);
-    for (const char* name : {"checkOut", "makeWritable", "markForAdd", "getLatest", "", "showFiles",
+    for (const char* name : {"checkOut", "makeWritable", "markForAdd", "getLatest", "watchAsset", "", "showFiles",
                              "revealInFileBrowser", "", "renameAsset", "deleteAsset"}) {
         if (*name) {
             assets->addAction(action(QString::fromLatin1(name)));
@@ -162,6 +167,8 @@ void StudioActions::update()
 {
     for (const auto& [name, action] : m_actions)
         action->updateEnabled();
+    action(QStringLiteral("watchAsset"))
+        ->setChecked(m_window.assetWatches().isWatching(m_window.browser().currentAsset()));
     // Every step is an edit of the user's, named after it (EditStepCommand).
     const nrk::fwk::ICommand* undo = m_session.host().Commands().GetUndoCommand();
     action(QStringLiteral("undo"))
