@@ -30,7 +30,7 @@ public:
     // hbdepot as bob in his workspace, logging in with his password or another one.
     QStringList bobArguments(const QStringList& command, const QString& password = "bob-pw") const
     {
-        return QStringList{"-d", depotArgument(), "-u", "bob", "-w", "bob-ws", "-P", password} + command;
+        return bobWithoutPassword(QStringList{"-P", password} + command);
     }
     // hbdepot as bob with no password option: a kept ticket, or standard input with --password-stdin.
     QStringList bobWithoutPassword(const QStringList& command) const

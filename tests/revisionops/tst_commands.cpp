@@ -108,9 +108,10 @@ public:
     std::string details = "untouched";
 };
 
+// The commands do not depend on the transport: Subversion through a file:// URL.
 using CommandsOnServers = OnServers<CommandsOnDepot>;
 INSTANTIATE_TEST_SUITE_P(Servers, CommandsOnServers,
-                         ::testing::Values(ServerKind::EmbeddedDepot, ServerKind::SvnServe), ServerKindName);
+                         ::testing::Values(ServerKind::EmbeddedDepot, ServerKind::SvnFile), ServerKindName);
 
 TEST_P(CommandsOnServers, ACheckOutOpensTheFilesInTheNamedChangelistNotifiesAndIsUndoneByTheHost)
 {

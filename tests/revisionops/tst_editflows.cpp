@@ -119,8 +119,6 @@ INSTANTIATE_TEST_SUITE_P(
     Rows, StoredAction,
     ::testing::Values(
         StoredCase{"NoneEditsFreely", Fixture::kNone, StoredCase::DefaultChangeList, true, {}, true, false, false},
-        StoredCase{"PromptThenContinue", Fixture::kPrompt, StoredCase::DefaultChangeList, true,
-                   ChangelistAnswer{"Continue"}, true, false, false},
         StoredCase{"PromptThenCancel", Fixture::kPrompt, StoredCase::DefaultChangeList, false,
                    ChangelistAnswer{"Cancel"}, false, false, false},
         StoredCase{"CheckOutIntoTheStoredChangeList", Fixture::kCheckOut, StoredCase::PendingChangeList, true, {},
@@ -168,6 +166,8 @@ TEST_F(EditFlows, ContinueAnswersTheSameQuestionUntilItChanges)
     driver.expect("prompt", answerPrompt({"Continue"}));
     EXPECT_TRUE(canEdit(*this, Assets({"Rock", "Sky"}))) << "the cancelled question forgot the Continue";
     EXPECT_THAT(OpenedIn("Rock"), Each("-"));
+    EXPECT_FALSE(AllWritable("Rock"));
+    EXPECT_EQ(StoredActionNow(), kPrompt);
 }
 
 // An expired session: every check-out asks for the password. Left closed, the editability question

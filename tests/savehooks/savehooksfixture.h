@@ -64,18 +64,10 @@ public:
         ExpectDriverFinished();
         EXPECT_TRUE(report.Succeeded()) << report.DescribeFailures();
     }
+    // The assets a save creates are metadata assets.
     KELHandle<kel4::IDbObject> CreateAsset(const std::string& name, const std::string& externalFile = {})
     {
-        hbrc::host::NewAsset asset;
-        asset.kind = hbrc::host::AssetKind::Metadata;
-        asset.name = name;
-        std::string error;
-        const KELHandle<kel4::IDbObject> created(workspace->CreateAsset(asset, error));
-        EXPECT_FALSE(created.IsNull()) << error;
-        if (!externalFile.empty()) {
-            EXPECT_TRUE(workspace->AddExternalFile(created, externalFile, "data of " + QByteArray::fromStdString(name)));
-        }
-        return created;
+        return RevisionHostFixture::CreateAsset(name, externalFile, hbrc::host::AssetKind::Metadata);
     }
 
     // --- what became of an edit -----------------------------------------------------------------------
@@ -117,18 +109,12 @@ private:
     {
         ObjectList assets;
         for (const std::string& name : EditableAssetNames()) {
-            hbrc::host::NewAsset asset;
-            asset.kind = name == "Leaf" ? hbrc::host::AssetKind::Value : hbrc::host::AssetKind::Metadata;
-            asset.name = name;
-            std::string error;
-            const KELHandle<kel4::IDbObject> created(workspace->CreateAsset(asset, error));
-            ASSERT_FALSE(created.IsNull()) << error;
-            if (assets.empty()) {
-                std::string external = name + ".bin";
+            // The first has an external file, lower-case: "Stone" has stone.bin.
+            std::string external = assets.empty() ? name + ".bin" : "";
+            if (!external.empty())
                 external[0] = char(std::tolower(external[0]));
-                ASSERT_TRUE(workspace->AddExternalFile(created, external, "granite"));
-            }
-            assets.push_back(created);
+            assets.push_back(RevisionHostFixture::CreateAsset(
+                name, external, name == "Leaf" ? hbrc::host::AssetKind::Value : hbrc::host::AssetKind::Metadata));
         }
         ASSERT_TRUE(workspace->Save().Succeeded());
         std::string error;

@@ -17,7 +17,19 @@ const QString kBeforeSaving = QStringLiteral("Check Out Before Saving");
 const QString kMarkForAdd = QStringLiteral("Post-Saving: Mark For Add");
 const QString kDeleteError = QStringLiteral("Mark-For-Delete Error");
 
-using SaveHooks = SaveHooksFixture;
+class SaveHooks : public SaveHooksFixture
+{
+public:
+    // Alice checks Sky out into a new changelist and deletes it: its .kel file and that changelist.
+    std::pair<std::string, std::string> SkyCheckedOutThenDeleted()
+    {
+        const std::string skyFile = KelFileOf("Sky");
+        const std::string changelist = NewChangelist("sky rework");
+        AliceChecksOut("Sky", changelist);
+        EXPECT_TRUE(workspace->DeleteAsset(Asset("Sky")));
+        return {skyFile, changelist};
+    }
+};
 
 // --- before the save: read-only assets -----------------------------------------------------------------
 
@@ -133,11 +145,8 @@ TEST_F(SaveHooks, ANullCancelPointerIsAcceptedAndTheHookStillActs)
 TEST_F(SaveHooks, DeletedFilesInTheDepotGoToTheirChangelistOrTheOneTheUserChooses)
 {
     SetPromptForChangelist(true);
-    const std::string changelist = NewChangelist("sky rework");
-    AliceChecksOut("Sky", changelist);
-    const std::string skyFile = KelFileOf("Sky");
+    const auto [skyFile, changelist] = SkyCheckedOutThenDeleted();
     const std::string treeFile = KelFileOf("Tree");
-    ASSERT_TRUE(workspace->DeleteAsset(Asset("Sky")));
     ASSERT_TRUE(workspace->DeleteAsset(Asset("Tree")));
     driver.expect("mark for delete",
                   answerChangelistDialog(QStringLiteral("Mark For Delete"), {"Mark For Delete", "felled"},
@@ -207,10 +216,7 @@ TEST_F(SaveHooks, NewAssetsAreMarkedForAddInTheirFilesOrTheUsersChangelist)
 // it ever reached the depot, the new asset is left alone.
 TEST_F(SaveHooks, AnExpiredSessionAfterTheSaveAsksForThePasswordWithTheWorksPrefix)
 {
-    const std::string changelist = NewChangelist("sky rework");
-    AliceChecksOut("Sky", changelist);
-    const std::string skyFile = KelFileOf("Sky");
-    ASSERT_TRUE(workspace->DeleteAsset(Asset("Sky")));
+    const std::string skyFile = SkyCheckedOutThenDeleted().first;
     ASSERT_TRUE(services.ExpireSessionNow().IsSuccess());
     driver.expect("password", answerPassword(QStringLiteral("alice-pw"),
                                              QStringLiteral("Post-Save Mark-for-Delete: Revision control system needs "
@@ -241,11 +247,8 @@ TEST_F(SaveHooks, ABatchSaveDecidesEverythingWithoutADialog)
 {
     window.reset();
     SetPromptForChangelist(true);
-    const std::string changelist = NewChangelist("sky rework");
-    AliceChecksOut("Sky", changelist);
-    const std::string skyFile = KelFileOf("Sky");
+    const auto [skyFile, changelist] = SkyCheckedOutThenDeleted();
     const std::string treeFile = KelFileOf("Tree");
-    ASSERT_TRUE(workspace->DeleteAsset(Asset("Sky")));
     ASSERT_TRUE(workspace->DeleteAsset(Asset("Tree")));
     Edit("Moss", "batch");
     CreateAsset("Fern");

@@ -81,9 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
         return ServerKindName({std::get<0>(info.param), info.index}) + std::get<1>(info.param).name;
     });
 
-class ObjectStatus : public ServerFixture
-{
-};
+using ObjectStatus = ServerFixture;
 INSTANTIATE_TEST_SUITE_P(Servers, ObjectStatus, ServerKinds(), ServerKindName);
 
 // An object's word is the union of its files' words: bob holds only the tree's external file,

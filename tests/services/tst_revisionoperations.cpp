@@ -1,5 +1,5 @@
-// Check-out, revert, mark-for-delete, make-writable and changelists through the services, as a
-// Perforce user expects them to behave.
+// Check-out, revert, mark-for-delete, make-writable and changelists through the services, on
+// every server.
 #include <serverhostfixture.h>
 
 #include <kel4/revisionstatus.h>
@@ -10,9 +10,7 @@ using namespace kel4;
 
 namespace {
 
-class RevisionOperations : public ServerFixture
-{
-};
+using RevisionOperations = ServerFixture;
 INSTANTIATE_TEST_SUITE_P(Servers, RevisionOperations, ServerKinds(), ServerKindName);
 
 // One walk through the operations: the files of objects, with and without external files and

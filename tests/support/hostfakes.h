@@ -5,6 +5,7 @@
 // FakeHost stands them up together with a real component system and preference manager.
 #include "hostmocks.h"
 
+#include <basesystem/hbconnection.h>
 #include <borax/datamodel/accessors.h>
 #include <borax/datamodel/iitemlibrary.h>
 #include <hbrchost/componentsystem.h>
@@ -17,6 +18,7 @@
 
 #include <QTemporaryDir>
 
+#include <cstring>
 #include <map>
 #include <memory>
 #include <string>
@@ -49,7 +51,11 @@ public:
         std::string ancestor = "v1";
     };
 
-    KELHandle<IDbObject> AddObject(const std::string& id, const std::string& name, bool isAsset = true);
+    KELHandle<IDbObject> AddObject(const std::string& id, const std::string& name, bool isAsset = true)
+    {
+        m_objects.push_back({id, name, isAsset, "v1"});
+        return KELHandle<IDbObject>(this, static_cast<std::uint32_t>(m_objects.size()), 1);
+    }
     void SetInstance(KELPtr<kel4::IKELInstance> instance) { m_instance = std::move(instance); }
     int instanceRequests() const { return m_instanceRequests; }
 
@@ -58,26 +64,42 @@ public:
         ++m_instanceRequests;
         return m_instance;
     }
-    KELHandle<IDbObject> ResolveObject(const DbObjectId& id) const override;
-    kelResult Query(const std::string&, kel4::Vector<CQueryResult>&, int, std::string&) const override;
+    KELHandle<IDbObject> ResolveObject(const DbObjectId& id) const override
+    {
+        for (std::size_t i = 0; i < m_objects.size(); ++i) {
+            if (m_objects[i].id == id.GetStr())
+                return KELHandle<IDbObject>(const_cast<FakeDataModelMgr*>(this), static_cast<std::uint32_t>(i + 1), 1);
+        }
+        return {};
+    }
+    kelResult Query(const std::string&, kel4::Vector<CQueryResult>&, int, std::string& errorText) const override
+    {
+        errorText = "queries are not supported by the fake manager";
+        return kelResult(kel4::kResultFailed);
+    }
     kel4::Vector<KELPtr<kel4::IDataSource>> GetDataSources() const override { return {}; }
     bool IsHandleValid(const KELHandleBase& object) const override { return find(object) != nullptr; }
-    DbObjectId GetObjectId(const KELHandleBase& object) const override
+    DbObjectId GetObjectId(const KELHandleBase& object) const override { return DbObjectId(text(object, &Object::id)); }
+    std::string GetObjectName(const KELHandleBase& object) const override { return text(object, &Object::name); }
+    VersionId GetAncestorId(const KELHandleBase& object) const override { return VersionId(text(object, &Object::ancestor)); }
+    bool IsObjectOfType(const KELHandleBase& object, const char* typeId) const override
     {
-        return find(object) ? DbObjectId(find(object)->id) : DbObjectId();
+        const Object* o = find(object);
+        return o && (std::strcmp(typeId, IDbObject::GetTypeId()) == 0 ||
+                     (o->isAsset && std::strcmp(typeId, IAsset::GetTypeId()) == 0));
     }
-    std::string GetObjectName(const KELHandleBase& object) const override
-    {
-        return find(object) ? find(object)->name : std::string();
-    }
-    VersionId GetAncestorId(const KELHandleBase& object) const override
-    {
-        return find(object) ? VersionId(find(object)->ancestor) : VersionId();
-    }
-    bool IsObjectOfType(const KELHandleBase& object, const char* typeId) const override;
 
 private:
-    const Object* find(const KELHandleBase& object) const;
+    const Object* find(const KELHandleBase& object) const
+    {
+        const std::uint32_t index = object.GetCacheIndex();
+        return index >= 1 && index <= m_objects.size() ? &m_objects[index - 1] : nullptr;
+    }
+    // A text of the object, empty for a handle this manager did not make.
+    std::string text(const KELHandleBase& object, std::string Object::*member) const
+    {
+        return find(object) ? find(object)->*member : std::string();
+    }
 
     KELPtr<kel4::IKELInstance> m_instance;
     std::vector<Object> m_objects;
@@ -138,7 +160,10 @@ public:
     }
     bool IsConnected() const override { return m_connected; }
     kel4::IDataModelMgr* GetDataModelMgr() const override { return m_manager; }
-    KELPtr<kel4::IKELInstance> GetKELInstance() const override;
+    KELPtr<kel4::IKELInstance> GetKELInstance() const override
+    {
+        return m_manager ? m_manager->GetInstance() : KELPtr<kel4::IKELInstance>();
+    }
     borax::datamodel::ItemLibraryAccessor GetItemLibraryAccessor() const override { return m_accessor; }
 
     void SetConnected(bool connected) { m_connected = connected; }
@@ -150,7 +175,10 @@ public:
     Signal disconnected;
 
 private:
-    static void Connect(Signal& signal, void (Slot::*handler)(), Slot* slot, Connection** connection);
+    static void Connect(Signal& signal, void (Slot::*handler)(), Slot* slot, Connection** connection)
+    {
+        *connection = new BaseSystem::hbconnection(signal.connect([slot, handler] { (slot->*handler)(); }));
+    }
 
     bool m_connected = true;
     kel4::IDataModelMgr* m_manager = nullptr;
@@ -160,12 +188,22 @@ private:
 // A host with a real component system and preference manager (in a temporary folder), the fake
 // proxy registered as "KELDBProxy", and a manager whose instance offers the two mocked services.
 struct FakeHost {
-    FakeHost();
-    ~FakeHost();
+    FakeHost()
+    {
+        system.RegisterSingleton(IHBPrefManager::GetSingletonName(), prefs.get());
+        system.RegisterSingleton(nrk::fwk::IKELDBProxy::GetSingletonName(), &proxy);
+        manager->SetInstance(instance);
+        instance->SetService(kel4::UID_DataControl(), KELPtr<kel4::IService>(dataControl.Get()));
+        instance->SetService(kel4::UID_FileVersionControl(), KELPtr<kel4::IService>(fileVersionControl.Get()));
+        proxy.SetManager(manager.Get());
+        proxy.SetAccessor(borax::datamodel::ItemLibraryAccessor(&libraryContext, 7));
+    }
+    ~FakeHost() { system.DestroyOwnedSingletons(); }
 
     QTemporaryDir folder;
     hbrc::host::ComponentSystem system;
-    std::unique_ptr<hbrc::host::PrefManager> prefs;
+    std::unique_ptr<hbrc::host::PrefManager> prefs{
+        std::make_unique<hbrc::host::PrefManager>(folder.filePath(QStringLiteral("preferences.ini")))};
     FakeDBProxy proxy;
     FakeItemLibraryContext libraryContext;
     KELPtr<FakeDataModelMgr> manager{new FakeDataModelMgr};

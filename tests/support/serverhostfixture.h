@@ -152,10 +152,12 @@ public:  // table-driven tests' rows act on the fixture from outside
         ASSERT_EQ(DataControl()->CheckOut({Asset(assetName)}, true, kPersistence, changelist, error).GetCode(), 0)
             << error;
     }
-    // Creates and saves an asset in alice's workspace, optionally with an external file.
-    KELHandle<kel4::IDbObject> CreateSavedAsset(const std::string& name, const std::string& externalFile = {})
+    // Creates an asset in alice's workspace, optionally with an external file, unsaved.
+    KELHandle<kel4::IDbObject> CreateAsset(const std::string& name, const std::string& externalFile = {},
+                                           hbrc::host::AssetKind kind = hbrc::host::AssetKind::Data)
     {
         hbrc::host::NewAsset asset;
+        asset.kind = kind;
         asset.name = name;
         std::string error;
         const KELHandle<kel4::IDbObject> created(workspace->CreateAsset(asset, error));
@@ -163,6 +165,11 @@ public:  // table-driven tests' rows act on the fixture from outside
             throw std::runtime_error(error);
         if (!externalFile.empty() && !workspace->AddExternalFile(created, externalFile, "binary " + QByteArray::fromStdString(name)))
             throw std::runtime_error("cannot add " + externalFile);
+        return created;
+    }
+    KELHandle<kel4::IDbObject> CreateSavedAsset(const std::string& name, const std::string& externalFile = {})
+    {
+        const KELHandle<kel4::IDbObject> created = CreateAsset(name, externalFile);
         workspace->Save();
         return created;
     }
