@@ -189,8 +189,8 @@ TEST_P(BatchFaults, EveryCallEndsWithOneReportAndNothingLost)
     }
 }
 
-// A server gone during the adds after a save: one report, the other new assets left not in depot
-// (the next save offers them).
+// A server gone during the adds after a save: one report, the new assets left not in depot, and
+// the next save, with the server back, marks them.
 TEST_P(BatchFaults, GoneServerDuringTheAddsAfterASaveIsReportedOnce)
 {
     const std::vector<std::string> names{"Fern", "Twig", "Bark", "Seed"};
@@ -203,6 +203,68 @@ TEST_P(BatchFaults, GoneServerDuringTheAddsAfterASaveIsReportedOnce)
     EXPECT_EQ(log.TextsOfType(eError).size(), 1u);
     for (const std::string& name : names)
         EXPECT_EQ(StatusOf(name) & kel4::eStatusNotInDatabase, kel4::eStatusNotInDatabase) << name;
+
+    ASSERT_TRUE(workspace->SetField(Asset("Twig"), "note", "saved again"));  // rewritten, still new to the server
+    WithoutWindows([&] { EXPECT_FALSE(workspace->Save().cancelled); });
+    EXPECT_EQ(log.TextsOfType(eError).size(), 1u);
+    for (const std::string& name : names)
+        EXPECT_EQ(StatusOf(name) & kel4::eStatusMarkedForAdd, kel4::eStatusMarkedForAdd) << name;
+}
+
+// The new assets of a save go to the server in one mark-for-add; a server that refuses it for some
+// of them is asked asset by asset, and each refusal is reported on its own, as before.
+TEST_P(BatchFaults, NewAssetsAreMarkedInOneCallUnlessTheServerRefusesSome)
+{
+    using F = BatchFaults;
+    constexpr std::size_t kNew = 6;
+    struct Row {
+        const char* name;
+        bool depotOnly;  // Subversion adds in the working copy: nobody else can hold the file
+        std::function<void(F&, const std::string& firstNewAsset)> refuse;
+        std::size_t refused;  // assets left out, one report each (and offered again by the next save)
+    };
+    const Row rows[] = {
+        {"accepted", false, [](F&, const std::string&) {}, 0},
+        {"every add refused", false,
+         [](F& f, const std::string&) {
+             f.services.connection->Faults().failOperation(hbrc::revision::Operation::Add, -1, "refused (injected)");
+         },
+         kNew},
+        {"one already added by bob", true,
+         [](F& f, const std::string& first) {
+             const std::string file = f.BobPath(first + ".kel");
+             QFile bobs(QString::fromStdString(file));
+             ASSERT_TRUE(bobs.open(QIODevice::WriteOnly) && bobs.write("bob's") > 0);
+             bobs.close();
+             f.BobExpects(f.Bob().add(f.BobTicket(), {file}, ""));
+         },
+         1},
+    };
+    for (const Row& row : rows) {
+        if (row.depotOnly && IsSubversion())
+            continue;
+        SCOPED_TRACE(row.name);
+        std::vector<std::string> created;
+        for (std::size_t i = 0; i < kNew; ++i)
+            created.push_back(std::string(row.name).substr(0, 3) + std::to_string(i));
+        for (const std::string& name : created)
+            CreateMetadata(name);
+        row.refuse(*this, created.front());
+        hbrc::host::LogCapture log;
+        const std::uint64_t before = services.connection->RoundTrips();
+        WithoutWindows([&] { EXPECT_FALSE(workspace->Save().cancelled); });
+        const std::uint64_t roundTrips = services.connection->RoundTrips() - before;
+        services.connection->Faults().clear();
+        EXPECT_EQ(log.TextsOfType(eError).size(), row.refused) << "one report per refused asset";
+        if (row.refused == 0)
+            EXPECT_LE(roundTrips, 4u) << "whatever the number of new assets";
+        else
+            EXPECT_GE(roundTrips, 2 + kNew) << "one call per asset after the refused one";
+        std::size_t left = 0;
+        for (const std::string& name : created)
+            left += (StatusOf(name) & kel4::eStatusNotInDatabase) != 0;
+        EXPECT_EQ(left, row.refused);
+    }
 }
 
 // A batch save that needs a decision nobody can make is cancelled, and the log says why.
