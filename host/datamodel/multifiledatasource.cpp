@@ -56,8 +56,9 @@ void MultiFileDataSource::GetAddedObjects(kel4::List<DbObjectId>& ids,
 void MultiFileDataSource::ResetTracking()
 {
     m_deleted.clear();
-    for (const Added& added : m_added)
-        m_notYetAdded.emplace(added.id, added);
+    if (m_keepUntilAdded)
+        for (const Added& added : m_added)
+            m_notYetAdded.emplace(added.id, added);
     m_added.clear();
 }
 

@@ -69,6 +69,7 @@ private:
 DataControl::DataControl(KELPtr<DataModelMgr> model, std::shared_ptr<ServerConnection> connection)
     : m_model(std::move(model)), m_connection(std::move(connection))
 {
+    m_model->DataSource().KeepNewObjectsUntilAdded();  // MarkForAdd confirms them
 }
 
 void* DataControl::QueryInterface(const kel4::InterfaceId& iid)
