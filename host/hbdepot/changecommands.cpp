@@ -2,6 +2,7 @@
 
 #include <depot/depot.h>
 
+#include <algorithm>
 #include <ostream>
 #include <stdexcept>
 
@@ -100,8 +101,24 @@ Result syncFiles(Context& c)
 {
     const depot::SyncMode mode =
         c.args.flag("-f") || c.args.flag("--force") ? depot::SyncMode::Force : depot::SyncMode::Safe;
+    // FILE#REV names a revision; a sync that names one brings each file to the revision named
+    // (the head where none is) and refuses files open here.
+    std::vector<depot::FileAtRevision> targets;
+    bool pinned = false;
+    for (const std::string& file : c.files()) {
+        const std::size_t hash = file.rfind('#');
+        const std::string revision = hash == std::string::npos ? std::string() : file.substr(hash + 1);
+        const bool named = !revision.empty() && revision.size() <= 9 &&
+                           std::all_of(revision.begin(), revision.end(), ::isdigit) && std::stoll(revision) > 0;
+        targets.push_back({named ? file.substr(0, hash) : file, named ? std::stoll(revision) : 0});
+        pinned = pinned || named;
+    }
     depot::SyncReport report;
-    const Result result = c.depot.sync(c.ticket, c.files(), mode, {}, &report);
+    std::vector<std::string> heads;
+    for (const depot::FileAtRevision& target : targets)
+        heads.push_back(target.file);
+    const Result result = pinned ? c.depot.syncTo(c.ticket, targets, mode, {}, &report)
+                                 : c.depot.sync(c.ticket, heads, mode, {}, &report);
     for (const std::string& file : report.updated)
         c.report() << file << " - updated\n";
     for (const std::string& file : report.deleted)

@@ -12,6 +12,7 @@
 
 #include "admincommands.h"
 #include "changecommands.h"
+#include "diffcommands.h"
 #include "commandcontext.h"
 #include "commandline.h"
 #include "listings.h"
@@ -94,12 +95,14 @@ const std::vector<Command>& commands()
         {{"info"}, Needs::Account, {{}, {}, 0, 0}, "info",
          "show the depot, user, workspace and configuration file in use",
          "With --json, one JSON object.\nExample: hbdepot info", printInfo},
-        {{"sync"}, Needs::Session, {{}, {"-f", "--force"}, 0, kAny}, "sync [-f] [FILE...]",
-         "get the head revisions of the files, of all when none named (-f: overwrite writable files)",
+        {{"sync"}, Needs::Session, {{}, {"-f", "--force"}, 0, kAny}, "sync [-f] [FILE[#REV]...]",
+         "get the head revisions of the files, of all when none named (FILE#REV: that revision)",
          "  -f, --force   overwrite writable files that hold local changes (otherwise they are kept and\n"
          "                named: \"Can't clobber writable file ...\", exit status 1)\n"
+         "  FILE#REV      bring the file to revision REV instead of the head (a deleting revision\n"
+         "                removes it); refused for files open in this workspace\n"
          "Prints each file written, then \"updated N, deleted M\" (what was written, not more).\n"
-         "Example: hbdepot sync art/ship.kel",
+         "Example: hbdepot sync art/ship.kel   or   hbdepot sync art/ship.kel#2",
          syncFiles},
         {{"edit"}, Needs::Session, {{"-c"}, {}, 1, kAny}, "edit [-c CHANGE] FILE...", "open files for edit",
          "  -c CHANGE   open them in this pending changelist (default: the default one)\n"
@@ -160,6 +163,40 @@ const std::vector<Command>& commands()
          "'hbdepot help' lists the status words; --json adds the hexadecimal word.\n"
          "Example: hbdepot status ship.kel sail.kel",
          printStatus},
+        {{"filelog"}, Needs::Session, {{"-m"}, {}, 1, kAny}, "filelog [-m N] FILE...",
+         "list each file's revisions, newest first, with change, action, date, user and description",
+         "  -m N   only the newest N revisions of each file\n"
+         "A file the depot does not know is named (\"FILE - no such file in the depot\", exit status 1).\n"
+         "Example: hbdepot filelog -m 5 ship.kel",
+         printFileLog},
+        {{"print"}, Needs::Session, {{"-r"}, {}, 1, 1}, "print [-r REV] FILE",
+         "write a revision of a file (default: the head) to standard output, bytes as submitted",
+         "  -r REV   the revision to print (a number, '#' before it allowed)\n"
+         "A revision that deletes the file has no content and is refused (exit status 1).\n"
+         "Example: hbdepot print -r 2 ship.kel > ship-2.kel",
+         printContent},
+        {{"diff"}, Needs::Session, {{}, {}, 0, kAny}, "diff [FILE...]",
+         "show opened files' changes against the workspace's revision (all opened files when none named)",
+         "Unified differences (--- the workspace's revision, +++ the file on disk); an add is shown\n"
+         "against /dev/null, a delete as every line removed. A named file that is not open is named\n"
+         "(exit status 1).\n"
+         "Example: hbdepot diff ship.kel",
+         printOpenedDifferences},
+        {{"diff2"}, Needs::Session, {{}, {}, 3, 3}, "diff2 FILE REV1 REV2",
+         "show the unified difference between two revisions of a file",
+         "Prints nothing when the two revisions hold the same content.\n"
+         "Example: hbdepot diff2 ship.kel 1 3",
+         printRevisionDifference},
+        {{"files"}, Needs::Session, {{"-c"}, {}, 0, kAny}, "files [-c CHANGE] [PATH...]",
+         "list the depot's files at or below the paths (all when none named) with their revisions",
+         "  -c CHANGE   as they were right after this submitted change (default: the head)\n"
+         "Files deleted by then are left out.\n"
+         "Example: hbdepot files -c 12 art",
+         printFiles},
+        {{"users"}, Needs::Session, {{}, {}, 0, 0}, "users", "list the depot's users",
+         "Example: hbdepot users", printUsers},
+        {{"workspaces"}, Needs::Session, {{}, {}, 0, 0}, "workspaces", "list the depot's workspaces with owner and root",
+         "Example: hbdepot workspaces", printWorkspaces},
     };
     return table;
 }
@@ -232,7 +269,9 @@ void printUsage(std::ostream& out)
            "      --password-stdin    read the password from the first line of standard input\n"
            "  -P, --password TEXT     the password (HBDEPOT_PASSWORD); visible to other users, avoid it\n"
            "  -q, --quiet             do not say what was done; listings and errors still print\n"
-           "      --json, -z json     listings (status, opened, changes, describe, info) as JSON\n"
+           "      --json, -z json     listings (status, opened, changes, describe, info, filelog, files,\n"
+           "                          users, workspaces) as JSON with a \"format\" version; schemas\n"
+           "                          in share/hbrevisioncontrol/hbdepot/schemas\n"
            "  -h, --help              show this text; after a command, that command's usage\n"
            "      --version           print the version\n\n"
            "The configuration file is the nearest " << ConfigFile::kName << " in the current folder or above it,\n"

@@ -19,6 +19,12 @@ public:
     JsonWriter(const JsonWriter&) = delete;
     JsonWriter& operator=(const JsonWriter&) = delete;
 
+    // The version of the documents' format, at the top of every one: a change that could break a
+    // reader of them (a key removed or renamed, a meaning changed) gives it a new number.
+    static constexpr std::int64_t kFormatVersion = 1;
+
+    // The top-level object of a document, its format version first.
+    JsonWriter& beginDocument() { return beginObject().key("format").value(kFormatVersion); }
     JsonWriter& beginObject() { return open('{'); }
     JsonWriter& endObject() { return close('}'); }
     JsonWriter& beginArray() { return open('['); }

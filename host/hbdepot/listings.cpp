@@ -75,15 +75,31 @@ void writeChangeFields(JsonWriter& json, const depot::Changelist& change)
     json.key("time").value(change.time).key("date").value(dateOf(change.time));
 }
 
-// -m N: a count above 0.
-std::size_t maximumCount(const VerbArguments& args)
+// -m N: a count above 0; none without the option.
+std::optional<std::size_t> maximumCount(const VerbArguments& args)
 {
     const std::optional<std::string> text = args.option("-m");
     if (!text)
-        return std::numeric_limits<std::size_t>::max();
+        return std::nullopt;
     if (text->empty() || text->size() > 9 || !std::all_of(text->begin(), text->end(), ::isdigit) || *text == "0")
         throw std::invalid_argument("-m takes a count above 0, not '" + *text + "'");
     return std::stoul(*text);
+}
+
+// A file's revision as filelog and files print it: "#3 change 5 edit on DATE by USER@WORKSPACE".
+std::string revisionLine(const depot::FileRevision& revision)
+{
+    return "#" + std::to_string(revision.revision) + " change " + revision.changelist + " " +
+           depot::actionName(revision.action) + " on " + dateOf(revision.time) + " by " + revision.user + "@" +
+           revision.workspace;
+}
+
+void writeRevisionFields(JsonWriter& json, const depot::FileRevision& revision)
+{
+    json.key("revision").value(revision.revision).key("change").value(revision.changelist);
+    json.key("action").value(depot::actionName(revision.action));
+    json.key("user").value(revision.user).key("workspace").value(revision.workspace);
+    json.key("time").value(revision.time).key("date").value(dateOf(revision.time));
 }
 
 }  // namespace
@@ -101,7 +117,7 @@ Result printStatus(Context& c)
     };
     if (c.line.json()) {
         JsonWriter json(c.out);
-        json.beginArray();
+        json.beginDocument().key("files").beginArray();
         for (std::size_t i = 0; i < statuses.size(); ++i) {
             const depot::FileStatus& status = statuses[i];
             json.beginObject().key("file").value(c.word(i)).key("path").value(files[i]);
@@ -113,7 +129,7 @@ Result printStatus(Context& c)
                 json.value(std::string());
             json.key("holders").value(status.holders).endObject();
         }
-        json.endArray();
+        json.endArray().endObject();
         return result;
     }
     for (std::size_t i = 0; i < statuses.size(); ++i) {
@@ -136,7 +152,7 @@ Result printOpened(Context& c)
         return result;
     if (c.line.json()) {
         JsonWriter json(c.out);
-        json.beginArray();
+        json.beginDocument().key("files").beginArray();
         for (const depot::OpenedFile& file : files) {
             json.beginObject().key("depotPath").value(file.depotPath).key("localPath").value(file.localPath);
             json.key("action").value(depot::actionName(file.action));
@@ -144,7 +160,7 @@ Result printOpened(Context& c)
             json.key("user").value(file.user).key("workspace").value(file.workspace);
             json.key("locked").value(file.locked).endObject();
         }
-        json.endArray();
+        json.endArray().endObject();
         return result;
     }
     for (const depot::OpenedFile& file : files)
@@ -159,7 +175,7 @@ Result printChanges(Context& c)
     const std::string state = c.args.option("-s").value_or("pending");
     if (state != "pending" && state != "submitted")
         throw std::invalid_argument("-s takes pending or submitted");
-    const std::size_t maximum = maximumCount(c.args);
+    const std::size_t maximum = maximumCount(c.args).value_or(std::numeric_limits<std::size_t>::max());
     const std::optional<std::string> user = c.args.option("-u");
     std::vector<depot::Changelist> all;
     const Result result = c.depot.changelists(
@@ -173,13 +189,13 @@ Result printChanges(Context& c)
     }
     if (c.line.json()) {
         JsonWriter json(c.out);
-        json.beginArray();
+        json.beginDocument().key("changes").beginArray();
         for (const depot::Changelist& change : shown) {
             json.beginObject();
             writeChangeFields(json, change);
             json.endObject();
         }
-        json.endArray();
+        json.endArray().endObject();
         return result;
     }
     for (const depot::Changelist& change : shown)
@@ -196,7 +212,7 @@ Result printDescription(Context& c)
         return result;
     if (c.line.json()) {
         JsonWriter json(c.out);
-        json.beginObject();
+        json.beginDocument();
         writeChangeFields(json, change);
         json.key("files").beginArray();
         for (const depot::ChangelistFile& file : change.files) {
@@ -242,7 +258,7 @@ Result printInfo(Context& c)
     };
     if (c.line.json()) {
         JsonWriter json(c.out);
-        json.beginObject();
+        json.beginDocument();
         for (const auto& [name, value] : fields)
             json.key(name).value(value);
         json.endObject();
@@ -253,6 +269,107 @@ Result printInfo(Context& c)
     for (std::size_t i = 0; i < fields.size(); ++i)
         c.out << std::left << std::setw(17) << (std::string(labels[i]) + ":")
               << (fields[i].second.empty() ? "(none)" : fields[i].second) << "\n";
+    return result;
+}
+
+Result printFileLog(Context& c)
+{
+    const std::vector<std::string> files = c.files();
+    std::vector<std::vector<depot::FileRevision>> histories;
+    const Result result = c.depot.fileHistory(c.ticket, files, maximumCount(c.args).value_or(0), histories);
+    if (!result.ok())
+        return result;
+    std::vector<std::string> unknown;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (histories[i].empty())
+            unknown.push_back(c.word(i) + " - no such file in the depot");
+    }
+    if (c.line.json()) {
+        JsonWriter json(c.out);
+        json.beginDocument().key("files").beginArray();
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            if (histories[i].empty())
+                continue;
+            json.beginObject().key("file").value(c.word(i)).key("depotPath").value(histories[i].front().depotPath);
+            json.key("revisions").beginArray();
+            for (const depot::FileRevision& revision : histories[i]) {
+                json.beginObject();
+                writeRevisionFields(json, revision);
+                json.key("description").value(revision.description).endObject();
+            }
+            json.endArray().endObject();
+        }
+        json.endArray().endObject();
+    } else {
+        for (const std::vector<depot::FileRevision>& history : histories) {
+            if (history.empty())
+                continue;
+            c.out << history.front().depotPath << "\n";
+            for (const depot::FileRevision& revision : history)
+                c.out << "... " << revisionLine(revision) << " '" << oneLine(revision.description) << "'\n";
+        }
+    }
+    if (!unknown.empty())
+        return {depot::code::Failed, joined(unknown, "\n")};
+    return result;
+}
+
+Result printFiles(Context& c)
+{
+    std::vector<depot::FileRevision> files;
+    const Result result = c.depot.filesAt(c.ticket, c.files(), c.changelistOption(), files);
+    if (!result.ok())
+        return result;
+    if (c.line.json()) {
+        JsonWriter json(c.out);
+        json.beginDocument().key("files").beginArray();
+        for (const depot::FileRevision& file : files) {
+            json.beginObject().key("depotPath").value(file.depotPath);
+            writeRevisionFields(json, file);
+            json.endObject();
+        }
+        json.endArray().endObject();
+        return result;
+    }
+    for (const depot::FileRevision& file : files)
+        c.out << file.depotPath << revisionLine(file) << "\n";
+    return result;
+}
+
+Result printUsers(Context& c)
+{
+    std::vector<std::string> users;
+    const Result result = c.depot.users(c.ticket, users);
+    if (!result.ok())
+        return result;
+    if (c.line.json()) {
+        JsonWriter json(c.out);
+        json.beginDocument().key("users").value(users).endObject();
+        return result;
+    }
+    for (const std::string& user : users)
+        c.out << user << "\n";
+    return result;
+}
+
+Result printWorkspaces(Context& c)
+{
+    std::vector<depot::WorkspaceInfo> workspaces;
+    const Result result = c.depot.workspaces(c.ticket, workspaces);
+    if (!result.ok())
+        return result;
+    if (c.line.json()) {
+        JsonWriter json(c.out);
+        json.beginDocument().key("workspaces").beginArray();
+        for (const depot::WorkspaceInfo& workspace : workspaces) {
+            json.beginObject().key("name").value(workspace.name).key("owner").value(workspace.owner);
+            json.key("root").value(workspace.root).endObject();
+        }
+        json.endArray().endObject();
+        return result;
+    }
+    for (const depot::WorkspaceInfo& workspace : workspaces)
+        c.out << "Workspace " << workspace.name << " owner " << workspace.owner << " root " << workspace.root << "\n";
     return result;
 }
 

@@ -3,6 +3,7 @@
 #include <depot/ticketstore.h>
 
 #include <filesystem>
+#include <sstream>
 #include <stdexcept>
 
 namespace hbrc::host {
@@ -68,6 +69,12 @@ revision::Changelist ChangelistOf(const depot::Changelist& changelist)
     for (const depot::ChangelistFile& file : changelist.files)
         answer.files.push_back({file.depotPath, ActionOf(file.action), file.revision});
     return answer;
+}
+
+revision::FileRevision RevisionOf(const depot::FileRevision& file)
+{
+    return {file.depotPath, file.revision, file.changelist, ActionOf(file.action), file.user, file.workspace, file.time,
+            file.description};
 }
 
 revision::PendingChangelist PendingOf(const depot::PendingChangelist& pending)
@@ -348,46 +355,87 @@ revision::Result DepotServer::revertUnchanged(const std::string& ticket, const F
     return Answer(m_depot.revertUnchanged(ticket, files, reverted, cancel));
 }
 
-// Not served yet: the history questions and the workspace scan arrive with their backends.
-revision::Result DepotServer::fileHistory(const std::string&, const Files&, std::size_t,
-                                     std::vector<std::vector<revision::FileRevision>>&)
+revision::Result DepotServer::fileHistory(const std::string& ticket, const Files& files, std::size_t limit,
+                                         std::vector<std::vector<revision::FileRevision>>& histories)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::vector<std::vector<depot::FileRevision>> answered;
+    const depot::Result result = m_depot.fileHistory(ticket, files, limit, answered);
+    if (result.ok()) {
+        histories.clear();
+        for (const std::vector<depot::FileRevision>& history : answered) {
+            std::vector<revision::FileRevision>& converted = histories.emplace_back();
+            for (const depot::FileRevision& each : history)
+                converted.push_back(RevisionOf(each));
+        }
+    }
+    return Answer(result);
 }
 
-revision::Result DepotServer::fileContent(const std::string&, const revision::FileAtRevision&, std::string&)
+revision::Result DepotServer::fileContent(const std::string& ticket, const revision::FileAtRevision& file,
+                                         std::string& content)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::ostringstream bytes;
+    const depot::Result result = m_depot.fileContent(ticket, {file.file, file.revision}, bytes);
+    if (result.ok())
+        content = std::move(bytes).str();
+    return Answer(result);
 }
 
-revision::Result DepotServer::submittedChanges(const std::string&, const revision::ChangeFilter&,
-                                          std::vector<revision::Changelist>&)
+revision::Result DepotServer::submittedChanges(const std::string& ticket, const revision::ChangeFilter& filter,
+                                              std::vector<revision::Changelist>& changes)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::vector<depot::Changelist> answered;
+    const depot::Result result = m_depot.submittedChanges(
+        ticket, {filter.user, filter.paths, filter.since, filter.until, filter.limit}, answered);
+    if (result.ok()) {
+        changes.clear();
+        for (const depot::Changelist& change : answered)
+            changes.push_back(ChangelistOf(change));
+    }
+    return Answer(result);
 }
 
-revision::Result DepotServer::filesAt(const std::string&, const Files&, const revision::ChangelistId&,
-                                 std::vector<revision::FileRevision>&)
+revision::Result DepotServer::filesAt(const std::string& ticket, const Files& paths,
+                                     const revision::ChangelistId& change, std::vector<revision::FileRevision>& files)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::vector<depot::FileRevision> answered;
+    const depot::Result result = m_depot.filesAt(ticket, paths, change, answered);
+    if (result.ok()) {
+        files.clear();
+        for (const depot::FileRevision& each : answered)
+            files.push_back(RevisionOf(each));
+    }
+    return Answer(result);
 }
 
-revision::Result DepotServer::users(const std::string&, std::vector<std::string>&)
+revision::Result DepotServer::users(const std::string& ticket, std::vector<std::string>& users)
 {
-    return {revision::code::Failed, "not served yet"};
+    return Answer(m_depot.users(ticket, users));
 }
 
-revision::Result DepotServer::workspaces(const std::string&, std::vector<revision::WorkspaceRecord>&)
+revision::Result DepotServer::workspaces(const std::string& ticket, std::vector<revision::WorkspaceRecord>& workspaces)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::vector<depot::WorkspaceInfo> answered;
+    const depot::Result result = m_depot.workspaces(ticket, answered);
+    if (result.ok()) {
+        workspaces.clear();
+        for (const depot::WorkspaceInfo& workspace : answered)
+            workspaces.push_back({workspace.name, workspace.owner, workspace.root});
+    }
+    return Answer(result);
 }
 
-revision::Result DepotServer::syncTo(const std::string&, const std::vector<revision::FileAtRevision>&,
-                                const revision::CancelCheck&)
+revision::Result DepotServer::syncTo(const std::string& ticket, const std::vector<revision::FileAtRevision>& files,
+                                    const revision::CancelCheck& cancel)
 {
-    return {revision::code::Failed, "not served yet"};
+    std::vector<depot::FileAtRevision> targets;
+    targets.reserve(files.size());
+    for (const revision::FileAtRevision& file : files)
+        targets.push_back({file.file, file.revision});
+    return Answer(m_depot.syncTo(ticket, targets, depot::SyncMode::Safe, cancel));
 }
 
+// Not served yet: the workspace scan arrives with its backend.
 revision::Result DepotServer::workspaceChanges(const std::string&, const Files&, std::vector<revision::WorkspaceChange>&,
                                           const revision::CancelCheck&)
 {

@@ -312,10 +312,10 @@ Result Depot::setSessionLifetime(std::chrono::seconds lifetime)
     });
 }
 
-Result Depot::workspaces(std::vector<WorkspaceInfo>& workspaces)
+Result Depot::Impl::listWorkspaces(const std::optional<std::string>& ticket, std::vector<WorkspaceInfo>& workspaces)
 {
     std::vector<WorkspaceInfo> answer;
-    const Result result = d->run(Operation::Workspaces, Transaction::Kind::Read, std::nullopt, {}, [&](Call& call) {
+    const Result result = run(Operation::Workspaces, Transaction::Kind::Read, ticket, {}, [&](Call& call) {
         Statement select(call.db(), "SELECT name, owner, root FROM workspaces ORDER BY name");
         while (select.step())
             answer.push_back({select.text(0), select.text(1), select.text(2)});
@@ -323,6 +323,16 @@ Result Depot::workspaces(std::vector<WorkspaceInfo>& workspaces)
     if (result.ok())
         workspaces = std::move(answer);
     return result;
+}
+
+Result Depot::workspaces(std::vector<WorkspaceInfo>& workspaces)
+{
+    return d->listWorkspaces(std::nullopt, workspaces);
+}
+
+Result Depot::workspaces(const std::string& ticket, std::vector<WorkspaceInfo>& workspaces)
+{
+    return d->listWorkspaces(ticket, workspaces);
 }
 
 Result Depot::login(const std::string& user, const std::string& password, const std::string& workspace,

@@ -2,6 +2,7 @@
 #include <depot/depot.h>
 
 #include <filesystem>
+#include <variant>
 
 #include "contentstore.h"
 #include "depoterror.h"
@@ -36,63 +37,111 @@ void forEachState(Call& call, const Depot::Files& files, Visit visit)
 }
 
 // Whether sync may replace the workspace's copy of a file: a read-only or missing copy, or a
-// writable one that still holds the workspace's revision or already holds the new one. Anything
-// else is a local change made after "make writable", which only a forced sync overwrites.
-bool mayReplace(const fs::path& local, const FileState& state, ContentStore& contents)
+// writable one that still holds the workspace's revision or already holds the one it brings
+// (`brought`, 0 for a removal). Anything else is a local change made after "make writable", which
+// only a forced sync overwrites.
+bool mayReplace(const fs::path& local, const FileState& state, std::int64_t brought, ContentStore& contents)
 {
     if (!fs::exists(local) || !workspacefiles::isWritable(local))
         return true;
     const ContentFingerprint present = ContentStore::fingerprintOfFile(local);
-    const auto holds = [&](const std::optional<std::int64_t>& revision) {
-        return revision && present == contents.fingerprint(contents.ofRevision(*state.key, *revision));
+    const auto holds = [&](std::int64_t revision) {
+        return revision > 0 && present == contents.fingerprint(contents.ofRevision(*state.key, revision));
     };
-    return holds(state.haveRevision) || (state.live() && holds(state.headRevision));
+    return holds(state.haveRevision.value_or(0)) || holds(brought);
 }
+
+// The revision a file is synced to and whether it has content there (a deleting one has none).
+struct SyncTarget
+{
+    std::int64_t revision = 0;
+    bool live = false;
+};
+
+// Where a named revision (0: the head) takes a file; a refusal when the depot does not have it.
+class SyncTargets
+{
+public:
+    explicit SyncTargets(Database& db) : m_action(db, "SELECT action FROM revisions WHERE path = ?1 AND rev = ?2") {}
+
+    std::variant<SyncTarget, std::string> resolve(const FileState& state, std::int64_t revision)
+    {
+        if (revision == 0)
+            return SyncTarget{state.headRevision.value_or(0), state.live()};
+        if (!m_action.bind(1, *state.key).bind(2, revision).step())
+            return "no such revision (the head is #" + std::to_string(state.headRevision.value_or(0)) + ")";
+        const bool live = actionFromName(m_action.text(0)) != FileAction::Delete;
+        m_action.reset();
+        return SyncTarget{revision, live};
+    }
+
+private:
+    Statement m_action;
+};
 
 }  // namespace
 
-Result Depot::sync(const std::string& ticket, const Files& files, SyncMode mode, const CancelCheck& cancel,
-                   SyncReport* report)
+// Sync of files to revisions (0: the head). Pinned (syncTo) refuses files that are open here or
+// unknown; the plain sync passes them over, and takes every depot file when given none.
+Result Depot::Impl::syncFiles(const std::string& ticket, const std::vector<FileAtRevision>& files, bool pinned,
+                              SyncMode mode, const CancelCheck& cancel, SyncReport* report)
 {
     SyncReport done;
-    const Result result = d->runInSession(Operation::Sync, Transaction::Kind::Write, ticket, cancel, [&](Call& call) {
+    const Result result = runInSession(Operation::Sync, Transaction::Kind::Write, ticket, cancel, [&](Call& call) {
         const WorkspaceView& workspace = call.workspace();
-        Files wanted = files;
-        if (wanted.empty()) {
+        std::vector<FileAtRevision> wanted = files;
+        if (wanted.empty() && !pinned) {
             Statement all(call.db(), "SELECT path FROM files ORDER BY path");
             while (all.step())
-                wanted.push_back(workspace.localPathOf(all.text(0)).string());
+                wanted.push_back({workspace.localPathOf(all.text(0)).string(), 0});
         }
         ContentStore contents(call.db());
+        SyncTargets targets(call.db());
         Statement setHave(call.db(), "INSERT INTO have(workspace, path, rev) VALUES (?1, ?2, ?3) "
                                      "ON CONFLICT(workspace, path) DO UPDATE SET rev = excluded.rev");
         Statement dropHave(call.db(), "DELETE FROM have WHERE workspace = ?1 AND path = ?2");
         std::vector<std::string> refusals;
-        forEachState(call, wanted, [&](const std::string&, const FileState& state) {
-            if (!state.key || state.mine || (!state.live() && !state.haveRevision))
-                return;
+        FileStateReader reader(call.db(), workspace);
+        for (const FileAtRevision& file : wanted) {
+            call.checkpoint();
+            const FileState state = reader.read(file.file);
+            const std::string named = file.file + (file.revision ? "#" + std::to_string(file.revision) : "");
+            if (!state.key || state.mine || !state.headRevision) {
+                if (pinned)
+                    refusals.push_back(named + (!state.key        ? " - not below the workspace root"
+                                                : state.mine      ? " - opened in this workspace; submit or revert it first"
+                                                                  : " - no such file in the depot"));
+                continue;
+            }
+            const std::variant<SyncTarget, std::string> resolved = targets.resolve(state, file.revision);
+            if (const std::string* refusal = std::get_if<std::string>(&resolved)) {
+                refusals.push_back(named + " - " + *refusal);
+                continue;
+            }
+            const SyncTarget target = std::get<SyncTarget>(resolved);
             const fs::path local = workspace.localPathOf(*state.key);
-            if (state.live() && state.haveIsHead() && fs::exists(local))
-                return;
+            if (target.live ? state.haveRevision == target.revision && fs::exists(local) : !state.haveRevision)
+                continue;
             // A file that cannot be written is refused alone, before anything of it is recorded.
             try {
                 workspacefiles::requireReplaceable(local);
-                if (mode == SyncMode::Safe && !mayReplace(local, state, contents)) {
+                const std::int64_t brought = target.live ? target.revision : 0;
+                if (mode == SyncMode::Safe && !mayReplace(local, state, brought, contents)) {
                     refusals.push_back("Can't clobber writable file " + local.string());
-                    return;
+                    continue;
                 }
             } catch (const DepotError& error) {
                 refusals.push_back(error.what());
-                return;
+                continue;
             }
-            if (state.live()) {
-                setHave.bind(1, workspace.name()).bind(2, *state.key).bind(3, *state.headRevision).run();
-                call.schedule(FileStep::Kind::WriteRevision, *state.key, *state.headRevision);
+            if (target.live) {
+                setHave.bind(1, workspace.name()).bind(2, *state.key).bind(3, target.revision).run();
+                call.schedule(FileStep::Kind::WriteRevision, *state.key, target.revision);
             } else {
                 dropHave.bind(1, workspace.name()).bind(2, *state.key).run();
                 call.schedule(FileStep::Kind::Remove, *state.key);
             }
-        });
+        }
         call.checkpoint();
         if (!refusals.empty())
             call.refuseSome(code::Failed, joinLines(refusals));
@@ -111,6 +160,22 @@ Result Depot::sync(const std::string& ticket, const Files& files, SyncMode mode,
     if (report)
         *report = std::move(done);
     return result;
+}
+
+Result Depot::sync(const std::string& ticket, const Files& files, SyncMode mode, const CancelCheck& cancel,
+                   SyncReport* report)
+{
+    std::vector<FileAtRevision> heads;
+    heads.reserve(files.size());
+    for (const std::string& file : files)
+        heads.push_back({file, 0});
+    return d->syncFiles(ticket, heads, false, mode, cancel, report);
+}
+
+Result Depot::syncTo(const std::string& ticket, const std::vector<FileAtRevision>& files, SyncMode mode,
+                     const CancelCheck& cancel, SyncReport* report)
+{
+    return d->syncFiles(ticket, files, true, mode, cancel, report);
 }
 
 Result Depot::status(const std::string& ticket, const Files& files, std::vector<FileStatus>& statuses,

@@ -36,6 +36,10 @@ struct Depot::Impl
 
     Result openFiles(Operation operation, FileAction action, const std::string& ticket, const Files& files,
                      const ChangelistId& changelist, const CancelCheck& cancel);
+    Result syncFiles(const std::string& ticket, const std::vector<FileAtRevision>& files, bool pinned, SyncMode mode,
+                     const CancelCheck& cancel, SyncReport* report);
+    // Without a ticket for administration, with one in a session.
+    Result listWorkspaces(const std::optional<std::string>& ticket, std::vector<WorkspaceInfo>& workspaces);
     Result setLocked(Operation operation, bool locked, const std::string& ticket, const Files& files,
                      const CancelCheck& cancel);
 

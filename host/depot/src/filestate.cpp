@@ -1,7 +1,6 @@
 #include "filestate.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "workspaceview.h"
 
@@ -17,24 +16,6 @@ void addOpenRecord(FileState& state, const WorkspaceView& workspace, const State
         state.mine = std::move(record);
     else
         state.others.push_back(std::move(record));
-}
-
-void appendJsonString(std::string& json, const std::string& text)
-{
-    json += '"';
-    for (const char c : text) {
-        if (c == '"' || c == '\\') {
-            json += '\\';
-            json += c;
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
-            json += escaped;
-        } else {
-            json += c;
-        }
-    }
-    json += '"';
 }
 
 }  // namespace
@@ -73,23 +54,20 @@ std::vector<FileState> readStates(Database& db, const WorkspaceView& workspace, 
     // key's place in that array.
     std::vector<FileState> states(localPaths.size());
     std::vector<std::size_t> asked;
-    std::string keys = "[";
+    std::vector<std::string> keys;
     for (std::size_t i = 0; i < localPaths.size(); ++i) {
         states[i].key = workspace.keyOf(localPaths[i]);
         if (!states[i].key)
             continue;
-        if (!asked.empty())
-            keys += ',';
-        appendJsonString(keys, *states[i].key);
+        keys.push_back(*states[i].key);
         asked.push_back(i);
     }
-    keys += ']';
     Statement select(db, "SELECT a.key, f.head_rev, f.head_deleted, h.rev, o.workspace, o.user, o.action, o.change, "
                          "o.locked FROM json_each(?1) a "
                          "LEFT JOIN files f ON f.path = a.value "
                          "LEFT JOIN have h ON h.workspace = ?2 AND h.path = a.value "
                          "LEFT JOIN opened o ON o.path = a.value");
-    select.bind(1, keys).bind(2, workspace.name());
+    select.bind(1, jsonArrayOf(keys)).bind(2, workspace.name());
     while (select.step()) {
         FileState& state = states.at(asked.at(static_cast<std::size_t>(select.integer(0))));
         state.headRevision = select.optionalInteger(1);

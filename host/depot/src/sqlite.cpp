@@ -304,4 +304,28 @@ void Transaction::commit()
     m_open = false;
 }
 
+std::string jsonArrayOf(const std::vector<std::string>& texts)
+{
+    std::string json = "[";
+    for (const std::string& text : texts) {
+        if (json.size() > 1)
+            json += ',';
+        json += '"';
+        for (const char c : text) {
+            if (c == '"' || c == '\\') {
+                json += '\\';
+                json += c;
+            } else if (static_cast<unsigned char>(c) < 0x20) {
+                char escaped[8];
+                std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
+                json += escaped;
+            } else {
+                json += c;
+            }
+        }
+        json += '"';
+    }
+    return json + "]";
+}
+
 }  // namespace hbrc::depot

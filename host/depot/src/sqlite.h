@@ -77,6 +77,10 @@ private:
     sqlite3_stmt* m_stmt = nullptr;
 };
 
+// Texts as one JSON array, so that a statement takes a list of any length as one parameter
+// (through json_each).
+std::string jsonArrayOf(const std::vector<std::string>& texts);
+
 // Rolls back unless commit() was called. Writers take the write lock at once (BEGIN IMMEDIATE)
 // so that two processes never deadlock upgrading read locks.
 class Transaction

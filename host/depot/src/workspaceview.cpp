@@ -43,13 +43,25 @@ std::optional<std::string> WorkspaceView::keyOf(const std::string& localPath) co
         if (isCleanRelative(rest))
             return std::string(rest);
     }
-    fs::path path(localPath);
-    if (path.is_relative())
-        path = m_root / path;
-    const fs::path relative = path.lexically_normal().lexically_relative(m_root);
+    const fs::path relative = relativeToRoot(localPath);
     if (relative.empty() || relative == "." || *relative.begin() == "..")
         return std::nullopt;
     return relative.generic_string();
+}
+
+std::optional<std::string> WorkspaceView::scopeOf(const std::string& localPath) const
+{
+    if (relativeToRoot(localPath) == ".")
+        return std::string();
+    return keyOf(localPath);
+}
+
+fs::path WorkspaceView::relativeToRoot(const std::string& localPath) const
+{
+    fs::path path(localPath);
+    if (path.is_relative())
+        path = m_root / path;
+    return path.lexically_normal().lexically_relative(m_root);
 }
 
 fs::path WorkspaceView::localPathOf(const std::string& key) const

@@ -19,11 +19,15 @@ public:
     // The depot key ("art/ship.kel") of a local path, absolute or relative to the root; nothing
     // when the path lies outside the root.
     std::optional<std::string> keyOf(const std::string& localPath) const;
+    // As keyOf, and "" for the root folder itself: the key of a folder, for "at or below" questions.
+    std::optional<std::string> scopeOf(const std::string& localPath) const;
     std::filesystem::path localPathOf(const std::string& key) const;
     // The same as text, without taking the path apart.
     std::string localFileOf(const std::string& key) const { return m_rootPrefix + key; }
 
 private:
+    std::filesystem::path relativeToRoot(const std::string& localPath) const;
+
     std::string m_name;
     std::string m_owner;
     std::filesystem::path m_root;

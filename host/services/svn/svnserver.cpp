@@ -1,6 +1,7 @@
 #include "svnserver.h"
 
 #include "svnconnectionbreaker.h"
+#include "svnservercall.h"
 
 #include <svn_config.h>
 
@@ -28,7 +29,6 @@ using revision::Result;
 namespace code = revision::code;
 namespace status = revision::status;
 
-constexpr auto kLatencySlice = std::chrono::milliseconds(10);
 constexpr unsigned kOpenHere = status::OpenedForEdit | status::OpenedForAdd | status::OpenedForDelete;
 
 std::string NewTicket()
@@ -203,81 +203,6 @@ svn_error_t* KeepRevision(const svn_commit_info_t* info, void* baton, apr_pool_t
 
 }  // namespace
 
-// One operation of the server: forced failures and latency first, then the session of its ticket,
-// whose account and cancel check the client context uses until the operation ends.
-class SvnServer::Call
-{
-public:
-    Call(SvnServer& server, const revision::CancelCheck& cancel)
-        : m_server(server), m_cancel(cancel), m_pool(server.m_client.pool())
-    {
-    }
-    ~Call()
-    {
-        m_server.m_client.use(nullptr, nullptr);
-        svn_client_ctx_t* context = m_server.m_client.context();
-        context->notify_func2 = nullptr;
-        context->log_msg_func3 = nullptr;
-    }
-    Call(const Call&) = delete;
-    Call& operator=(const Call&) = delete;
-
-    Result begin(revision::Operation operation, const std::string* ticket)
-    {
-        if (std::optional<Result> forced = m_server.m_faults.takeForcedFailure(operation)) {
-            // A forced failure stands for a round trip that failed.
-            ++m_server.m_roundTrips;
-            return *forced;
-        }
-        const auto until = std::chrono::steady_clock::now() + m_server.m_faults.latency();
-        while (std::chrono::steady_clock::now() < until) {
-            if (m_cancel && m_cancel())
-                return {code::Cancelled, "The operation was cancelled; the repository is unchanged"};
-            std::this_thread::sleep_for(
-                std::min<std::chrono::steady_clock::duration>(kLatencySlice, until - std::chrono::steady_clock::now()));
-        }
-        if (!ticket)
-            return {};
-        m_session = m_server.find(*ticket);
-        if (!m_session)
-            return {code::SessionUnusable, "Your session has expired; please log in again."};
-        use(*m_session);
-        return {};
-    }
-    void use(const Session& session) { m_server.m_client.use(&session.credentials, &m_cancel); }
-
-    Session& session() const { return *m_session; }
-    apr_pool_t* pool() const { return m_pool.get(); }
-    svn_client_ctx_t* context() const { return m_server.m_client.context(); }
-    apr_array_header_t* paths(const Files& files) const { return SvnClient::pathArray(files, pool()); }
-    // Asks the repository for its latest revision on a new connection, which authenticates anew.
-    svn_error_t* reachRepository() const
-    {
-        svn_ra_session_t* ra = nullptr;
-        svn_revnum_t latest = SVN_INVALID_REVNUM;
-        svn_error_t* err = svn_client_open_ra_session2(&ra, m_server.m_url.c_str(), nullptr, context(), pool(), pool());
-        return err ? err : svn_ra_get_latest_revnum(ra, &latest, pool());
-    }
-    // Counts one question to the repository and runs it.
-    Result ask(svn_error_t* err)
-    {
-        ++m_server.m_roundTrips;
-        return finish(err);
-    }
-    Result finish(svn_error_t* err) const { return SvnResult(err, m_server.m_url); }
-    // The working copy's nodes, the repository not asked.
-    Result walkLocally(SvnStatusMap& nodes) const
-    {
-        return finish(SvnWalkStatus(m_server.m_client, m_session->workingCopy, false, nodes, pool()));
-    }
-
-private:
-    SvnServer& m_server;
-    revision::CancelCheck m_cancel;
-    SvnPool m_pool;
-    Session* m_session = nullptr;
-};
-
 SvnServer::Session* SvnServer::find(const std::string& ticket)
 {
     const auto found = m_sessions.find(ticket);
@@ -437,12 +362,7 @@ Result SvnServer::sync(const std::string& ticket, const Files& files, const revi
     Call call(*this, cancel);
     if (Result begun = call.begin(revision::Operation::Sync, &ticket); !begun.ok())
         return begun;
-    svn_opt_revision_t head{};
-    head.kind = svn_opt_revision_head;
-    apr_array_header_t* revisions = nullptr;
-    const Files targets = files.empty() ? Files{call.session().workingCopy} : files;
-    return call.ask(svn_client_update4(&revisions, call.paths(targets), &head, svn_depth_unknown, FALSE, TRUE, TRUE,
-                                       TRUE, TRUE, call.context(), call.pool()));
+    return call.ask(call.update(files.empty() ? Files{call.session().workingCopy} : files, 0));
 }
 
 Result SvnServer::checkFilesMayChange(Call& call, const char* action, const Files& files,
@@ -809,46 +729,35 @@ Result SvnServer::revertUnchanged(const std::string& ticket, const Files& files,
     return {};
 }
 
-// Not served yet: the history questions and the workspace scan arrive with their backends.
-revision::Result SvnServer::fileHistory(const std::string&, const Files&, std::size_t,
-                                     std::vector<std::vector<revision::FileRevision>>&)
+// An update per revision named; svn:needs-lock leaves the files read-only, as after a sync.
+Result SvnServer::syncTo(const std::string& ticket, const std::vector<revision::FileAtRevision>& files,
+                         const revision::CancelCheck& cancel)
 {
-    return {revision::code::Failed, "not served yet"};
+    Call call(*this, cancel);
+    if (Result begun = call.begin(revision::Operation::Sync, &ticket); !begun.ok())
+        return begun;
+    Files names;
+    std::map<std::int64_t, Files> byRevision;
+    for (const revision::FileAtRevision& file : files) {
+        names.push_back(file.file);
+        byRevision[file.revision].push_back(file.file);
+    }
+    std::vector<revision::FileStatus> statuses;
+    if (Result walked = statusWords(call, names, false, statuses); !walked.ok())
+        return walked;
+    std::string refusals;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        if (statuses[i].word & kOpenHere)
+            refusals += "\n" + names[i] + " is opened in workspace " + call.session().workingCopy;
+    if (!refusals.empty())
+        return {code::Failed, "Cannot sync:" + refusals};
+    for (const auto& [revision, targets] : byRevision)
+        if (Result updated = call.ask(call.update(targets, static_cast<long>(revision))); !updated.ok())
+            return updated;
+    return {};
 }
 
-revision::Result SvnServer::fileContent(const std::string&, const revision::FileAtRevision&, std::string&)
-{
-    return {revision::code::Failed, "not served yet"};
-}
-
-revision::Result SvnServer::submittedChanges(const std::string&, const revision::ChangeFilter&,
-                                          std::vector<revision::Changelist>&)
-{
-    return {revision::code::Failed, "not served yet"};
-}
-
-revision::Result SvnServer::filesAt(const std::string&, const Files&, const revision::ChangelistId&,
-                                 std::vector<revision::FileRevision>&)
-{
-    return {revision::code::Failed, "not served yet"};
-}
-
-revision::Result SvnServer::users(const std::string&, std::vector<std::string>&)
-{
-    return {revision::code::Failed, "not served yet"};
-}
-
-revision::Result SvnServer::workspaces(const std::string&, std::vector<revision::WorkspaceRecord>&)
-{
-    return {revision::code::Failed, "not served yet"};
-}
-
-revision::Result SvnServer::syncTo(const std::string&, const std::vector<revision::FileAtRevision>&,
-                                const revision::CancelCheck&)
-{
-    return {revision::code::Failed, "not served yet"};
-}
-
+// Not served yet: the workspace scan arrives with its backend.
 revision::Result SvnServer::workspaceChanges(const std::string&, const Files&, std::vector<revision::WorkspaceChange>&,
                                           const revision::CancelCheck&)
 {

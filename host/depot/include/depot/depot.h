@@ -20,6 +20,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
@@ -74,6 +75,8 @@ public:
     Result setSessionLifetime(std::chrono::seconds lifetime);
     // Every workspace, by name.
     Result workspaces(std::vector<WorkspaceInfo>& workspaces);
+    // The same in a session, refused without a live one.
+    Result workspaces(const std::string& ticket, std::vector<WorkspaceInfo>& workspaces);
 
     // Opens a session of `user` in their `workspace`. A wrong password fails with a text
     // containing "Invalid password", and so does an unknown user.
@@ -143,6 +146,29 @@ public:
     Result pending(const std::string& ticket, std::vector<PendingChangelist>& pending);
     // True for "" and for this workspace's pending changelists; false for submitted or unknown ones.
     Result changelistExists(const std::string& ticket, const ChangelistId& changelist, bool& exists);
+
+    // The history, each question one round trip whatever the length of its list. Files are local
+    // paths below the session's workspace root; a file the depot does not know has no revisions.
+    // Each file's revisions, newest first, at most `limit` of them (0: all).
+    Result fileHistory(const std::string& ticket, const Files& files, std::size_t limit,
+                       std::vector<std::vector<FileRevision>>& histories);
+    // Writes a file's bytes at a revision (0: the head) to `out`, as they were submitted; a revision
+    // that deletes the file has none and is refused. A damaged content fails midway.
+    Result fileContent(const std::string& ticket, const FileAtRevision& file, std::ostream& out);
+    // Submitted changes that pass the filter, newest (last submitted) first, without their files.
+    Result submittedChanges(const std::string& ticket, const ChangeFilter& filter, std::vector<Changelist>& changes);
+    // The files at or below the paths (the whole depot when empty) as they were right after the
+    // submitted change (""): the head), each at its revision then; files deleted by then are left
+    // out. In path order, without descriptions.
+    Result filesAt(const std::string& ticket, const Files& paths, const ChangelistId& change,
+                   std::vector<FileRevision>& files);
+    // Every user, sorted.
+    Result users(const std::string& ticket, std::vector<std::string>& users);
+    // Brings each file to the revision named (0: the head), read-only, as sync does, and records
+    // it as the workspace's: a deleting revision removes the file. Files this workspace has open
+    // and revisions the depot does not have are refused and named, the others synced.
+    Result syncTo(const std::string& ticket, const std::vector<FileAtRevision>& files,
+                  SyncMode mode = SyncMode::Safe, const CancelCheck& cancel = {}, SyncReport* report = nullptr);
 
     // Round trips made through this object (every call above except create).
     std::uint64_t roundTrips() const;

@@ -5,6 +5,7 @@
 
 #include <depot/export.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -115,6 +116,36 @@ struct SyncReport
 {
     std::vector<std::string> updated;
     std::vector<std::string> deleted;
+};
+
+// One revision of a file, as its history lists it.
+struct FileRevision
+{
+    std::string depotPath;
+    std::int64_t revision = 0;
+    ChangelistId changelist;               // the submitted change that made it
+    FileAction action = FileAction::Edit;  // Add (also an add after a deletion), Edit or Delete
+    std::string user;
+    std::string workspace;
+    std::int64_t time = 0;  // seconds since the epoch
+    std::string description;
+};
+
+// A file named with a revision: 0 is the head revision.
+struct FileAtRevision
+{
+    std::string file;
+    std::int64_t revision = 0;
+};
+
+// Which submitted changes to list; every filter left empty lets all through.
+struct ChangeFilter
+{
+    std::string user;                // only this user's changes
+    std::vector<std::string> paths;  // only changes to files at or below these local paths
+    std::int64_t since = 0;          // submitted at or after (seconds since the epoch); 0: no bound
+    std::int64_t until = 0;          // submitted at or before; 0: no bound
+    std::size_t limit = 0;           // the newest N; 0: all
 };
 
 struct WorkspaceInfo
