@@ -3,11 +3,13 @@
 // - a save of 1,000 and of 10,000 dirty assets, in a host without the plug-in and in one with it:
 //   the plug-in's share of the save;
 // - the pre-save hook alone for 1,000 and 10,000 dirty assets: how it grows;
-// - a save that adds 1,000 new assets, which the post-save hook marks for add: depot round trips
-//   in all and per asset.
+// - a save that adds 1,000 new assets, which the post-save hook marks for add: round trips in all
+//   and per asset, on the embedded depot and on a Subversion repository served by svnserve on
+//   127.0.0.1.
 // Ratios are of CPU time. Run it with TMPDIR on a memory file system (TMPDIR=/dev/shm) so that
 // the saves' synced writes do not drown the hooks' work in the disk's.
 #include <ratioreporter.h>
+#include <svnrepositoryfixture.h>
 
 #include <borax/datamodel/iitemlibrarynotification.h>
 #include <depot/depot.h>
@@ -35,18 +37,20 @@ void expect(bool ok, const std::string& what)
         throw std::runtime_error(what);
 }
 
-// A host over a depot workspace of kAssets saved metadata assets, with or without the plug-in.
+// A host over a workspace of kAssets saved metadata assets, with or without the plug-in, on the
+// embedded depot or on svnserve.
 class Scene
 {
 public:
     enum class Plugin { Absent, Loaded };
+    enum class Server { Depot, SvnServe };
 
-    static Scene& Get(Plugin plugin)
+    static Scene& Get(Plugin plugin, Server server = Server::Depot)
     {
         std::unique_ptr<Scene>& scene = Instance();
-        if (!scene || scene->m_plugin != plugin) {
+        if (!scene || scene->m_plugin != plugin || scene->m_server != server) {
             scene.reset();  // one host session at a time
-            scene.reset(new Scene(plugin));
+            scene.reset(new Scene(plugin, server));
         }
         return *scene;
     }
@@ -82,29 +86,38 @@ private:
         return scene;
     }
 
-    explicit Scene(Plugin plugin) : m_plugin(plugin), m_host(m_dir.filePath(QStringLiteral("preferences.ini")))
+    Scene(Plugin plugin, Server server)
+        : m_plugin(plugin), m_server(server), m_host(m_dir.filePath(QStringLiteral("preferences.ini")))
     {
         QDir(m_dir.path()).mkpath(QStringLiteral("ws"));
         const QString folder = QDir(m_dir.filePath(QStringLiteral("ws"))).canonicalPath();
-        const std::string depotPath = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
-        hbrc::depot::DepotOptions options;
-        options.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
-        hbrc::depot::Depot admin(depotPath, options);
-        expect(hbrc::depot::Depot::create(depotPath).ok() && admin.addUser("bench", "pw").ok() &&
-                   admin.addWorkspace("bench-ws", "bench", QFile::encodeName(folder).toStdString()).ok(),
-               "cannot set up the depot");
+        const std::string folderName = QFile::encodeName(folder).toStdString();
+        hbrc::host::RevisionControlAccount account{"alice", "alice-pw", folderName};  // a working copy is its folder
+        std::string serverSetting;
+        if (server == Server::SvnServe) {
+            m_repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served);
+            serverSetting = m_repository->Url();
+        } else {
+            account.workspace = "bench-ws";
+            serverSetting = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
+            hbrc::depot::DepotOptions options;
+            options.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+            hbrc::depot::Depot admin(serverSetting, options);
+            expect(hbrc::depot::Depot::create(serverSetting).ok() && admin.addUser("alice", "alice-pw").ok() &&
+                       admin.addWorkspace(account.workspace, "alice", folderName).ok(),
+                   "cannot set up the depot");
+        }
 
-        m_host.Preferences().SetStringPref("RevControl.UserName", "bench", 1);
-        m_host.Preferences().SetStringPref("RevControl.Workspace", "bench-ws", 1);
-        m_host.Preferences().SetStringPref("RevControl.Server", depotPath, 1);
+        m_host.Preferences().SetStringPref("RevControl.UserName", account.userName, 1);
+        m_host.Preferences().SetStringPref("RevControl.Workspace", account.workspace, 1);
+        m_host.Preferences().SetStringPref("RevControl.Server", serverSetting, 1);
         m_host.Preferences().SetBoolPref("RevControl.UseSourceDataControl", true, 1);
-        m_host.AddWorkspaceSetup([this, depotPath](Workspace& workspace) {
+        m_host.AddWorkspaceSetup([this, serverSetting, account](Workspace& workspace) {
             ConnectionOptions connection;
             connection.server.passwordHashCost = hbrc::revision::PasswordHashCost::Minimal;
             connection.timeOutThreshold = std::chrono::minutes(10);  // no progress box
             std::string error;
-            m_services = InstallRevisionControlServices(workspace, depotPath, {"bench", "pw", "bench-ws"}, error,
-                                                        connection);
+            m_services = InstallRevisionControlServices(workspace, serverSetting, account, error, connection);
             expect(error.empty(), error);
         });
         std::string error;
@@ -133,7 +146,9 @@ private:
     }
 
     Plugin m_plugin;
+    Server m_server;
     QTemporaryDir m_dir;
+    std::unique_ptr<SvnRepositoryFixture> m_repository;
     HostSession m_host;
     RevisionControlServices m_services;
     Workspace* m_workspace = nullptr;
@@ -174,12 +189,12 @@ void BM_PreSaveHook(benchmark::State& state)
     expect(scene.Space().Save().Succeeded(), "cannot save the edits");
 }
 
-// A save that adds N new assets; the post-save hook marks each for add (batch: the default
-// changelist, one command per asset).
+// A save that adds N new assets (range(1)) on a server (range(0)); the post-save hook marks them for
+// add (batch: the default changelist, one command for all of them).
 void BM_SaveAddingNewAssets(benchmark::State& state)
 {
-    Scene& scene = Scene::Get(Scene::Plugin::Loaded);
-    const int count = static_cast<int>(state.range(0));
+    Scene& scene = Scene::Get(Scene::Plugin::Loaded, static_cast<Scene::Server>(state.range(0)));
+    const int count = static_cast<int>(state.range(1));
     std::uint64_t roundTrips = 0;
     for (auto _ : state) {
         state.PauseTiming();
@@ -197,7 +212,14 @@ void BM_SaveAddingNewAssets(benchmark::State& state)
 BENCHMARK(BM_SaveWithoutPlugin)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_SaveWithPlugin)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_PreSaveHook)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_SaveAddingNewAssets)->Arg(1000)->Unit(benchmark::kMillisecond)->Iterations(2);
+BENCHMARK(BM_SaveAddingNewAssets)
+    ->ArgNames({"server", "assets"})
+    ->Args({int(Scene::Server::Depot), 10})
+    ->Args({int(Scene::Server::Depot), 1000})
+    ->Args({int(Scene::Server::SvnServe), 10})
+    ->Args({int(Scene::Server::SvnServe), 1000})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(2);
 
 }  // namespace
 

@@ -1,5 +1,7 @@
 // A workspace of 100,000 submitted metadata assets (HBRC_SCALE_ASSETS overrides the count) on the
-// embedded depot, through the host's workspace loading and the services' status question:
+// embedded depot, or on svnserve with HBRC_SCALE_SERVER=svnserve (one server per run, so that the
+// peak memory is that server's), through the host's workspace loading and the services' status
+// question:
 // - loading the workspace folder afresh;
 // - refreshing the status of every asset (one object-status question, as a refresh asks it), with
 //   the depot round trips it costs;
@@ -32,6 +34,13 @@ int assetCount()
     return configured ? std::atoi(configured) : 100000;
 }
 
+hbrc::bench::DepotWorkspace::Server server()
+{
+    const char* configured = std::getenv("HBRC_SCALE_SERVER");
+    return configured && std::string(configured) == "svnserve" ? hbrc::bench::DepotWorkspace::Server::SvnServe
+                                                               : hbrc::bench::DepotWorkspace::Server::EmbeddedDepot;
+}
+
 // The depot workspace with its assets created, saved and submitted, built once per run.
 class Scene
 {
@@ -53,7 +62,7 @@ public:
     }
 
 private:
-    Scene()
+    Scene() : m_depot(server())
     {
         const int count = assetCount();
         std::string error;

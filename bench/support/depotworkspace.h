@@ -2,8 +2,12 @@
 
 // A benchmark's revision-control set-up on the embedded depot: a depot with one user and one
 // workspace over a fresh folder, the folder opened as a data-model workspace, and the services
-// installed and logged in (the cheapest password hash, so that set-up stays short). Throws
-// std::runtime_error when a step fails. Header-only; the benchmark links hbrc_services.
+// installed and logged in (the cheapest password hash, so that set-up stays short). Or the same
+// on a Subversion repository served by svnserve on 127.0.0.1, the folder being alice's working
+// copy. Throws std::runtime_error when a step fails. Header-only; the benchmark links
+// hbrc_services.
+
+#include <svnrepositoryfixture.h>
 
 #include <depot/depot.h>
 #include <hbrcdatamodel/workspace.h>
@@ -24,26 +28,36 @@ namespace hbrc::bench {
 class DepotWorkspace
 {
 public:
-    DepotWorkspace()
+    enum class Server { EmbeddedDepot, SvnServe };
+
+    explicit DepotWorkspace(Server server = Server::EmbeddedDepot)
     {
         using namespace hbrc::host;
         QDir(m_dir.path()).mkpath(QStringLiteral("ws"));
         m_root = QFile::encodeName(QDir(m_dir.filePath(QStringLiteral("ws"))).canonicalPath()).toStdString();
-        const std::string depotPath = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
+        std::string serverSetting;
+        RevisionControlAccount account{"alice", "alice-pw", m_root};
+        if (server == Server::SvnServe) {
+            m_repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served);
+            serverSetting = m_repository->Url();
+        } else {
+            serverSetting = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
+            account = {"bench", "pw", "bench-ws"};
+            hbrc::depot::DepotOptions adminOptions;
+            adminOptions.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
+            hbrc::depot::Depot admin(serverSetting, adminOptions);
+            if (!hbrc::depot::Depot::create(serverSetting).ok() || !admin.addUser(account.userName, account.password).ok()
+                || !admin.addWorkspace(account.workspace, account.userName, m_root).ok())
+                throw std::runtime_error("cannot set up the depot");
+        }
         ConnectionOptions connection;
         connection.server.passwordHashCost = hbrc::revision::PasswordHashCost::Minimal;
-        hbrc::depot::DepotOptions adminOptions;
-        adminOptions.passwordHashCost = hbrc::depot::PasswordHashCost::Minimal;
-        hbrc::depot::Depot admin(depotPath, adminOptions);
-        if (!hbrc::depot::Depot::create(depotPath).ok() || !admin.addUser("bench", "pw").ok()
-            || !admin.addWorkspace("bench-ws", "bench", m_root).ok())
-            throw std::runtime_error("cannot set up the depot");
+        connection.callDeadline = std::chrono::minutes(30);  // a commit of 100,000 files takes minutes
         std::string error;
         m_workspace = Workspace::Open(QString::fromStdString(m_root), error);
         if (!m_workspace)
             throw std::runtime_error(error);
-        m_services = InstallRevisionControlServices(*m_workspace, depotPath, {"bench", "pw", "bench-ws"}, error,
-                                                    connection);
+        m_services = InstallRevisionControlServices(*m_workspace, serverSetting, account, error, connection);
         if (!error.empty())
             throw std::runtime_error(error);
     }
@@ -78,6 +92,7 @@ private:
     }
 
     QTemporaryDir m_dir;
+    std::unique_ptr<SvnRepositoryFixture> m_repository;
     std::string m_root;
     std::unique_ptr<hbrc::host::Workspace> m_workspace;
     hbrc::host::RevisionControlServices m_services;

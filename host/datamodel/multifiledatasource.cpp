@@ -4,6 +4,9 @@
 
 #include <QFile>
 
+#include <algorithm>
+#include <set>
+
 namespace hbrc::host {
 
 void* MultiFileDataSource::QueryInterface(const kel4::InterfaceId& iid)
@@ -28,14 +31,24 @@ void MultiFileDataSource::GetDeletedFiles(kel4::List<std::string>& files) const
 void MultiFileDataSource::GetAddedObjects(kel4::List<DbObjectId>& ids,
                                           kel4::List<KELHandle<kel4::IDbObject>>& objects) const
 {
+    const auto handleOf = [this](const Added& added) {
+        if (!m_manager)
+            return KELHandle<kel4::IDbObject>();
+        KELHandle<kel4::IDbObject> handle(m_manager, added.slot, added.instance);
+        return m_manager->IsHandleValid(handle) ? handle : KELHandle<kel4::IDbObject>();
+    };
+    std::set<DbObjectId> reported;
     for (const Added& added : m_added) {
         ids.push_back(added.id);
-        KELHandle<kel4::IDbObject> handle;
-        if (m_manager) {
-            handle = KELHandle<kel4::IDbObject>(m_manager, added.slot, added.instance);
-            if (!m_manager->IsHandleValid(handle))
-                handle = KELHandle<kel4::IDbObject>();
-        }
+        objects.push_back(handleOf(added));
+        reported.insert(added.id);
+    }
+    // Those of earlier saves only while they still exist: a deleted asset is nothing to add.
+    for (const auto& [id, waiting] : m_notYetAdded) {
+        const KELHandle<kel4::IDbObject> handle = handleOf(waiting);
+        if (handle.IsNull() || reported.count(id))
+            continue;
+        ids.push_back(id);
         objects.push_back(handle);
     }
 }
@@ -43,12 +56,30 @@ void MultiFileDataSource::GetAddedObjects(kel4::List<DbObjectId>& ids,
 void MultiFileDataSource::ResetTracking()
 {
     m_deleted.clear();
+    if (m_keepUntilAdded)
+        for (const Added& added : m_added)
+            m_notYetAdded.emplace(added.id, added);
     m_added.clear();
 }
 
 void MultiFileDataSource::RecordAddedObject(const DbObjectId& id, std::uint32_t slot, std::uint32_t instance)
 {
     m_added.push_back({id, slot, instance});
+}
+
+void MultiFileDataSource::ConfirmAdded(const kel4::List<DbObjectId>& ids)
+{
+    const std::set<DbObjectId> confirmed(ids.begin(), ids.end());
+    for (const DbObjectId& id : confirmed)
+        m_notYetAdded.erase(id);
+    m_added.erase(std::remove_if(m_added.begin(), m_added.end(),
+                                 [&](const Added& added) { return confirmed.count(added.id) != 0; }),
+                  m_added.end());
+}
+
+bool MultiFileDataSource::IsNotYetAdded(const DbObjectId& id) const
+{
+    return m_notYetAdded.count(id) != 0;
 }
 
 }  // namespace hbrc::host

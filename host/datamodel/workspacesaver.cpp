@@ -103,7 +103,9 @@ bool finishAsset(DataModelMgr& model, const StagedAsset& staged, SaveReport& rep
 {
     StoredAsset& asset = model.Store().AssetAt(staged.slot);
     const bool firstWrite = !asset.IsOnDisk();
-    asset.ancestor = firstWrite ? VersionId() : VersionId(std::to_string(asset.record.version));
+    // An asset that revision control has not taken yet stays new to it, however often it is saved.
+    const bool newToRevisionControl = firstWrite || model.DataSource().IsNotYetAdded(DbObjectId(asset.record.id));
+    asset.ancestor = newToRevisionControl ? VersionId() : VersionId(std::to_string(asset.record.version));
     asset.record.version = staged.saved.version;
     asset.pendingContent.clear();
     if (firstWrite)

@@ -70,6 +70,7 @@ private:
 DataControl::DataControl(KELPtr<DataModelMgr> model, std::shared_ptr<ServerConnection> connection)
     : m_model(std::move(model)), m_connection(std::move(connection))
 {
+    m_model->DataSource().KeepNewObjectsUntilAdded();  // MarkForAdd confirms them
 }
 
 void* DataControl::QueryInterface(const kel4::InterfaceId& iid)
@@ -322,7 +323,7 @@ kelResult DataControl::MarkForAdd(const ObjectList& objects, bool includeExterna
     // all (the post-save hook asked about every new asset's files in one question just before
     // marking them asset by asset), so that each call is one round trip, not two.
     const std::optional<std::vector<revision::FileStatus>> known = m_connection->Cache().Lookup(files);
-    return ChangeFiles(
+    const kelResult result = ChangeFiles(
         files,
         [&](RevisionServer& server, const std::string& ticket, const revision::CancelCheck& cancel) {
             std::vector<revision::FileStatus> statuses;
@@ -340,6 +341,10 @@ kelResult DataControl::MarkForAdd(const ObjectList& objects, bool includeExterna
             return unknown.empty() ? result : server.add(ticket, unknown, changelist, cancel);
         },
         errorText);
+    // Saves stop offering these assets as new (they did until now, should an add have failed).
+    if (result.IsSuccess())
+        m_model->DataSource().ConfirmAdded(m_model->DbObjectIdsOf(objects));
+    return result;
 }
 
 kelResult DataControl::MakeWritable(const KELHandle<kel4::IDbObject>& object, bool includeExternalFiles,

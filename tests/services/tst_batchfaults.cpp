@@ -1,6 +1,7 @@
 // A batch job against a failing server: alice's host runs the real plug-in with no window, its
 // progress box standing by, on every server kind. Whatever the fault, the editability question and
 // a save end within their deadlines, show no dialog, keep the edit, leave no lock and report once.
+#include <dialogdriver.h>
 #include <serverhostfixture.h>
 
 #include <hbrchost/logcapture.h>
@@ -137,6 +138,7 @@ struct Fault {
     bool recovers;             // the work gets through all the same
     bool recoversOnFileUrl;    // ... also where nothing authenticates (file://)
     std::size_t warnings = 0;  // log entries that say what was put right
+    bool withWindowToo = true;  // also driven with a window
 };
 
 TEST_P(BatchFaults, EveryCallEndsWithOneReportAndNothingLost)
@@ -146,7 +148,9 @@ TEST_P(BatchFaults, EveryCallEndsWithOneReportAndNothingLost)
     const Fault faults[] = {
         {"unreachable", [](F& f) { f.services.connection->Faults().failNextCalls(1000, -34, "Cannot reach (injected)"); },
          [](F& f) { f.services.connection->Faults().clear(); }, false, false},
-        {"frozen", [](F& f) { f.Freeze(true); }, [](F& f) { f.Freeze(false); }, false, false},
+        // Batch only: with a window, closing the progress box of a call that never answers does
+        // not end the call yet.
+        {"frozen", [](F& f) { f.Freeze(true); }, [](F& f) { f.Freeze(false); }, false, false, 0, false},
         {"expired", [](F& f) { f.services.ExpireSessionNow(); }, [](F& f) { f.LogInAgainWithoutMoss(); }, false, true},
         {"expired with a kept log-in",
          [](F& f) {
@@ -160,37 +164,58 @@ TEST_P(BatchFaults, EveryCallEndsWithOneReportAndNothingLost)
              if (svn)
                  f.AliceElsewhere(false, true);
          },
-         [](F& f) { f.LogInAgainWithoutMoss(); }, true, true, svn ? 1u : 0u},
+         // Batch only: with a window, Subversion keeps the lock it took back in alice's name after
+         // her revert, so that bob cannot check Moss out.
+         [](F& f) { f.LogInAgainWithoutMoss(); }, true, true, svn ? 1u : 0u, false},
     };
-    const std::pair<const char*, std::function<bool(F&)>> works[] = {
-        {"edit question", [](F& f) { return f.helper->CanEditObjects({f.Asset("Moss")}, true, true, ""); }},
-        {"save", [](F& f) { return f.workspace->SetField(f.Asset("Moss"), "note", "batch") && !f.workspace->Save().cancelled; }},
+    // Each work is given the note a save writes.
+    const std::pair<const char*, std::function<bool(F&, const char*)>> works[] = {
+        {"edit question", [](F& f, const char*) { return f.helper->CanEditObjects({f.Asset("Moss")}, true, true, ""); }},
+        {"save", [](F& f, const char* note) { return f.workspace->SetField(f.Asset("Moss"), "note", note) && !f.workspace->Save().cancelled; }},
     };
+    // With a window the same faults meet a user who cancels whatever is asked (the password, the
+    // changelist): the call still ends, the edit is kept and each failure shows one error box.
     for (const Fault& fault : faults) {
         for (const auto& [work, run] : works) {
-            SCOPED_TRACE(std::string(fault.name) + " x " + work);
-            hbrc::host::LogCapture log;
-            fault.inject(*this);
-            const auto start = std::chrono::steady_clock::now();
-            bool done = false;
-            WithoutWindows([&, &run = run] { done = run(*this); });
-            EXPECT_LT(std::chrono::steady_clock::now() - start, 8s) << "a few calls of one second each";
-            const bool recovers = Server() == ServerKind::SvnFile ? fault.recoversOnFileUrl : fault.recovers;
-            EXPECT_EQ(done, recovers);
-            EXPECT_EQ(log.TextsOfType(eError).size(), recovers ? 0u : 1u) << "one report per failure";
-            EXPECT_EQ(log.TextsOfType(eWarning).size(), fault.warnings);
-            QFile kel(QString::fromStdString(FilesOf("Moss").front()));
-            EXPECT_TRUE(workspace->Model().IsDirty(Asset("Moss")) || std::string(work) != "save" ||
-                        (kel.open(QIODevice::ReadOnly) && kel.readAll().contains("note = batch")));
-            fault.lift(*this);
-            BobExpects(Bob().edit(BobTicket(), BobFilesOf("Moss"), ""));  // no lock left behind
-            BobExpects(Bob().revert(BobTicket(), BobFilesOf("Moss")));
+            for (const bool withWindow : {false, true}) {
+                if (withWindow && !fault.withWindowToo)
+                    continue;
+                SCOPED_TRACE(std::string(fault.name) + " x " + work + (withWindow ? " x with a window" : " x batch"));
+                hbrc::host::LogCapture log;
+                fault.inject(*this);
+                const auto start = std::chrono::steady_clock::now();
+                bool done = false;
+                std::size_t reports = 0;
+                const char* note = withWindow ? "window" : "batch";
+                if (withWindow) {
+                    QWidget window;
+                    window.show();
+                    hbrc::test::DialogDriver driver;  // closes every dialog, as Escape would
+                    done = run(*this, note);
+                    reports = std::size_t(driver.seenTitles().filter(QStringLiteral("Error")).size());
+                } else {
+                    WithoutWindows([&, &run = run] { done = run(*this, note); });
+                    reports = log.TextsOfType(eError).size();
+                    const bool recovers = Server() == ServerKind::SvnFile ? fault.recoversOnFileUrl : fault.recovers;
+                    EXPECT_EQ(done, recovers);
+                    EXPECT_EQ(reports, recovers ? 0u : 1u) << "one report per failure";
+                    EXPECT_EQ(log.TextsOfType(eWarning).size(), fault.warnings);
+                }
+                EXPECT_LT(std::chrono::steady_clock::now() - start, 8s) << "a few calls of one second each";
+                EXPECT_LE(reports, 1u) << "one report per failure";
+                QFile kel(QString::fromStdString(FilesOf("Moss").front()));
+                EXPECT_TRUE(workspace->Model().IsDirty(Asset("Moss")) || std::string(work) != "save" ||
+                            (kel.open(QIODevice::ReadOnly) && kel.readAll().contains(QByteArray("note = ") + note)));
+                fault.lift(*this);
+                BobExpects(Bob().edit(BobTicket(), BobFilesOf("Moss"), ""));  // no lock left behind
+                BobExpects(Bob().revert(BobTicket(), BobFilesOf("Moss")));
+            }
         }
     }
 }
 
-// A server gone during the adds after a save: one report, the other new assets left not in depot
-// (the next save offers them).
+// A server gone during the adds after a save: one report, the new assets left not in depot, and
+// the next save, with the server back, marks them.
 TEST_P(BatchFaults, GoneServerDuringTheAddsAfterASaveIsReportedOnce)
 {
     const std::vector<std::string> names{"Fern", "Twig", "Bark", "Seed"};
@@ -203,6 +228,68 @@ TEST_P(BatchFaults, GoneServerDuringTheAddsAfterASaveIsReportedOnce)
     EXPECT_EQ(log.TextsOfType(eError).size(), 1u);
     for (const std::string& name : names)
         EXPECT_EQ(StatusOf(name) & kel4::eStatusNotInDatabase, kel4::eStatusNotInDatabase) << name;
+
+    ASSERT_TRUE(workspace->SetField(Asset("Twig"), "note", "saved again"));  // rewritten, still new to the server
+    WithoutWindows([&] { EXPECT_FALSE(workspace->Save().cancelled); });
+    EXPECT_EQ(log.TextsOfType(eError).size(), 1u);
+    for (const std::string& name : names)
+        EXPECT_EQ(StatusOf(name) & kel4::eStatusMarkedForAdd, kel4::eStatusMarkedForAdd) << name;
+}
+
+// The new assets of a save go to the server in one mark-for-add; a server that refuses it for some
+// of them is asked asset by asset, and each refusal is reported on its own, as before.
+TEST_P(BatchFaults, NewAssetsAreMarkedInOneCallUnlessTheServerRefusesSome)
+{
+    using F = BatchFaults;
+    constexpr std::size_t kNew = 6;
+    struct Row {
+        const char* name;
+        bool depotOnly;  // Subversion adds in the working copy: nobody else can hold the file
+        std::function<void(F&, const std::string& firstNewAsset)> refuse;
+        std::size_t refused;  // assets left out, one report each (and offered again by the next save)
+    };
+    const Row rows[] = {
+        {"accepted", false, [](F&, const std::string&) {}, 0},
+        {"every add refused", false,
+         [](F& f, const std::string&) {
+             f.services.connection->Faults().failOperation(hbrc::revision::Operation::Add, -1, "refused (injected)");
+         },
+         kNew},
+        {"one already added by bob", true,
+         [](F& f, const std::string& first) {
+             const std::string file = f.BobPath(first + ".kel");
+             QFile bobs(QString::fromStdString(file));
+             ASSERT_TRUE(bobs.open(QIODevice::WriteOnly) && bobs.write("bob's") > 0);
+             bobs.close();
+             f.BobExpects(f.Bob().add(f.BobTicket(), {file}, ""));
+         },
+         1},
+    };
+    for (const Row& row : rows) {
+        if (row.depotOnly && IsSubversion())
+            continue;
+        SCOPED_TRACE(row.name);
+        std::vector<std::string> created;
+        for (std::size_t i = 0; i < kNew; ++i)
+            created.push_back(std::string(row.name).substr(0, 3) + std::to_string(i));
+        for (const std::string& name : created)
+            CreateMetadata(name);
+        row.refuse(*this, created.front());
+        hbrc::host::LogCapture log;
+        const std::uint64_t before = services.connection->RoundTrips();
+        WithoutWindows([&] { EXPECT_FALSE(workspace->Save().cancelled); });
+        const std::uint64_t roundTrips = services.connection->RoundTrips() - before;
+        services.connection->Faults().clear();
+        EXPECT_EQ(log.TextsOfType(eError).size(), row.refused) << "one report per refused asset";
+        if (row.refused == 0)
+            EXPECT_LE(roundTrips, 4u) << "whatever the number of new assets";
+        else
+            EXPECT_GE(roundTrips, 2 + kNew) << "one call per asset after the refused one";
+        std::size_t left = 0;
+        for (const std::string& name : created)
+            left += (StatusOf(name) & kel4::eStatusNotInDatabase) != 0;
+        EXPECT_EQ(left, row.refused);
+    }
 }
 
 // A batch save that needs a decision nobody can make is cancelled, and the log says why.

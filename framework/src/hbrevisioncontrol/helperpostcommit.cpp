@@ -405,19 +405,53 @@ bool groupNewAssets(PostSaveRevisionControl& rc, const ObjectList& objects, NewA
     return true;
 }
 
+// One mark-for-add of assets in changelist, with the reconnect rule; message explains a failure.
+kelResult markForAddOnce(PostSaveRevisionControl& rc, const ObjectList& assets, const std::string& changelist,
+                         std::string& message)
+{
+    std::string error;
+    std::string details;
+    return rc.WithReconnect(kAddPrefix, kSessionExpiredReason, [&] {
+        return rc.Helper().MarkForAddObjectsInChangelist(rc.DataControl(), assets, true, changelist, error, message,
+                                                         details);
+    });
+}
+
+bool serverIsGone(const kelResult& result)
+{
+    return result.GetCode() == kel4::kResultSessionUnusable;
+}
+
 // Marks assets for add in changelist, reporting a failure; false when the server is gone
 // (unreachable, or the session stayed closed after the reconnect), so that the other assets are
 // not tried only to report the same failure once more each.
 bool markForAdd(PostSaveRevisionControl& rc, const ObjectList& assets, const std::string& changelist)
 {
-    return PostSaveRevisionControl::WithRetry(QObject::tr("Mark-For-Add Error"), [&](std::string& message) {
-        std::string error;
-        std::string details;
-        return rc.WithReconnect(kAddPrefix, kSessionExpiredReason, [&] {
-            return rc.Helper().MarkForAddObjectsInChangelist(rc.DataControl(), assets, true, changelist, error,
-                                                             message, details);
-        });
-    }).GetCode() != kel4::kResultSessionUnusable;
+    return !serverIsGone(PostSaveRevisionControl::WithRetry(
+        QObject::tr("Mark-For-Add Error"),
+        [&](std::string& message) { return markForAddOnce(rc, assets, changelist, message); }));
+}
+
+// The new assets the user agreed to add. Each refusal is reported on its own, asset by asset,
+// but asking the server once per asset makes a save of thousands of new assets wait minutes:
+// the whole list goes in one call first, and only when the server refuses it for some of its
+// assets is each asset asked again on its own, so that the reports stay those of one call per
+// asset. A server that is gone is reported once, whether the whole list or one asset found it.
+void markPromptedAssetsForAdd(PostSaveRevisionControl& rc, const ObjectList& assets, const std::string& changelist)
+{
+    for (;;) {
+        std::string message;
+        const kelResult all = markForAddOnce(rc, assets, changelist, message);
+        if (all.IsSuccess())
+            return;
+        if (!serverIsGone(all))
+            break;
+        if (!HandleError(QObject::tr("Mark-For-Add Error").toStdString(), message))
+            return;
+    }
+    for (const KELHandle<IDbObject>& asset : assets)
+        if (!markForAdd(rc, ObjectList{asset}, changelist))
+            return;
 }
 
 void followNewAssets(PostSaveRevisionControl& rc, const ObjectList& objects)
@@ -434,9 +468,7 @@ void followNewAssets(PostSaveRevisionControl& rc, const ObjectList& objects)
     ChangelistChoice choice = storedChangelistChoice(rc);
     if (choice.prompt && !askChangelistForNewAssets(rc, groups.toPrompt, groups.promptFiles, choice.changelist))
         return;  // cancelled: nothing is marked
-    for (const KELHandle<IDbObject>& asset : groups.toPrompt)
-        if (!markForAdd(rc, ObjectList{asset}, choice.changelist))
-            return;
+    markPromptedAssetsForAdd(rc, groups.toPrompt, choice.changelist);
 }
 
 }  // namespace

@@ -27,7 +27,8 @@ struct StoredAsset
     // The .kel file, relative to the workspace folder, '/'-separated.
     std::string kelPath;
     // The version on disk before the last save that wrote this asset; null for an asset that did
-    // not exist on disk before that save (or has not been saved yet).
+    // not exist on disk before that save (or has not been saved yet), and for one that was never
+    // confirmed as added to revision control since (see MultiFileDataSource).
     VersionId ancestor;
     // External files whose content the next save writes, and those it deletes.
     std::map<std::string, QByteArray> pendingContent;
