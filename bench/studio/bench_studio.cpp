@@ -1,10 +1,11 @@
 // hbrc-studio's main window opening a workspace of 1,000 and of 10,000 submitted assets on the
 // embedded depot, with the plug-in loaded as the studio loads it:
-// - time from "open" to the first paint of the asset browser with its rows (manual time), and the
-//   ratio of the two sizes (goal: at most 11);
+// - time from "open" to the first paint of the asset browser with its rows, and to the workspace
+//   fully open (every asset read, the session logged in), each as the ratio of the two sizes
+//   (goal for the full open: at most 10.5; the first rows should hardly grow);
 // - the depot round trips that fill the status column (goal: 1, whatever the size);
 // - the longest the UI thread went without serving its event loop while opening, until the status
-//   column was filled (reported, not a goal);
+//   column was filled (goal: < 50 ms: the assets are read on a worker);
 // - a status refresh of the open workspace: its depot round trips (goal: 1) and the longest the UI
 //   thread went without serving its event loop from the request until the answer (goal: < 50 ms).
 #include <ratioreporter.h>
@@ -91,24 +92,26 @@ private:
     std::string m_path;
 };
 
-// Notes when the asset view first paints rows.
+// Notes how long after its creation the asset view first paints rows.
 class FirstPaint : public QObject
 {
 public:
-    explicit FirstPaint(studio::MainWindow& window) : m_window(window) {}
-    bool painted() const { return m_painted; }
+    explicit FirstPaint(studio::MainWindow& window) : m_window(window) { m_clock.start(); }
+    bool painted() const { return m_paintedNs >= 0; }
+    qint64 paintedNs() const { return m_paintedNs; }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (event->type() == QEvent::Paint && m_window.model().rowCount() > 0)
-            m_painted = true;
+        if (!painted() && event->type() == QEvent::Paint && m_window.model().rowCount() > 0)
+            m_paintedNs = m_clock.nsecsElapsed();
         return QObject::eventFilter(watched, event);
     }
 
 private:
     studio::MainWindow& m_window;
-    bool m_painted = false;
+    QElapsedTimer m_clock;
+    qint64 m_paintedNs = -1;
 };
 
 // The longest gap between two turns of the UI thread's event loop while it lives.
@@ -131,7 +134,10 @@ private:
     qint64 m_longest = 0;
 };
 
-void BM_OpenWorkspaceInWindow(benchmark::State& state)
+// What an opening is timed until.
+enum class OpenUntil { FirstRowsPainted, AllAssetsIn };
+
+void openWorkspaceInWindow(benchmark::State& state, OpenUntil until)
 {
     Depot& depot = Depot::Get(int(state.range(0)));
     Log::Singleton::Instance().SetStderrEnabled(false);
@@ -146,27 +152,40 @@ void BM_OpenWorkspaceInWindow(benchmark::State& state)
         studio::MainWindow window(session);
         window.show();
         QCoreApplication::processEvents();
+
+        std::unique_ptr<StallMeter> stalls = std::make_unique<StallMeter>();
         FirstPaint firstPaint(window);
         window.browser().view()->viewport()->installEventFilter(&firstPaint);
-
         QElapsedTimer clock;
         clock.start();
-        std::unique_ptr<StallMeter> stalls = std::make_unique<StallMeter>();
         expect(window.openWorkspace(depot.Folder()), "cannot open the workspace");
-        while (!firstPaint.painted())
+        while (window.isOpening() || !firstPaint.painted())
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-        state.SetIterationTime(double(clock.nsecsElapsed()) / 1e9);
+        const qint64 openNs = clock.nsecsElapsed();
+        state.SetIterationTime(double(until == OpenUntil::FirstRowsPainted ? firstPaint.paintedNs() : openNs) / 1e9);
         while (window.model().statusQuery().isPending())
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
         longestStall = std::max(longestStall, double(stalls->longestMs()));
         stalls.reset();
         roundTrips = double(window.model().statusQuery().roundTrips());
+        expect(window.model().rowCount() == state.range(0), "not every asset is in the browser");
         expect(window.sessionState().startsWith(QStringLiteral("logged in")), "the status question failed");
         window.closeWorkspace();
     }
     state.counters["status_round_trips"] = roundTrips;
     state.counters["longest_ui_stall_ms"] = longestStall;
     Log::Singleton::Instance().SetStderrEnabled(true);
+}
+
+void BM_OpenWorkspaceFirstRows(benchmark::State& state)
+{
+    openWorkspaceInWindow(state, OpenUntil::FirstRowsPainted);
+}
+BENCHMARK(BM_OpenWorkspaceFirstRows)->Arg(1000)->Arg(10000)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+
+void BM_OpenWorkspaceInWindow(benchmark::State& state)
+{
+    openWorkspaceInWindow(state, OpenUntil::AllAssetsIn);
 }
 BENCHMARK(BM_OpenWorkspaceInWindow)->Arg(1000)->Arg(10000)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
 
@@ -188,7 +207,7 @@ struct OpenWindow
     }
     void waitForStatus() const
     {
-        while (window->model().statusQuery().isPending())
+        while (window->isOpening() || window->model().statusQuery().isPending())
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     }
 
@@ -226,7 +245,10 @@ BENCHMARK(BM_RefreshStatus)->Arg(1000)->Arg(10000)->UseManualTime()->Iterations(
 
 int main(int argc, char** argv)
 {
-    RatioReporter reporter({{"first painted browser t(10,000) / t(1,000) (goal <= 11)",
+    RatioReporter reporter({{"first painted browser rows t(10,000) / t(1,000)",
+                             "BM_OpenWorkspaceFirstRows/10000/iterations:3/manual_time",
+                             "BM_OpenWorkspaceFirstRows/1000/iterations:3/manual_time"},
+                            {"workspace fully open t(10,000) / t(1,000) (goal <= 10.5)",
                              "BM_OpenWorkspaceInWindow/10000/iterations:3/manual_time",
                              "BM_OpenWorkspaceInWindow/1000/iterations:3/manual_time"},
                             {"status refresh t(10,000) / t(1,000)", "BM_RefreshStatus/10000/iterations:5/manual_time",

@@ -55,20 +55,49 @@ Workspace::~Workspace()
 
 std::unique_ptr<Workspace> Workspace::Open(const QString& folder, std::string& errorText)
 {
+    std::unique_ptr<Workspace> workspace = OpenEmpty(folder, errorText);
+    if (!workspace)
+        return nullptr;
+    ObjectStore& store = workspace->m_model->Store();
+    workspace->m_loaded = WorkspaceLoader::Load(workspace->Root(), store);
+    workspace->m_library->Reserve(store.LiveCount());
+    store.ForEachLive([&](std::uint32_t slot) { workspace->m_library->Bind(store.IdOf(slot)); });
+    workspace->LogLoaded();
+    return workspace;
+}
+
+std::unique_ptr<Workspace> Workspace::OpenEmpty(const QString& folder, std::string& errorText)
+{
     const QFileInfo info(folder);
     if (!info.isDir() || !info.isReadable()) {
         errorText = "The workspace folder " + QFile::encodeName(folder).toStdString() + " does not exist or cannot be read";
         return nullptr;
     }
-    std::unique_ptr<Workspace> workspace(new Workspace(info.canonicalFilePath()));
-    ObjectStore& store = workspace->m_model->Store();
-    workspace->m_loaded = WorkspaceLoader::Load(workspace->Root(), store);
-    workspace->m_library->Reserve(store.LiveCount());
-    store.ForEachLive([&](std::uint32_t slot) { workspace->m_library->Bind(store.IdOf(slot)); });
+    return std::unique_ptr<Workspace>(new Workspace(info.canonicalFilePath()));
+}
+
+std::vector<std::uint32_t> Workspace::AddRead(std::vector<WorkspaceLoader::ReadFile> files)
+{
+    ObjectStore& store = m_model->Store();
+    std::vector<std::uint32_t> added;
+    added.reserve(files.size());
+    for (WorkspaceLoader::ReadFile& file : files) {
+        const std::uint32_t slot = WorkspaceLoader::Add(std::move(file), store, m_loaded);
+        if (slot == ObjectStore::kNoSlot)
+            continue;
+        m_library->Bind(store.IdOf(slot));
+        for (std::uint32_t part : store.AssetAt(slot).partSlots)
+            m_library->Bind(store.IdOf(part));
+        added.push_back(slot);
+    }
+    return added;
+}
+
+void Workspace::LogLoaded() const
+{
     Log::Singleton::Instance().GetStream(Log::eMessage)
-        << "Opened workspace " << QFile::encodeName(workspace->Root()).toStdString() << ": "
-        << workspace->m_loaded.loaded << " assets, " << workspace->m_loaded.skipped << " files skipped";
-    return workspace;
+        << "Opened workspace " << QFile::encodeName(Root()).toStdString() << ": " << m_loaded.loaded << " assets, "
+        << m_loaded.skipped << " files skipped";
 }
 
 std::uint32_t Workspace::AssetSlot(const KELHandleBase& asset, std::string& error) const

@@ -59,42 +59,59 @@ bool readWholeFile(const QString& path, std::string& text, std::string& error)
 WorkspaceLoader::Outcome WorkspaceLoader::Load(const QString& root, ObjectStore& store)
 {
     Outcome outcome;
-    const QDir rootDir(root);
-    const QString prefix = rootDir.path() + QLatin1Char('/');
-    // Sorted, so that which of two files claiming one id is loaded does not depend on the disk.
+    const QStringList paths = AssetFiles(root);
+    store.Reserve(std::size_t(paths.size()));
+    std::string text;  // one buffer for every file
+    for (const QString& path : paths)
+        Add(Read(root, path, text), store, outcome);
+    return outcome;
+}
+
+QStringList WorkspaceLoader::AssetFiles(const QString& root)
+{
     QStringList paths;
     QDirIterator files(root, {QStringLiteral("*.kel")}, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (files.hasNext())
         paths.append(files.next());
     paths.sort();
-    store.Reserve(std::size_t(paths.size()));
-    std::string text;  // one buffer for every file
-    for (const QString& path : std::as_const(paths)) {
-        std::string error;
-        if (!readWholeFile(path, text, error)) {
-            reportSkipped(path, "cannot be read (" + error + ")");
-            ++outcome.skipped;
-            continue;
-        }
-        AssetRecord record;
-        if (!KelFormat::Parse(text, record, error)) {
-            reportSkipped(path, error);
-            ++outcome.skipped;
-            continue;
-        }
-        if (record.version == 0)
-            record.version = 1;  // a hand-written file that was never saved still exists on disk
-        const std::string relative = QFile::encodeName(
-            path.startsWith(prefix) ? path.mid(prefix.size()) : rootDir.relativeFilePath(path)).toStdString();
-        const std::string id = record.id;
-        if (store.AddAsset(std::move(record), relative) == ObjectStore::kNoSlot) {
-            reportSkipped(path, "its id \"" + id + "\" or the id of one of its parts is used by another asset");
-            ++outcome.skipped;
-            continue;
-        }
-        ++outcome.loaded;
+    return paths;
+}
+
+WorkspaceLoader::ReadFile WorkspaceLoader::Read(const QString& root, const QString& path, std::string& buffer)
+{
+    ReadFile file;
+    file.path = path;
+    if (!readWholeFile(path, buffer, file.error)) {
+        file.error = "cannot be read (" + file.error + ")";
+        return file;
     }
-    return outcome;
+    if (!KelFormat::Parse(buffer, file.record, file.error))
+        return file;
+    if (file.record.version == 0)
+        file.record.version = 1;  // a hand-written file that was never saved still exists on disk
+    const QDir rootDir(root);
+    const QString prefix = rootDir.path() + QLatin1Char('/');
+    file.kelPath = QFile::encodeName(path.startsWith(prefix) ? path.mid(prefix.size()) : rootDir.relativeFilePath(path))
+                       .toStdString();
+    return file;
+}
+
+std::uint32_t WorkspaceLoader::Add(ReadFile file, ObjectStore& store, Outcome& outcome)
+{
+    if (!file.error.empty()) {
+        reportSkipped(file.path, file.error);
+        ++outcome.skipped;
+        return ObjectStore::kNoSlot;
+    }
+    const std::string id = file.record.id;
+    const std::uint32_t slot = store.AddAsset(std::move(file.record), std::move(file.kelPath));
+    if (slot == ObjectStore::kNoSlot) {
+        reportSkipped(file.path, "its id \"" + id + "\" or the id of one of its parts is used by another asset");
+        ++outcome.skipped;
+        return slot;
+    }
+    ++outcome.loaded;
+    return slot;
 }
 
 }  // namespace hbrc::host

@@ -45,9 +45,20 @@ void HostSession::AddWorkspaceSetup(WorkspaceSetup setup)
 Workspace* HostSession::OpenWorkspace(const QString& folder, std::string& errorText)
 {
     CloseWorkspace();
-    m_workspace = Workspace::Open(folder, errorText);
-    if (!m_workspace)
-        return nullptr;
+    m_opening = Workspace::Open(folder, errorText);
+    return m_opening ? FinishOpeningWorkspace() : nullptr;
+}
+
+Workspace* HostSession::BeginOpeningWorkspace(const QString& folder, std::string& errorText)
+{
+    CloseWorkspace();
+    m_opening = Workspace::OpenEmpty(folder, errorText);
+    return m_opening.get();
+}
+
+Workspace* HostSession::FinishOpeningWorkspace()
+{
+    m_workspace = std::move(m_opening);
     for (const WorkspaceSetup& setup : m_setups)
         setup(*m_workspace);
     m_proxy->Attach(*m_workspace);
@@ -56,6 +67,7 @@ Workspace* HostSession::OpenWorkspace(const QString& folder, std::string& errorT
 
 void HostSession::CloseWorkspace()
 {
+    m_opening.reset();
     if (!m_workspace)
         return;
     m_proxy->Detach();

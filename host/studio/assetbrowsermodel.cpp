@@ -64,6 +64,8 @@ AssetBrowserModel::AssetBrowserModel(QObject* parent) : QAbstractTableModel(pare
 
 void AssetBrowserModel::setWorkspace(host::Workspace* workspace)
 {
+    if (workspace == m_workspace)
+        return;
     beginResetModel();
     m_workspace = workspace;
     m_rows.clear();
@@ -93,6 +95,17 @@ void AssetBrowserModel::reload()
     beginResetModel();
     m_rows = std::move(rows);
     endResetModel();
+}
+
+void AssetBrowserModel::appendAssets(const std::vector<std::uint32_t>& assetSlots)
+{
+    if (!m_workspace || assetSlots.empty())
+        return;
+    const ObjectStore& store = m_workspace->Model().Store();
+    beginInsertRows({}, int(m_rows.size()), int(m_rows.size() + assetSlots.size()) - 1);
+    for (std::uint32_t slot : assetSlots)
+        m_rows.push_back({slot, store.IdOf(slot), {}, false});
+    endInsertRows();
 }
 
 void AssetBrowserModel::refreshStatus(const Account& account)

@@ -43,7 +43,10 @@ public:
     explicit AssetBrowserModel(QObject* parent = nullptr);
 
     // Shows workspace's assets (null: none); the status is unknown until refreshStatus answers.
+    // Nothing changes when it shows that workspace already.
     void setWorkspace(host::Workspace* workspace);
+    // Appends the rows of assets just added to the workspace (a batch of a workspace being read).
+    void appendAssets(const std::vector<std::uint32_t>& assetSlots);
     // Re-reads the list of assets (after one was created, deleted or renamed); known statuses stay.
     void reload();
     // While reason is not empty, every row's status reads reason instead of its status (e.g.

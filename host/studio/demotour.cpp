@@ -115,6 +115,8 @@ public:
             buttons->button(QDialogButtonBox::Ok)->click();
         });
         Expect(window.openWorkspace(depot.folder("alice")), "cannot open alice's workspace");
+        while (window.isOpening())
+            QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
         Expect(login.answered(), "no Log In dialog appeared");
         waitForStatus();
         m_out << "  " << window.model().rowCount() << " assets in the browser; session: " << window.sessionState()

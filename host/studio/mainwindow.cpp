@@ -156,6 +156,20 @@ void MainWindow::buildControllers()
     });
     connect(m_workspaces, &WorkspaceController::opened, this, &MainWindow::showWorkspace);
     connect(m_workspaces, &WorkspaceController::closed, this, [this] { showWorkspace(nullptr); });
+    // While a workspace is read the browser shows its rows as they come, greyed: it takes no
+    // selection, so that no asset of a half-read workspace is edited or sent to the server.
+    connect(m_workspaces, &WorkspaceController::opening, this, [this](host::Workspace* workspace) {
+        model().setWorkspace(workspace);
+        m_browser->setEnabled(false);
+        m_pages->setCurrentIndex(1);
+    });
+    connect(m_workspaces, &WorkspaceController::assetsRead, this,
+            [this](const std::vector<std::uint32_t>& assetSlots, int read, int total) {
+                model().appendAssets(assetSlots);
+                m_statusBar->showBriefly(tr("Opening workspace: %L1 of %L2 assets").arg(read).arg(total));
+            });
+    connect(m_workspaces, &WorkspaceController::opened, m_browser, [this] { m_browser->setEnabled(true); });
+    connect(m_workspaces, &WorkspaceController::closed, m_browser, [this] { m_browser->setEnabled(true); });
     connect(m_operations.get(), &RevisionOperations::finished, m_commands, &AssetCommands::takeOutcome);
     connect(m_commands, &AssetCommands::assetsReread, this, &MainWindow::afterReread);
     connect(m_commands, &AssetCommands::operationApplied, m_refresh, &StatusRefreshPolicy::askStatus);
@@ -275,6 +289,11 @@ bool MainWindow::openWorkspace(const QString& folder)
     if (m_session.currentWorkspace() && !askToKeepUnsaved())
         return false;
     return m_workspaces->open(folder);
+}
+
+bool MainWindow::isOpening() const
+{
+    return m_workspaces->isOpening();
 }
 
 void MainWindow::closeWorkspace()

@@ -62,7 +62,10 @@ public:
     explicit MainWindow(StudioSession& session, QWidget* parent = nullptr);
     ~MainWindow() override;
 
+    // Starts opening folder: its assets are read off the UI thread (isOpening until they are all
+    // in and the session is logged in); false when the folder cannot be opened.
     bool openWorkspace(const QString& folder);
+    bool isOpening() const;
     void closeWorkspace();
     // Asks the server about every asset's status once, off the UI thread. The window also asks by
     // itself: when it is activated (at most every few seconds) and every statusRefreshSeconds.

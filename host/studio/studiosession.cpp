@@ -82,17 +82,23 @@ void StudioSession::storeAccount(const Account& account)
     prefs.SetStringPref(kWorkspaceKey, account.workspaceName, 1);
 }
 
-host::Workspace* StudioSession::open(const QString& folder, std::string& errorText)
+host::Workspace* StudioSession::beginOpening(const QString& folder, std::string& errorText)
 {
+    m_services = {};  // they belong to the workspace that closes now
     const QString absolute = QDir(folder).absolutePath();
-    host::Workspace* opened = m_host.OpenWorkspace(absolute, errorText);
-    if (!opened)
+    host::Workspace* opening = m_host.BeginOpeningWorkspace(absolute, errorText);
+    if (!opening)
         return nullptr;
     QStringList recent = recentWorkspaces();
     recent.removeAll(absolute);
     recent.prepend(absolute);
     m_host.Preferences().SetStringPref(kRecentKey, recent.mid(0, kRecentCount).join('\n').toStdString(), 1);
-    return opened;
+    return opening;
+}
+
+host::Workspace* StudioSession::finishOpening()
+{
+    return m_host.FinishOpeningWorkspace();
 }
 
 void StudioSession::close()

@@ -42,10 +42,13 @@ public:
     void storeAccount(const Account& account);
     void setPassword(std::string password) { m_password = std::move(password); }
 
-    // Opens folder with revision-control services for the stored account's server, without a
-    // session (the services answer -34 until one is installed: SessionController logs in); the
-    // folder joins the recent workspaces. Null with errorText when the folder cannot be opened.
-    host::Workspace* open(const QString& folder, std::string& errorText);
+    // Opens folder in two steps. beginOpening answers its workspace without assets, which the
+    // caller reads into it (WorkspaceReader), and the folder joins the recent workspaces; null with
+    // errorText when the folder cannot be opened. finishOpening makes it the current workspace, with
+    // revision-control services for the stored account's server, without a session (the services
+    // answer -34 until one is installed: SessionController logs in).
+    host::Workspace* beginOpening(const QString& folder, std::string& errorText);
+    host::Workspace* finishOpening();
     void close();
     QStringList recentWorkspaces();
     // Where the offline journal of the open workspace is kept: beside the preferences, outside the

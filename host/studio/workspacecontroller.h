@@ -1,7 +1,12 @@
 #pragma once
 
+#include "workspacereader.h"
+
 #include <QObject>
 #include <QString>
+
+#include <cstdint>
+#include <vector>
 
 namespace hbrc::host {
 class Workspace;
@@ -16,14 +21,23 @@ class StudioSession;
 // revision-control services, the session controller logs in; closing forgets the undo history.
 // The panes drop the workspace on aboutToLeave, before it goes, and show the new one on opened.
 // Whether unsaved edits may be left is asked by the caller first.
+//
+// The assets are read on a worker (WorkspaceReader) and added to the workspace batch by batch:
+// opening shows the workspace to be read, assetsRead each batch's new assets. Until opened, the
+// workspace is not the session's current workspace, so nothing acts on a half-read workspace: the
+// status question, the save and the commands that need an open workspace see none, there are no
+// services and no log-in yet, and the window takes no selection in the browser, so that no asset
+// can be edited (the window's part). Closing the workspace, or the window, stops the reader.
 class WorkspaceController : public QObject
 {
     Q_OBJECT
 public:
     WorkspaceController(StudioSession& session, SessionController& sessionController, QObject* parent = nullptr);
 
-    // Opens folder in place of the open workspace; false (and a message) when it cannot be opened.
+    // Starts opening folder in place of the open workspace; false (and a message) when it cannot
+    // be opened.
     bool open(const QString& folder);
+    bool isOpening() const { return m_opening != nullptr; }
     void close();
     // Creates a demo depot below parent (users alice and bob), keeps alice's account and opens her
     // workspace.
@@ -31,14 +45,23 @@ public:
 
 signals:
     void aboutToLeave();
+    // The workspace whose assets are being read, still without any.
+    void opening(host::Workspace* workspace);
+    // The slots of the assets the last batch added, and how many of all asset files are read.
+    void assetsRead(const std::vector<std::uint32_t>& assetSlots, int read, int total);
     void opened(host::Workspace* workspace);
     void closed();
     // What the user should read in the log (a Log::Level and the text).
     void message(int level, const QString& text);
 
 private:
+    void addBatch(const std::shared_ptr<WorkspaceReader::Batch>& batch, int read, int total);
+    void finishOpening();
+
     StudioSession& m_session;
     SessionController& m_sessionController;
+    WorkspaceReader m_reader;
+    host::Workspace* m_opening = nullptr;
 };
 
 }  // namespace hbrc::studio

@@ -85,10 +85,11 @@ protected:
         window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
-    // Until the status question the window asked is answered.
+    // Until the workspace is open and the status question the window asked is answered.
     void waitForStatus()
     {
-        ASSERT_TRUE(DialogDriver::waitUntil([this] { return !window->model().statusQuery().isPending(); }, 20000));
+        ASSERT_TRUE(DialogDriver::waitUntil(
+            [this] { return !window->isOpening() && !window->model().statusQuery().isPending(); }, 20000));
     }
     // Until the queued revision operations ran and the status they changed is answered.
     void waitForOperations()

@@ -368,10 +368,10 @@ TEST_F(StudioWindow, TheStartPageCreatesADemoDepotThatStaysInTheRecentList)
     ASSERT_TRUE(link->isVisible());
     link->setFocus();
     QTest::keyClick(link, Qt::Key_Return);
+    waitForStatus();
     ASSERT_NE(session->currentWorkspace(), nullptr);
     const QString folder = session->currentWorkspace()->Root();
     EXPECT_TRUE(folder.startsWith(parent)) << folder.toStdString();
-    waitForStatus();
     EXPECT_EQ(window->model().rowCount(), 20);
     EXPECT_EQ(window->sessionState(), "logged in as alice");
     window->closeWorkspace();

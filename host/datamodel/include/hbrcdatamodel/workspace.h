@@ -15,6 +15,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace hbrc::host {
 
@@ -46,6 +47,12 @@ class HBRC_DATAMODEL_EXPORT Workspace
 public:
     // Loads every asset below folder; null with errorText when folder is not a readable folder.
     static std::unique_ptr<Workspace> Open(const QString& folder, std::string& errorText);
+    // The same in steps, for a reader on another thread: the workspace of folder without assets,
+    // then the files WorkspaceLoader::Read found, batch by batch (AddRead answers the slots of the
+    // assets it added), then the log line of the whole load (LogLoaded).
+    static std::unique_ptr<Workspace> OpenEmpty(const QString& folder, std::string& errorText);
+    std::vector<std::uint32_t> AddRead(std::vector<WorkspaceLoader::ReadFile> files);
+    void LogLoaded() const;
     ~Workspace();
     Workspace(const Workspace&) = delete;
     Workspace& operator=(const Workspace&) = delete;

@@ -58,6 +58,14 @@ public:
     void AddWorkspaceSetup(WorkspaceSetup setup);
     // Closes the current workspace, then opens folder; null with errorText when it cannot be opened.
     Workspace* OpenWorkspace(const QString& folder, std::string& errorText);
+    // The same in two steps, for a workspace whose assets are read while the host goes on: Begin
+    // closes the current workspace and answers the new one without assets (null with errorText
+    // when folder cannot be opened); it is not current yet, so nothing that asks for the current
+    // workspace sees it half read. The caller adds the assets (Workspace::AddRead), then Finish
+    // runs the setups, connects the proxy and makes it current.
+    Workspace* BeginOpeningWorkspace(const QString& folder, std::string& errorText);
+    Workspace* FinishOpeningWorkspace();
+    // Closes the current workspace, and one that is being opened.
     void CloseWorkspace();
     Workspace* CurrentWorkspace() const { return m_workspace.get(); }
 
@@ -68,6 +76,7 @@ private:
     std::unique_ptr<KelDbProxy> m_proxy;
     std::unique_ptr<CommandManager> m_commands;
     std::vector<WorkspaceSetup> m_setups;
+    std::unique_ptr<Workspace> m_opening;
     std::unique_ptr<Workspace> m_workspace;
 };
 
