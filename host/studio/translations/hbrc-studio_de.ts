@@ -37,6 +37,49 @@
     </message>
 </context>
 <context>
+    <name>AssetDiff</name>
+    <message>
+        <source>(missing)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 bytes, SHA-256 %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>changed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>added</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>removed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>unchanged</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>name</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>type</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>kind</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>part</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>ChangelistWork</name>
     <message numerus="yes">
         <source>Submitted change %1 (%n file(s))</source>
@@ -104,6 +147,10 @@
         <source>Reverted the check-out of %1 (unchanged)</source>
         <translation>Auschecken von %1 zurückgesetzt (unverändert)</translation>
     </message>
+    <message>
+        <source>Got %1 as of change %2</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>HeldAssets</name>
@@ -129,6 +176,81 @@
     <message>
         <source>File</source>
         <translation>Datei</translation>
+    </message>
+</context>
+<context>
+    <name>ReconcileWork</name>
+    <message numerus="yes">
+        <source>Found %n file(s) changed without being opened</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Reconciled %n file(s) into the default changelist</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Reconciled %n file(s) into changelist %1</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>add</source>
+        <translation type="unfinished">hinzufügen</translation>
+    </message>
+    <message>
+        <source>delete</source>
+        <translation type="unfinished">löschen</translation>
+    </message>
+    <message>
+        <source>edit</source>
+        <translation type="unfinished">bearbeiten</translation>
+    </message>
+    <message>
+        <source>locked by %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>added by %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>deleted by %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>checked out by %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>revision %1 was submitted</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>revision %1 was submitted by %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>nothing new</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>RelatedHolds</name>
+    <message>
+        <source>%1: its related asset %2 is locked by %3</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1: its related asset %2 is checked out by %3</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -195,6 +317,10 @@
     <message>
         <source>Not reverted: %1 has unsaved edits. Save or undo them first.</source>
         <translation>Nicht zurückgesetzt: %1 hat ungespeicherte Änderungen. Speichern Sie sie oder machen Sie sie zuerst rückgängig.</translation>
+    </message>
+    <message>
+        <source>Not brought to the chosen revision because of unsaved edits: %1. Save or undo them first.</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -340,6 +466,10 @@
         <source>%1 was not read again: %2</source>
         <translation>%1 wurde nicht neu gelesen: %2</translation>
     </message>
+    <message>
+        <source>Get This Revision</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>hbrc::studio::AssetEdits</name>
@@ -436,6 +566,29 @@
     </message>
 </context>
 <context>
+    <name>hbrc::studio::AssetWatches</name>
+    <message>
+        <source>No longer watching %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Watching %1: you are told when it is free</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 is held by %2.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 is free</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 is free: %2 released it</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>hbrc::studio::DescriptionDialog</name>
     <message numerus="yes">
         <source>%n file(s):</source>
@@ -443,6 +596,122 @@
             <numerusform>%n Datei:</numerusform>
             <numerusform>%n Dateien:</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::DifferenceModel</name>
+    <message>
+        <source>Field</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Before</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>After</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Change</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::DifferenceView</name>
+    <message>
+        <source>No difference.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::HistoryPane</name>
+    <message>
+        <source>File</source>
+        <translation type="unfinished">Datei</translation>
+    </message>
+    <message>
+        <source>Revision</source>
+        <translation type="unfinished">Revision</translation>
+    </message>
+    <message>
+        <source>Change</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>User</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Action</source>
+        <translation type="unfinished">Aktion</translation>
+    </message>
+    <message>
+        <source>Description</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Get This Revision</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Select an asset to see its history.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Asking the server for the history of %1...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The history is unknown: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 has no submitted revision.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>%n revision(s) of %1 and its files.</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>your edits</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the revision you have, with the edits in memory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose one revision, or two to compare.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Before</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Change %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Your edits</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Asking the server...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The difference is unknown: %1</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -509,6 +778,35 @@
         <source>The workspace has unsaved edits. Save them?</source>
         <translation>Der Arbeitsbereich hat ungespeicherte Änderungen. Speichern?</translation>
     </message>
+    <message>
+        <source>Opening workspace: %L1 of %L2 assets</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Check Out</source>
+        <translation type="unfinished">&amp;Auschecken</translation>
+    </message>
+    <message>
+        <source>Tell &amp;Me When It&apos;s Free</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>History</source>
+        <translation type="unfinished">Verlauf</translation>
+    </message>
+    <message>
+        <source>Files were changed offline: Reconcile...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reconcile Refused</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing was opened; the server refused the reconcile:
+%1</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>hbrc::studio::NewAssetDialog</name>
@@ -539,6 +837,28 @@
     <message>
         <source>&amp;Type:</source>
         <translation>&amp;Typ:</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::NoticeBar</name>
+    <message>
+        <source>&amp;Dismiss</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::OfflineWork</name>
+    <message>
+        <source>Working offline: edits go ahead without the server; the files they change are recorded for reconciling</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server cannot be reached: working offline; the files edits change are recorded for reconciling</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Working online again</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -674,10 +994,6 @@
         <translation>Dateien</translation>
     </message>
     <message>
-        <source>History</source>
-        <translation>Verlauf</translation>
-    </message>
-    <message>
         <source>%1 (read-only)</source>
         <translation>%1 (schreibgeschützt)</translation>
     </message>
@@ -696,6 +1012,84 @@
     <message>
         <source>Kind</source>
         <translation>Art</translation>
+    </message>
+    <message>
+        <source>Undo History</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::ReconcileDialog</name>
+    <message>
+        <source>Reconcile Offline Work</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>These files were changed without being opened. Reconcile opens the checked ones in the changelist below; nothing on the disk changes.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The workspace was not scanned (%1): only the files recorded offline are listed.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation type="unfinished">Datei</translation>
+    </message>
+    <message>
+        <source>Action</source>
+        <translation type="unfinished">Aktion</translation>
+    </message>
+    <message>
+        <source>On the server</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New changelist</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Default changelist</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation type="unfinished">%1: %2</translation>
+    </message>
+    <message>
+        <source>Work done offline</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Changelist:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Description:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Reconcile</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::Reconciler</name>
+    <message>
+        <source>Listing the work done offline</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reconcile</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The workspace was not scanned for changes (%1): only the files recorded offline are listed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing to reconcile: every file is open or unchanged</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -755,6 +1149,14 @@
     <message>
         <source>Logged out</source>
         <translation>Abgemeldet</translation>
+    </message>
+    <message>
+        <source>Offline: working offline by choice</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Offline: the server cannot be reached</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -973,6 +1375,22 @@
         <source>&amp;Redo %1</source>
         <translation>%1 &amp;wiederholen</translation>
     </message>
+    <message>
+        <source>Tell &amp;Me When It&apos;s Free</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Submitted C&amp;hanges</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Work O&amp;ffline</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reconc&amp;ile Offline Work...</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>hbrc::studio::StudioStatusBar</name>
@@ -995,6 +1413,111 @@
     <message>
         <source>Session: %1</source>
         <translation>Sitzung: %1</translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::SubmittedChangesDock</name>
+    <message>
+        <source>Submitted Changes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>All users</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Filter by text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Refresh</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation type="unfinished">Datei</translation>
+    </message>
+    <message>
+        <source>Action</source>
+        <translation type="unfinished">Aktion</translation>
+    </message>
+    <message>
+        <source>Revision</source>
+        <translation type="unfinished">Revision</translation>
+    </message>
+    <message>
+        <source>Asset</source>
+        <translation type="unfinished">Asset</translation>
+    </message>
+    <message>
+        <source>Double-click a file to select its asset.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open a workspace to see its server&apos;s submitted changes.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Asking the server for the submitted changes...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The submitted changes are unknown: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>%n submitted change(s)</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Asking the server...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The change is unknown: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The change made no difference to an asset of this workspace.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose a file of an asset to see what the change did to it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The difference is unknown: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 before</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 in change %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hbrc::studio::SubmittedChangesModel</name>
+    <message>
+        <source>Change</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>User</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Description</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
