@@ -396,6 +396,15 @@ revision::Result DepotServer::submittedChanges(const std::string& ticket, const 
     return Answer(result);
 }
 
+revision::Result DepotServer::submittedChange(const std::string& ticket, const revision::ChangelistId& change,
+                                             revision::Changelist& description)
+{
+    const revision::Result described = describe(ticket, change, description);
+    if (described.ok() && description.state != revision::ChangelistState::Submitted)
+        return {revision::code::Failed, "Change " + change + " is not submitted."};
+    return described;
+}
+
 revision::Result DepotServer::filesAt(const std::string& ticket, const Files& paths,
                                      const revision::ChangelistId& change, std::vector<revision::FileRevision>& files)
 {

@@ -196,7 +196,7 @@ void SubmittedChangesDock::describeCurrent()
         m_session.sessionAccount(),
         [id](host::RevisionServer& server, const std::string& ticket) {
             DescribeAnswer answer;
-            answer.result = server.describe(ticket, id, answer.change);
+            answer.result = server.submittedChange(ticket, id, answer.change);
             return answer;
         },
         [this](const DescribeAnswer& answer) {

@@ -140,6 +140,16 @@ TEST_P(HistoryContract, HistoriesContentsChangesFilesUsersWorkspacesAndAnOldRevi
             ids.push_back(change.id);
         EXPECT_EQ(ids, row.changes) << row.name;
     }
+    hbrc::revision::Changelist dropped;
+    AliceAsksOnce([&] { return alice->submittedChange(aliceTicket, dropTree, dropped); });
+    EXPECT_EQ(dropped.user + ": " + dropped.description, "alice: drop tree");
+    ASSERT_EQ(dropped.files.size(), 1u);
+    EXPECT_TRUE(dropped.files[0].depotPath.size() > 8 &&
+                dropped.files[0].depotPath.compare(dropped.files[0].depotPath.size() - 8, 8, "tree.bin") == 0)
+        << dropped.files[0].depotPath;
+    EXPECT_EQ(dropped.files[0].action, hbrc::revision::FileAction::Delete);
+    EXPECT_EQ(dropped.files[0].revision, tree.at(0).revision);
+    EXPECT_FALSE(alice->submittedChange(aliceTicket, "999", dropped).ok()) << "an unknown change";
 
     const struct {
         const char* name;

@@ -186,9 +186,6 @@ TEST_P(StudioHistory, WhoChangedRocksColourWhenAndWhatItWasBefore)
     EXPECT_EQ(dock.model().rowCount(), 2);
     QTest::keyClicks(dock.findChild<QLineEdit*>(QStringLiteral("textFilter")), QStringLiteral("MOSSY"));
     ASSERT_EQ(dock.model().rowCount(), 1);
-    // The Subversion backend describes only the working copy's pending changelists so far.
-    if (GetParam() == Backend::Subversion)
-        return;
     dock.changes()->setCurrentIndex(dock.model().index(0, 0));
     waitFor([&dock] { return !dock.isPending() && dock.files()->topLevelItemCount() == 1 &&
                              dock.differences()->message().isEmpty(); });

@@ -87,6 +87,8 @@ svn_error_t* ReceiveLogEntry(void* baton, svn_log_entry_t* entry, apr_pool_t* po
              changed = apr_hash_next(changed)) {
             const auto* path = static_cast<const char*>(apr_hash_this_key(changed));
             const auto* how = static_cast<const svn_log_changed_path2_t*>(apr_hash_this_val(changed));
+            if (how->node_kind == svn_node_dir)
+                continue;
             read.changed.emplace(path[0] == '/' ? path + 1 : path, ActionOf(how->action));
         }
     }
@@ -122,8 +124,9 @@ svn_error_t* SvnReadLog(svn_client_ctx_t* context, const SvnLogQuery& query, std
 {
     const svn_opt_revision_t head = RevisionAt(0);
     auto* range = static_cast<svn_opt_revision_range_t*>(apr_pcalloc(pool, sizeof(svn_opt_revision_range_t)));
-    range->start = RevisionOnDate(query.until, svn_opt_revision_head);
-    range->end = RevisionOnDate(query.since, svn_opt_revision_number);  // revision 0 when unbounded
+    range->start = query.revision ? RevisionAt(query.revision) : RevisionOnDate(query.until, svn_opt_revision_head);
+    // Revision 0 when unbounded.
+    range->end = query.revision ? RevisionAt(query.revision) : RevisionOnDate(query.since, svn_opt_revision_number);
     apr_array_header_t* ranges = apr_array_make(pool, 1, sizeof(svn_opt_revision_range_t*));
     APR_ARRAY_PUSH(ranges, svn_opt_revision_range_t*) = range;
 

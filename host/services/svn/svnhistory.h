@@ -40,6 +40,7 @@ struct SvnLogQuery
     std::int64_t since = 0;
     std::int64_t until = 0;
     int limit = 0;  // the newest N; 0: all
+    long revision = 0;  // only this revision, whatever the dates; 0: the revisions the dates bound
     bool changedPaths = false;
     bool authorsOnly = false;  // nothing of a revision but its author
 };

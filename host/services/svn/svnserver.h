@@ -67,6 +67,8 @@ public:
                                  std::string& content) override;
     revision::Result submittedChanges(const std::string& ticket, const revision::ChangeFilter& filter,
                                       std::vector<revision::Changelist>& changes) override;
+    revision::Result submittedChange(const std::string& ticket, const revision::ChangelistId& change,
+                                     revision::Changelist& description) override;
     revision::Result filesAt(const std::string& ticket, const Files& paths, const revision::ChangelistId& change,
                              std::vector<revision::FileRevision>& files) override;
     revision::Result users(const std::string& ticket, std::vector<std::string>& users) override;

@@ -131,6 +131,36 @@ Result SvnServer::submittedChanges(const std::string& ticket, const revision::Ch
     return {};
 }
 
+Result SvnServer::submittedChange(const std::string& ticket, const revision::ChangelistId& change,
+                                  revision::Changelist& description)
+{
+    Call call(*this, {});
+    SvnRepositoryPaths where;
+    if (Result begun = call.begin(revision::Operation::Describe, ticket, where); !begun.ok())
+        return begun;
+    const std::optional<long> revision = RevisionNumber(change);
+    if (!revision)
+        return {code::Failed, "Change " + change + " unknown."};
+    SvnLogQuery query;
+    query.url = where.url(where.rootPath(), call.pool());
+    query.revision = *revision;
+    query.changedPaths = true;
+    std::vector<SvnLogEntry> log;
+    if (Result read = call.askUnlessAbsent(SvnReadLog(call.context(), query, log, call.pool())); !read.ok())
+        return read;
+    if (log.empty())
+        return {code::Failed, "Change " + change + " unknown."};
+    description = {};
+    description.id = change;
+    description.description = log.front().message;
+    description.user = log.front().author;
+    description.time = log.front().time;
+    description.state = revision::ChangelistState::Submitted;
+    for (const auto& [path, action] : log.front().changed)
+        description.files.push_back({"^/" + path, action, static_cast<int>(*revision)});
+    return {};
+}
+
 Result SvnServer::filesAt(const std::string& ticket, const Files& paths, const revision::ChangelistId& change,
                           std::vector<revision::FileRevision>& files)
 {

@@ -122,6 +122,10 @@ public:
     // Submitted changes, newest first, without their files (describe has them).
     virtual revision::Result submittedChanges(const std::string& ticket, const revision::ChangeFilter& filter,
                                               std::vector<revision::Changelist>& changes) = 0;
+    // A submitted change with its files, each at the revision the change made. Unlike describe,
+    // which on a server that numbers pending changelists per working copy names those first.
+    virtual revision::Result submittedChange(const std::string& ticket, const revision::ChangelistId& change,
+                                             revision::Changelist& description) = 0;
     // The files at or below the local paths (the whole depot when empty) as of a submitted change
     // ("": the head), each at the revision it had then; files deleted by then are left out. In path
     // order; description is left empty.
