@@ -40,43 +40,43 @@
     <name>AssetDiff</name>
     <message>
         <source>(missing)</source>
-        <translation type="unfinished"></translation>
+        <translation>(fehlt)</translation>
     </message>
     <message>
         <source>%1 bytes, SHA-256 %2</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 Byte, SHA-256 %2</translation>
     </message>
     <message>
         <source>changed</source>
-        <translation type="unfinished"></translation>
+        <translation>geändert</translation>
     </message>
     <message>
         <source>added</source>
-        <translation type="unfinished"></translation>
+        <translation>hinzugefügt</translation>
     </message>
     <message>
         <source>removed</source>
-        <translation type="unfinished"></translation>
+        <translation>entfernt</translation>
     </message>
     <message>
         <source>unchanged</source>
-        <translation type="unfinished"></translation>
+        <translation>unverändert</translation>
     </message>
     <message>
         <source>name</source>
-        <translation type="unfinished"></translation>
+        <translation>Name</translation>
     </message>
     <message>
         <source>type</source>
-        <translation type="unfinished"></translation>
+        <translation>Typ</translation>
     </message>
     <message>
         <source>kind</source>
-        <translation type="unfinished"></translation>
+        <translation>Art</translation>
     </message>
     <message>
         <source>part</source>
-        <translation type="unfinished"></translation>
+        <translation>Teil</translation>
     </message>
 </context>
 <context>
@@ -149,7 +149,7 @@
     </message>
     <message>
         <source>Got %1 as of change %2</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 auf dem Stand der Änderungsliste %2 geholt</translation>
     </message>
 </context>
 <context>
@@ -182,75 +182,75 @@
     <name>ReconcileWork</name>
     <message numerus="yes">
         <source>Found %n file(s) changed without being opened</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%n Datei gefunden, die ohne Öffnen geändert wurde</numerusform>
+            <numerusform>%n Dateien gefunden, die ohne Öffnen geändert wurden</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>Reconciled %n file(s) into the default changelist</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%n Datei abgeglichen und in der Standard-Änderungsliste geöffnet</numerusform>
+            <numerusform>%n Dateien abgeglichen und in der Standard-Änderungsliste geöffnet</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>Reconciled %n file(s) into changelist %1</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%n Datei abgeglichen und in der Änderungsliste %1 geöffnet</numerusform>
+            <numerusform>%n Dateien abgeglichen und in der Änderungsliste %1 geöffnet</numerusform>
         </translation>
     </message>
     <message>
         <source>add</source>
-        <translation type="unfinished">hinzufügen</translation>
+        <translation>hinzufügen</translation>
     </message>
     <message>
         <source>delete</source>
-        <translation type="unfinished">löschen</translation>
+        <translation>löschen</translation>
     </message>
     <message>
         <source>edit</source>
-        <translation type="unfinished">bearbeiten</translation>
+        <translation>bearbeiten</translation>
     </message>
     <message>
         <source>locked by %1</source>
-        <translation type="unfinished"></translation>
+        <translation>gesperrt von %1</translation>
     </message>
     <message>
         <source>added by %1</source>
-        <translation type="unfinished"></translation>
+        <translation>hinzugefügt von %1</translation>
     </message>
     <message>
         <source>deleted by %1</source>
-        <translation type="unfinished"></translation>
+        <translation>gelöscht von %1</translation>
     </message>
     <message>
         <source>checked out by %1</source>
-        <translation type="unfinished"></translation>
+        <translation>ausgecheckt von %1</translation>
     </message>
     <message>
         <source>revision %1 was submitted</source>
-        <translation type="unfinished"></translation>
+        <translation>Revision %1 wurde übergeben</translation>
     </message>
     <message>
         <source>revision %1 was submitted by %2</source>
-        <translation type="unfinished"></translation>
+        <translation>Revision %1 wurde von %2 übergeben</translation>
     </message>
     <message>
         <source>nothing new</source>
-        <translation type="unfinished"></translation>
+        <translation>nichts Neues</translation>
     </message>
 </context>
 <context>
     <name>RelatedHolds</name>
     <message>
         <source>%1: its related asset %2 is locked by %3</source>
-        <translation type="unfinished"></translation>
+        <translation>%1: Das zugehörige Asset %2 ist von %3 gesperrt</translation>
     </message>
     <message>
         <source>%1: its related asset %2 is checked out by %3</source>
-        <translation type="unfinished"></translation>
+        <translation>%1: Das zugehörige Asset %2 ist von %3 ausgecheckt</translation>
     </message>
 </context>
 <context>
@@ -320,7 +320,7 @@
     </message>
     <message>
         <source>Not brought to the chosen revision because of unsaved edits: %1. Save or undo them first.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wegen ungespeicherter Änderungen nicht auf die gewählte Revision gebracht: %1. Speichern Sie sie oder machen Sie sie zuerst rückgängig.</translation>
     </message>
 </context>
 <context>
@@ -468,7 +468,7 @@
     </message>
     <message>
         <source>Get This Revision</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Revision holen</translation>
     </message>
 </context>
 <context>
@@ -569,23 +569,23 @@
     <name>hbrc::studio::AssetWatches</name>
     <message>
         <source>No longer watching %1</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 wird nicht mehr beobachtet</translation>
     </message>
     <message>
         <source>Watching %1: you are told when it is free</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 wird beobachtet: Sie werden benachrichtigt, wenn es frei ist</translation>
     </message>
     <message>
         <source>%1 is held by %2.</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 wird von %2 gehalten.</translation>
     </message>
     <message>
         <source>%1 is free</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 ist frei</translation>
     </message>
     <message>
         <source>%1 is free: %2 released it</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 ist frei: %2 hat es freigegeben</translation>
     </message>
 </context>
 <context>
@@ -602,116 +602,116 @@
     <name>hbrc::studio::DifferenceModel</name>
     <message>
         <source>Field</source>
-        <translation type="unfinished"></translation>
+        <translation>Feld</translation>
     </message>
     <message>
         <source>Before</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorher</translation>
     </message>
     <message>
         <source>After</source>
-        <translation type="unfinished"></translation>
+        <translation>Nachher</translation>
     </message>
     <message>
         <source>Change</source>
-        <translation type="unfinished"></translation>
+        <translation>Änderung</translation>
     </message>
 </context>
 <context>
     <name>hbrc::studio::DifferenceView</name>
     <message>
         <source>No difference.</source>
-        <translation type="unfinished"></translation>
+        <translation>Kein Unterschied.</translation>
     </message>
 </context>
 <context>
     <name>hbrc::studio::HistoryPane</name>
     <message>
         <source>File</source>
-        <translation type="unfinished">Datei</translation>
+        <translation>Datei</translation>
     </message>
     <message>
         <source>Revision</source>
-        <translation type="unfinished">Revision</translation>
+        <translation>Revision</translation>
     </message>
     <message>
         <source>Change</source>
-        <translation type="unfinished"></translation>
+        <translation>Änderungsliste</translation>
     </message>
     <message>
         <source>User</source>
-        <translation type="unfinished"></translation>
+        <translation>Benutzer</translation>
     </message>
     <message>
         <source>Date</source>
-        <translation type="unfinished"></translation>
+        <translation>Datum</translation>
     </message>
     <message>
         <source>Action</source>
-        <translation type="unfinished">Aktion</translation>
+        <translation>Aktion</translation>
     </message>
     <message>
         <source>Description</source>
-        <translation type="unfinished"></translation>
+        <translation>Beschreibung</translation>
     </message>
     <message>
         <source>&amp;Get This Revision</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Revision &amp;holen</translation>
     </message>
     <message>
         <source>Select an asset to see its history.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie ein Asset, um seinen Verlauf zu sehen.</translation>
     </message>
     <message>
         <source>Asking the server for the history of %1...</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Verlauf von %1 wird beim Server erfragt...</translation>
     </message>
     <message>
         <source>The history is unknown: %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Verlauf ist unbekannt: %1</translation>
     </message>
     <message>
         <source>%1 has no submitted revision.</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 hat keine übergebene Revision.</translation>
     </message>
     <message numerus="yes">
         <source>%n revision(s) of %1 and its files.</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%n Revision von %1 und seinen Dateien.</numerusform>
+            <numerusform>%n Revisionen von %1 und seinen Dateien.</numerusform>
         </translation>
     </message>
     <message>
         <source>your edits</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihre Änderungen</translation>
     </message>
     <message>
         <source>the revision you have, with the edits in memory</source>
-        <translation type="unfinished"></translation>
+        <translation>die Revision, die Sie haben, mit den Änderungen im Arbeitsspeicher</translation>
     </message>
     <message>
         <source>Choose one revision, or two to compare.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie eine Revision oder zwei zum Vergleichen.</translation>
     </message>
     <message>
         <source>Before</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorher</translation>
     </message>
     <message>
         <source>Change %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Änderungsliste %1</translation>
     </message>
     <message>
         <source>Your edits</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihre Änderungen</translation>
     </message>
     <message>
         <source>Asking the server...</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server wird gefragt...</translation>
     </message>
     <message>
         <source>The difference is unknown: %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Unterschied ist unbekannt: %1</translation>
     </message>
 </context>
 <context>
@@ -780,32 +780,33 @@
     </message>
     <message>
         <source>Opening workspace: %L1 of %L2 assets</source>
-        <translation type="unfinished"></translation>
+        <translation>Arbeitsbereich wird geöffnet: %L1 von %L2 Assets</translation>
     </message>
     <message>
         <source>&amp;Check Out</source>
-        <translation type="unfinished">&amp;Auschecken</translation>
+        <translation>&amp;Auschecken</translation>
     </message>
     <message>
         <source>Tell &amp;Me When It&apos;s Free</source>
-        <translation type="unfinished"></translation>
+        <translation>Benachrichtigen, wenn &amp;frei</translation>
     </message>
     <message>
         <source>History</source>
-        <translation type="unfinished">Verlauf</translation>
+        <translation>Verlauf</translation>
     </message>
     <message>
         <source>Files were changed offline: Reconcile...</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien wurden offline geändert: Abgleichen...</translation>
     </message>
     <message>
         <source>Reconcile Refused</source>
-        <translation type="unfinished"></translation>
+        <translation>Abgleich abgelehnt</translation>
     </message>
     <message>
         <source>Nothing was opened; the server refused the reconcile:
 %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Nichts wurde geöffnet; der Server hat den Abgleich abgelehnt:
+%1</translation>
     </message>
 </context>
 <context>
@@ -843,22 +844,22 @@
     <name>hbrc::studio::NoticeBar</name>
     <message>
         <source>&amp;Dismiss</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Schließen</translation>
     </message>
 </context>
 <context>
     <name>hbrc::studio::OfflineWork</name>
     <message>
         <source>Working offline: edits go ahead without the server; the files they change are recorded for reconciling</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie arbeiten offline: Änderungen erfolgen ohne den Server; die davon betroffenen Dateien werden für den Abgleich aufgezeichnet</translation>
     </message>
     <message>
         <source>The server cannot be reached: working offline; the files edits change are recorded for reconciling</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server ist nicht erreichbar: Sie arbeiten offline; die von Änderungen betroffenen Dateien werden für den Abgleich aufgezeichnet</translation>
     </message>
     <message>
         <source>Working online again</source>
-        <translation type="unfinished"></translation>
+        <translation>Sie arbeiten wieder online</translation>
     </message>
 </context>
 <context>
@@ -1015,81 +1016,81 @@
     </message>
     <message>
         <source>Undo History</source>
-        <translation type="unfinished"></translation>
+        <translation>Bearbeitungsverlauf</translation>
     </message>
 </context>
 <context>
     <name>hbrc::studio::ReconcileDialog</name>
     <message>
         <source>Reconcile Offline Work</source>
-        <translation type="unfinished"></translation>
+        <translation>Offline-Arbeit abgleichen</translation>
     </message>
     <message>
         <source>These files were changed without being opened. Reconcile opens the checked ones in the changelist below; nothing on the disk changes.</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Dateien wurden geändert, ohne geöffnet worden zu sein. Abgleichen öffnet die angehakten Dateien in der unten gewählten Änderungsliste; auf dem Datenträger ändert sich nichts.</translation>
     </message>
     <message>
         <source>The workspace was not scanned (%1): only the files recorded offline are listed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Arbeitsbereich wurde nicht durchsucht (%1): Nur die offline aufgezeichneten Dateien sind aufgeführt.</translation>
     </message>
     <message>
         <source>File</source>
-        <translation type="unfinished">Datei</translation>
+        <translation>Datei</translation>
     </message>
     <message>
         <source>Action</source>
-        <translation type="unfinished">Aktion</translation>
+        <translation>Aktion</translation>
     </message>
     <message>
         <source>On the server</source>
-        <translation type="unfinished"></translation>
+        <translation>Auf dem Server</translation>
     </message>
     <message>
         <source>New changelist</source>
-        <translation type="unfinished"></translation>
+        <translation>Neue Änderungsliste</translation>
     </message>
     <message>
         <source>Default changelist</source>
-        <translation type="unfinished"></translation>
+        <translation>Standard-Änderungsliste</translation>
     </message>
     <message>
         <source>%1: %2</source>
-        <translation type="unfinished">%1: %2</translation>
+        <translation>%1: %2</translation>
     </message>
     <message>
         <source>Work done offline</source>
-        <translation type="unfinished"></translation>
+        <translation>Offline erledigte Arbeit</translation>
     </message>
     <message>
         <source>&amp;Changelist:</source>
-        <translation type="unfinished"></translation>
+        <translation>Änderungs&amp;liste:</translation>
     </message>
     <message>
         <source>&amp;Description:</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Beschreibung:</translation>
     </message>
     <message>
         <source>&amp;Reconcile</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Abgleichen</translation>
     </message>
 </context>
 <context>
     <name>hbrc::studio::Reconciler</name>
     <message>
         <source>Listing the work done offline</source>
-        <translation type="unfinished"></translation>
+        <translation>Offline erledigte Arbeit wird aufgelistet</translation>
     </message>
     <message>
         <source>Reconcile</source>
-        <translation type="unfinished"></translation>
+        <translation>Abgleichen</translation>
     </message>
     <message>
         <source>The workspace was not scanned for changes (%1): only the files recorded offline are listed</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Arbeitsbereich wurde nicht nach Änderungen durchsucht (%1): Nur die offline aufgezeichneten Dateien sind aufgeführt</translation>
     </message>
     <message>
         <source>Nothing to reconcile: every file is open or unchanged</source>
-        <translation type="unfinished"></translation>
+        <translation>Nichts abzugleichen: Jede Datei ist geöffnet oder unverändert</translation>
     </message>
 </context>
 <context>
@@ -1152,11 +1153,11 @@
     </message>
     <message>
         <source>Offline: working offline by choice</source>
-        <translation type="unfinished"></translation>
+        <translation>Offline: Sie arbeiten auf eigenen Wunsch offline</translation>
     </message>
     <message>
         <source>Offline: the server cannot be reached</source>
-        <translation type="unfinished"></translation>
+        <translation>Offline: Der Server ist nicht erreichbar</translation>
     </message>
 </context>
 <context>
@@ -1377,19 +1378,19 @@
     </message>
     <message>
         <source>Tell &amp;Me When It&apos;s Free</source>
-        <translation type="unfinished"></translation>
+        <translation>Benachrichtigen, wenn &amp;frei</translation>
     </message>
     <message>
         <source>Submitted C&amp;hanges</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Übergebene Änderungen</translation>
     </message>
     <message>
         <source>Work O&amp;ffline</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Offline arbeiten</translation>
     </message>
     <message>
         <source>Reconc&amp;ile Offline Work...</source>
-        <translation type="unfinished"></translation>
+        <translation>Offline-Arbeit ab&amp;gleichen...</translation>
     </message>
 </context>
 <context>
@@ -1419,105 +1420,105 @@
     <name>hbrc::studio::SubmittedChangesDock</name>
     <message>
         <source>Submitted Changes</source>
-        <translation type="unfinished"></translation>
+        <translation>Übergebene Änderungen</translation>
     </message>
     <message>
         <source>All users</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Benutzer</translation>
     </message>
     <message>
         <source>Filter by text</source>
-        <translation type="unfinished"></translation>
+        <translation>Nach Text filtern</translation>
     </message>
     <message>
         <source>&amp;Refresh</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Aktualisieren</translation>
     </message>
     <message>
         <source>File</source>
-        <translation type="unfinished">Datei</translation>
+        <translation>Datei</translation>
     </message>
     <message>
         <source>Action</source>
-        <translation type="unfinished">Aktion</translation>
+        <translation>Aktion</translation>
     </message>
     <message>
         <source>Revision</source>
-        <translation type="unfinished">Revision</translation>
+        <translation>Revision</translation>
     </message>
     <message>
         <source>Asset</source>
-        <translation type="unfinished">Asset</translation>
+        <translation>Asset</translation>
     </message>
     <message>
         <source>Double-click a file to select its asset.</source>
-        <translation type="unfinished"></translation>
+        <translation>Doppelklicken Sie auf eine Datei, um ihr Asset zu wählen.</translation>
     </message>
     <message>
         <source>Open a workspace to see its server&apos;s submitted changes.</source>
-        <translation type="unfinished"></translation>
+        <translation>Öffnen Sie einen Arbeitsbereich, um die übergebenen Änderungen seines Servers zu sehen.</translation>
     </message>
     <message>
         <source>Asking the server for the submitted changes...</source>
-        <translation type="unfinished"></translation>
+        <translation>Die übergebenen Änderungen werden beim Server erfragt...</translation>
     </message>
     <message>
         <source>The submitted changes are unknown: %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Die übergebenen Änderungen sind unbekannt: %1</translation>
     </message>
     <message numerus="yes">
         <source>%n submitted change(s)</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>%n übergebene Änderungsliste</numerusform>
+            <numerusform>%n übergebene Änderungslisten</numerusform>
         </translation>
     </message>
     <message>
         <source>Asking the server...</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Server wird gefragt...</translation>
     </message>
     <message>
         <source>The change is unknown: %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Änderungsliste ist unbekannt: %1</translation>
     </message>
     <message>
         <source>The change made no difference to an asset of this workspace.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Änderungsliste hat kein Asset dieses Arbeitsbereichs verändert.</translation>
     </message>
     <message>
         <source>Choose a file of an asset to see what the change did to it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie eine Datei eines Assets, um zu sehen, was die Änderungsliste daran geändert hat.</translation>
     </message>
     <message>
         <source>The difference is unknown: %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Unterschied ist unbekannt: %1</translation>
     </message>
     <message>
         <source>%1 before</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 vorher</translation>
     </message>
     <message>
         <source>%1 in change %2</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 in Änderungsliste %2</translation>
     </message>
 </context>
 <context>
     <name>hbrc::studio::SubmittedChangesModel</name>
     <message>
         <source>Change</source>
-        <translation type="unfinished"></translation>
+        <translation>Änderungsliste</translation>
     </message>
     <message>
         <source>User</source>
-        <translation type="unfinished"></translation>
+        <translation>Benutzer</translation>
     </message>
     <message>
         <source>Date</source>
-        <translation type="unfinished"></translation>
+        <translation>Datum</translation>
     </message>
     <message>
         <source>Description</source>
-        <translation type="unfinished"></translation>
+        <translation>Beschreibung</translation>
     </message>
 </context>
 <context>
