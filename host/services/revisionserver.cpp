@@ -34,7 +34,7 @@ std::string ServerSettingProblem(const std::string& server)
 std::unique_ptr<RevisionServer> OpenRevisionServer(const std::string& server, const revision::ServerOptions& options)
 {
     if (IsSubversionUrl(server))
-        return std::make_unique<SvnServer>(server);
+        return std::make_unique<SvnServer>(server, options.networkTimeout);
     return std::make_unique<DepotServer>(server, options);
 }
 

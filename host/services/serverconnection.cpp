@@ -19,12 +19,19 @@ private:
     bool& m_running;
 };
 
+// The network time-out of servers whose protocol has one follows the call deadline, rounded up.
+ConnectionOptions WithNetworkTimeoutOfDeadline(ConnectionOptions options)
+{
+    options.server.networkTimeout = std::chrono::ceil<std::chrono::seconds>(options.callDeadline);
+    return options;
+}
+
 const char* const kBusyText = "Another revision-control operation is still running; try again when it has ended.";
 
 }  // namespace
 
 ServerConnection::ServerConnection(std::string server, ConnectionOptions options)
-    : m_options(std::move(options)),
+    : m_options(WithNetworkTimeoutOfDeadline(std::move(options))),
       m_server(OpenRevisionServer(server, m_options.server)),
       m_cache(m_options.statusLifetime)
 {

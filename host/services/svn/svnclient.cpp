@@ -8,7 +8,9 @@
 #include <svn_hash.h>
 #include <svn_pools.h>
 
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <map>
@@ -17,8 +19,6 @@
 namespace hbrc::host {
 
 namespace {
-
-const char* const kHttpTimeoutSeconds = "30";
 
 void InitialiseLibraryOnce()
 {
@@ -73,7 +73,7 @@ SvnPool::~SvnPool()
     svn_pool_destroy(m_pool);
 }
 
-SvnClient::SvnClient()
+SvnClient::SvnClient(std::chrono::seconds httpTimeout)
 {
     apr_hash_t* config = apr_hash_make(m_pool.get());
     for (const char* category : {SVN_CONFIG_CATEGORY_CONFIG, SVN_CONFIG_CATEGORY_SERVERS}) {
@@ -83,7 +83,8 @@ SvnClient::SvnClient()
     }
     // An http(s) server that stops answering ends the operation (-34) instead of holding it.
     svn_config_set(static_cast<svn_config_t*>(svn_hash_gets(config, SVN_CONFIG_CATEGORY_SERVERS)),
-                   SVN_CONFIG_SECTION_GLOBAL, SVN_CONFIG_OPTION_HTTP_TIMEOUT, kHttpTimeoutSeconds);
+                   SVN_CONFIG_SECTION_GLOBAL, SVN_CONFIG_OPTION_HTTP_TIMEOUT,
+                   std::to_string(std::max<std::chrono::seconds::rep>(1, httpTimeout.count())).c_str());
     svn_error_clear(svn_client_create_context2(&m_context, config, m_pool.get()));
 
     // The credential cache's providers, as the svn command-line client has them: the account's

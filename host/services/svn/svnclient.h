@@ -5,6 +5,7 @@
 #include <apr_pools.h>
 #include <svn_client.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -44,7 +45,8 @@ struct SvnCredentials
 class SvnClient
 {
 public:
-    SvnClient();
+    // httpTimeout: how long a read from an http(s) server waits for an answer.
+    explicit SvnClient(std::chrono::seconds httpTimeout);
     SvnClient(const SvnClient&) = delete;
     SvnClient& operator=(const SvnClient&) = delete;
 

@@ -21,7 +21,7 @@ namespace hbrc::host {
 class SvnServer final : public RevisionServer
 {
 public:
-    explicit SvnServer(std::string url) : m_url(std::move(url)) {}
+    SvnServer(std::string url, std::chrono::seconds networkTimeout) : m_url(std::move(url)), m_client(networkTimeout) {}
 
     const std::string& path() const override { return m_url; }
     revision::Result login(const std::string& user, const std::string& password, const std::string& workspace,

@@ -4,6 +4,7 @@
 // hand a server and what it answers, whichever backend serves. Includes neither backend; each
 // backend converts its own types to these at its edge.
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -176,6 +177,9 @@ enum class PasswordHashCost { Interactive, Minimal };
 struct ServerOptions
 {
     PasswordHashCost passwordHashCost = PasswordHashCost::Interactive;
+    // How long a read from a server whose protocol has a time-out of its own (http, https) waits
+    // before the call fails as one that cannot reach the server.
+    std::chrono::seconds networkTimeout{30};
 };
 
 // What a backend can do. Callers ask these instead of looking at the server setting.
