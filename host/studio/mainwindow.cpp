@@ -121,7 +121,7 @@ void MainWindow::buildPanes()
 
     connect(m_pending, &PendingChangesPane::message, this, &MainWindow::log);
     connect(m_operations.get(), &RevisionOperations::workingChanged, this, &MainWindow::updateActions);
-        connect(m_start, &StartPage::openFolderRequested, this, &MainWindow::openFolder);
+    connect(m_start, &StartPage::openFolderRequested, this, &MainWindow::openFolder);
     connect(m_start, &StartPage::openRecentRequested, this, &MainWindow::openWorkspace);
     connect(m_start, &StartPage::createDemoRequested, this, &MainWindow::createDemoDepot);
     connect(m_browser, &AssetBrowser::currentAssetChanged, this, &MainWindow::showSelection);
