@@ -6,6 +6,8 @@
 #include "pendingchangespane.h"
 #include "pendingchangesmodel.h"
 #include "reconciler.h"
+#include "noticebar.h"
+#include "sessioncontroller.h"
 #include "demodepot.h"
 #include "studiofixture.h"
 
@@ -14,6 +16,7 @@
 #include <hbrcservices/revisionserver.h>
 #include <qtextention/qfunctoraction.h>
 
+#include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QPushButton>
@@ -197,6 +200,61 @@ TEST_F(StudioOffline, AMorningOfflineIsReconciledWithEveryConflictNamedAndNothin
     EXPECT_TRUE(onDisk("Leaf").contains("#654321"));
     EXPECT_TRUE(onDisk("Moss").contains("Moss"));
     EXPECT_FALSE(QFileInfo::exists(QString::fromStdString(aliceFile("Water"))));
+}
+
+// Revision control turned off by hand journals what her edits change, as offline work does, and
+// turning it on offers the reconcile. Offers go with their workspace. The Work Offline switch
+// outlives a restart, which then asks the server nothing; an unreachable server does not.
+TEST_F(StudioOffline, RevisionControlOffJournalsAndTheSwitchOutlivesARestart)
+{
+    driver.expect(QStringLiteral("settings"), [](QWidget* dialog) {
+        auto* use = dialog->findChild<QCheckBox*>(QStringLiteral("useSourceDataControl"));
+        ASSERT_TRUE(use && use->isChecked());
+        use->setFocus();
+        QTest::keyClick(use, Qt::Key_Space);
+        QTest::keyClick(use, Qt::Key_Return);
+    });
+    window->action(QStringLiteral("settings"))->trigger();
+    EXPECT_EQ(sessionLabel(), "Session: revision control off");
+    select("Sky");
+    window->action(QStringLiteral("makeWritable"))->trigger();
+    ASSERT_TRUE(window->newAsset(QStringLiteral("Moss")));
+    ASSERT_TRUE(window->save());
+    EXPECT_EQ(journalled(), (std::set<std::string>{aliceFile("Moss"), aliceFile("Sky")}));
+
+    const auto workOffline = [this] { return window->action(QStringLiteral("workOffline")); };
+    auto* reconcileNotice = window->statusBar()->findChild<QPushButton*>(QStringLiteral("reconcileNotice"));
+    window->action(QStringLiteral("turnRevisionControlOn"))->trigger();
+    EXPECT_TRUE(reconcileNotice->isVisible());
+    const std::string bobRock = depot->folderPath("bob") + "/Rock.kel";
+    ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {bobRock}, "").ok());
+    window->refreshStatus();
+    waitForStatus();
+    select("Rock");
+    driver.expectMessageBox(QStringLiteral("Checkout Error"), QMessageBox::Ok, QStringLiteral("bob"));
+    window->action(QStringLiteral("checkOut"))->trigger();
+    ASSERT_TRUE(window->noticeBar().isVisible());
+    workOffline()->trigger();
+    window->closeWorkspace();
+    EXPECT_FALSE(window->noticeBar().isVisible());
+    EXPECT_TRUE(window->noticeBar().text().isEmpty());
+    EXPECT_FALSE(reconcileNotice->isVisible());
+
+    // On the train: the server is not there, and the studio does not look for it.
+    const std::string away = depot->path() + ".away";
+    start(away, depot->workspace("alice"), depot->folder("alice"), "alice-pw");
+    EXPECT_EQ(sessionLabel(), "Session: Offline: working offline by choice");
+    EXPECT_TRUE(workOffline()->isChecked());
+    EXPECT_EQ(window->sessionController().serverState(), SessionState::NotLoggedIn) << "nothing was asked";
+    EXPECT_EQ(status("Sky"), "Offline: working offline by choice");
+    // Back online, the log-in finds no server: offline by itself, which the next start forgets.
+    workOffline()->trigger();
+    EXPECT_EQ(sessionLabel(), "Session: Offline: the server cannot be reached");
+    EXPECT_TRUE(workOffline()->isChecked());
+    ASSERT_TRUE(QFile::link(QString::fromStdString(depot->path()), QString::fromStdString(away)));
+    start(away, depot->workspace("alice"), depot->folder("alice"), "alice-pw");
+    EXPECT_EQ(sessionLabel(), "Session: logged in as alice");
+    EXPECT_TRUE(window->statusBar()->findChild<QPushButton*>(QStringLiteral("reconcileNotice"))->isVisible());
 }
 
 // A save of new assets and deleted ones, killed at any moment, leaves every file that appeared or
