@@ -6,6 +6,7 @@
 #include "pendingchangespane.h"
 #include "pendingchangesmodel.h"
 #include "reconciler.h"
+#include "sessioncontroller.h"
 #include "demodepot.h"
 #include "studiofixture.h"
 
@@ -197,6 +198,41 @@ TEST_F(StudioOffline, AMorningOfflineIsReconciledWithEveryConflictNamedAndNothin
     EXPECT_TRUE(onDisk("Leaf").contains("#654321"));
     EXPECT_TRUE(onDisk("Moss").contains("Moss"));
     EXPECT_FALSE(QFileInfo::exists(QString::fromStdString(aliceFile("Water"))));
+}
+
+// Revision control off by hand journals edits as offline work does; offers go with their workspace;
+// the Work Offline switch outlives a restart, which asks the server nothing; offline by itself does not.
+TEST_F(StudioOffline, RevisionControlOffJournalsAndTheSwitchOutlivesARestart)
+{
+    session->settings()->SetUseSourceDataControl(false);  // as the settings dialog does
+    window->sessionController().revisionControlChosen(true);
+    select("Sky");
+    window->action(QStringLiteral("makeWritable"))->trigger();
+    ASSERT_TRUE(window->newAsset(QStringLiteral("Moss")) && window->save());
+    EXPECT_EQ(journalled(), (std::set<std::string>{aliceFile("Moss"), aliceFile("Sky")}));
+    const auto shows = [this](const char* name) { return window->findChild<QWidget*>(name)->isVisible(); };
+    window->action(QStringLiteral("turnRevisionControlOn"))->trigger();
+    EXPECT_TRUE(shows("reconcileNotice"));
+    ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {depot->folderPath("bob") + "/Rock.kel"}, "").ok());
+    window->refreshStatus();
+    waitForStatus();
+    select("Rock");
+    driver.expectMessageBox(QStringLiteral("Checkout Error"), QMessageBox::Ok, QStringLiteral("bob"));
+    window->action(QStringLiteral("checkOut"))->trigger();
+    ASSERT_TRUE(shows("noticeBar"));
+    window->action(QStringLiteral("workOffline"))->trigger();
+    window->closeWorkspace();
+    EXPECT_FALSE(shows("noticeBar") || shows("reconcileNotice"));
+    const std::string away = depot->path() + ".away";  // on the train
+    start(away, depot->workspace("alice"), depot->folder("alice"), "alice-pw");
+    EXPECT_EQ(sessionLabel(), "Session: Offline: working offline by choice");
+    EXPECT_EQ(window->sessionController().serverState(), SessionState::NotLoggedIn) << "nothing was asked";
+    window->action(QStringLiteral("workOffline"))->trigger();
+    EXPECT_EQ(sessionLabel(), "Session: Offline: the server cannot be reached");
+    EXPECT_TRUE(window->action(QStringLiteral("workOffline"))->isChecked());
+    ASSERT_TRUE(QFile::link(QString::fromStdString(depot->path()), QString::fromStdString(away)));
+    start(away, depot->workspace("alice"), depot->folder("alice"), "alice-pw");
+    EXPECT_EQ(sessionLabel(), "Session: logged in as alice");
 }
 
 // A save of new assets and deleted ones, killed at any moment, leaves every file that appeared or
