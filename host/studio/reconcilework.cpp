@@ -150,7 +150,7 @@ RevisionOperations::Work ReconcileWork::survey(Files journalled, std::shared_ptr
 RevisionOperations::Work ReconcileWork::reconcile(ReconcileChoice choice, std::shared_ptr<Files> opened)
 {
     return [choice = std::move(choice), opened](host::RevisionServer& server, const std::string& ticket,
-                                             OperationOutcome& outcome) {
+                                               OperationOutcome& outcome) {
         revision::ChangelistId changelist = choice.changelist;
         if (!choice.newDescription.empty()) {
             if (const revision::Result made = server.createChangelist(ticket, choice.newDescription, changelist);
@@ -193,10 +193,9 @@ RevisionOperations::Work ReconcileWork::reconcile(ReconcileChoice choice, std::s
         }
         for (const ReconcileItem& item : choice.items)
             opened->push_back(item.localPath);
-        const int count = int(opened->size());
         outcome.done = changelist.empty()
-                           ? tr("Reconciled %n file(s) into the default changelist", nullptr, count)
-                           : tr("Reconciled %n file(s) into changelist %1", nullptr, count)
+                           ? tr("Reconciled %n file(s) into the default changelist", nullptr, int(opened->size()))
+                           : tr("Reconciled %n file(s) into changelist %1", nullptr, int(opened->size()))
                                  .arg(QString::fromStdString(changelist));
         return result;
     };
