@@ -22,9 +22,12 @@ public:
 
     // Consumed once per call by the backend: the failure forced onto this call, if any.
     std::optional<revision::Result> takeForcedFailure(revision::Operation operation);
-    // Waits the latency of one call; false when the cancel check turned true or interruptLatency()
-    // broke the wait off, as a broken connection ends a read.
-    bool waitLatency(const revision::CancelCheck& cancel) { return m_latencyWait.waitFor(m_latency, cancel); }
+    // Waits the latency of one call, unless the cancel check turns true or interruptLatency()
+    // breaks the wait off, as a broken connection ends a read.
+    depot::InterruptibleWait::End waitLatency(const revision::CancelCheck& cancel)
+    {
+        return m_latencyWait.waitFor(m_latency, cancel);
+    }
     // Ends the latency waits under way; from any thread.
     void interruptLatency() { m_latencyWait.interrupt(); }
 

@@ -113,8 +113,12 @@ void Depot::Impl::waitLatency(const Call& call)
 {
     // A caller can cancel a slow round trip while it waits, or break it off as it would a network
     // read (the operations that take no cancel check).
-    if (!faults.waitLatency([&call] { return call.cancelled(); })) {
-        call.checkpoint();
+    switch (faults.waitLatency([&call] { return call.cancelled(); })) {
+    case InterruptibleWait::End::Elapsed:
+        return;
+    case InterruptibleWait::End::Cancelled:
+        throw DepotError(code::Cancelled, "The operation was cancelled; the depot is unchanged");
+    case InterruptibleWait::End::Interrupted:
         throw DepotError(code::SessionUnusable, "Cannot reach the depot: the connection was broken off");
     }
 }

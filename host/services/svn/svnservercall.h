@@ -38,9 +38,12 @@ public:
             ++m_server.m_roundTrips;
             return *forced;
         }
-        if (!m_server.m_faults.waitLatency(m_cancel)) {
-            if (m_cancel && m_cancel())
-                return {revision::code::Cancelled, "The operation was cancelled; the repository is unchanged"};
+        switch (m_server.m_faults.waitLatency(m_cancel)) {
+        case depot::InterruptibleWait::End::Elapsed:
+            break;
+        case depot::InterruptibleWait::End::Cancelled:
+            return {revision::code::Cancelled, "The operation was cancelled; the repository is unchanged"};
+        case depot::InterruptibleWait::End::Interrupted:
             return {revision::code::SessionUnusable, m_server.unreachableText("the connection was broken off")};
         }
         if (!ticket)

@@ -19,9 +19,9 @@ class HBRC_DEPOT_EXPORT FaultInjector
 public:
     void setLatency(std::chrono::milliseconds perRoundTrip) { m_latency = perRoundTrip; }
     std::chrono::milliseconds latency() const { return m_latency; }
-    // Waits the latency of one round trip; false when the cancel check turned true or
-    // interruptLatency() broke the wait off, as a broken connection ends a read.
-    bool waitLatency(const CancelCheck& cancel) { return m_latencyWait.waitFor(m_latency, cancel); }
+    // Waits the latency of one round trip, unless the cancel check turns true or interruptLatency()
+    // breaks the wait off, as a broken connection ends a read.
+    InterruptibleWait::End waitLatency(const CancelCheck& cancel) { return m_latencyWait.waitFor(m_latency, cancel); }
     // Ends the latency waits under way; from any thread.
     void interruptLatency() { m_latencyWait.interrupt(); }
 

@@ -18,8 +18,10 @@ namespace hbrc::depot {
 class HBRC_DEPOT_EXPORT InterruptibleWait
 {
 public:
-    // Waits for `duration`; false when the cancel check turned true or interrupt() was called first.
-    bool waitFor(std::chrono::milliseconds duration, const CancelCheck& cancel);
+    enum class End { Elapsed, Cancelled, Interrupted };
+
+    // Waits for `duration` unless the cancel check turns true or interrupt() is called first.
+    End waitFor(std::chrono::milliseconds duration, const CancelCheck& cancel);
     // Ends every wait under way, from any thread; a wait that begins afterwards runs its course.
     void interrupt();
 
