@@ -25,6 +25,7 @@ WorkspaceController::WorkspaceController(StudioSession& session, SessionControll
     m_slices->setInterval(0);
     connect(m_slices, &QTimer::timeout, this, &WorkspaceController::addSlice);
     connect(&m_reader, &WorkspaceReader::readable, m_slices, qOverload<>(&QTimer::start));
+    connect(&sessionController, &SessionController::logInAtOpenDone, this, &WorkspaceController::loggedInAtOpen);
 }
 
 bool WorkspaceController::open(const QString& folder)
@@ -76,11 +77,19 @@ void WorkspaceController::addSlice()
     }
 }
 
+// The log-in runs on a worker and may end in the Log In prompt: still opening until it is done.
 void WorkspaceController::finishOpening()
 {
     m_opening->LogLoaded();
-    host::Workspace* workspace = m_session.finishOpening();
-    m_sessionController.workspaceOpened();  // may ask for a password: still opening until it is done
+    m_session.finishOpening();
+    m_sessionController.workspaceOpened();
+}
+
+void WorkspaceController::loggedInAtOpen()
+{
+    if (!m_opening || m_reader.isReading())
+        return;  // a retry's log-in
+    host::Workspace* workspace = m_session.currentWorkspace();
     m_opening = nullptr;
     emit opened(workspace);
 }

@@ -25,11 +25,13 @@ class StudioSession;
 //
 // The assets are read on a worker (WorkspaceReader) and added to the workspace slice by slice, each
 // slice a few milliseconds of the UI thread's time, one per turn of its event loop: opening shows
-// the workspace to be read, assetsRead each slice's new assets. Until opened, the
+// the workspace to be read, assetsRead each slice's new assets. Until every asset is read, the
 // workspace is not the session's current workspace, so nothing acts on a half-read workspace: the
 // status question, the save and the commands that need an open workspace see none, there are no
-// services and no log-in yet, and the window takes no selection in the browser, so that no asset
-// can be edited (the window's part). Closing the workspace, or the window, stops the reader.
+// services and no log-in yet. Then it becomes the current one and the session controller logs in
+// on a worker; opened follows the log-in. Until opened the window takes no selection in the
+// browser, so that no asset can be edited, and asks no status by itself (the window's part).
+// Closing the workspace, or the window, stops the reader.
 class WorkspaceController : public QObject
 {
     Q_OBJECT
@@ -59,6 +61,7 @@ signals:
 private:
     void addSlice();
     void finishOpening();
+    void loggedInAtOpen();
 
     StudioSession& m_session;
     SessionController& m_sessionController;
