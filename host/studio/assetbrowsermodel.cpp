@@ -21,6 +21,15 @@ using namespace kel4;  // the status bits
 
 namespace {
 
+// A slice of the rows takes about this long on the UI thread; the clock is read every so many rows.
+constexpr qint64 kSliceMs = 8;
+constexpr std::size_t kRowsBetweenClockReads = 256;
+
+bool sliceIsOver(std::size_t row, std::size_t first, const QElapsedTimer& spent)
+{
+    return row > first && row % kRowsBetweenClockReads == 0 && spent.hasExpired(kSliceMs);
+}
+
 using host::ObjectStore;
 
 constexpr unsigned kHeldByOthers =
@@ -77,8 +86,11 @@ QString holdsText(const AssetStatus& status, const QStringList& relatedHolds)
 
 }  // namespace
 
-AssetBrowserModel::AssetBrowserModel(QObject* parent) : QAbstractTableModel(parent), m_answerSlices(new QTimer(this))
+AssetBrowserModel::AssetBrowserModel(QObject* parent)
+    : QAbstractTableModel(parent), m_questionSlices(new QTimer(this)), m_answerSlices(new QTimer(this))
 {
+    m_questionSlices->setInterval(0);
+    connect(m_questionSlices, &QTimer::timeout, this, &AssetBrowserModel::gatherQuestionSlice);
     m_answerSlices->setInterval(0);
     connect(m_answerSlices, &QTimer::timeout, this, &AssetBrowserModel::applyAnswerSlice);
     connect(&m_query, &AssetStatusQuery::answered, this, &AssetBrowserModel::takeAnswer);
@@ -88,7 +100,9 @@ void AssetBrowserModel::setWorkspace(host::Workspace* workspace)
 {
     if (workspace == m_workspace)
         return;
-    m_answer.reset();  // it was about the other workspace's assets
+    m_question.reset();  // it was about the other workspace's assets
+    m_questionSlices->stop();
+    m_answer.reset();
     m_answerSlices->stop();
     beginResetModel();
     m_workspace = workspace;
@@ -119,7 +133,12 @@ void AssetBrowserModel::reload()
     beginResetModel();
     m_rows = std::move(rows);
     endResetModel();
-    m_answerRow = 0;  // the rows moved: an answer being applied starts over, by the assets' ids
+    // The rows moved: a question being gathered and an answer being applied start over.
+    if (m_question) {
+        m_question->ids.clear();
+        m_question->files.clear();
+    }
+    m_answerRow = 0;
 }
 
 void AssetBrowserModel::appendAssets(const std::vector<std::uint32_t>& assetSlots)
@@ -137,17 +156,31 @@ void AssetBrowserModel::refreshStatus(const Account& account)
 {
     if (!m_workspace)
         return;
-    AssetStatusQuery::FilesPerAsset files;
-    files.reserve(m_rows.size());
-    std::vector<std::string> ids;
+    m_question = std::make_unique<Question>(Question{account, {}, {}});
+    m_question->ids.reserve(m_rows.size());
+    m_question->files.reserve(m_rows.size());
+    gatherQuestionSlice();
+}
+
+void AssetBrowserModel::gatherQuestionSlice()
+{
+    QElapsedTimer spent;
+    spent.start();
     const host::DataModelMgr& model = m_workspace->Model();
-    for (const Row& row : m_rows) {
+    const std::size_t first = m_question->ids.size();
+    for (std::size_t row = first; row < m_rows.size(); ++row) {
+        if (sliceIsOver(row, first, spent)) {
+            m_questionSlices->start();
+            return;
+        }
         const kel4::Set<std::string> assetFiles =
-            model.FilesOf(model.HandleOf(row.slot), true, kel4::closureId::Persistence);
-        files.emplace_back(assetFiles.begin(), assetFiles.end());
-        ids.push_back(row.id);
+            model.FilesOf(model.HandleOf(m_rows[row].slot), true, kel4::closureId::Persistence);
+        m_question->files.emplace_back(assetFiles.begin(), assetFiles.end());
+        m_question->ids.push_back(m_rows[row].id);
     }
-    m_query.ask(account, std::move(ids), std::move(files));
+    m_questionSlices->stop();
+    const std::unique_ptr<Question> question = std::move(m_question);
+    m_query.ask(question->account, std::move(question->ids), std::move(question->files));
 }
 
 // A refused question changes no row. An answer is applied from the first row on, in slices of a
@@ -167,13 +200,11 @@ void AssetBrowserModel::takeAnswer(const std::shared_ptr<const StatusAnswer>& an
 
 void AssetBrowserModel::applyAnswerSlice()
 {
-    constexpr qint64 kSliceMs = 8;
-    constexpr std::size_t kRowsBetweenClockReads = 256;
     QElapsedTimer spent;
     spent.start();
     const std::size_t first = m_answerRow;
     std::size_t row = first;
-    while (row < m_rows.size() && !(row > first && row % kRowsBetweenClockReads == 0 && spent.hasExpired(kSliceMs))) {
+    while (row < m_rows.size() && !sliceIsOver(row, first, spent)) {
         Row& current = m_rows[row];
         if (const AssetStatus* status = m_answer->statusOf(current.id, row)) {
             if (current.known) {

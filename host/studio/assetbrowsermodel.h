@@ -55,10 +55,11 @@ public:
     // "revision control off"); the statuses stay and show again when it is cleared.
     void setStatusUnavailable(const QString& reason);
     // Asks the server about every asset's files once; statusRefreshed follows, once the answer is
-    // in every row: it is applied a slice of rows per turn of the event loop.
+    // in every row. The files are gathered, and the answer applied, a slice of rows per turn of
+    // the event loop.
     void refreshStatus(const Account& account);
     // True from refreshStatus until statusRefreshed.
-    bool isStatusPending() const { return m_query.isPending() || m_answer != nullptr; }
+    bool isStatusPending() const { return m_question || m_query.isPending() || m_answer; }
 
     KELHandle<kel4::IDbObject> assetAt(int row) const;
     // The last answered status of row, or null while it is unknown.
@@ -98,6 +99,7 @@ private:
         AssetStatus status;
         bool known = false;
     };
+    void gatherQuestionSlice();
     void takeAnswer(const std::shared_ptr<const StatusAnswer>& answer);
     void applyAnswerSlice();
     QString name(const Row& row) const;
@@ -106,6 +108,15 @@ private:
     std::vector<Row> m_rows;
     QString m_statusUnavailable;
     AssetStatusQuery m_query;
+    // The question being gathered: every asset's id and files, up to the next row.
+    struct Question
+    {
+        Account account;
+        std::vector<std::string> ids;
+        AssetStatusQuery::FilesPerAsset files;
+    };
+    std::unique_ptr<Question> m_question;
+    QTimer* m_questionSlices = nullptr;
     // The answer being applied, the next row it goes to and what it changed so far.
     std::shared_ptr<const StatusAnswer> m_answer;
     std::size_t m_answerRow = 0;
