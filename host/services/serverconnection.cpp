@@ -19,20 +19,20 @@ private:
     bool& m_running;
 };
 
-// The network time-out of servers whose protocol has one follows the call deadline, rounded up.
-ConnectionOptions WithNetworkTimeoutOfDeadline(ConnectionOptions options)
-{
-    options.server.networkTimeout = std::chrono::ceil<std::chrono::seconds>(options.callDeadline);
-    return options;
-}
-
 const char* const kBusyText = "Another revision-control operation is still running; try again when it has ended.";
 
 }  // namespace
 
+revision::ServerOptions ConnectionOptions::serverOptions() const
+{
+    revision::ServerOptions options = server;
+    options.networkTimeout = std::chrono::ceil<std::chrono::seconds>(callDeadline);
+    return options;
+}
+
 ServerConnection::ServerConnection(std::string server, ConnectionOptions options)
-    : m_options(WithNetworkTimeoutOfDeadline(std::move(options))),
-      m_server(OpenRevisionServer(server, m_options.server)),
+    : m_options(std::move(options)),
+      m_server(OpenRevisionServer(server, m_options.serverOptions())),
       m_cache(m_options.statusLifetime)
 {
     m_runner.SetThreshold(m_options.timeOutThreshold);
@@ -69,7 +69,7 @@ KELPtr<UserParameters> ServerConnection::Login(const std::string& userName, cons
     const bool otherServer = !server.empty() && server != m_server->path();
     std::unique_ptr<RevisionServer> other;
     if (otherServer)
-        other = OpenRevisionServer(server, m_options.server);
+        other = OpenRevisionServer(server, m_options.serverOptions());
     RevisionServer& target = otherServer ? *other : *m_server;
 
     std::string ticket;
@@ -102,6 +102,17 @@ KELPtr<UserParameters> ServerConnection::ResumeKept(const std::string& userName,
             server, [&](const revision::CancelCheck&) { return server.resumeKept(userName, workspace, ticket); }, errorText)
             .IsFailure())
         return {};
+    m_cache.Invalidate();
+    return KELPtr<UserParameters>(new UserParameters(userName, workspace, m_server->path(), ticket));
+}
+
+KELPtr<UserParameters> ServerConnection::Adopt(std::unique_ptr<RevisionServer> server, const std::string& userName,
+                                               const std::string& workspace, const std::string& ticket)
+{
+    if (m_running)
+        return {};
+    m_roundTripsBefore += m_server->roundTrips();  // the server left behind keeps its round trips counted
+    m_server = std::move(server);
     m_cache.Invalidate();
     return KELPtr<UserParameters>(new UserParameters(userName, workspace, m_server->path(), ticket));
 }

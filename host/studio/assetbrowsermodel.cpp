@@ -7,9 +7,13 @@
 #include <kel4/revisionstatus.h>
 
 #include <QApplication>
+#include <QElapsedTimer>
+#include <QPointer>
 #include <QStyle>
 
 #include <algorithm>
+#include <utility>
+#include <map>
 
 namespace hbrc::studio {
 
@@ -17,24 +21,49 @@ using namespace kel4;  // the status bits
 
 namespace {
 
+// A slice of the rows takes about this long on the UI thread; the clock is read every so many rows.
+constexpr qint64 kSliceMs = 8;
+constexpr std::size_t kRowsBetweenClockReads = 256;
+
+bool sliceIsOver(std::size_t row, std::size_t first, const QElapsedTimer& spent)
+{
+    return row > first && row % kRowsBetweenClockReads == 0 && spent.hasExpired(kSliceMs);
+}
+
 using host::ObjectStore;
 
 constexpr unsigned kHeldByOthers =
     eStatusCheckedOutByOthers | eStatusMarkedForAddByOthers | eStatusMarkedForDeleteByOthers | eStatusLockedByOthers;
 constexpr unsigned kOpenedHere = eStatusCheckedOut | eStatusMarkedForAdd | eStatusMarkedForDelete;
 
+// The style reads its icons from image files each time it is asked, and painting asks once per
+// visible row and column: each icon is kept until the application's style changes.
+QIcon styleIcon(QStyle::StandardPixmap which)
+{
+    static QPointer<QStyle> iconsStyle;
+    static std::map<QStyle::StandardPixmap, QIcon> icons;
+    QStyle* style = QApplication::style();
+    if (style != iconsStyle) {
+        icons.clear();
+        iconsStyle = style;
+    }
+    auto [icon, added] = icons.try_emplace(which);
+    if (added)
+        icon->second = style->standardIcon(which);
+    return icon->second;
+}
+
 QIcon statusIcon(unsigned word, bool known)
 {
-    QStyle* style = QApplication::style();
     if (!known)
-        return style->standardIcon(QStyle::SP_BrowserReload);
+        return styleIcon(QStyle::SP_BrowserReload);
     if (word & eStatusIOError)
-        return style->standardIcon(QStyle::SP_MessageBoxCritical);
+        return styleIcon(QStyle::SP_MessageBoxCritical);
     if (word & kHeldByOthers)
-        return style->standardIcon(QStyle::SP_MessageBoxWarning);
+        return styleIcon(QStyle::SP_MessageBoxWarning);
     if (word & kOpenedHere)
-        return style->standardIcon(QStyle::SP_DialogApplyButton);
-    return style->standardIcon(QStyle::SP_FileIcon);
+        return styleIcon(QStyle::SP_DialogApplyButton);
+    return styleIcon(QStyle::SP_FileIcon);
 }
 
 QIcon holderIcon(const AssetStatus& status)
@@ -43,7 +72,7 @@ QIcon holderIcon(const AssetStatus& status)
         return {};
     const bool locked = std::any_of(status.heldBy.begin(), status.heldBy.end(),
                                     [](const revision::FileHolder& hold) { return hold.locked; });
-    return QApplication::style()->standardIcon(locked ? QStyle::SP_MessageBoxCritical : QStyle::SP_MessageBoxWarning);
+    return styleIcon(locked ? QStyle::SP_MessageBoxCritical : QStyle::SP_MessageBoxWarning);
 }
 
 QString holdsText(const AssetStatus& status, const QStringList& relatedHolds)
@@ -57,8 +86,13 @@ QString holdsText(const AssetStatus& status, const QStringList& relatedHolds)
 
 }  // namespace
 
-AssetBrowserModel::AssetBrowserModel(QObject* parent) : QAbstractTableModel(parent)
+AssetBrowserModel::AssetBrowserModel(QObject* parent)
+    : QAbstractTableModel(parent), m_questionSlices(new QTimer(this)), m_answerSlices(new QTimer(this))
 {
+    m_questionSlices->setInterval(0);
+    connect(m_questionSlices, &QTimer::timeout, this, &AssetBrowserModel::gatherQuestionSlice);
+    m_answerSlices->setInterval(0);
+    connect(m_answerSlices, &QTimer::timeout, this, &AssetBrowserModel::applyAnswerSlice);
     connect(&m_query, &AssetStatusQuery::answered, this, &AssetBrowserModel::takeAnswer);
 }
 
@@ -66,6 +100,10 @@ void AssetBrowserModel::setWorkspace(host::Workspace* workspace)
 {
     if (workspace == m_workspace)
         return;
+    m_question.reset();  // it was about the other workspace's assets
+    m_questionSlices->stop();
+    m_answer.reset();
+    m_answerSlices->stop();
     beginResetModel();
     m_workspace = workspace;
     m_rows.clear();
@@ -95,6 +133,12 @@ void AssetBrowserModel::reload()
     beginResetModel();
     m_rows = std::move(rows);
     endResetModel();
+    // The rows moved: a question being gathered and an answer being applied start over.
+    if (m_question) {
+        m_question->ids.clear();
+        m_question->files.clear();
+    }
+    m_answerRow = 0;
 }
 
 void AssetBrowserModel::appendAssets(const std::vector<std::uint32_t>& assetSlots)
@@ -112,43 +156,79 @@ void AssetBrowserModel::refreshStatus(const Account& account)
 {
     if (!m_workspace)
         return;
-    AssetStatusQuery::FilesPerAsset files;
-    files.reserve(m_rows.size());
-    std::vector<std::string> ids;
-    const host::DataModelMgr& model = m_workspace->Model();
-    for (const Row& row : m_rows) {
-        const kel4::Set<std::string> assetFiles =
-            model.FilesOf(model.HandleOf(row.slot), true, kel4::closureId::Persistence);
-        files.emplace_back(assetFiles.begin(), assetFiles.end());
-        ids.push_back(row.id);
-    }
-    m_query.ask(account, std::move(ids), std::move(files));
+    m_question = std::make_unique<Question>(Question{account, {}, {}});
+    m_question->ids.reserve(m_rows.size());
+    m_question->files.reserve(m_rows.size());
+    gatherQuestionSlice();
 }
 
-void AssetBrowserModel::takeAnswer(const StatusAnswer& answer)
+void AssetBrowserModel::gatherQuestionSlice()
 {
-    if (answer.code >= 0 && answer.assets.size() == answer.keys.size()) {
-        std::map<std::string, const AssetStatus*> byId;
-        for (std::size_t i = 0; i < answer.keys.size(); ++i)
-            byId[answer.keys[i]] = &answer.assets[i];
-        QStringList changes;
-        for (Row& row : m_rows) {
-            if (auto found = byId.find(row.id); found != byId.end()) {
-                if (row.known) {
-                    if (const QString change = StatusChange::describe(name(row), row.status, *found->second);
-                        !change.isEmpty())
-                        changes << change;
-                }
-                row.status = *found->second;
-                row.known = true;
-            }
+    QElapsedTimer spent;
+    spent.start();
+    const host::DataModelMgr& model = m_workspace->Model();
+    const std::size_t first = m_question->ids.size();
+    for (std::size_t row = first; row < m_rows.size(); ++row) {
+        if (sliceIsOver(row, first, spent)) {
+            m_questionSlices->start();
+            return;
         }
-        if (!m_rows.empty())
-            emit dataChanged(index(0, StatusColumn), index(int(m_rows.size()) - 1, RevisionColumn));
-        if (!changes.isEmpty())
-            emit changesSeen(changes);
+        const kel4::Set<std::string> assetFiles =
+            model.FilesOf(model.HandleOf(m_rows[row].slot), true, kel4::closureId::Persistence);
+        m_question->files.emplace_back(assetFiles.begin(), assetFiles.end());
+        m_question->ids.push_back(m_rows[row].id);
     }
-    emit statusRefreshed(answer);
+    m_questionSlices->stop();
+    const std::unique_ptr<Question> question = std::move(m_question);
+    m_query.ask(question->account, std::move(question->ids), std::move(question->files));
+}
+
+// A refused question changes no row. An answer is applied from the first row on, in slices of a
+// few milliseconds, so that a workspace of 100,000 assets does not hold the UI thread; a newer
+// answer takes the place of one still being applied.
+void AssetBrowserModel::takeAnswer(const std::shared_ptr<const StatusAnswer>& answer)
+{
+    if (answer->code < 0 || answer->assets.size() != answer->keys.size()) {
+        emit statusRefreshed(*answer);
+        return;
+    }
+    m_answer = answer;
+    m_answerRow = 0;
+    m_answerChanges.clear();
+    applyAnswerSlice();
+}
+
+void AssetBrowserModel::applyAnswerSlice()
+{
+    QElapsedTimer spent;
+    spent.start();
+    const std::size_t first = m_answerRow;
+    std::size_t row = first;
+    while (row < m_rows.size() && !sliceIsOver(row, first, spent)) {
+        Row& current = m_rows[row];
+        if (const AssetStatus* status = m_answer->statusOf(current.id, row)) {
+            if (current.known) {
+                if (const QString change = StatusChange::describe(name(current), current.status, *status);
+                    !change.isEmpty())
+                    m_answerChanges << change;
+            }
+            current.status = *status;
+            current.known = true;
+        }
+        ++row;
+    }
+    m_answerRow = row;
+    if (row > first)
+        emit dataChanged(index(int(first), StatusColumn), index(int(row) - 1, RevisionColumn));
+    if (row < m_rows.size()) {
+        m_answerSlices->start();
+        return;
+    }
+    m_answerSlices->stop();
+    const std::shared_ptr<const StatusAnswer> answer = std::exchange(m_answer, nullptr);
+    if (!m_answerChanges.isEmpty())
+        emit changesSeen(std::exchange(m_answerChanges, {}));
+    emit statusRefreshed(*answer);
 }
 
 void AssetBrowserModel::setStatusUnavailable(const QString& reason)
@@ -256,7 +336,7 @@ QVariant AssetBrowserModel::data(const QModelIndex& index, int role) const
     if (role == Qt::DecorationRole && index.column() == HolderColumn)
         return holderIcon(row.status);
     if (role == Qt::DecorationRole && index.column() == RevisionColumn && row.status.behind)
-        return QApplication::style()->standardIcon(QStyle::SP_ArrowDown);
+        return styleIcon(QStyle::SP_ArrowDown);
     if (role == Qt::ForegroundRole && index.column() == RevisionColumn && row.status.behind)
         return QColor(0xc0, 0x7a, 0x12);
     if (role == Qt::ToolTipRole && (index.column() == StatusColumn || index.column() == HolderColumn)) {

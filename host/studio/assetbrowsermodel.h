@@ -5,8 +5,10 @@
 #include <kel4/kelhandle.h>
 
 #include <QAbstractTableModel>
+#include <QTimer>
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace hbrc::host {
@@ -52,8 +54,12 @@ public:
     // While reason is not empty, every row's status reads reason instead of its status (e.g.
     // "revision control off"); the statuses stay and show again when it is cleared.
     void setStatusUnavailable(const QString& reason);
-    // Asks the server about every asset's files once; statusRefreshed follows.
+    // Asks the server about every asset's files once; statusRefreshed follows, once the answer is
+    // in every row. The files are gathered, and the answer applied, a slice of rows per turn of
+    // the event loop.
     void refreshStatus(const Account& account);
+    // True from refreshStatus until statusRefreshed.
+    bool isStatusPending() const { return m_question || m_query.isPending() || m_answer; }
 
     KELHandle<kel4::IDbObject> assetAt(int row) const;
     // The last answered status of row, or null while it is unknown.
@@ -93,13 +99,29 @@ private:
         AssetStatus status;
         bool known = false;
     };
-    void takeAnswer(const StatusAnswer& answer);
+    void gatherQuestionSlice();
+    void takeAnswer(const std::shared_ptr<const StatusAnswer>& answer);
+    void applyAnswerSlice();
     QString name(const Row& row) const;
 
     host::Workspace* m_workspace = nullptr;
     std::vector<Row> m_rows;
     QString m_statusUnavailable;
     AssetStatusQuery m_query;
+    // The question being gathered: every asset's id and files, up to the next row.
+    struct Question
+    {
+        Account account;
+        std::vector<std::string> ids;
+        AssetStatusQuery::FilesPerAsset files;
+    };
+    std::unique_ptr<Question> m_question;
+    QTimer* m_questionSlices = nullptr;
+    // The answer being applied, the next row it goes to and what it changed so far.
+    std::shared_ptr<const StatusAnswer> m_answer;
+    std::size_t m_answerRow = 0;
+    QStringList m_answerChanges;
+    QTimer* m_answerSlices = nullptr;
 };
 
 }  // namespace hbrc::studio

@@ -9,26 +9,39 @@ bool StatusAnswer::unreachable() const
     return code == revision::code::SessionUnusable && host::IsUnreachableServerError(error.toStdString());
 }
 
+const AssetStatus* StatusAnswer::statusOf(const std::string& key, std::size_t hint) const
+{
+    if (code < 0 || assets.size() != keys.size())
+        return nullptr;
+    if (hint < keys.size() && keys[hint] == key)
+        return &assets[hint];
+    const auto found = keyIndex.find(key);
+    return found == keyIndex.end() ? nullptr : &assets[found->second];
+}
+
 AssetStatusQuery::AssetStatusQuery(QObject* parent) : QObject(parent) {}
 
 AssetStatusQuery::~AssetStatusQuery() = default;
 
 void AssetStatusQuery::ask(const Account& account, std::vector<std::string> keys, FilesPerAsset files)
 {
-    m_scheduler.schedule<StatusAnswer>(
+    using Answer = std::shared_ptr<const StatusAnswer>;
+    m_scheduler.schedule<Answer>(
         [this, question = Question{account, std::move(keys), std::move(files)}](const revision::CancelCheck& cancelled) {
             return askServer(question, cancelled);
         },
-        [this](const StatusAnswer& answer) { emit answered(answer); });
+        [this](const Answer& answer) { emit answered(answer); });
 }
 
-StatusAnswer AssetStatusQuery::askServer(const Question& question, const revision::CancelCheck& cancelled)
+std::shared_ptr<const StatusAnswer> AssetStatusQuery::askServer(const Question& question,
+                                                                const revision::CancelCheck& cancelled)
 {
     std::string ticket;
     revision::Result result = m_connection.prepare(question.account, ticket);
     host::RevisionServer& server = m_connection.server();
     const std::uint64_t roundTripsBefore = server.roundTrips();
-    StatusAnswer answer;
+    auto shared = std::make_shared<StatusAnswer>();
+    StatusAnswer& answer = *shared;
     answer.keys = question.keys;
     host::RevisionServer::Files files;
     for (const auto& assetFiles : question.files)
@@ -43,7 +56,8 @@ StatusAnswer AssetStatusQuery::askServer(const Question& question, const revisio
     answer.code = result.code;
     answer.error = QString::fromStdString(result.error);
     if (!result.ok() || statuses.size() != files.size())
-        return answer;
+        return shared;
+    answer.assets.reserve(question.files.size());
     auto file = statuses.begin();
     for (const auto& assetFiles : question.files) {
         AssetStatus status;
@@ -66,7 +80,10 @@ StatusAnswer AssetStatusQuery::askServer(const Question& question, const revisio
         }
         answer.assets.push_back(std::move(status));
     }
-    return answer;
+    answer.keyIndex.reserve(answer.keys.size());
+    for (std::size_t i = 0; i < answer.keys.size(); ++i)
+        answer.keyIndex.emplace(answer.keys[i], i);
+    return shared;
 }
 
 }  // namespace hbrc::studio

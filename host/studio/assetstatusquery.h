@@ -12,7 +12,9 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace hbrc::studio {
@@ -39,15 +41,20 @@ struct StatusAnswer
     std::vector<std::string> keys;    // the caller's names of the assets asked about, in order
     std::vector<AssetStatus> assets;  // in the order asked, when code >= 0
     std::uint64_t roundTrips = 0;
+    // Where each key is in keys, for a caller whose assets are no longer in the order asked.
+    std::unordered_map<std::string, std::size_t> keyIndex;
 
     // The server could not be reached at all (as opposed to refusing this session).
     bool unreachable() const;
+    // The status of the asset key, expected at position hint (null: not asked about or no answer).
+    const AssetStatus* statusOf(const std::string& key, std::size_t hint) const;
 };
 
 // Asks the revision server about every file of many assets in one status question, on a worker
 // thread with a server connection of its own (a WorkerConnection), and delivers the answer on the
-// UI thread. A new question replaces a waiting one and cancels a running one, so only the answer
-// to the newest question is delivered.
+// UI thread, ready to apply: each asset's status in the words of the browser, with an index of the
+// keys. A new question replaces a waiting one and cancels a running one, so only the answer to
+// the newest question is delivered.
 class AssetStatusQuery : public QObject
 {
     Q_OBJECT
@@ -65,7 +72,7 @@ public:
     std::uint64_t roundTrips() const { return m_roundTrips.load(); }
 
 signals:
-    void answered(const hbrc::studio::StatusAnswer& answer);
+    void answered(const std::shared_ptr<const hbrc::studio::StatusAnswer>& answer);
 
 private:
     struct Question
@@ -74,7 +81,7 @@ private:
         std::vector<std::string> keys;
         FilesPerAsset files;
     };
-    StatusAnswer askServer(const Question& question, const revision::CancelCheck& cancelled);
+    std::shared_ptr<const StatusAnswer> askServer(const Question& question, const revision::CancelCheck& cancelled);
 
     // Used by the scheduler's worker only, one question at a time.
     WorkerConnection m_connection;

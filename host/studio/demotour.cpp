@@ -300,7 +300,7 @@ private:
         QEventLoop loop;
         QObject::connect(m_window, &MainWindow::statusRefreshed, &loop, &QEventLoop::quit);
         QTimer::singleShot(20000, &loop, &QEventLoop::quit);
-        if (m_window->model().statusQuery().isPending())
+        if (m_window->model().isStatusPending())
             loop.exec();
         ++m_statusAnswers;
     }

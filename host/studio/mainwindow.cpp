@@ -141,13 +141,14 @@ void MainWindow::buildControllers()
     m_commands = new AssetCommands(m_session, *m_operations, model(), this);
     m_edits = new AssetEdits(m_session, *m_sessionController, *m_commands, this);
     m_dialogs = std::make_unique<AssetDialogs>(*this, m_session, *m_edits, *m_statusBar);
-    m_refresh = new StatusRefreshPolicy(m_session, model(), *m_operations, [this] { return m_commands->editing(); },
-                                        this);
+    m_refresh = new StatusRefreshPolicy(
+        m_session, model(), *m_operations, [this] { return m_commands->editing() || isOpening(); }, this);
     connect(m_sessionController, &SessionController::stateChanged, this, &MainWindow::updateStatusBar);
     connect(m_sessionController, &SessionController::stateChanged, m_refresh, [this] {
         m_refresh->setHeld(m_sessionController->offlineReason() == OfflineReason::Chosen);
     });
     connect(m_sessionController, &SessionController::message, this, &MainWindow::log);
+    connect(m_sessionController, &SessionController::retried, this, &MainWindow::refreshStatus);
     connect(m_workspaces, &WorkspaceController::message, this, &MainWindow::log);
     connect(m_commands, &AssetCommands::message, this, &MainWindow::log);
     connect(m_edits, &AssetEdits::message, this, &MainWindow::log);

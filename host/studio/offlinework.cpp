@@ -7,12 +7,18 @@
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <log/log.h>
 
+#include <utility>
+
 namespace hbrc::studio {
 
 OfflineWork::OfflineWork(StudioSession& session, SessionController& sessionController, QObject* parent)
     : QObject(parent), m_session(session), m_sessionController(sessionController)
 {
     connect(&m_sessionController, &SessionController::stateChanged, this, &OfflineWork::followSession);
+    connect(&m_sessionController, &SessionController::retried, this, [this] {
+        if (std::exchange(m_onlineAfterLogIn, false))
+            goOnline();
+    });
 }
 
 OfflineWork::~OfflineWork() = default;
@@ -36,6 +42,7 @@ void OfflineWork::workspaceClosed()
     if (isOffline())
         goOnline();
     m_offerWhenAnswered = false;
+    m_onlineAfterLogIn = false;
 }
 
 bool OfflineWork::isOffline() const
@@ -52,9 +59,13 @@ void OfflineWork::setWorkingOffline(bool offline)
         goOffline(OfflineReason::Chosen);
         return;
     }
-    // Opened offline, the studio never logged in.
-    if (!m_sessionController.hasSession())
+    // Opened offline, the studio never logged in: online once the log-in (on a worker) has answered,
+    // or offline again at once when it found no server.
+    if (!m_sessionController.hasSession()) {
+        m_onlineAfterLogIn = true;
         m_sessionController.retry();
+        return;
+    }
     goOnline();
 }
 

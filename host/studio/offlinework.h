@@ -64,6 +64,7 @@ private:
     std::unique_ptr<host::OfflineJournal> m_journal;
     bool m_restoreRevisionControl = false;
     bool m_offerWhenAnswered = false;
+    bool m_onlineAfterLogIn = false;  // back online asked for while the log-in is on its way
 };
 
 }  // namespace hbrc::studio

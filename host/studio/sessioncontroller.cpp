@@ -1,12 +1,15 @@
 #include "sessioncontroller.h"
 
 #include "assetstatusquery.h"
+#include "openinglogin.h"
 #include "studiosession.h"
 
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrcservices/revisionserver.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <log/log.h>
+
+#include <utility>
 
 namespace hbrc::studio {
 
@@ -106,6 +109,7 @@ void SessionController::workspaceOpened()
     m_state = SessionState::NotLoggedIn;
     if (!hasServer()) {
         emit stateChanged();
+        emit logInAtOpenDone();
         return;
     }
     // A workspace with a server is worked on under revision control; that it starts switched off
@@ -117,9 +121,11 @@ void SessionController::workspaceOpened()
         emit message(Log::eMessage, tr("Revision control is on for the server %1")
                                         .arg(QString::fromStdString(m_session.storedAccount().server)));
     }
+    m_retrying = false;
     // A workspace the user left working offline opens offline, without a word to the server.
     if (m_session.workOfflineChosen()) {
         setOffline(OfflineReason::Chosen);
+        emit logInAtOpenDone();
         return;
     }
     logInAtOpen();
@@ -127,39 +133,53 @@ void SessionController::workspaceOpened()
 
 void SessionController::workspaceClosed()
 {
+    m_openingLogIns.cancel();
+    m_retrying = false;
     m_offline = OfflineReason::None;
     setState(SessionState::NoWorkspace);
 }
 
 void SessionController::retry()
 {
+    m_retrying = true;
     logInAtOpen();
 }
 
 // The kept log-in first, so that a log-in in a terminal (hbdepot login) serves the studio too;
-// then the password known for this run; the prompt last.
+// then the password known for this run; the prompt last. The server is asked on a worker.
 void SessionController::logInAtOpen()
+{
+    m_openingLogIns.schedule([account = m_session.storedAccount(),
+                              options = m_session.connectionOptions().serverOptions(),
+                              this](const QAsyncScheduler::CancelCheck&) {
+        auto logIn = std::make_shared<OpeningLogIn>(OpeningLogIn::Run(account, options));
+        return std::function<void()>([this, logIn] { takeOpeningLogIn(*logIn); });
+    });
+}
+
+void SessionController::takeOpeningLogIn(OpeningLogIn& logIn)
 {
     const Account account = m_session.storedAccount();
     const host::RevisionControlServices& services = m_session.services();
-    std::string error;
-    if (const KELPtr<host::UserParameters> kept =
-            services.connection->ResumeKept(account.userName, account.workspaceName, error)) {
-        services.dataControl->SetSession(KELPtr<kel4::IUserParameters>(kept));
-        emit message(Log::eMessage, tr("Logged in as %1 with the kept log-in").arg(QString::fromStdString(account.userName)));
+    KELPtr<host::UserParameters> session;
+    if (logIn.result.ok() && logIn.way != OpeningLogIn::Way::Ask && services.connection)
+        session = services.connection->Adopt(std::move(logIn.server), account.userName, account.workspaceName,
+                                             logIn.ticket);
+    if (session) {
+        services.dataControl->SetSession(KELPtr<kel4::IUserParameters>(session));
+        emit message(Log::eMessage, logIn.way == OpeningLogIn::Way::Kept
+                                        ? tr("Logged in as %1 with the kept log-in").arg(QString::fromStdString(account.userName))
+                                        : tr("Logged in as %1").arg(QString::fromStdString(account.userName)));
         setState(SessionState::LoggedIn);
-        return;
+    } else if (logIn.result.ok()) {
+        logInThroughPrompt({});
+    } else {
+        setLoginFailure(logIn.result.error);
     }
-    if (host::IsUnreachableServerError(error)) {
-        setLoginFailure(error);
-        return;
-    }
-    if (!account.password.empty()) {
-        if (!logInWith(account.userName, account.password, false, error))
-            setLoginFailure(error);
-        return;
-    }
-    logInThroughPrompt({});
+    if (std::exchange(m_retrying, false))
+        emit retried();
+    else
+        emit logInAtOpenDone();
 }
 
 bool SessionController::logIn()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <qtextention/qasyncscheduler.h>
+
 #include <QObject>
 #include <QString>
 
@@ -9,6 +11,7 @@
 
 namespace hbrc::studio {
 
+struct OpeningLogIn;
 class StudioSession;
 struct StatusAnswer;
 
@@ -49,9 +52,10 @@ struct LoginAnswer
 using LoginPrompt = std::function<std::optional<LoginAnswer>(const LoginRequest&)>;
 
 // The studio's session with its server, without widgets: opening a workspace that has a server
-// turns revision control on (unless the user turned it off) and logs in at once, with the log-in
-// the server keeps (a ticket shared with hbdepot, a password in Subversion's credential cache),
-// else with the password known for this run, else through the Log In prompt. It follows the
+// turns revision control on (unless the user turned it off) and logs in at once, off the UI
+// thread, with the log-in the server keeps (a ticket shared with hbdepot, a password in
+// Subversion's credential cache), else with the password known for this run, else through the
+// Log In prompt. It follows the
 // status answers to tell a live session from an expired one and an unreachable server, and logs
 // out. An expired session during work is re-opened by the plug-in's own reconnect, not here.
 class SessionController : public QObject
@@ -60,16 +64,17 @@ class SessionController : public QObject
 public:
     SessionController(StudioSession& session, LoginPrompt prompt, QObject* parent = nullptr);
 
-    // After the session opened a workspace: revision control on, then the log-in; or offline,
-    // without the log-in, when the user switched the workspace to work offline.
+    // After the session opened a workspace: revision control on, then the log-in, on a worker
+    // (logInAtOpenDone follows, at once when there is no server); or offline, without the log-in,
+    // when the user switched the workspace to work offline.
     void workspaceOpened();
     void workspaceClosed();
     // Log In...: asks for user and password until the server accepts them or the user cancels.
     bool logIn();
     // Log Out: ends the server session and forgets the kept log-in.
     void logOut();
-    // The log-in of a workspace's opening again: after an unreachable server, or back from work
-    // offline without a session.
+    // The log-in of a workspace's opening again, on a worker (then retried): after an unreachable
+    // server, or back from work offline without a session.
     void retry();
     void turnRevisionControlOn();
     // The settings dialog changed "Use revision control" from wasOn: the studio remembers that
@@ -95,11 +100,15 @@ public:
 
 signals:
     void stateChanged();
+    // The log-in of an opening, or of a retry, is over, whether or not the server took it.
+    void logInAtOpenDone();
+    void retried();
     // What the user should read in the log (a Log::Level and the text).
     void message(int level, const QString& text);
 
 private:
     void logInAtOpen();
+    void takeOpeningLogIn(OpeningLogIn& logIn);
     // Asks through the prompt until the server accepts or the user cancels; reason starts it.
     bool logInThroughPrompt(QString reason);
     // Logs in with the password; errorText says why not.
@@ -111,6 +120,9 @@ private:
     LoginPrompt m_prompt;
     SessionState m_state = SessionState::NoWorkspace;
     OfflineReason m_offline = OfflineReason::None;
+    bool m_retrying = false;  // the log-in on its way is a retry's, not an opening's
+    // Runs the opening's log-in; last, as its destructor waits for the worker.
+    QAsyncScheduler m_openingLogIns;
 };
 
 }  // namespace hbrc::studio

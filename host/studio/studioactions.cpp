@@ -147,7 +147,6 @@ void StudioActions::offerSessionAction(const QPoint& at)
     else if (fitting == SessionAction::Retry)
         connect(menu->addAction(tr("&Retry")), &QAction::triggered, this, [this] {
             m_window.sessionController().retry();
-            m_window.refreshStatus();
         });
     if (menu->isEmpty()) {
         delete menu;

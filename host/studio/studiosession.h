@@ -62,6 +62,7 @@ public:
     int statusRefreshSeconds();
     void setStatusRefreshSeconds(int seconds);
 
+    const host::ConnectionOptions& connectionOptions() const { return m_connectionOptions; }
     host::HostSession& host() { return m_host; }
     host::Workspace* currentWorkspace() const { return m_host.CurrentWorkspace(); }
     const host::RevisionControlServices& services() const { return m_services; }

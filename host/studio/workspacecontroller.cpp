@@ -6,20 +6,33 @@
 
 #include <log/log.h>
 
+#include <QElapsedTimer>
+
 namespace hbrc::studio {
+
+namespace {
+// A slice adds files until it has taken this long, so that the window paints and answers between
+// slices; the files are taken from the reader a few at a time.
+constexpr qint64 kSliceMs = 8;
+constexpr std::size_t kFilesPerTake = 64;
+}  // namespace
 
 WorkspaceController::WorkspaceController(StudioSession& session, SessionController& sessionController,
                                          QObject* parent)
     : QObject(parent), m_session(session), m_sessionController(sessionController)
 {
-    connect(&m_reader, &WorkspaceReader::batchRead, this, &WorkspaceController::addBatch);
-    connect(&m_reader, &WorkspaceReader::finished, this, &WorkspaceController::finishOpening);
+    m_slices = new QTimer(this);
+    m_slices->setInterval(0);
+    connect(m_slices, &QTimer::timeout, this, &WorkspaceController::addSlice);
+    connect(&m_reader, &WorkspaceReader::readable, m_slices, qOverload<>(&QTimer::start));
+    connect(&sessionController, &SessionController::logInAtOpenDone, this, &WorkspaceController::loggedInAtOpen);
 }
 
 bool WorkspaceController::open(const QString& folder)
 {
     emit aboutToLeave();
     m_reader.cancel();
+    m_slices->stop();
     m_opening = nullptr;
     m_sessionController.workspaceClosed();
     std::string error;
@@ -29,21 +42,54 @@ bool WorkspaceController::open(const QString& folder)
         return false;
     }
     m_opening = workspace;
+    m_added = 0;
     emit opening(workspace);
     m_reader.start(workspace->Root());
     return true;
 }
 
-void WorkspaceController::addBatch(const std::shared_ptr<WorkspaceReader::Batch>& batch, int read, int total)
+void WorkspaceController::addSlice()
 {
-    emit assetsRead(m_opening->AddRead(std::move(*batch)), read, total);
+    if (!m_opening) {
+        m_slices->stop();
+        return;
+    }
+    QElapsedTimer spent;
+    spent.start();
+    std::vector<std::uint32_t> added;
+    for (;;) {
+        WorkspaceReader::Batch files = m_reader.take(kFilesPerTake);
+        if (files.empty()) {
+            m_slices->stop();  // until the reader has more
+            break;
+        }
+        m_added += int(files.size());
+        const std::vector<std::uint32_t> assetSlots = m_opening->AddRead(std::move(files));
+        added.insert(added.end(), assetSlots.begin(), assetSlots.end());
+        if (spent.hasExpired(kSliceMs))
+            break;
+    }
+    if (!added.empty())
+        emit assetsRead(added, m_added, m_reader.total());
+    if (!m_reader.isReading()) {
+        m_slices->stop();
+        finishOpening();
+    }
 }
 
+// The log-in runs on a worker and may end in the Log In prompt: still opening until it is done.
 void WorkspaceController::finishOpening()
 {
     m_opening->LogLoaded();
-    host::Workspace* workspace = m_session.finishOpening();
-    m_sessionController.workspaceOpened();  // may ask for a password: still opening until it is done
+    m_session.finishOpening();
+    m_sessionController.workspaceOpened();
+}
+
+void WorkspaceController::loggedInAtOpen()
+{
+    if (!m_opening || m_reader.isReading())
+        return;  // a retry's log-in
+    host::Workspace* workspace = m_session.currentWorkspace();
     m_opening = nullptr;
     emit opened(workspace);
 }
@@ -52,6 +98,7 @@ void WorkspaceController::close()
 {
     emit aboutToLeave();
     m_reader.cancel();
+    m_slices->stop();
     m_opening = nullptr;
     m_session.close();
     m_sessionController.workspaceClosed();

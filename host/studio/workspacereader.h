@@ -12,9 +12,10 @@
 namespace hbrc::studio {
 
 // Reads the .kel files of a workspace folder on a thread of its own, the expensive part of opening
-// a workspace (listing and parsing), and hands them to the thread it lives on in batches, in path
-// order, a batch at least every few tens of milliseconds so that the first assets show at once.
-// The worker touches only the disk; the batches are added to the workspace where it lives.
+// a workspace (listing and parsing), and keeps them, in path order, until the thread it lives on
+// takes them. The receiver takes as many as it can add without stalling that thread, a slice per
+// turn of its event loop, however fast the worker reads. The worker touches only the disk; the
+// files are added to the workspace where it lives.
 class WorkspaceReader : public QObject
 {
     Q_OBJECT
@@ -26,16 +27,21 @@ public:
 
     // Starts reading root's files, after cancelling a read that is still running.
     void start(const QString& root);
-    // Stops the worker and waits for it (it stops after the file it is reading); no batch or
-    // finished signal of that read arrives afterwards.
+    // Stops the worker and waits for it (it stops after the file it is reading); no readable
+    // signal of that read arrives afterwards.
     void cancel();
+    // True from start until every file was taken.
     bool isReading() const { return m_run != nullptr; }
+    // Takes up to most of the files read and not taken yet. Once the worker has read every file
+    // and all of them were taken, the read is over: the worker is joined and isReading is false.
+    Batch take(std::size_t most);
+    // How many asset files the folder holds (0 until the worker has listed them).
+    int total() const;
 
 signals:
-    // The next files, and how many of all files are read with them.
-    void batchRead(const std::shared_ptr<hbrc::studio::WorkspaceReader::Batch>& batch, int read, int total);
-    // Every file was handed over.
-    void finished();
+    // Files wait to be taken; sent again only after a take found none left, and once more when
+    // the last file was read.
+    void readable();
 
 private:
     struct Run;

@@ -89,7 +89,7 @@ protected:
     void waitForStatus()
     {
         ASSERT_TRUE(DialogDriver::waitUntil(
-            [this] { return !window->isOpening() && !window->model().statusQuery().isPending(); }, 20000));
+            [this] { return !window->isOpening() && !window->model().isStatusPending(); }, 20000));
     }
     // Until the queued revision operations ran and the status they changed is answered.
     void waitForOperations()

@@ -19,6 +19,7 @@
 #include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTreeWidget>
 
 #include <csignal>
@@ -257,7 +258,9 @@ TEST_P(StudioOffline, RevisionControlOffJournalsAndTheSwitchOutlivesARestart)
     start(away, depot->workspace("alice"), depot->folder("alice"), "alice-pw");
     EXPECT_EQ(sessionLabel(), "Session: Offline: working offline by choice");
     EXPECT_EQ(window->sessionController().serverState(), SessionState::NotLoggedIn) << "nothing was asked";
+    QSignalSpy loggedIn(&window->sessionController(), &SessionController::retried);
     window->action(QStringLiteral("workOffline"))->trigger();
+    ASSERT_TRUE(loggedIn.wait(10000));
     EXPECT_EQ(sessionLabel(), "Session: Offline: the server cannot be reached");
     EXPECT_TRUE(window->action(QStringLiteral("workOffline"))->isChecked());
     ASSERT_TRUE(QFile::link(QString::fromStdString(depot->path()), QString::fromStdString(away)));

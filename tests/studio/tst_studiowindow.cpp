@@ -350,7 +350,7 @@ TEST_F(StudioWindow, TheStatusBarTellsAnExpiredSessionFromAnUnreachableServer)
     // answer comes from it (no session was opened: the studio is not logged in).
     setRefreshSeconds(1);
     window->refreshStatus();
-    EXPECT_TRUE(window->model().statusQuery().isPending()) << "refreshStatus returned before the answer";
+    EXPECT_TRUE(window->model().isStatusPending()) << "refreshStatus returned before the answer";
     waitForStatus();
     EXPECT_EQ(sessionLabel(), "Session: Offline: the server cannot be reached");
     ASSERT_TRUE(QFile::link(QString::fromStdString(depot->path()), QString::fromStdString(depot->path() + ".missing")));

@@ -18,13 +18,16 @@
 
 namespace hbrc::host {
 
-struct ConnectionOptions
+struct HBRC_SERVICES_EXPORT ConnectionOptions
 {
     revision::ServerOptions server;
     // How long an operation runs before the time-out delegate is asked.
     std::chrono::milliseconds timeOutThreshold{500};
     // How long any call waits for the server: then it fails with -34, as for an unreachable server.
     std::chrono::milliseconds callDeadline{std::chrono::seconds(30)};
+    // What a server of these options is opened with: the network time-out of servers whose
+    // protocol has one follows the call deadline, rounded up.
+    revision::ServerOptions serverOptions() const;
     // Whether a call that finds its session expired, with nobody to ask for a password (no
     // progress box could be shown), first renews the session from the log-in the user kept. Hosts
     // that run batch jobs turn it on.
@@ -62,6 +65,11 @@ public:
     // this or another program, a cached password); null with errorText when none is kept.
     KELPtr<UserParameters> ResumeKept(const std::string& userName, const std::string& workspace,
                                       std::string& errorText);
+    // Takes over server, on which a session with ticket was opened elsewhere (on a worker thread,
+    // so that the host's thread does not wait for the log-in), as Login's server and session; null
+    // while an operation of this connection runs.
+    KELPtr<UserParameters> Adopt(std::unique_ptr<RevisionServer> server, const std::string& userName,
+                                 const std::string& workspace, const std::string& ticket);
     // Keeps the session's log-in for later processes. Never the password on the embedded depot.
     kelResult Keep(const kel4::IUserParameters* session, std::string& errorText);
     // Ends the session on the server and forgets what was kept of its log-in.
