@@ -248,7 +248,8 @@ TEST_P(BatchFaults, EveryCallEndsWithOneReportAndNothingLost)
 }
 
 // A server gone during the adds after a save: one report, the new assets left not in depot, and
-// the next save, with the server back, marks them.
+// the next save, with the server back and after a restart, marks them. One the user declined to
+// add is not offered again.
 TEST_P(BatchFaults, GoneServerDuringTheAddsAfterASaveIsReportedOnce)
 {
     const std::vector<std::string> names{"Fern", "Twig", "Bark", "Seed"};
@@ -262,11 +263,27 @@ TEST_P(BatchFaults, GoneServerDuringTheAddsAfterASaveIsReportedOnce)
     for (const std::string& name : names)
         EXPECT_EQ(StatusOf(name) & kel4::eStatusNotInDatabase, kel4::eStatusNotInDatabase) << name;
 
+    std::string error;
+    workspace = host->OpenWorkspace(AliceFolder(), error);  // the studio restarted
+    ASSERT_NE(workspace, nullptr) << error;
     ASSERT_TRUE(workspace->SetField(Asset("Twig"), "note", "saved again"));  // rewritten, still new to the server
     WithoutWindows([&] { EXPECT_FALSE(workspace->Save().cancelled); });
     EXPECT_EQ(log.TextsOfType(eError).size(), 1u);
     for (const std::string& name : names)
         EXPECT_EQ(StatusOf(name) & kel4::eStatusMarkedForAdd, kel4::eStatusMarkedForAdd) << name;
+
+    CreateMetadata("Weed");
+    host->Preferences().SetBoolPref("RevControl.PromptForChangeListWhenCheckingOut", true, 1);
+    {
+        QWidget window;
+        window.show();
+        hbrc::test::DialogDriver driver;  // cancels "Post-Saving: Mark For Add"
+        EXPECT_FALSE(workspace->Save().cancelled);
+        EXPECT_EQ(driver.seenTitles().size(), 1);
+    }
+    ASSERT_TRUE(workspace->SetField(Asset("Weed"), "note", "saved again"));
+    WithoutWindows([&] { EXPECT_FALSE(workspace->Save().cancelled); });
+    EXPECT_EQ(StatusOf("Weed") & kel4::eStatusNotInDatabase, kel4::eStatusNotInDatabase) << "declined";
 }
 
 // The new assets of a save go to the server in one mark-for-add; a server that refuses it for some
