@@ -60,12 +60,19 @@ void MultiFileDataSource::ResetTracking()
         kel4::List<DbObjectId> ids;
         kel4::List<KELHandle<kel4::IDbObject>> objects;
         GetAddedObjects(ids, objects);
-        m_reported = {ids.begin(), ids.end()};
+        m_reported.clear();
+        auto object = objects.begin();
+        for (const DbObjectId& id : ids)
+            if (!(object++)->IsNull())
+                m_reported.insert(id);
         m_failedCallsWhenReset = m_failedServerCalls();
-        std::set<DbObjectId> added;
-        for (const Added& object : m_added)
-            added.insert(object.id);
-        m_notYetAdded.Insert(added);
+        // What is gone from the workspace is nothing to add.
+        std::set<DbObjectId> gone;
+        for (const DbObjectId& id : m_notYetAdded.Ids())
+            if (!m_reported.count(id))
+                gone.insert(id);
+        m_notYetAdded.Erase(gone);
+        m_notYetAdded.Insert(m_reported);
     }
     m_added.clear();
 }
