@@ -44,7 +44,9 @@ bool Replace(const QByteArray& file, const QByteArray& content)
         return false;
     const bool durable = WriteAll(descriptor, content) && ::fsync(descriptor) == 0;
     if (::close(descriptor) != 0 || !durable || ::rename(temporary.constData(), file.constData()) != 0) {
+        const int why = errno;  // for the caller's message
         ::unlink(temporary.constData());
+        errno = why;
         return false;
     }
     Flush(QFile::encodeName(QFileInfo(QFile::decodeName(file)).absolutePath()));

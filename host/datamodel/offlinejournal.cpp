@@ -4,6 +4,7 @@
 
 #include "durablewrites.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -18,7 +19,7 @@ namespace hbrc::host {
 
 namespace {
 
-constexpr char kLetters[] = {'W', 'C', 'D'};
+constexpr char kLetters[] = {'W', 'C', 'D', 'K'};
 
 QByteArray lineOf(const std::string& path, OfflineJournal::Change change)
 {
@@ -78,8 +79,13 @@ QString OfflineJournal::FileFor(const QString& folder, const QString& root)
 bool OfflineJournal::Record(const std::string& path, Change change, std::string& errorText)
 {
     const auto known = m_entries.find(path);
-    if (known != m_entries.end() && known->second == change)
+    if (known != m_entries.end() && (known->second == change || known->second == Change::Kept))
         return true;
+    return append(path, change, errorText);
+}
+
+bool OfflineJournal::append(const std::string& path, Change change, std::string& errorText)
+{
     if (!QDir().mkpath(QFileInfo(m_file).absolutePath())) {
         errorText = "Cannot create the folder of the offline journal " + QFile::encodeName(m_file).toStdString();
         return false;
@@ -101,7 +107,8 @@ bool OfflineJournal::Forget(const std::vector<std::string>& paths, std::string& 
 {
     std::map<std::string, Change> kept = m_entries;
     for (const std::string& path : paths)
-        kept.erase(path);
+        if (const auto entry = kept.find(path); entry != kept.end() && entry->second != Change::Kept)
+            kept.erase(entry);
     if (kept.size() == m_entries.size())
         return true;
     QByteArray content;
@@ -113,6 +120,49 @@ bool OfflineJournal::Forget(const std::vector<std::string>& paths, std::string& 
     }
     m_entries = std::move(kept);
     return true;
+}
+
+bool OfflineJournal::Keep(const std::string& path, std::string& errorText)
+{
+    const QString copy = KeptCopyOf(path);
+    const auto known = m_entries.find(path);
+    if (known != m_entries.end() && known->second == Change::Kept) {
+        errorText = "Cannot keep " + path + " again: its content is kept in " + QFile::encodeName(copy).toStdString();
+        return false;
+    }
+    QFile file(QFile::decodeName(QByteArray::fromStdString(path)));
+    if (!file.open(QIODevice::ReadOnly)) {
+        errorText = "Cannot read " + path + ": " + file.errorString().toStdString();
+        return false;
+    }
+    const QByteArray content = file.readAll();
+    if (!QDir().mkpath(QFileInfo(copy).absolutePath())) {
+        errorText = "Cannot create the folder of " + QFile::encodeName(copy).toStdString();
+        return false;
+    }
+    const QByteArray target = QFile::encodeName(copy);
+    if (!DurableWrites::Replace(target, content)) {
+        errorText = "Cannot keep the content of " + path + " in " + target.toStdString() + ": " + std::strerror(errno);
+        return false;
+    }
+    return append(path, Change::Kept, errorText);
+}
+
+bool OfflineJournal::Unkeep(const std::string& path, std::string& errorText)
+{
+    const auto known = m_entries.find(path);
+    if (known == m_entries.end() || known->second != Change::Kept)
+        return true;
+    if (!append(path, Change::MadeWritable, errorText))
+        return false;
+    QFile::remove(KeptCopyOf(path));
+    return true;
+}
+
+QString OfflineJournal::KeptCopyOf(const std::string& path) const
+{
+    const QByteArray key = QCryptographicHash::hash(QByteArray::fromStdString(path), QCryptographicHash::Sha1);
+    return m_file + QStringLiteral(".kept/") + QString::fromLatin1(key.toHex());
 }
 
 }  // namespace hbrc::host

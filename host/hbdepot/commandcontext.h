@@ -35,6 +35,12 @@ struct Context
             paths.push_back((folder / word).lexically_normal().string());
         return paths;
     }
+    // A file the command found itself, shown relative to the current folder.
+    static std::string shown(const std::string& path)
+    {
+        const std::filesystem::path relative = std::filesystem::path(path).lexically_relative(std::filesystem::current_path());
+        return relative.empty() ? path : relative.string();
+    }
     std::string word(std::size_t index) const { return args.words().at(index); }
     // Where a command says what it did: the output, or nothing with -q.
     std::ostream& report() const

@@ -204,15 +204,22 @@ const std::vector<Command>& commands()
          "Example: hbdepot users", printUsers},
         {{"workspaces"}, Needs::Session, {{}, {}, 0, 0}, "workspaces", "list the depot's workspaces with owner and root",
          "Example: hbdepot workspaces", printWorkspaces},
-        {{"reconcile"}, Needs::Session, {{"-c"}, {"-n"}, 0, kAny}, "reconcile [-n] [-c CHANGE] [PATH...]",
+        {{"reconcile"}, Needs::Session, {{"-c"}, {"-n", "--keep-mine"}, 0, kAny},
+         "reconcile [-n] [--keep-mine] [-c CHANGE] [PATH...]",
          "open the files changed without being opened, below PATH or in the whole workspace",
-         "  -n          only say what would be opened\n"
-         "  -c CHANGE   open them in this pending changelist (default: the default one)\n"
+         "  -n            only say what would be opened\n"
+         "  --keep-mine   open files edited over an older revision than the head, keeping your content\n"
+         "  -c CHANGE     open them in this pending changelist (default: the default one)\n"
          "Compares the files with the workspace's revisions by content, not by the write bit: a file\n"
          "edited after making it writable, or changed by another tool, opens for edit; a new file for\n"
          "add; a file removed from the disk for delete. All are opened, or none: when an action is\n"
          "refused (someone else holds a file), the files opened before it are reverted without losing\n"
          "any change, and the refusal names the holders.\n"
+         "A file edited while someone submitted a newer revision cannot be opened until it has that\n"
+         "revision. --keep-mine copies your content to FILE.hbdepot-kept (flushed to the disk first),\n"
+         "syncs the file to the head revision, writes your content back over it and opens it, saying\n"
+         "so per file; when the reconcile is refused the file goes back to its revision, with your\n"
+         "content. If it is interrupted, the copy stays, and the next reconcile puts it back first.\n"
          "Example: hbdepot reconcile -n art && hbdepot reconcile -c 4 art",
          reconcileFiles},
     };

@@ -2,6 +2,7 @@
 
 #include <depot/depot.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -9,6 +10,7 @@
 
 #include "changecommands.h"
 #include "commandcontext.h"
+#include "keepmine.h"
 
 namespace hbrc::hbdepot {
 
@@ -20,13 +22,6 @@ using depot::WorkspaceChange;
 namespace {
 
 namespace fs = std::filesystem;
-
-// A file the command found itself, shown relative to the current folder.
-std::string shownName(const std::string& path)
-{
-    const fs::path relative = fs::path(path).lexically_relative(fs::current_path());
-    return relative.empty() ? path : relative.string();
-}
 
 Depot::Files filesFor(const std::vector<WorkspaceChange>& changes, FileAction action)
 {
@@ -105,30 +100,60 @@ Result collectWorkspaceStatus(Context& c, std::vector<StatusEntry>& entries)
     for (std::size_t i = 0; result.ok() && i < statuses.size(); ++i) {
         const std::optional<FileAction>& action = unopened[asked[i]];
         if (statuses[i].word != 0 || action)
-            entries.push_back({shownName(asked[i]), asked[i], statuses[i], action});
+            entries.push_back({Context::shown(asked[i]), asked[i], statuses[i], action});
     }
     return result;
 }
 
 Result reconcileFiles(Context& c)
 {
+    const bool onlySay = c.args.flag("-n");
+    const bool keepMine = c.args.flag("--keep-mine");
+    // What -n says is its answer, printed even with -q.
+    std::ostream& out = onlySay ? c.out : c.report();
     std::vector<WorkspaceChange> changes;
     Result result = c.depot.workspaceChanges(c.ticket, c.files(), changes);
+    if (result.ok() && recoverKeptCopies(changes, onlySay, out))
+        result = c.depot.workspaceChanges(c.ticket, c.files(), changes);
+    changes.erase(std::remove_if(changes.begin(), changes.end(),
+                                 [](const WorkspaceChange& change) { return isKeptCopy(change.localPath); }),
+                  changes.end());
+    std::vector<KeptFile> behind;
+    if (result.ok())
+        result = findBehind(c, changes, behind);
     if (!result.ok())
         return result;
     const depot::ChangelistId changelist = c.changelistOption();
-    const bool onlySay = c.args.flag("-n");
-    if (!onlySay && !changes.empty())
-        result = openAll(c, changes, changelist);
+    if (!onlySay && !changes.empty()) {
+        if (keepMine)
+            result = keepOverHead(c, behind);
+        if (result.ok())
+            result = openAll(c, changes, changelist);
+        if (keepMine && !result.ok())
+            bringBack(c, behind);
+        dropKeptCopies(behind);
+    }
     if (!result.ok())
-        return result;
-    // What -n says is its answer, printed even with -q.
-    std::ostream& out = onlySay ? c.out : c.report();
+        return !keepMine && !behind.empty()
+                   ? Result{result.code, result.error + "\n'hbdepot reconcile --keep-mine' keeps your content over "
+                                                         "the newer revisions."}
+                   : result;
     if (changes.empty())
         out << "No files changed without being opened.\n";
-    for (const WorkspaceChange& change : changes)
-        out << shownName(change.localPath) << " - " << (onlySay ? "would be opened for " : "opened for ")
-            << depot::actionName(change.action) << " in " << inChangelist(changelist) << "\n";
+    for (const WorkspaceChange& change : changes) {
+        const auto newer = std::find_if(behind.begin(), behind.end(),
+                                        [&](const KeptFile& file) { return file.path == change.localPath; });
+        out << Context::shown(change.localPath) << " - ";
+        if (newer != behind.end() && !keepMine) {
+            out << "would be refused: revision " << newer->head << " is newer (--keep-mine keeps your content over it)\n";
+            continue;
+        }
+        out << (onlySay ? "would be opened for " : "opened for ") << depot::actionName(change.action) << " in "
+            << inChangelist(changelist);
+        if (newer != behind.end())
+            out << ", keeping your content over revision " << newer->head;
+        out << "\n";
+    }
     return result;
 }
 

@@ -167,8 +167,9 @@ std::string DataControl::GetAssetDisplayName(const KELHandle<kel4::IDbObject>& o
 
 // --- status and editability -----------------------------------------------------------------------
 
-// While the host keeps an offline journal it works without its server: the questions asked before
-// every edit and save answer at once instead of waiting for a server that is not there.
+// While the host keeps an offline journal it works without its server's say (offline, or with
+// revision control off): the questions asked before every edit and save answer at once instead of
+// waiting for a server that is not there or whose answer would not count.
 bool DataControl::Offline(std::string& errorText) const
 {
     if (!m_model->Journal())

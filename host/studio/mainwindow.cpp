@@ -144,6 +144,9 @@ void MainWindow::buildControllers()
     m_refresh = new StatusRefreshPolicy(m_session, model(), *m_operations, [this] { return m_commands->editing(); },
                                         this);
     connect(m_sessionController, &SessionController::stateChanged, this, &MainWindow::updateStatusBar);
+    connect(m_sessionController, &SessionController::stateChanged, m_refresh, [this] {
+        m_refresh->setHeld(m_sessionController->offlineReason() == OfflineReason::Chosen);
+    });
     connect(m_sessionController, &SessionController::message, this, &MainWindow::log);
     connect(m_workspaces, &WorkspaceController::message, this, &MainWindow::log);
     connect(m_commands, &AssetCommands::message, this, &MainWindow::log);
@@ -188,6 +191,8 @@ void MainWindow::buildControllers()
                         m_commands->checkOut(asset);
                 });
             });
+    // Its offers act on the workspace that shows: they go with it.
+    connect(m_workspaces, &WorkspaceController::aboutToLeave, m_notice, &NoticeBar::clear);
     connect(m_commands, &AssetCommands::refused, this, [this](const KELHandle<kel4::IDbObject>& asset) {
         if (const QString offer = m_watches->offerAfterRefusal(asset); !offer.isEmpty())
             m_notice->offer(offer, tr("Tell &Me When It's Free"), [this, asset] { m_watches->watch(asset); });
@@ -227,6 +232,7 @@ void MainWindow::buildOfflineWork()
     connect(m_reconciler, &Reconciler::message, this, &MainWindow::log);
     connect(m_workspaces, &WorkspaceController::opened, m_offline, &OfflineWork::workspaceOpened);
     connect(m_workspaces, &WorkspaceController::aboutToLeave, m_offline, &OfflineWork::workspaceClosed);
+    connect(m_workspaces, &WorkspaceController::aboutToLeave, m_reconcileNotice, &QWidget::hide);
     connect(m_offline, &OfflineWork::offlineChanged, this, [this](bool offline) {
         updateStatusBar();
         updateActions();

@@ -46,6 +46,12 @@ void NoticeBar::offer(const QString& text, const QString& actionText, std::funct
         showFirst();
 }
 
+void NoticeBar::clear()
+{
+    m_notices.clear();
+    hide();
+}
+
 QString NoticeBar::text() const
 {
     return m_notices.empty() ? QString() : m_notices.front().text;

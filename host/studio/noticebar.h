@@ -20,6 +20,8 @@ public:
     explicit NoticeBar(QWidget* parent = nullptr);
 
     void offer(const QString& text, const QString& actionText, std::function<void()> act);
+    // Drops every notice, the one showing and those waiting, and hides.
+    void clear();
     QString text() const;
     QPushButton* actionButton() const { return m_action; }
 

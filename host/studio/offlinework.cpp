@@ -21,14 +21,20 @@ void OfflineWork::workspaceOpened()
 {
     m_journal = std::make_unique<host::OfflineJournal>(m_session.offlineJournalFile());
     m_offerWhenAnswered = !m_journal->IsEmpty();
-    followSession();
+    // The session opened it offline when the user had switched it so.
+    if (m_sessionController.offlineReason() == OfflineReason::Chosen)
+        goOffline(OfflineReason::Chosen);
+    else
+        followSession();
 }
 
 void OfflineWork::workspaceClosed()
 {
+    if (host::Workspace* workspace = m_session.currentWorkspace())
+        workspace->Model().SetJournal(nullptr);
+    m_journal.reset();
     if (isOffline())
         goOnline();
-    m_journal.reset();
     m_offerWhenAnswered = false;
 }
 
@@ -41,10 +47,15 @@ void OfflineWork::setWorkingOffline(bool offline)
 {
     if (offline == isOffline() || !m_journal)
         return;
-    if (offline)
+    m_session.setWorkOfflineChosen(offline);
+    if (offline) {
         goOffline(OfflineReason::Chosen);
-    else
-        goOnline();
+        return;
+    }
+    // Opened offline, the studio never logged in.
+    if (!m_sessionController.hasSession())
+        m_sessionController.retry();
+    goOnline();
 }
 
 void OfflineWork::goOffline(OfflineReason reason)
@@ -72,6 +83,8 @@ void OfflineWork::goOnline()
     m_restoreRevisionControl = false;
     m_offerWhenAnswered = m_journal && !m_journal->IsEmpty();
     m_sessionController.setOffline(OfflineReason::None);
+    if (isOffline())  // at once again: the server cannot be reached
+        return;
     emit message(Log::eMessage, tr("Working online again"));
     emit offlineChanged(false);
 }
@@ -91,10 +104,28 @@ void OfflineWork::followSession()
         goOnline();
         return;
     }
-    if (offline == OfflineReason::None && m_offerWhenAnswered && m_sessionController.state() == SessionState::LoggedIn) {
+    if (offline != OfflineReason::None)
+        return;
+    journalWhileRevisionControlOff();
+    if (m_offerWhenAnswered && m_sessionController.state() == SessionState::LoggedIn) {
         m_offerWhenAnswered = false;
         emit reconcileOffered();
     }
+}
+
+void OfflineWork::journalWhileRevisionControlOff()
+{
+    host::Workspace* workspace = m_session.currentWorkspace();
+    if (!workspace)
+        return;
+    const bool off = m_sessionController.hasServer() && !m_sessionController.revisionControlOn();
+    if (off == (workspace->Model().Journal() != nullptr))
+        return;
+    workspace->Model().SetJournal(off ? m_journal.get() : nullptr);
+    if (off)
+        emit message(Log::eMessage, tr("Revision control is off: the files edits change are recorded for reconciling"));
+    else
+        m_offerWhenAnswered = !m_journal->IsEmpty();
 }
 
 void OfflineWork::forget(const std::vector<std::string>& files)

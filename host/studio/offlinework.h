@@ -22,7 +22,9 @@ enum class OfflineReason;
 // as it does whenever revision control is off, and the workspace keeps its offline journal: the
 // host names every file it makes writable, creates or deletes there before the file changes.
 // Back online, revision control is on again as it was; once the server answers, the files the
-// journal names are offered for reconciling.
+// journal names are offered for reconciling. The switch is kept per workspace: a workspace the
+// user left offline opens offline. Revision control turned off by hand lets edits go ahead in the
+// same way, so the journal is kept then too, and turning it on again offers the reconcile.
 class OfflineWork : public QObject
 {
     Q_OBJECT
@@ -32,7 +34,7 @@ public:
 
     void workspaceOpened();
     void workspaceClosed();
-    // The Work Offline switch.
+    // The Work Offline switch; back online without a session, it logs in as at the opening.
     void setWorkingOffline(bool offline);
     bool isOffline() const;
     // The journal of the open workspace; null without one.
@@ -53,6 +55,9 @@ private:
     void followSession();
     void goOffline(OfflineReason reason);
     void goOnline();
+    // Online: the workspace keeps the journal while revision control is off, and gives it up (with
+    // the offer of reconcile to come) once it is on.
+    void journalWhileRevisionControlOff();
 
     StudioSession& m_session;
     SessionController& m_sessionController;

@@ -26,7 +26,7 @@ ReconcileDialog::ReconcileDialog(const ReconcileSurvey& survey, const std::vecto
     setWindowTitle(tr("Reconcile Offline Work"));
     auto* layout = new QVBoxLayout(this);
     auto* intro = new QLabel(tr("These files were changed without being opened. Reconcile opens the checked ones "
-                                "in the changelist below; nothing on the disk changes."),
+                                "in the changelist below; what the files hold stays as it is."),
                              this);
     intro->setWordWrap(true);
     layout->addWidget(intro);
@@ -46,7 +46,7 @@ ReconcileDialog::ReconcileDialog(const ReconcileSurvey& survey, const std::vecto
     for (const ReconcileItem& item : m_items) {
         auto* row = new QTreeWidgetItem(m_files);
         row->setText(FileColumn, folder.relativeFilePath(QFile::decodeName(QByteArray::fromStdString(item.localPath))));
-        row->setText(ActionColumn, ReconcileWork::actionText(item.action));
+        row->setText(ActionColumn, ReconcileWork::actionText(item));
         row->setText(ServerColumn, ReconcileWork::serverText(item));
         row->setFlags(row->flags() | Qt::ItemIsUserCheckable);
         row->setCheckState(FileColumn, Qt::Checked);

@@ -20,7 +20,9 @@ using ReconcilePrompt = std::function<std::optional<ReconcileChoice>(const Recon
 
 // Reconcile Offline Work, without widgets: the survey of what changed without being opened runs on
 // the operations queue, the prompt lets the user choose the files and the changelist, the
-// reconcile runs on the queue too; only the files it opened leave the offline journal.
+// reconcile runs on the queue too; only the files it opened leave the offline journal. The content
+// of a file that keeps it over a newer revision is kept by the journal before the reconcile runs,
+// and what an interrupted one left is put right before the survey.
 class Reconciler : public QObject
 {
     Q_OBJECT
@@ -42,6 +44,11 @@ private:
     enum class Step { Idle, Surveying, Reconciling };
     void takeOutcome(const OperationOutcome& outcome);
     void surveyed();
+    // Keeps the content of the chosen files that keep it over a newer revision; false when one
+    // cannot be kept.
+    bool keepContent(ReconcileChoice& choice);
+    // Puts kept content back where a reconcile left it out, and lets the copies go that are back.
+    void recoverKept();
 
     OfflineWork& m_offline;
     RevisionOperations& m_operations;

@@ -1,14 +1,16 @@
 #include "reconcilework.h"
 
+#include "keptcontent.h"
+
 #include <hbrcservices/revisionserver.h>
 
 #include <QFile>
-#include <QSaveFile>
 #include <QStringList>
 
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <set>
 
 namespace hbrc::studio {
@@ -35,21 +37,37 @@ void revertKeepingContent(host::RevisionServer& server, const std::string& ticke
                           const ReconcileWork::Files& added)
 {
     std::map<std::string, QByteArray> kept;
-    for (const std::string& file : edited) {
-        QFile content(QFile::decodeName(QByteArray::fromStdString(file)));
-        if (content.open(QIODevice::ReadOnly))
-            kept[file] = content.readAll();
-    }
+    for (const std::string& file : edited)
+        if (std::optional<QByteArray> content = KeptContent::read(QFile::decodeName(QByteArray::fromStdString(file))))
+            kept[file] = std::move(*content);
     ReconcileWork::Files opened = edited;
     opened.insert(opened.end(), added.begin(), added.end());
     server.revert(ticket, opened);
-    for (const auto& [file, content] : kept) {
-        const QString path = QFile::decodeName(QByteArray::fromStdString(file));
-        QFile::setPermissions(path, QFile::permissions(path) | QFileDevice::WriteOwner);
-        QSaveFile restored(path);
-        if (restored.open(QIODevice::WriteOnly) && restored.write(content) == content.size())
-            restored.commit();
+    for (const auto& [file, content] : kept)
+        KeptContent::write(file, content);
+}
+
+// Brings files whose content is kept elsewhere to the revisions named. Each is removed first, so
+// that neither backend merges into it or refuses to replace it: both write a missing file afresh.
+revision::Result bringTo(host::RevisionServer& server, const std::string& ticket,
+                         const std::vector<revision::FileAtRevision>& files)
+{
+    for (const revision::FileAtRevision& file : files) {
+        std::error_code ignored;
+        std::filesystem::remove(file.file, ignored);
     }
+    return server.syncTo(ticket, files);
+}
+
+// Writes the kept copies over their files; false when one did not get its content.
+bool putBack(const std::map<std::string, QString>& copies)
+{
+    bool all = true;
+    for (const auto& [file, copy] : copies) {
+        const std::optional<QByteArray> content = KeptContent::read(copy);
+        all = content && KeptContent::write(file, *content) && all;
+    }
+    return all;
 }
 
 }  // namespace
@@ -139,14 +157,26 @@ RevisionOperations::Work ReconcileWork::reconcile(ReconcileChoice choice, std::s
                 !made.ok())
                 return made;
         }
+        std::vector<revision::FileAtRevision> newer;
+        std::vector<revision::FileAtRevision> older;
+        for (const ReconcileItem& item : choice.items)
+            if (item.keepsMine() && choice.keptCopies.count(item.localPath)) {
+                newer.push_back({item.localPath, item.headRevision});
+                older.push_back({item.localPath, item.haveRevision});
+            }
         const Files edited = pathsOf(choice.items, FileAction::Edit);
         const Files added = pathsOf(choice.items, FileAction::Add);
         const Files deleted = pathsOf(choice.items, FileAction::Delete);
-        // Edits first, since others' holds refuse them most often: then nothing needs reverting.
         revision::Result result;
+        // The kept content goes back before the edit: whenever this stops, the file holds either
+        // that content or nothing of the user's, which is what KeptContent::recover tells apart.
+        if (!newer.empty() && (result = bringTo(server, ticket, newer)).ok() && !putBack(choice.keptCopies))
+            result = {revision::code::IoError,
+                      tr("Cannot put your content back over the newer revisions").toStdString()};
+        // Edits first, since others' holds refuse them most often: then nothing needs reverting.
         Files editedSoFar;
         Files addedSoFar;
-        if (!edited.empty() && (result = server.edit(ticket, edited, changelist)).ok())
+        if (result.ok() && !edited.empty() && (result = server.edit(ticket, edited, changelist)).ok())
             editedSoFar = edited;
         if (result.ok() && !added.empty() && (result = server.add(ticket, added, changelist)).ok())
             addedSoFar = added;
@@ -155,6 +185,8 @@ RevisionOperations::Work ReconcileWork::reconcile(ReconcileChoice choice, std::s
         if (!result.ok()) {
             if (!editedSoFar.empty() || !addedSoFar.empty())
                 revertKeepingContent(server, ticket, editedSoFar, addedSoFar);
+            if (!newer.empty())
+                bringTo(server, ticket, older);
             if (!choice.newDescription.empty())
                 server.deleteChangelist(ticket, changelist);
             return result;
@@ -169,9 +201,15 @@ RevisionOperations::Work ReconcileWork::reconcile(ReconcileChoice choice, std::s
     };
 }
 
-QString ReconcileWork::actionText(revision::FileAction action)
+QString ReconcileWork::actionText(const ReconcileItem& item)
 {
-    switch (action) {
+    if (item.keepsMine())
+        return item.newerBy.empty()
+                   ? tr("edit (keeps your content over revision %1)").arg(item.headRevision)
+                   : tr("edit (keeps your content over %1's revision %2)")
+                         .arg(QString::fromStdString(item.newerBy))
+                         .arg(item.headRevision);
+    switch (item.action) {
     case FileAction::Add: return tr("add");
     case FileAction::Delete: return tr("delete");
     case FileAction::Edit: break;

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,6 +25,9 @@ struct ReconcileItem
     std::string newerBy;  // who submitted the head revision, when the workspace has an older one
 
     bool behind() const { return haveRevision > 0 && headRevision > haveRevision; }
+    // An edit over a newer revision: reconcile brings the file to that revision and puts the
+    // user's content back over it before opening it ("keep mine").
+    bool keepsMine() const { return action == revision::FileAction::Edit && behind(); }
 };
 
 // What the survey found: the files to reconcile, in path order, and the journal's files that
@@ -42,7 +46,11 @@ struct ReconcileChoice
     std::vector<ReconcileItem> items;
     revision::ChangelistId changelist;
     std::string newDescription;
+    // The kept copy of each file that keeps the user's content (keepsMine), written before the
+    // reconcile runs. The reconcile leaves them: KeptContent::recover lets them go.
+    std::map<std::string, QString> keptCopies;
 };
+
 
 // The server side of reconciling work done offline, each one RevisionOperations::Work.
 class ReconcileWork
@@ -63,11 +71,14 @@ public:
     static RevisionOperations::Work survey(Files journalled, std::shared_ptr<ReconcileSurvey> into);
     // Opens the chosen files with one call per action needed, all or none: when a call is refused,
     // what the earlier calls opened is reverted, keeping the user's content, and a changelist made
-    // for them is deleted again. opened receives the files opened.
+    // for them is deleted again. A file that keeps the user's content over a newer revision is
+    // first removed (its content is in its kept copy) and brought to that revision, which neither
+    // backend then merges, and gets the kept content back before it is opened; a failure brings it
+    // back to the revision it had, for the kept content to go back over.
     static RevisionOperations::Work reconcile(ReconcileChoice choice, std::shared_ptr<Files> opened);
 
-    // "add", "edit", "delete" as the dialog shows them.
-    static QString actionText(revision::FileAction action);
+    // "add", "edit", "delete" as the dialog shows them, and what keeping the user's content means.
+    static QString actionText(const ReconcileItem& item);
     // What happened on the server, for the dialog ("locked by bob; revision 3 was submitted by bob").
     static QString serverText(const ReconcileItem& item);
 };

@@ -117,6 +117,11 @@ void SessionController::workspaceOpened()
         emit message(Log::eMessage, tr("Revision control is on for the server %1")
                                         .arg(QString::fromStdString(m_session.storedAccount().server)));
     }
+    // A workspace the user left working offline opens offline, without a word to the server.
+    if (m_session.workOfflineChosen()) {
+        setOffline(OfflineReason::Chosen);
+        return;
+    }
     logInAtOpen();
 }
 

@@ -60,14 +60,16 @@ class SessionController : public QObject
 public:
     SessionController(StudioSession& session, LoginPrompt prompt, QObject* parent = nullptr);
 
-    // After the session opened a workspace: revision control on, then the log-in.
+    // After the session opened a workspace: revision control on, then the log-in; or offline,
+    // without the log-in, when the user switched the workspace to work offline.
     void workspaceOpened();
     void workspaceClosed();
     // Log In...: asks for user and password until the server accepts them or the user cancels.
     bool logIn();
     // Log Out: ends the server session and forgets the kept log-in.
     void logOut();
-    // Retry after an unreachable server: the log-in of a workspace's opening again.
+    // The log-in of a workspace's opening again: after an unreachable server, or back from work
+    // offline without a session.
     void retry();
     void turnRevisionControlOn();
     // The settings dialog changed "Use revision control" from wasOn: the studio remembers that

@@ -27,13 +27,13 @@ StatusRefreshPolicy::StatusRefreshPolicy(StudioSession& session, AssetBrowserMod
 void StatusRefreshPolicy::refresh()
 {
     askStatus();
-    if (m_session.currentWorkspace())
+    if (m_session.currentWorkspace() && !m_held)
         m_operations.refreshPending();
 }
 
 void StatusRefreshPolicy::askStatus()
 {
-    if (!m_session.currentWorkspace() || !m_session.services().dataControl)
+    if (m_held || !m_session.currentWorkspace() || !m_session.services().dataControl)
         return;
     m_lastRefresh.start();
     m_model.refreshStatus(m_session.sessionAccount());

@@ -17,7 +17,8 @@ class StudioSession;
 // widgets: when asked (Refresh Status, after an edit or a workspace's opening), every
 // statusRefreshSeconds, and when the window is activated unless it asked in the last few seconds.
 // The timer's and the activation's questions wait while paused() holds (an edit's check-out asks
-// in a dialog of its own; the edit refreshes when it is done).
+// in a dialog of its own; the edit refreshes when it is done). While held (the user chose to work
+// offline) it asks nothing at all.
 class StatusRefreshPolicy : public QObject
 {
     Q_OBJECT
@@ -33,6 +34,7 @@ public:
     void applyInterval();
     // The window is active again: what others did meanwhile shows, unless it was just asked.
     void windowActivated();
+    void setHeld(bool held) { m_held = held; }
 
 private:
     void refreshUnlessPaused();
@@ -43,6 +45,7 @@ private:
     std::function<bool()> m_paused;
     QTimer* m_timer = nullptr;
     QElapsedTimer m_lastRefresh;  // since the last status question
+    bool m_held = false;
 };
 
 }  // namespace hbrc::studio

@@ -22,6 +22,16 @@ constexpr const char* kRecentKey = "Studio.RecentWorkspaces";
 constexpr int kRecentCount = 8;
 constexpr const char* kRefreshKey = "Studio.StatusRefreshSeconds";
 constexpr int kDefaultRefreshSeconds = 60;
+// The folders of the workspaces switched to work offline, one a line.
+constexpr const char* kOfflineKey = "Studio.OfflineWorkspaces";
+
+// A preference that holds a list, one item a line.
+QStringList storedList(host::PrefManager& preferences, const char* key)
+{
+    std::string stored;
+    preferences.GetStringPref(key, "", stored, 0);
+    return QString::fromStdString(stored).split('\n', Qt::SkipEmptyParts);
+}
 }  // namespace
 
 StudioSession::StudioSession(const QString& preferencesFile, host::ConnectionOptions connection)
@@ -113,11 +123,25 @@ QString StudioSession::offlineJournalFile() const
     return currentWorkspace() ? host::OfflineJournal::FileFor(folder, currentWorkspace()->Root()) : QString();
 }
 
+bool StudioSession::workOfflineChosen()
+{
+    return currentWorkspace() && storedList(m_host.Preferences(), kOfflineKey).contains(currentWorkspace()->Root());
+}
+
+void StudioSession::setWorkOfflineChosen(bool offline)
+{
+    if (!currentWorkspace())
+        return;
+    QStringList folders = storedList(m_host.Preferences(), kOfflineKey);
+    folders.removeAll(currentWorkspace()->Root());
+    if (offline)
+        folders << currentWorkspace()->Root();
+    m_host.Preferences().SetStringPref(kOfflineKey, folders.join('\n').toStdString(), 1);
+}
+
 QStringList StudioSession::recentWorkspaces()
 {
-    std::string stored;
-    m_host.Preferences().GetStringPref(kRecentKey, "", stored, 0);
-    return QString::fromStdString(stored).split('\n', Qt::SkipEmptyParts);
+    return storedList(m_host.Preferences(), kRecentKey);
 }
 
 int StudioSession::statusRefreshSeconds()

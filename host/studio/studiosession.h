@@ -54,6 +54,10 @@ public:
     // Where the offline journal of the open workspace is kept: beside the preferences, outside the
     // workspace.
     QString offlineJournalFile() const;
+    // Whether the user switched the open workspace to work offline: kept per workspace folder, so
+    // that a restart opens it offline too.
+    bool workOfflineChosen();
+    void setWorkOfflineChosen(bool offline);
     // How often the window asks the server about the assets' status by itself (0: never).
     int statusRefreshSeconds();
     void setStatusRefreshSeconds(int seconds);

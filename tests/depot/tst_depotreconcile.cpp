@@ -1,5 +1,6 @@
 // hbdepot on the files alice changed without opening them: the status of her whole workspace, and
-// reconcile opening them, all or none, while bob holds one of them.
+// reconcile opening them, all or none, while bob holds one of them and has submitted a newer
+// revision of another.
 #include "depotfixture.h"
 
 #include <QProcess>
@@ -41,13 +42,23 @@ public:
 
 TEST_F(DepotReconcile, StatusShowsTheUnopenedChangesAndReconcileOpensThemAllOrNone)
 {
-    for (const char* file : {"edited.kel", "gone.kel", "held.kel"})
+    for (const char* file : {"edited.kel", "gone.kel", "held.kel", "newer.kel"})
         write(aliceFile(file), "v1");
-    ok(m_alice->add(m_aliceTicket, {aliceFile("edited.kel"), aliceFile("gone.kel"), aliceFile("held.kel")}, ""));
-    ok(submit(*m_alice, m_aliceTicket, "three more"));
+    ok(m_alice->add(m_aliceTicket, {aliceFile("edited.kel"), aliceFile("gone.kel"), aliceFile("held.kel"),
+                                    aliceFile("newer.kel")}, ""));
+    ok(submit(*m_alice, m_aliceTicket, "four more"));
     ok(m_bob->sync(m_bobTicket, {}));
-    write(aliceFile("edited.kel"), "v2 by alice");
-    write(aliceFile("held.kel"), "v2 by alice");
+    ok(m_bob->edit(m_bobTicket, {bobFile("newer.kel")}, ""));
+    write(bobFile("newer.kel"), "v2 by bob");
+    ok(submit(*m_bob, m_bobTicket, "bob's newer"));
+    for (const char* file : {"edited.kel", "held.kel", "newer.kel"})
+        write(aliceFile(file), "v2 by alice");
+    const std::string kept = aliceFile("newer.kel.hbdepot-kept");
+    const auto aliceHas = [&](const char* file) {
+        std::vector<FileStatus> statuses;
+        ok(m_alice->status(m_aliceTicket, {aliceFile(file)}, statuses));
+        return statuses.at(0).haveRevision;
+    };
     write(aliceFile("props/new.kel"), "new");
     fs::remove(aliceFile("gone.kel"));
     ok(m_bob->edit(m_bobTicket, {bobFile("held.kel")}, ""));
@@ -68,15 +79,20 @@ TEST_F(DepotReconcile, StatusShowsTheUnopenedChangesAndReconcileOpensThemAllOrNo
         {"StatusOfTheWholeWorkspace", {}, {"status"}, 0,
          {"edited.kel - edited, not opened\ngone.kel - deleted, not opened\n"
           "held.kel - edited by others, locked by others, edited, not opened (bob)\n"
+          "newer.kel - not at head, edited, not opened\n"
           "props/new.kel - not in depot, new, not opened\n"}},
         {"StatusAsJson", {}, {"--json", "status"}, 0, {R"("file":"gone.kel")", R"("unopened":"delete")"}},
         {"OnlySaysWithN", {}, {"reconcile", "-n", "-q"}, 0,
          {"edited.kel - would be opened for edit in the default changelist\n",
+          "newer.kel - would be refused: revision 2 is newer (--keep-mine keeps your content over it)\n"
           "props/new.kel - would be opened for add in the default changelist\n"}},
-        {"RefusedWhileBobHoldsOne", {}, {"reconcile"}, 1,
+        {"RefusedWhileBobHoldsOne", {}, {"reconcile", "--keep-mine"}, 1,
          {"//depot/held.kel is locked by bob@bob-ws", "Nothing was opened"},
          [&] {
              EXPECT_TRUE(aliceOpened().empty()) << "all or none";
+             EXPECT_EQ(read(aliceFile("newer.kel")), "v2 by alice");
+             EXPECT_EQ(aliceHas("newer.kel"), 1) << "back at the revision she had";
+             EXPECT_FALSE(fs::exists(kept));
              EXPECT_FALSE(fs::exists(aliceFile("gone.kel"))) << "the reverted delete leaves the file gone";
              EXPECT_EQ(read(aliceFile("props/new.kel")), "new");
          }},
@@ -84,10 +100,21 @@ TEST_F(DepotReconcile, StatusShowsTheUnopenedChangesAndReconcileOpensThemAllOrNo
          {"reconcile", "-c", QString::fromStdString(offline), "props", "edited.kel"}, 0,
          {"edited.kel - opened for edit in change " + QString::fromStdString(offline) +
           "\nprops/new.kel - opened for add in change " + QString::fromStdString(offline) + "\n"}},
-        {"TheRestIntoTheDefault", {}, {"reconcile"}, 0,
-         {"gone.kel - opened for delete in the default changelist\nheld.kel - opened for edit"}},
+        {"TheRestKeepingHersAfterAnInterruptedRun",
+         [&] {
+             write(kept, "v2 by alice");
+             fs::remove(aliceFile("newer.kel"));
+         },
+         {"reconcile", "--keep-mine"}, 0,
+         {"newer.kel - your content is back from an interrupted reconcile\n",
+          "gone.kel - opened for delete in the default changelist\nheld.kel - opened for edit in the default "
+          "changelist\nnewer.kel - opened for edit in the default changelist, keeping your content over revision 2\n"},
+         [&] {
+             EXPECT_EQ(aliceHas("newer.kel"), 2);
+             EXPECT_FALSE(fs::exists(kept));
+         }},
         {"NothingLeft", {}, {"reconcile", "-n"}, 0, {"No files changed without being opened."}},
-        {"ABadOption", {}, {"reconcile", "-x"}, 2, {"Usage: hbdepot [OPTIONS] reconcile [-n] [-c CHANGE] [PATH...]"}},
+        {"ABadOption", {}, {"reconcile", "-x"}, 2, {"Usage: hbdepot [OPTIONS] reconcile [-n] [--keep-mine] [-c CHANGE] [PATH...]"}},
     };
     for (const Row& row : rows) {
         if (row.before)
@@ -100,9 +127,10 @@ TEST_F(DepotReconcile, StatusShowsTheUnopenedChangesAndReconcileOpensThemAllOrNo
             row.after();
     }
     EXPECT_EQ(aliceOpened(), (std::vector<std::string>{"//depot/edited.kel edit " + offline, "//depot/gone.kel delete ",
-                                                       "//depot/held.kel edit ", "//depot/props/new.kel add " + offline}));
-    EXPECT_EQ(read(aliceFile("edited.kel")), "v2 by alice");
-    EXPECT_EQ(read(aliceFile("held.kel")), "v2 by alice");
+                                                       "//depot/held.kel edit ", "//depot/newer.kel edit ",
+                                                       "//depot/props/new.kel add " + offline}));
+    for (const char* file : {"edited.kel", "held.kel", "newer.kel"})
+        EXPECT_EQ(read(aliceFile(file)), "v2 by alice") << file;
 }
 
 }  // namespace

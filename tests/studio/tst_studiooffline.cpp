@@ -1,11 +1,12 @@
-// A morning offline and an afternoon reconciled, in alice's real studio on a demo depot with bob
-// working meanwhile; and the offline journal's promise that a kill of the host never leaves a
-// changed file unnamed.
+// A morning offline and an afternoon reconciled, in alice's real studio on a demo depot and on
+// Subversion with bob working meanwhile; and the offline journal's promise that a kill of the host
+// never leaves a changed file unnamed.
 #include "assetedits.h"
 #include "offlinework.h"
 #include "pendingchangespane.h"
 #include "pendingchangesmodel.h"
 #include "reconciler.h"
+#include "sessioncontroller.h"
 #include "demodepot.h"
 #include "studiofixture.h"
 
@@ -13,6 +14,7 @@
 #include <hbrcdatamodel/offlinejournal.h>
 #include <hbrcservices/revisionserver.h>
 #include <qtextention/qfunctoraction.h>
+#include <svnrepositoryfixture.h>
 
 #include <QDialogButtonBox>
 #include <QLineEdit>
@@ -38,13 +40,18 @@ hbrc::host::NewAsset named(const std::string& name)
     return asset;
 }
 
-class StudioOffline : public StudioFixture<>
+enum class Backend { Depot, Subversion };
+
+class StudioOffline : public StudioFixture<::testing::TestWithParam<Backend>>
 {
 protected:
     void SetUp() override
     {
         StudioFixture::SetUp();
-        depot = std::make_unique<DemoServer>(m_dir.path());
+        if (GetParam() == Backend::Subversion)
+            repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served);
+        depot = std::make_unique<DemoServer>(m_dir.filePath(QStringLiteral("demo")),
+                                             repository ? repository->Url() : std::string());
         SeedSampleWorkspace(*depot);
         start(depot->path(), depot->workspace("alice"), depot->folder("alice"), "alice-pw");
     }
@@ -56,21 +63,29 @@ protected:
             files.insert(file);
         return files;
     }
+    // What the journal keeps of her content while a reconcile brings a file to a newer revision.
+    QStringList keptCopies() const
+    {
+        return QDir(window->offlineWork().journal()->File() + ".kept").entryList(QDir::Files);
+    }
     QByteArray onDisk(const char* name) const
     {
         QFile file(QString::fromStdString(aliceFile(name)));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
-    // bob adds a field to an asset in his workspace and submits it.
-    void bobSubmits(const char* name)
+    // bob adds a field to an asset in his workspace and submits it; the file's new head revision.
+    std::int64_t bobSubmits(const char* name)
     {
         const std::string path = depot->folderPath("bob") + "/" + name + ".kel";
-        ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {path}, "").ok());
+        EXPECT_TRUE(depot->bob().edit(depot->bobTicket(), {path}, "").ok());
         QFile file(QString::fromStdString(path));
-        ASSERT_TRUE(file.open(QIODevice::Append) && file.write("field season = autumn\n") > 0);
+        EXPECT_TRUE(file.open(QIODevice::Append) && file.write("field season = autumn\n") > 0);
         file.close();
         hbrc::revision::ChangelistId submitted;
-        ASSERT_TRUE(depot->bob().submit(depot->bobTicket(), "", "bob's " + std::string(name), submitted).ok());
+        EXPECT_TRUE(depot->bob().submit(depot->bobTicket(), "", "bob's " + std::string(name), submitted).ok());
+        std::vector<hbrc::revision::FileStatus> statuses;
+        EXPECT_TRUE(depot->bob().status(depot->bobTicket(), {path}, statuses).ok());
+        return statuses.empty() ? 0 : statuses.front().headRevision;
     }
     // Expects the Reconcile dialog, checks what it lists, unchecks the rows named and reconciles into
     // a new changelist, from the keyboard.
@@ -108,10 +123,11 @@ protected:
             [&] { return driver.answered() > answered && !window->reconciler().isBusy() && !window->operations().isBusy(); },
             20000));
     }
+    std::unique_ptr<SvnRepositoryFixture> repository;
     std::unique_ptr<DemoServer> depot;
 };
 
-TEST_F(StudioOffline, AMorningOfflineIsReconciledWithEveryConflictNamedAndNothingLost)
+TEST_P(StudioOffline, AMorningOfflineIsReconciledWithEveryConflictNamedAndNothingLost)
 {
     QFunctorAction* workOffline = window->action(QStringLiteral("workOffline"));
     workOffline->trigger();
@@ -136,24 +152,28 @@ TEST_F(StudioOffline, AMorningOfflineIsReconciledWithEveryConflictNamedAndNothin
     const std::set<std::string> herFiles{aliceFile("Leaf"), aliceFile("Moss"), aliceFile("Sky"), aliceFile("Water")};
     EXPECT_EQ(journalled(), herFiles);
 
-    // bob meanwhile submits Leaf and locks Sky.
-    bobSubmits("Leaf");
+    // bob meanwhile submits Leaf and locks Sky (a check-out on Subversion).
+    const QString bobsLeaf = QString::number(bobSubmits("Leaf"));
     const std::string bobSky = depot->folderPath("bob") + "/Sky.kel";
     ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {bobSky}, "").ok());
-    ASSERT_TRUE(hbrc::depot::Depot(depot->path()).lock(depot->bobTicket(), {bobSky}).ok());
+    if (GetParam() == Backend::Depot) {
+        ASSERT_TRUE(hbrc::depot::Depot(depot->path()).lock(depot->bobTicket(), {bobSky}).ok());
+    }
 
     // Online again: the window offers the reconcile, which lists her four files with bob named.
     workOffline->trigger();
     auto* notice = window->statusBar()->findChild<QPushButton*>(QStringLiteral("reconcileNotice"));
     ASSERT_TRUE(notice && DialogDriver::waitUntil([&] { return notice->isVisible(); }, 20000));
-    QStringList listed{"Leaf.kel | edit | revision 2 was submitted by bob", "Moss.kel | add | nothing new",
-                       "Sky.kel | edit | locked by bob", "Water.kel | delete | nothing new"};
+    QStringList listed{"Leaf.kel | edit (keeps your content over bob's revision " + bobsLeaf +
+                           ") | revision " + bobsLeaf + " was submitted by bob",
+                       "Moss.kel | add | nothing new", "Sky.kel | edit | locked by bob", "Water.kel | delete | nothing new"};
     QPushButton menuCommand;
     QObject::connect(&menuCommand, &QPushButton::clicked, window->action(QStringLiteral("reconcile")), &QAction::trigger);
-    // Leaf cannot be opened before she has bob's revision. A refused reconcile opens nothing and
-    // names the holder; one refused after its edit call reverts the edits and keeps her content.
+    // A refused reconcile opens nothing and names the holder; one refused after its edit call
+    // reverts the edits and keeps her content. Leaf, which was brought to bob's revision under her
+    // content, goes back to hers, listed as before.
     const auto refusedAttempt = [&](QAbstractButton* start, const QString& refusal) {
-        expectReconcile(listed, {"Leaf.kel"}, QStringLiteral("Offline morning"));
+        expectReconcile(listed, {}, QStringLiteral("Offline morning"));
         driver.expectMessageBox(QStringLiteral("Reconcile Refused"), QMessageBox::Ok, refusal);
         reconcileAndWait(start);
         ASSERT_TRUE(DialogDriver::waitUntil([&] { return driver.finished(); }));
@@ -162,23 +182,30 @@ TEST_F(StudioOffline, AMorningOfflineIsReconciledWithEveryConflictNamedAndNothin
         for (const hbrc::revision::PendingChangelist& list : window->pendingChanges().model().pending())
             EXPECT_TRUE(list.files.empty()) << "all or none: " << list.changelist.id;
         EXPECT_TRUE(onDisk("Sky").contains("#123456"));
+        EXPECT_TRUE(onDisk("Leaf").contains("#654321") && !onDisk("Leaf").contains("season"));
+        EXPECT_EQ(keptCopies(), QStringList());
     };
     refusedAttempt(notice, QStringLiteral("Sky.kel is locked by bob"));
 
-    // bob lets Sky go, but has made a Moss of his own meanwhile.
+    // bob lets Sky go, but has made a Moss of his own meanwhile, which only the depot knows of.
     ASSERT_TRUE(depot->bob().revert(depot->bobTicket(), {bobSky}).ok());
-    const std::string bobMoss = depot->folderPath("bob") + "/Moss.kel";
-    QFile moss(QString::fromStdString(bobMoss));
-    ASSERT_TRUE(moss.open(QIODevice::WriteOnly) && moss.write("bob's moss") > 0);
-    moss.close();
-    ASSERT_TRUE(depot->bob().add(depot->bobTicket(), {bobMoss}, "").ok());
-    listed[1] = "Moss.kel | add | added by bob";
     listed[2] = "Sky.kel | edit | nothing new";
-    refusedAttempt(&menuCommand, QStringLiteral("Moss.kel is opened for add by bob"));
-
-    ASSERT_TRUE(depot->bob().revert(depot->bobTicket(), {bobMoss}).ok());
-    listed[1] = "Moss.kel | add | nothing new";
-    expectReconcile(listed, {"Leaf.kel"}, QStringLiteral("Offline morning"));
+    if (GetParam() == Backend::Depot) {
+        const std::string bobMoss = depot->folderPath("bob") + "/Moss.kel";
+        QFile moss(QString::fromStdString(bobMoss));
+        ASSERT_TRUE(moss.open(QIODevice::WriteOnly) && moss.write("bob's moss") > 0);
+        moss.close();
+        ASSERT_TRUE(depot->bob().add(depot->bobTicket(), {bobMoss}, "").ok());
+        listed[1] = "Moss.kel | add | added by bob";
+        refusedAttempt(&menuCommand, QStringLiteral("Moss.kel is opened for add by bob"));
+        ASSERT_TRUE(depot->bob().revert(depot->bobTicket(), {bobMoss}).ok());
+        listed[1] = "Moss.kel | add | nothing new";
+    }
+    // A reconcile killed once it had put Leaf aside: the next one puts her content back first.
+    std::string error;
+    ASSERT_TRUE(window->offlineWork().journal()->Keep(aliceFile("Leaf"), error)) << error;
+    ASSERT_TRUE(QFile::remove(QString::fromStdString(aliceFile("Leaf"))));
+    expectReconcile(listed, {}, QStringLiteral("Offline morning"));
     reconcileAndWait(&menuCommand);
     waitForOperations();
 
@@ -189,15 +216,57 @@ TEST_F(StudioOffline, AMorningOfflineIsReconciledWithEveryConflictNamedAndNothin
                 opened[file.localPath] = file.action;
     using hbrc::revision::FileAction;
     EXPECT_EQ(opened, (std::map<std::string, FileAction>{
+                          {aliceFile("Leaf"), FileAction::Edit},
                           {aliceFile("Moss"), FileAction::Add},
                           {aliceFile("Sky"), FileAction::Edit},
                           {aliceFile("Water"), FileAction::Delete}}));
-    EXPECT_EQ(journalled(), std::set<std::string>{aliceFile("Leaf")});
+    EXPECT_TRUE(journalled().empty());
+    EXPECT_EQ(keptCopies(), QStringList());
     EXPECT_TRUE(onDisk("Sky").contains("#123456"));
-    EXPECT_TRUE(onDisk("Leaf").contains("#654321"));
+    EXPECT_TRUE(onDisk("Leaf").contains("#654321") && !onDisk("Leaf").contains("season"));
     EXPECT_TRUE(onDisk("Moss").contains("Moss"));
     EXPECT_FALSE(QFileInfo::exists(QString::fromStdString(aliceFile("Water"))));
 }
+
+// Revision control off by hand journals edits as offline work does; offers go with their workspace;
+// the Work Offline switch outlives a restart, which asks the server nothing; offline by itself does not.
+TEST_P(StudioOffline, RevisionControlOffJournalsAndTheSwitchOutlivesARestart)
+{
+    if (GetParam() == Backend::Subversion)
+        GTEST_SKIP() << "the server moves away by its folder, which only the embedded depot has";
+    session->settings()->SetUseSourceDataControl(false);  // as the settings dialog does
+    window->sessionController().revisionControlChosen(true);
+    select("Sky");
+    window->action(QStringLiteral("makeWritable"))->trigger();
+    ASSERT_TRUE(window->newAsset(QStringLiteral("Moss")) && window->save());
+    EXPECT_EQ(journalled(), (std::set<std::string>{aliceFile("Moss"), aliceFile("Sky")}));
+    const auto shows = [this](const char* name) { return window->findChild<QWidget*>(name)->isVisible(); };
+    window->action(QStringLiteral("turnRevisionControlOn"))->trigger();
+    EXPECT_TRUE(shows("reconcileNotice"));
+    ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {depot->folderPath("bob") + "/Rock.kel"}, "").ok());
+    window->refreshStatus();
+    waitForStatus();
+    select("Rock");
+    driver.expectMessageBox(QStringLiteral("Checkout Error"), QMessageBox::Ok, QStringLiteral("bob"));
+    window->action(QStringLiteral("checkOut"))->trigger();
+    ASSERT_TRUE(shows("noticeBar"));
+    window->action(QStringLiteral("workOffline"))->trigger();
+    window->closeWorkspace();
+    EXPECT_FALSE(shows("noticeBar") || shows("reconcileNotice"));
+    const std::string away = depot->path() + ".away";  // on the train
+    start(away, depot->workspace("alice"), depot->folder("alice"), "alice-pw");
+    EXPECT_EQ(sessionLabel(), "Session: Offline: working offline by choice");
+    EXPECT_EQ(window->sessionController().serverState(), SessionState::NotLoggedIn) << "nothing was asked";
+    window->action(QStringLiteral("workOffline"))->trigger();
+    EXPECT_EQ(sessionLabel(), "Session: Offline: the server cannot be reached");
+    EXPECT_TRUE(window->action(QStringLiteral("workOffline"))->isChecked());
+    ASSERT_TRUE(QFile::link(QString::fromStdString(depot->path()), QString::fromStdString(away)));
+    start(away, depot->workspace("alice"), depot->folder("alice"), "alice-pw");
+    EXPECT_EQ(sessionLabel(), "Session: logged in as alice");
+}
+
+INSTANTIATE_TEST_SUITE_P(Backends, StudioOffline, ::testing::Values(Backend::Depot, Backend::Subversion),
+                         [](const auto& info) { return info.param == Backend::Depot ? "Depot" : "Subversion"; });
 
 // A save of new assets and deleted ones, killed at any moment, leaves every file that appeared or
 // vanished named in the journal.

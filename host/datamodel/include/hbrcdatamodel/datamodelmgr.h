@@ -78,7 +78,8 @@ public:
     bool IsDirty(const KELHandleBase& object) const;
 
     // The journal that names every file the host makes writable, creates or deletes, each before it
-    // changes; null while the host works with its server (the default). Not owned.
+    // changes; null while the host works under revision control with its server (the default). Not
+    // owned.
     void SetJournal(OfflineJournal* journal) { m_journal = journal; }
     OfflineJournal* Journal() const { return m_journal; }
 
