@@ -74,6 +74,8 @@ public:
                                       std::vector<revision::WorkspaceChange>& changes,
                                       const revision::CancelCheck& cancel) override;
     std::string unreachableText(const std::string& why) const override;
+    // Breaks off the injected latency, the one wait of the depot that polls no cancel check.
+    void interruptWaits() override { m_depot.faults().interruptLatency(); }
     revision::Capabilities capabilities() const override;
     std::uint64_t roundTrips() const override { return m_depot.roundTrips(); }
     revision::FaultInjection& faults() override { return m_faults; }

@@ -2,6 +2,8 @@
 
 #include <hbrcservices/faultinjection.h>
 
+#include <depot/interruptiblewait.h>
+
 #include <map>
 #include <optional>
 
@@ -20,9 +22,18 @@ public:
 
     // Consumed once per call by the backend: the failure forced onto this call, if any.
     std::optional<revision::Result> takeForcedFailure(revision::Operation operation);
+    // Waits the latency of one call, unless the cancel check turns true or interruptLatency()
+    // breaks the wait off, as a broken connection ends a read.
+    depot::InterruptibleWait::End waitLatency(const revision::CancelCheck& cancel)
+    {
+        return m_latencyWait.waitFor(m_latency, cancel);
+    }
+    // Ends the latency waits under way; from any thread.
+    void interruptLatency() { m_latencyWait.interrupt(); }
 
 private:
     std::chrono::milliseconds m_latency{0};
+    depot::InterruptibleWait m_latencyWait;
     int m_failuresLeft = 0;
     revision::Result m_nextCallsFailure;
     std::map<revision::Operation, revision::Result> m_operationFailures;

@@ -79,22 +79,22 @@ void DialogDriver::answer(QWidget* modal)
 {
     m_seenTitles << modal->windowTitle();
     m_lastAnswered = modal;
+    QPointer<QWidget> guard(modal);
     if (m_pending.empty()) {
         m_failures << QStringLiteral("unexpected modal dialog '%1' (%2)")
                           .arg(modal->windowTitle(), QString::fromLatin1(modal->metaObject()->className()));
         closeModal(modal);
-        return;
+    } else {
+        Expectation current = std::move(m_pending.front());
+        m_pending.pop_front();
+        current.handler(modal);
+        ++m_answered;
+        if (guard && guard->isVisible() && QApplication::activeModalWidget() == guard) {
+            m_failures << QStringLiteral("handler for %1 left the dialog open").arg(current.description);
+            closeModal(guard);
+        }
     }
-    Expectation current = std::move(m_pending.front());
-    m_pending.pop_front();
-    current.handler(modal);
-    ++m_answered;
     // A dialog shown again later (the same object re-executed) must be answered again.
-    QPointer<QWidget> guard(modal);
-    if (guard && guard->isVisible() && QApplication::activeModalWidget() == guard) {
-        m_failures << QStringLiteral("handler for %1 left the dialog open").arg(current.description);
-        closeModal(guard);
-    }
     m_lastAnswered = nullptr;
 }
 

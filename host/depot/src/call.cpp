@@ -6,7 +6,7 @@ namespace hbrc::depot {
 
 void Call::checkpoint() const
 {
-    if (m_cancel && m_cancel())
+    if (cancelled())
         throw DepotError(code::Cancelled, "The operation was cancelled; the depot is unchanged");
 }
 

@@ -24,6 +24,8 @@ public:
     Database& db() { return m_db; }
     // Throws DepotError(Cancelled) when the caller asks to stop; the transaction then rolls back.
     void checkpoint() const;
+    // True when the caller asks to stop.
+    bool cancelled() const { return m_cancel && m_cancel(); }
 
     void setSession(std::string user, WorkspaceView workspace);
     const std::string& user() const { return m_user; }

@@ -2,7 +2,6 @@
 #include <depot/depot.h>
 
 #include <algorithm>
-#include <thread>
 
 #include "credentials.h"
 #include "depoterror.h"
@@ -14,8 +13,6 @@
 namespace hbrc::depot {
 
 namespace {
-
-constexpr std::chrono::milliseconds kLatencySlice{10};
 
 bool validName(const std::string& name)
 {
@@ -112,14 +109,17 @@ Database& Depot::Impl::connection()
     return *db;
 }
 
-void Depot::Impl::waitLatency(const Call& call) const
+void Depot::Impl::waitLatency(const Call& call)
 {
-    // Sliced so that a caller can cancel a slow round trip while it waits.
-    const auto until = std::chrono::steady_clock::now() + faults.latency();
-    while (std::chrono::steady_clock::now() < until) {
-        call.checkpoint();
-        std::this_thread::sleep_for(std::min<std::chrono::steady_clock::duration>(
-            kLatencySlice, until - std::chrono::steady_clock::now()));
+    // A caller can cancel a slow round trip while it waits, or break it off as it would a network
+    // read (the operations that take no cancel check).
+    switch (faults.waitLatency([&call] { return call.cancelled(); })) {
+    case InterruptibleWait::End::Elapsed:
+        return;
+    case InterruptibleWait::End::Cancelled:
+        throw DepotError(code::Cancelled, "The operation was cancelled; the depot is unchanged");
+    case InterruptibleWait::End::Interrupted:
+        throw DepotError(code::SessionUnusable, "Cannot reach the depot: the connection was broken off");
     }
 }
 

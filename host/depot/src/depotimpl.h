@@ -63,7 +63,7 @@ private:
     // Tries the file steps earlier operations left; those that still fail. A failure here never
     // fails the operation: it is another workspace's, or this one's, told as a remark.
     std::vector<FailedStep> finishEarlierSteps(Database& database) const;
-    void waitLatency(const Call& call) const;
+    void waitLatency(const Call& call);
     void authenticate(Call& call, const std::string& ticket) const;
 };
 

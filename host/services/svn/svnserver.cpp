@@ -247,6 +247,7 @@ std::string SvnServer::unreachableText(const std::string& why) const
 void SvnServer::interruptWaits()
 {
     BreakConnectionsTo(m_url);
+    m_faults.interruptLatency();
 }
 
 revision::Capabilities SvnServer::capabilities() const

@@ -8,10 +8,7 @@
 
 #include <svn_ra.h>
 
-#include <algorithm>
-#include <chrono>
 #include <optional>
-#include <thread>
 
 namespace hbrc::host {
 
@@ -20,9 +17,6 @@ namespace hbrc::host {
 class SvnServer::Call
 {
 public:
-    // The step in which a slow server's latency is waited, polling the cancel check.
-    static constexpr auto kLatencySlice = std::chrono::milliseconds(10);
-
     Call(SvnServer& server, const revision::CancelCheck& cancel)
         : m_server(server), m_cancel(cancel), m_pool(server.m_client.pool())
     {
@@ -44,12 +38,13 @@ public:
             ++m_server.m_roundTrips;
             return *forced;
         }
-        const auto until = std::chrono::steady_clock::now() + m_server.m_faults.latency();
-        while (std::chrono::steady_clock::now() < until) {
-            if (m_cancel && m_cancel())
-                return {revision::code::Cancelled, "The operation was cancelled; the repository is unchanged"};
-            std::this_thread::sleep_for(
-                std::min<std::chrono::steady_clock::duration>(kLatencySlice, until - std::chrono::steady_clock::now()));
+        switch (m_server.m_faults.waitLatency(m_cancel)) {
+        case depot::InterruptibleWait::End::Elapsed:
+            break;
+        case depot::InterruptibleWait::End::Cancelled:
+            return {revision::code::Cancelled, "The operation was cancelled; the repository is unchanged"};
+        case depot::InterruptibleWait::End::Interrupted:
+            return {revision::code::SessionUnusable, m_server.unreachableText("the connection was broken off")};
         }
         if (!ticket)
             return {};

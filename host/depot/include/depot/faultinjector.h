@@ -1,6 +1,7 @@
 #pragma once
 
 #include <depot/export.h>
+#include <depot/interruptiblewait.h>
 
 #include <chrono>
 #include <map>
@@ -18,6 +19,11 @@ class HBRC_DEPOT_EXPORT FaultInjector
 public:
     void setLatency(std::chrono::milliseconds perRoundTrip) { m_latency = perRoundTrip; }
     std::chrono::milliseconds latency() const { return m_latency; }
+    // Waits the latency of one round trip, unless the cancel check turns true or interruptLatency()
+    // breaks the wait off, as a broken connection ends a read.
+    InterruptibleWait::End waitLatency(const CancelCheck& cancel) { return m_latencyWait.waitFor(m_latency, cancel); }
+    // Ends the latency waits under way; from any thread.
+    void interruptLatency() { m_latencyWait.interrupt(); }
 
     // The next `count` round trips fail with `code` (e.g. code::SessionUnusable or code::IoError).
     void failNextCalls(int count, int code, std::string message = {});
@@ -30,6 +36,7 @@ public:
 
 private:
     std::chrono::milliseconds m_latency{0};
+    InterruptibleWait m_latencyWait;
     int m_failuresLeft = 0;
     Result m_nextCallsFailure;
     std::map<Operation, Result> m_operationFailures;
