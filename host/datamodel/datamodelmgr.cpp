@@ -103,7 +103,12 @@ std::string DataModelMgr::GetObjectName(const KELHandleBase& object) const
 VersionId DataModelMgr::GetAncestorId(const KELHandleBase& object) const
 {
     const std::uint32_t slot = SlotOf(object);
-    return slot == ObjectStore::kNoSlot ? VersionId() : m_store.AssetAt(m_store.OwnerOf(slot)).ancestor;
+    if (slot == ObjectStore::kNoSlot)
+        return {};
+    const StoredAsset& asset = m_store.AssetAt(m_store.OwnerOf(slot));
+    // An asset that revision control has not taken yet stays new to it, however often it is saved
+    // and whether or not the workspace was opened again since.
+    return m_dataSource->IsNotYetAdded(DbObjectId(asset.record.id)) ? VersionId() : asset.ancestor;
 }
 
 bool DataModelMgr::IsObjectOfType(const KELHandleBase& object, const char* typeId) const

@@ -1,5 +1,8 @@
 #include "durablewrites.h"
 
+#include <QFile>
+#include <QFileInfo>
+
 #include <cerrno>
 
 #include <fcntl.h>
@@ -31,6 +34,23 @@ bool Flush(const QByteArray& path)
     const bool flushed = ::fsync(descriptor) == 0;
     ::close(descriptor);
     return flushed;
+}
+
+bool Replace(const QByteArray& file, const QByteArray& content)
+{
+    const QByteArray temporary = file + ".new";
+    const int descriptor = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    if (descriptor < 0)
+        return false;
+    const bool durable = WriteAll(descriptor, content) && ::fsync(descriptor) == 0;
+    if (::close(descriptor) != 0 || !durable || ::rename(temporary.constData(), file.constData()) != 0) {
+        const int why = errno;  // for the caller's message
+        ::unlink(temporary.constData());
+        errno = why;
+        return false;
+    }
+    Flush(QFile::encodeName(QFileInfo(QFile::decodeName(file)).absolutePath()));
+    return true;
 }
 
 }  // namespace hbrc::host::DurableWrites

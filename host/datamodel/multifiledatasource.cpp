@@ -44,8 +44,8 @@ void MultiFileDataSource::GetAddedObjects(kel4::List<DbObjectId>& ids,
         reported.insert(added.id);
     }
     // Those of earlier saves only while they still exist: a deleted asset is nothing to add.
-    for (const auto& [id, waiting] : m_notYetAdded) {
-        const KELHandle<kel4::IDbObject> handle = handleOf(waiting);
+    for (const DbObjectId& id : m_notYetAdded.Ids()) {
+        const KELHandle<kel4::IDbObject> handle = m_manager ? m_manager->ResolveObject(id) : KELHandle<kel4::IDbObject>();
         if (handle.IsNull() || reported.count(id))
             continue;
         ids.push_back(id);
@@ -56,10 +56,37 @@ void MultiFileDataSource::GetAddedObjects(kel4::List<DbObjectId>& ids,
 void MultiFileDataSource::ResetTracking()
 {
     m_deleted.clear();
-    if (m_keepUntilAdded)
-        for (const Added& added : m_added)
-            m_notYetAdded.emplace(added.id, added);
+    if (m_failedServerCalls) {
+        kel4::List<DbObjectId> ids;
+        kel4::List<KELHandle<kel4::IDbObject>> objects;
+        GetAddedObjects(ids, objects);
+        m_reported.clear();
+        auto object = objects.begin();
+        for (const DbObjectId& id : ids)
+            if (!(object++)->IsNull())
+                m_reported.insert(id);
+        m_failedCallsWhenReset = m_failedServerCalls();
+        // What is gone from the workspace is nothing to add.
+        std::set<DbObjectId> gone;
+        for (const DbObjectId& id : m_notYetAdded.Ids())
+            if (!m_reported.count(id))
+                gone.insert(id);
+        m_notYetAdded.Erase(gone);
+        m_notYetAdded.Insert(m_reported);
+    }
     m_added.clear();
+}
+
+void MultiFileDataSource::SettleReported()
+{
+    if (m_failedServerCalls && m_failedServerCalls() == m_failedCallsWhenReset)
+        m_notYetAdded.Erase(m_reported);
+    m_reported.clear();
+}
+
+void MultiFileDataSource::KeepNewObjectsUntilAdded(std::function<std::uint64_t()> failedServerCalls)
+{
+    m_failedServerCalls = std::move(failedServerCalls);
 }
 
 void MultiFileDataSource::RecordAddedObject(const DbObjectId& id, std::uint32_t slot, std::uint32_t instance)
@@ -70,8 +97,7 @@ void MultiFileDataSource::RecordAddedObject(const DbObjectId& id, std::uint32_t 
 void MultiFileDataSource::ConfirmAdded(const kel4::List<DbObjectId>& ids)
 {
     const std::set<DbObjectId> confirmed(ids.begin(), ids.end());
-    for (const DbObjectId& id : confirmed)
-        m_notYetAdded.erase(id);
+    m_notYetAdded.Erase(confirmed);
     m_added.erase(std::remove_if(m_added.begin(), m_added.end(),
                                  [&](const Added& added) { return confirmed.count(added.id) != 0; }),
                   m_added.end());
@@ -79,7 +105,7 @@ void MultiFileDataSource::ConfirmAdded(const kel4::List<DbObjectId>& ids)
 
 bool MultiFileDataSource::IsNotYetAdded(const DbObjectId& id) const
 {
-    return m_notYetAdded.count(id) != 0;
+    return m_notYetAdded.Contains(id);
 }
 
 }  // namespace hbrc::host

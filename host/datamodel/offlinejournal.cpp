@@ -1,5 +1,7 @@
 #include <hbrcdatamodel/offlinejournal.h>
 
+#include <hbrcdatamodel/workspacestatefile.h>
+
 #include "durablewrites.h"
 
 #include <QCryptographicHash>
@@ -71,8 +73,7 @@ OfflineJournal::OfflineJournal(QString file) : m_file(std::move(file))
 
 QString OfflineJournal::FileFor(const QString& folder, const QString& root)
 {
-    const QByteArray key = QCryptographicHash::hash(QFile::encodeName(QDir(root).absolutePath()), QCryptographicHash::Sha1);
-    return QDir(folder).filePath(QString::fromLatin1(key.toHex()) + QStringLiteral(".journal"));
+    return WorkspaceStateFile(folder, root, QStringLiteral("journal"));
 }
 
 bool OfflineJournal::Record(const std::string& path, Change change, std::string& errorText)
@@ -113,15 +114,10 @@ bool OfflineJournal::Forget(const std::vector<std::string>& paths, std::string& 
     QByteArray content;
     for (const auto& [path, change] : kept)
         content += lineOf(path, change);
-    const QByteArray file = QFile::encodeName(m_file);
-    const QByteArray temporary = file + ".new";
-    const int descriptor = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (descriptor < 0 || !writeDurably(descriptor, content) || ::rename(temporary.constData(), file.constData()) != 0) {
+    if (!DurableWrites::Replace(QFile::encodeName(m_file), content)) {
         errorText = failure("Cannot rewrite", m_file);
-        ::unlink(temporary.constData());
         return false;
     }
-    flushFolderOf(file);
     m_entries = std::move(kept);
     return true;
 }
@@ -145,14 +141,10 @@ bool OfflineJournal::Keep(const std::string& path, std::string& errorText)
         return false;
     }
     const QByteArray target = QFile::encodeName(copy);
-    const QByteArray temporary = target + ".new";
-    const int descriptor = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (descriptor < 0 || !writeDurably(descriptor, content) || ::rename(temporary.constData(), target.constData()) != 0) {
+    if (!DurableWrites::Replace(target, content)) {
         errorText = "Cannot keep the content of " + path + " in " + target.toStdString() + ": " + std::strerror(errno);
-        ::unlink(temporary.constData());
         return false;
     }
-    flushFolderOf(target);
     return append(path, Change::Kept, errorText);
 }
 

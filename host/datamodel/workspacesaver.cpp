@@ -103,9 +103,7 @@ bool finishAsset(DataModelMgr& model, const StagedAsset& staged, SaveReport& rep
 {
     StoredAsset& asset = model.Store().AssetAt(staged.slot);
     const bool firstWrite = !asset.IsOnDisk();
-    // An asset that revision control has not taken yet stays new to it, however often it is saved.
-    const bool newToRevisionControl = firstWrite || model.DataSource().IsNotYetAdded(DbObjectId(asset.record.id));
-    asset.ancestor = newToRevisionControl ? VersionId() : VersionId(std::to_string(asset.record.version));
+    asset.ancestor = firstWrite ? VersionId() : VersionId(std::to_string(asset.record.version));
     asset.record.version = staged.saved.version;
     asset.pendingContent.clear();
     if (firstWrite)
@@ -147,6 +145,7 @@ SaveReport WorkspaceSaver::Save(DataModelMgr& model, ItemLibrary& library)
     for (const std::string& file : report.deletedFiles)
         model.DataSource().RecordDeletedFile(file);
     library.PostPostCommit();
+    model.DataSource().SettleReported();
     return report;
 }
 

@@ -70,7 +70,12 @@ private:
 DataControl::DataControl(KELPtr<DataModelMgr> model, std::shared_ptr<ServerConnection> connection)
     : m_model(std::move(model)), m_connection(std::move(connection))
 {
-    m_model->DataSource().KeepNewObjectsUntilAdded();  // MarkForAdd confirms them
+    // MarkForAdd confirms them; a save's new assets left unmarked while no call failed were declined.
+    m_model->DataSource().KeepNewObjectsUntilAdded(
+        [connection = std::weak_ptr<ServerConnection>(m_connection)]() -> std::uint64_t {
+            const std::shared_ptr<ServerConnection> alive = connection.lock();
+            return alive ? alive->FailedCalls() : 0;
+        });
 }
 
 void* DataControl::QueryInterface(const kel4::InterfaceId& iid)

@@ -45,6 +45,8 @@ kelResult ServerConnection::RunOn(RevisionServer& server, const TimeOutRunner::O
                                  std::string& errorText)
 {
     const TimeOutRunner::Outcome outcome = m_runner.Run(operation, [&server] { server.interruptWaits(); });
+    if (outcome.pastDeadline || !outcome.result.ok())
+        ++m_failedCalls;
     if (outcome.pastDeadline) {
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(m_runner.Deadline()).count();
         errorText = server.unreachableText("no answer within " + std::to_string(seconds) + " s");

@@ -1,5 +1,10 @@
 #include <hbrcsession/hostsession.h>
 
+#include <hbrcdatamodel/workspacestatefile.h>
+
+#include <QDir>
+#include <QFileInfo>
+
 namespace hbrc::host {
 
 HostSession::HostSession(const QString& preferencesFile)
@@ -59,6 +64,9 @@ Workspace* HostSession::BeginOpeningWorkspace(const QString& folder, std::string
 Workspace* HostSession::FinishOpeningWorkspace()
 {
     m_workspace = std::move(m_opening);
+    // Beside the preferences, per workspace: new assets that revision control has not taken yet.
+    const QString folder = QFileInfo(m_preferences->FilePath()).absoluteDir().filePath(QStringLiteral("not-added"));
+    m_workspace->Model().DataSource().KeepNotYetAddedIn(WorkspaceStateFile(folder, m_workspace->Root(), QStringLiteral("list")));
     for (const WorkspaceSetup& setup : m_setups)
         setup(*m_workspace);
     m_proxy->Attach(*m_workspace);

@@ -14,6 +14,9 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <svn_pools.h>
+#include <svn_wc.h>
+
 #include <csignal>
 #include <functional>
 
@@ -88,19 +91,43 @@ public:
         }
     }
     // A log-in of alice's that outlives its process (hbdepot login, "keep me logged in"); with
-    // elsewhere, one made in another working copy, which then locks Moss there: the locks a server
-    // that died during a check-out leaves in alice's name without a token in her working copy.
-    void AliceElsewhere(bool keep, bool lockMoss)
+    // elsewhere, one made in another working copy, which then locks that asset there.
+    void AliceElsewhere(bool keep, const char* elsewhere = nullptr)
     {
         const auto other = hbrc::host::OpenRevisionServer(DepotPath(), {});
         const std::string folder =
-            lockMoss ? QFile::encodeName(QDir::cleanPath(AliceFolder() + "/../elsewhere")).toStdString() : AliceWorkspace();
+            elsewhere ? QFile::encodeName(QDir::cleanPath(AliceFolder() + "/../elsewhere")).toStdString() : AliceWorkspace();
         std::string ticket;
         BobExpects(other->login("alice", "alice-pw", folder, ticket));
         if (keep)
             BobExpects(other->keep(ticket));
-        if (lockMoss)
-            BobExpects(other->edit(ticket, {folder + "/Moss.kel"}, ""));
+        if (elsewhere)
+            BobExpects(other->edit(ticket, {folder + "/" + elsewhere + ".kel"}, ""));
+    }
+    // What a server killed during a check-out leaves: Moss locked from alice's working copy, which
+    // never got the lock's token.
+    void StrayLockOnMoss()
+    {
+        const auto other = hbrc::host::OpenRevisionServer(DepotPath(), {});
+        std::string ticket;
+        BobExpects(other->login("alice", "alice-pw", AliceWorkspace(), ticket));
+        const kel4::List<std::string> files = FilesOf("Moss");
+        BobExpects(other->edit(ticket, {files.begin(), files.end()}, ""));
+        // The working-copy library's one public way to drop a lock token is the old access-baton one.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+        apr_pool_t* pool = svn_pool_create(nullptr);
+        svn_wc_adm_access_t* access = nullptr;
+        svn_error_t* err = svn_wc_adm_open3(&access, nullptr, AliceWorkspace().c_str(), TRUE, 0, nullptr, nullptr, pool);
+        for (const std::string& file : files)
+            err = err ? err : svn_wc_remove_lock(file.c_str(), access, pool);
+        if (access)
+            svn_error_clear(svn_wc_adm_close2(access, pool));
+#pragma GCC diagnostic pop
+        char text[256];
+        EXPECT_EQ(err, nullptr) << svn_err_best_message(err, text, sizeof text);
+        svn_error_clear(err);
+        svn_pool_destroy(pool);
     }
     void LogInAgainWithoutMoss()
     {
@@ -138,7 +165,6 @@ struct Fault {
     bool recovers;             // the work gets through all the same
     bool recoversOnFileUrl;    // ... also where nothing authenticates (file://)
     std::size_t warnings = 0;  // log entries that say what was put right
-    bool withWindowToo = true;  // also driven with a window
 };
 
 TEST_P(BatchFaults, EveryCallEndsWithOneReportAndNothingLost)
@@ -153,18 +179,24 @@ TEST_P(BatchFaults, EveryCallEndsWithOneReportAndNothingLost)
         {"expired with a kept log-in",
          [](F& f) {
              f.services.ExpireSessionNow();
-             f.AliceElsewhere(true, false);
+             f.AliceElsewhere(true);
          },
          [](F& f) { f.LogInAgainWithoutMoss(); }, true, true},
         // The embedded depot takes all locks of a call in one transaction: nothing is left there.
+        // On Subversion the first status question releases the stray lock (one warning), while
+        // Tree, which alice holds in another working copy of hers, stays hers.
         {"killed during a multi-file lock",
          [svn](F& f) {
-             if (svn)
-                 f.AliceElsewhere(false, true);
+             if (svn) {
+                 f.AliceElsewhere(false, "Tree");
+                 f.StrayLockOnMoss();
+             }
          },
-         // Batch only: with a window, Subversion keeps the lock it took back in alice's name after
-         // her revert, so that bob cannot check Moss out.
-         [](F& f) { f.LogInAgainWithoutMoss(); }, true, true, svn ? 1u : 0u, false},
+         [svn](F& f) {
+             f.LogInAgainWithoutMoss();
+             EXPECT_EQ((f.StatusOf("Tree") & kel4::eStatusLockedByOthers) != 0, svn) << "held in her other working copy";
+         },
+         true, true, svn ? 1u : 0u},
     };
     // Each work is given the note a save writes.
     const std::pair<const char*, std::function<bool(F&, const char*)>> works[] = {
@@ -177,8 +209,6 @@ TEST_P(BatchFaults, EveryCallEndsWithOneReportAndNothingLost)
     for (const Fault& fault : faults) {
         for (const auto& [work, run] : works) {
             for (const bool withWindow : {false, true}) {
-                if (withWindow && !fault.withWindowToo)
-                    continue;
                 SCOPED_TRACE(std::string(fault.name) + " x " + work + (withWindow ? " x with a window" : " x batch"));
                 hbrc::host::LogCapture log;
                 fault.inject(*this);
@@ -215,7 +245,8 @@ TEST_P(BatchFaults, EveryCallEndsWithOneReportAndNothingLost)
 }
 
 // A server gone during the adds after a save: one report, the new assets left not in depot, and
-// the next save, with the server back, marks them.
+// the next save, with the server back and after a restart, marks them. One the user declined to
+// add is not offered again.
 TEST_P(BatchFaults, GoneServerDuringTheAddsAfterASaveIsReportedOnce)
 {
     const std::vector<std::string> names{"Fern", "Twig", "Bark", "Seed"};
@@ -229,11 +260,27 @@ TEST_P(BatchFaults, GoneServerDuringTheAddsAfterASaveIsReportedOnce)
     for (const std::string& name : names)
         EXPECT_EQ(StatusOf(name) & kel4::eStatusNotInDatabase, kel4::eStatusNotInDatabase) << name;
 
+    std::string error;
+    workspace = host->OpenWorkspace(AliceFolder(), error);  // the studio restarted
+    ASSERT_NE(workspace, nullptr) << error;
     ASSERT_TRUE(workspace->SetField(Asset("Twig"), "note", "saved again"));  // rewritten, still new to the server
     WithoutWindows([&] { EXPECT_FALSE(workspace->Save().cancelled); });
     EXPECT_EQ(log.TextsOfType(eError).size(), 1u);
     for (const std::string& name : names)
         EXPECT_EQ(StatusOf(name) & kel4::eStatusMarkedForAdd, kel4::eStatusMarkedForAdd) << name;
+
+    CreateMetadata("Weed");
+    host->Preferences().SetBoolPref("RevControl.PromptForChangeListWhenCheckingOut", true, 1);
+    {
+        QWidget window;
+        window.show();
+        hbrc::test::DialogDriver driver;  // cancels "Post-Saving: Mark For Add"
+        EXPECT_FALSE(workspace->Save().cancelled);
+        EXPECT_EQ(driver.seenTitles().size(), 1);
+    }
+    ASSERT_TRUE(workspace->SetField(Asset("Weed"), "note", "saved again"));
+    WithoutWindows([&] { EXPECT_FALSE(workspace->Save().cancelled); });
+    EXPECT_EQ(StatusOf("Weed") & kel4::eStatusNotInDatabase, kel4::eStatusNotInDatabase) << "declined";
 }
 
 // The new assets of a save go to the server in one mark-for-add; a server that refuses it for some

@@ -1,11 +1,8 @@
 #include "svnchangelists.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
+#include "svnadvisorylock.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -49,36 +46,6 @@ int IdNumber(const revision::ChangelistId& id)
         return 0;
     return std::stoi(id);
 }
-
-// An exclusive advisory lock on a file, held from construction to destruction. flock() locks
-// belong to the open file, so two connections in one process exclude each other as two
-// processes do.
-class ExclusiveLock
-{
-public:
-    explicit ExclusiveLock(const std::string& file) : m_fd(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644))
-    {
-        int locked = -1;
-        while (m_fd >= 0 && (locked = ::flock(m_fd, LOCK_EX)) != 0 && errno == EINTR) {
-        }
-        if (m_fd >= 0 && locked != 0) {
-            ::close(m_fd);
-            m_fd = -1;
-        }
-    }
-    ~ExclusiveLock()
-    {
-        if (m_fd >= 0)
-            ::close(m_fd);
-    }
-    ExclusiveLock(const ExclusiveLock&) = delete;
-    ExclusiveLock& operator=(const ExclusiveLock&) = delete;
-
-    bool held() const { return m_fd >= 0; }
-
-private:
-    int m_fd;
-};
 
 revision::Result Unknown(const revision::ChangelistId& id)
 {
@@ -161,7 +128,7 @@ revision::Result SvnChangelists::erase(const revision::ChangelistId& id) const
 
 revision::Result SvnChangelists::change(const std::function<revision::Result(Records&)>& edit) const
 {
-    const ExclusiveLock lock(m_lockFile);
+    const SvnAdvisoryLock lock(m_lockFile, SvnAdvisoryLock::Mode::Exclusive);
     if (!lock.held())
         return {revision::code::IoError, "Cannot lock the changelists of the working copy in " + m_lockFile};
     Records records = read();

@@ -1,5 +1,6 @@
 #include "svnserver.h"
 
+#include "svnadvisorylock.h"
 #include "svnconnectionbreaker.h"
 #include "svnservercall.h"
 #include "svnworkspacechanges.h"
@@ -16,9 +17,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <optional>
-#include <random>
 #include <set>
 #include <thread>
 
@@ -31,18 +30,6 @@ namespace code = revision::code;
 namespace status = revision::status;
 
 constexpr unsigned kOpenHere = status::OpenedForEdit | status::OpenedForAdd | status::OpenedForDelete;
-
-std::string NewTicket()
-{
-    std::random_device random;
-    std::string ticket;
-    for (int i = 0; i < 4; ++i) {
-        char part[9];
-        std::snprintf(part, sizeof part, "%08x", random());
-        ticket += part;
-    }
-    return ticket;
-}
 
 std::string Canonical(const std::string& path, apr_pool_t* pool)
 {
@@ -243,9 +230,11 @@ Result SvnServer::login(const std::string& user, const std::string& password, co
     }
     // Kept at the working copy's root, whichever of its folders the workspace names, so that every
     // session on the working copy shares them.
-    session->changelists =
-        std::make_unique<SvnChangelists>(svn_dirent_join(root, svn_wc_get_adm_dir(call.pool()), call.pool()));
-    ticket = NewTicket();
+    const std::string adminFolder = svn_dirent_join(root, svn_wc_get_adm_dir(call.pool()), call.pool());
+    session->changelists = std::make_unique<SvnChangelists>(adminFolder);
+    session->origin = SvnWorkingCopyId::Of(root, adminFolder);
+    session->lockingFile = adminFolder + "/hbrc-locking.lock";
+    ticket = SvnRandomId();
     m_sessions[ticket] = std::move(session);
     return {};
 }
@@ -314,6 +303,10 @@ Result SvnServer::statusWords(Call& call, const Files& files, bool askRepository
     const Result result = askRepository ? call.ask(err) : call.finish(err);
     if (!result.ok())
         return result;
+    // The first question after a server came back sees the locks it left: released there, whatever
+    // the user does next (a check-out she cancels, or none), so that nobody finds the files held.
+    if (askRepository)
+        releaseStrayLocks(call, nodes);
     statuses.clear();
     statuses.reserve(files.size());
     for (const std::string& file : files) {
@@ -380,15 +373,19 @@ Result SvnServer::edit(const std::string& ticket, const Files& files, const revi
     if (Result checked = checkFilesMayChange(call, "edit", files, changelist, statuses, &strays); !checked.ok())
         return checked;
 
+    // No stray of this working copy is released while its locks are taken (see releaseStrayLocks).
+    const SvnAdvisoryLock locking(call.session().lockingFile, SvnAdvisoryLock::Mode::Shared);
+    const std::string comment = call.session().origin.lockComment();
     Result tookBack;
     if (!strays.empty()) {
-        // Locks in the user's own name that this working copy holds no token for: a server that
-        // died during a check-out took them without answering. Re-taken with the user's authority.
-        if (Result taken = call.ask(svn_client_lock(call.paths(strays), "", TRUE, call.context(), call.pool()));
+        // Locks in the user's own name that this working copy holds no token for: taken from
+        // another working copy of hers, or left by a check-out the server died during before the
+        // status walk could release them. Re-taken with the user's authority.
+        if (Result taken = call.ask(svn_client_lock(call.paths(strays), comment.c_str(), TRUE, call.context(), call.pool()));
             !taken.ok())
             return taken;
-        tookBack.error = "Took back the locks that an interrupted check-out left in " +
-                         call.session().credentials.user + "'s name:\n";
+        tookBack.error = "Took back the locks in " + call.session().credentials.user +
+                         "'s name that this working copy held no token for:\n";
         for (const std::string& file : strays)
             tookBack.error += "  " + file + "\n";
     }
@@ -401,7 +398,7 @@ Result SvnServer::edit(const std::string& ticket, const Files& files, const revi
         LockOutcome outcome;
         call.context()->notify_func2 = LockOutcome::Notify;
         call.context()->notify_baton2 = &outcome;
-        Result locked = call.ask(svn_client_lock(call.paths(toLock), "", FALSE, call.context(), call.pool()));
+        Result locked = call.ask(svn_client_lock(call.paths(toLock), comment.c_str(), FALSE, call.context(), call.pool()));
         if (locked.ok() && !outcome.failures.empty())
             locked = {code::Failed, "Cannot open for edit:" + outcome.failures};
         if (!locked.ok()) {

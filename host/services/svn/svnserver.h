@@ -6,6 +6,7 @@
 #include "svnchangelists.h"
 #include "svnclient.h"
 #include "svnstatuswalk.h"
+#include "svnworkingcopyid.h"
 
 #include <atomic>
 #include <map>
@@ -90,6 +91,8 @@ private:
         SvnCredentials credentials;
         std::string workingCopy;
         std::unique_ptr<SvnChangelists> changelists;
+        SvnWorkingCopyId origin;   // named in the comment of the locks this session takes
+        std::string lockingFile;   // held shared while locks are taken, exclusively while strays are released
     };
     class Call;
 
@@ -104,6 +107,10 @@ private:
                                          Files* ownStrayLocks = nullptr);
     revision::Result statusWords(Call& call, const Files& files, bool askRepository,
                                  std::vector<revision::FileStatus>& statuses, SvnStatusMap* walked = nullptr);
+    // Gives up the locks that the walk (with the repository asked) found in the session user's
+    // name, taken from this working copy, whose tokens it does not hold: a server that died during
+    // a check-out granted them without answering. Says so in the log; the walk then shows them free.
+    void releaseStrayLocks(Call& call, SvnStatusMap& walked);
 
     std::string m_url;
     SvnClient m_client;

@@ -22,6 +22,7 @@ svn_error_t* Record(void* baton, const char* path, const svn_client_status_t* st
     if (status->repos_lock) {
         node.repositoryLockToken = status->repos_lock->token ? status->repos_lock->token : "";
         node.repositoryLockOwner = status->repos_lock->owner ? status->repos_lock->owner : "";
+        node.repositoryLockComment = status->repos_lock->comment ? status->repos_lock->comment : "";
     }
     if (status->changelist)
         node.changelist = status->changelist;

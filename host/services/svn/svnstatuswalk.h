@@ -18,6 +18,7 @@ struct SvnNodeStatus
     std::string localLockToken;                           // the lock this working copy holds
     std::string repositoryLockToken;                      // the lock the repository knows of
     std::string repositoryLockOwner;
+    std::string repositoryLockComment;
     std::string changelist;
     std::string repositoryPath;                           // "^/" and the path in the repository
     long changedRevision = 0;                             // the last change this node has

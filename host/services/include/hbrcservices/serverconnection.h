@@ -84,6 +84,8 @@ public:
 
     TimeOutRunner& Runner() { return m_runner; }
     StatusCache& Cache() { return m_cache; }
+    // Calls to the server that failed (refused, unreachable, past their deadline), log-ins included.
+    std::uint64_t FailedCalls() const { return m_failedCalls; }
 
     // --- for tests and benchmarks -------------------------------------------------------------
     // Round trips made to the server through this connection, log-ins included.
@@ -103,6 +105,7 @@ private:
     ConnectionOptions m_options;
     std::unique_ptr<RevisionServer> m_server;
     std::uint64_t m_roundTripsBefore = 0;  // made through servers this connection has left
+    std::uint64_t m_failedCalls = 0;
     TimeOutRunner m_runner;
     StatusCache m_cache;
     bool m_running = false;
