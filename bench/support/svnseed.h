@@ -1,0 +1,147 @@
+#pragma once
+
+// A Subversion repository whose first revision holds a set of files, each with svn:needs-lock as
+// the services' add gives it, and a working copy of that revision. Adding and committing 100,000
+// files through the client library takes about an hour on a small machine; here the repository
+// is loaded from one generated dump stream (svnadmin load) and the working copy is one checkout
+// over file://. Both are built once per name in the temporary folder (TMPDIR) and kept there, so
+// that later runs only copy them: a benchmark serves a copy of the repository and moves a copy of
+// the working copy to the server's URL (DepotWorkspace). Header-only; throws std::runtime_error
+// when a step fails.
+
+#include <svnrepositoryfixture.h>
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <functional>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace hbrc::bench {
+
+class SvnSeed
+{
+public:
+    // Writes the files into the (empty) folder given and returns their absolute paths.
+    using WriteFiles = std::function<std::vector<std::string>(const QString& folder)>;
+
+    // The seed kept as the temporary folder's sub-folder name, built with write when it is not
+    // there yet (a seed of another count needs another name).
+    SvnSeed(const QString& name, const WriteFiles& write) : m_folder(QDir(QDir::tempPath()).filePath(name))
+    {
+        m_reused = QFileInfo::exists(m_folder);
+        if (!m_reused)
+            Build(write);
+    }
+
+    bool Reused() const { return m_reused; }
+    std::string Repository() const { return QFile::encodeName(m_folder + QStringLiteral("/repository")).toStdString(); }
+
+    // Copies the working copy into folder (existing, empty) and points it at url, a served copy of
+    // Repository().
+    void CopyWorkingCopy(const std::string& folder, const std::string& url) const
+    {
+        std::filesystem::copy(QFile::encodeName(WorkingCopy()).toStdString(), folder,
+                              std::filesystem::copy_options::recursive);
+        Svn({QStringLiteral("relocate"), QString::fromStdString(url), QString::fromStdString(folder),
+             QStringLiteral("--username"), QStringLiteral("alice"), QStringLiteral("--password"),
+             QStringLiteral("alice-pw")});
+    }
+
+private:
+    QString WorkingCopy() const { return m_folder + QStringLiteral("/workingcopy"); }
+
+    // Built beside the final folder and renamed into place when complete, so that an interrupted
+    // build is never taken for a seed.
+    void Build(const WriteFiles& write)
+    {
+        const QString building = m_folder + QStringLiteral(".building-%1").arg(::getpid());
+        QDir(building).removeRecursively();
+        const QString files = building + QStringLiteral("/files");
+        if (!QDir().mkpath(files))
+            throw std::runtime_error("cannot make " + files.toStdString());
+        const QString root = QDir(files).canonicalPath();
+        {
+            const SvnRepositoryFixture repository(building, SvnRepositoryFixture::Access::Local);
+            repository.Load(Dump(root, write(root)));
+            Svn({QStringLiteral("checkout"), QStringLiteral("--quiet"), QString::fromStdString(repository.Url()),
+                 building + QStringLiteral("/workingcopy")});
+        }
+        QDir(files).removeRecursively();
+        if (!QDir().rename(building, m_folder) && !QFileInfo::exists(m_folder))
+            throw std::runtime_error("cannot rename " + building.toStdString());
+        QDir(building).removeRecursively();  // another run finished the same seed first
+    }
+
+    // One revision by alice adding the files below root with their folders, each file with
+    // svn:needs-lock.
+    static QByteArray Dump(const QString& root, const std::vector<std::string>& files)
+    {
+        const QDir base(root);
+        std::set<QByteArray> folders;
+        std::vector<QByteArray> paths;
+        for (const std::string& file : files) {
+            const QByteArray path = QFile::encodeName(base.relativeFilePath(QFile::decodeName(file.c_str())));
+            for (qsizetype slash = path.indexOf('/'); slash > 0; slash = path.indexOf('/', slash + 1))
+                folders.insert(path.left(slash));
+            paths.push_back(path);
+        }
+        const QByteArray date = QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs).chopped(1).toLatin1()
+                                + "000Z";
+        QByteArray dump = "SVN-fs-dump-format-version: 2\n\n";
+        const QByteArray revision =
+            Properties({{"svn:log", "benchmark files"}, {"svn:author", "alice"}, {"svn:date", date}});
+        dump += "Revision-number: 1\nProp-content-length: " + QByteArray::number(revision.size())
+                + "\nContent-length: " + QByteArray::number(revision.size()) + "\n\n" + revision + "\n";
+        const QByteArray noProperties = Properties({});
+        for (const QByteArray& folder : folders)  // a folder sorts before the folders inside it
+            dump += "Node-path: " + folder + "\nNode-kind: dir\nNode-action: add\nProp-content-length: "
+                    + QByteArray::number(noProperties.size()) + "\nContent-length: "
+                    + QByteArray::number(noProperties.size()) + "\n\n" + noProperties + "\n\n";
+        const QByteArray needsLock = Properties({{"svn:needs-lock", "*"}});
+        for (const QByteArray& path : paths) {
+            QFile file(base.filePath(QFile::decodeName(path)));
+            if (!file.open(QIODevice::ReadOnly))
+                throw std::runtime_error("cannot read " + path.toStdString());
+            const QByteArray text = file.readAll();
+            dump += "Node-path: " + path + "\nNode-kind: file\nNode-action: add\nProp-content-length: "
+                    + QByteArray::number(needsLock.size()) + "\nText-content-length: " + QByteArray::number(text.size())
+                    + "\nContent-length: " + QByteArray::number(needsLock.size() + text.size()) + "\n\n" + needsLock
+                    + text + "\n\n";
+        }
+        return dump;
+    }
+
+    static QByteArray Properties(const std::vector<std::pair<QByteArray, QByteArray>>& properties)
+    {
+        QByteArray block;
+        for (const auto& [key, value] : properties)
+            block += "K " + QByteArray::number(key.size()) + "\n" + key + "\nV " + QByteArray::number(value.size())
+                     + "\n" + value + "\n";
+        return block + "PROPS-END\n";
+    }
+
+    // The command-line client, with alice's credentials where asked, nothing cached.
+    static void Svn(QStringList arguments)
+    {
+        arguments << QStringLiteral("--non-interactive") << QStringLiteral("--no-auth-cache");
+        QProcess process;
+        process.start(QStringLiteral("svn"), arguments);
+        if (!process.waitForFinished(-1) || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+            throw std::runtime_error("svn " + arguments.join(' ').toStdString()
+                                     + " failed: " + process.readAllStandardError().toStdString());
+    }
+
+    QString m_folder;
+    bool m_reused = false;
+};
+
+}  // namespace hbrc::bench
