@@ -15,6 +15,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QTemporaryDir>
 
 #include <unistd.h>
 
@@ -59,23 +60,27 @@ public:
 private:
     QString WorkingCopy() const { return m_folder + QStringLiteral("/workingcopy"); }
 
-    // Built beside the final folder and renamed into place when complete, so that an interrupted
-    // build is never taken for a seed.
+    // Built in memory (/dev/shm, where the many small writes and flushes of the save, the load and
+    // the checkout cost no disk time) when the machine has it, then copied beside the final folder
+    // and renamed into place when complete, so that an interrupted build is never taken for a seed.
     void Build(const WriteFiles& write)
     {
-        const QString building = m_folder + QStringLiteral(".building-%1").arg(::getpid());
-        QDir(building).removeRecursively();
-        const QString files = building + QStringLiteral("/files");
-        if (!QDir().mkpath(files))
+        const bool inMemory = QFileInfo(QStringLiteral("/dev/shm")).isWritable();
+        QTemporaryDir scratch(inMemory ? QStringLiteral("/dev/shm/hbrc-seed-XXXXXX") : m_folder + QStringLiteral("-XXXXXX"));
+        const QString files = scratch.filePath(QStringLiteral("files"));
+        if (!scratch.isValid() || !QDir().mkpath(files))
             throw std::runtime_error("cannot make " + files.toStdString());
         const QString root = QDir(files).canonicalPath();
         {
-            const SvnRepositoryFixture repository(building, SvnRepositoryFixture::Access::Local);
+            const SvnRepositoryFixture repository(scratch.path(), SvnRepositoryFixture::Access::Local);
             repository.Load(Dump(root, write(root)));
             Svn({QStringLiteral("checkout"), QStringLiteral("--quiet"), QString::fromStdString(repository.Url()),
-                 building + QStringLiteral("/workingcopy")});
+                 scratch.filePath(QStringLiteral("workingcopy"))});
         }
         QDir(files).removeRecursively();
+        const QString building = m_folder + QStringLiteral(".building-%1").arg(::getpid());
+        std::filesystem::copy(QFile::encodeName(scratch.path()).toStdString(), QFile::encodeName(building).toStdString(),
+                              std::filesystem::copy_options::recursive);
         if (!QDir().rename(building, m_folder) && !QFileInfo::exists(m_folder))
             throw std::runtime_error("cannot rename " + building.toStdString());
         QDir(building).removeRecursively();  // another run finished the same seed first
