@@ -19,7 +19,6 @@
 
 #include <unistd.h>
 
-#include <filesystem>
 #include <functional>
 #include <set>
 #include <stdexcept>
@@ -50,8 +49,7 @@ public:
     // Repository().
     void CopyWorkingCopy(const std::string& folder, const std::string& url) const
     {
-        std::filesystem::copy(QFile::encodeName(WorkingCopy()).toStdString(), folder,
-                              std::filesystem::copy_options::recursive);
+        Copy(WorkingCopy(), QString::fromStdString(folder));
         Svn({QStringLiteral("relocate"), QString::fromStdString(url), QString::fromStdString(folder),
              QStringLiteral("--username"), QStringLiteral("alice"), QStringLiteral("--password"),
              QStringLiteral("alice-pw")});
@@ -79,8 +77,7 @@ private:
         }
         QDir(files).removeRecursively();
         const QString building = m_folder + QStringLiteral(".building-%1").arg(::getpid());
-        std::filesystem::copy(QFile::encodeName(scratch.path()).toStdString(), QFile::encodeName(building).toStdString(),
-                              std::filesystem::copy_options::recursive);
+        Copy(scratch.path(), building);
         if (!QDir().rename(building, m_folder) && !QFileInfo::exists(m_folder))
             throw std::runtime_error("cannot rename " + building.toStdString());
         QDir(building).removeRecursively();  // another run finished the same seed first
@@ -134,14 +131,26 @@ private:
         return block + "PROPS-END\n";
     }
 
-    // The command-line client, with alice's credentials where asked, nothing cached.
-    static void Svn(QStringList arguments)
+    // Copies the folder's content into target (made when missing) with the files' times: a working
+    // copy whose files are younger than its records would have every file compared with its
+    // pristine copy by each status walk.
+    static void Copy(const QString& folder, const QString& target)
     {
-        arguments << QStringLiteral("--non-interactive") << QStringLiteral("--no-auth-cache");
+        Run(QStringLiteral("cp"), {QStringLiteral("-a"), folder + QStringLiteral("/."), target});
+    }
+
+    // The command-line client, with alice's credentials where asked, nothing cached.
+    static void Svn(const QStringList& arguments)
+    {
+        Run(QStringLiteral("svn"), arguments + QStringList{QStringLiteral("--non-interactive"), QStringLiteral("--no-auth-cache")});
+    }
+
+    static void Run(const QString& program, const QStringList& arguments)
+    {
         QProcess process;
-        process.start(QStringLiteral("svn"), arguments);
+        process.start(program, arguments);
         if (!process.waitForFinished(-1) || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
-            throw std::runtime_error("svn " + arguments.join(' ').toStdString()
+            throw std::runtime_error((program + QLatin1Char(' ') + arguments.join(QLatin1Char(' '))).toStdString()
                                      + " failed: " + process.readAllStandardError().toStdString());
     }
 
