@@ -45,11 +45,22 @@ public:
     bool Reused() const { return m_reused; }
     std::string Repository() const { return QFile::encodeName(m_folder + QStringLiteral("/repository")).toStdString(); }
 
-    // Copies the working copy into folder (existing, empty) and points it at url, a served copy of
-    // Repository().
+    // Copies the working copy into folder (existing, empty, in the temporary folder too) and points
+    // it at url, a served copy of Repository(). The pristine copies, which the client never
+    // changes in place, are hard links: half the files to write, and to delete afterwards.
     void CopyWorkingCopy(const std::string& folder, const std::string& url) const
     {
-        Copy(WorkingCopy(), QString::fromStdString(folder));
+        const QString target = QString::fromStdString(folder);
+        const QDir source(WorkingCopy());
+        const QString administrative = source.filePath(QStringLiteral(".svn"));
+        const QString targetAdministrative = target + QStringLiteral("/.svn");
+        Run(QStringLiteral("cp"), QStringList{QStringLiteral("-a")} + EntriesBut(source, administrative) + QStringList{target});
+        if (!QDir().mkpath(targetAdministrative))
+            throw std::runtime_error("cannot make " + targetAdministrative.toStdString());
+        const QString pristine = administrative + QStringLiteral("/pristine");
+        Run(QStringLiteral("cp"), QStringList{QStringLiteral("-a")} + EntriesBut(QDir(administrative), pristine)
+                                      + QStringList{targetAdministrative});
+        Run(QStringLiteral("cp"), {QStringLiteral("-a"), QStringLiteral("--link"), pristine, targetAdministrative});
         Svn({QStringLiteral("relocate"), QString::fromStdString(url), QString::fromStdString(folder),
              QStringLiteral("--username"), QStringLiteral("alice"), QStringLiteral("--password"),
              QStringLiteral("alice-pw")});
@@ -144,6 +155,16 @@ private:
     {
         if (!file.resize(0) || !file.seek(0) || file.write(content) != content.size() || !file.flush())
             throw std::runtime_error("cannot write " + file.fileName().toStdString());
+    }
+
+    // The paths of the folder's entries, hidden ones too, except the path left out.
+    static QStringList EntriesBut(const QDir& folder, const QString& leftOut)
+    {
+        QStringList paths;
+        for (const QString& entry : folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
+            if (folder.filePath(entry) != leftOut)
+                paths << folder.filePath(entry);
+        return paths;
     }
 
     // Copies the folder's content into target (made when missing) with the files' times: a working
