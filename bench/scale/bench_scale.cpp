@@ -94,14 +94,15 @@ std::unique_ptr<hbrc::bench::SvnSeed> Seed(int count)
 {
     if (server() != hbrc::bench::DepotWorkspace::Server::SvnServe)
         return nullptr;
-    return std::make_unique<hbrc::bench::SvnSeed>(QStringLiteral("hbrc-bench-scale-%1").arg(count), [count](const QString& folder) {
+    const auto write = [count](const QString& folder) {
         std::string error;
         const auto space = Workspace::Open(folder, error);
         if (!space)
             throw std::runtime_error(error);
         CreateAssets(*space, count);
         return SaveAll(*space);
-    });
+    };
+    return std::make_unique<hbrc::bench::SvnSeed>(QStringLiteral("hbrc-bench-scale-%1").arg(count), write);
 }
 
 // The depot workspace with its assets created, saved and submitted, built once per run.

@@ -54,7 +54,8 @@ public:
         const QDir source(WorkingCopy());
         const QString administrative = source.filePath(QStringLiteral(".svn"));
         const QString targetAdministrative = target + QStringLiteral("/.svn");
-        Run(QStringLiteral("cp"), QStringList{QStringLiteral("-a")} + EntriesBut(source, administrative) + QStringList{target});
+        Run(QStringLiteral("cp"),
+            QStringList{QStringLiteral("-a")} + EntriesBut(source, administrative) + QStringList{target});
         if (!QDir().mkpath(targetAdministrative))
             throw std::runtime_error("cannot make " + targetAdministrative.toStdString());
         const QString pristine = administrative + QStringLiteral("/pristine");
@@ -75,7 +76,8 @@ private:
     void Build(const WriteFiles& write)
     {
         const bool inMemory = QFileInfo(QStringLiteral("/dev/shm")).isWritable();
-        QTemporaryDir scratch(inMemory ? QStringLiteral("/dev/shm/hbrc-seed-XXXXXX") : m_folder + QStringLiteral("-XXXXXX"));
+        QTemporaryDir scratch(inMemory ? QStringLiteral("/dev/shm/hbrc-seed-XXXXXX")
+                                       : m_folder + QStringLiteral("-XXXXXX"));
         const QString files = scratch.filePath(QStringLiteral("files"));
         if (!scratch.isValid() || !QDir().mkpath(files))
             throw std::runtime_error("cannot make " + files.toStdString());
@@ -89,7 +91,8 @@ private:
             if (!settings.open(QIODevice::ReadWrite))
                 throw std::runtime_error("cannot open " + settings.fileName().toStdString());
             const QByteArray usual = settings.readAll();
-            Rewrite(settings, QByteArray(usual).replace("[rep-sharing]\n", "[rep-sharing]\nenable-rep-sharing = false\n"));
+            Rewrite(settings,
+                    QByteArray(usual).replace("[rep-sharing]\n", "[rep-sharing]\nenable-rep-sharing = false\n"));
             repository.Load(Dump(root, write(root)));
             Rewrite(settings, usual);
             Svn({QStringLiteral("checkout"), QStringLiteral("--quiet"), QString::fromStdString(repository.Url()),
@@ -178,7 +181,8 @@ private:
     // The command-line client, with alice's credentials where asked, nothing cached.
     static void Svn(const QStringList& arguments)
     {
-        Run(QStringLiteral("svn"), arguments + QStringList{QStringLiteral("--non-interactive"), QStringLiteral("--no-auth-cache")});
+        Run(QStringLiteral("svn"),
+            arguments + QStringList{QStringLiteral("--non-interactive"), QStringLiteral("--no-auth-cache")});
     }
 
     static void Run(const QString& program, const QStringList& arguments)
