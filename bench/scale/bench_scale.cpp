@@ -6,21 +6,25 @@
 // - refreshing the status of every asset (one object-status question, as a refresh asks it), with
 //   the depot round trips it costs;
 // - saving 1,000 edited assets.
-// Each is timed once per iteration; the peak memory of the process (getrusage) is printed at the
-// end. Run it with TMPDIR on a real disk to include the save's flush.
+// Each is timed once per iteration. Printed at the end: the set-up's time and peak memory, and the
+// process's peak memory while measuring (counted anew after the set-up). On svnserve the submitted
+// assets come from a seed kept in TMPDIR as hbrc-bench-scale-COUNT (built by the first run of a
+// count; delete it to build it anew). Run it with TMPDIR on a real disk to include the save's flush.
 #include <depotworkspace.h>
 
 #include <benchmark/benchmark.h>
 
+#include <QFile>
+
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <stdexcept>
 #include <iterator>
+#include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
-
-#include <sys/resource.h>
 
 using namespace hbrc::host;
 
@@ -41,6 +45,66 @@ hbrc::bench::DepotWorkspace::Server server()
                                                                : hbrc::bench::DepotWorkspace::Server::EmbeddedDepot;
 }
 
+// The assets of a run, named Asset0... in 100 folders, created in the workspace (not saved yet).
+std::vector<KELHandle<kel4::IAsset>> CreateAssets(Workspace& space, int count)
+{
+    std::vector<KELHandle<kel4::IAsset>> handles;
+    std::string error;
+    for (int i = 0; i < count; ++i) {
+        NewAsset asset;
+        asset.kind = AssetKind::Metadata;
+        asset.name = "Asset" + std::to_string(i);
+        asset.folder = "level" + std::to_string(i % 100);
+        handles.push_back(space.CreateAsset(asset, error));
+        if (handles.back().IsNull())
+            throw std::runtime_error(error);
+    }
+    return handles;
+}
+
+// Saves the workspace; the files written.
+std::vector<std::string> SaveAll(Workspace& space)
+{
+    const SaveReport saved = space.Save();
+    if (!saved.Succeeded())
+        throw std::runtime_error(saved.DescribeFailures());
+    return saved.writtenFiles;
+}
+
+// The workspace's assets in the order CreateAssets made them.
+std::vector<KELHandle<kel4::IAsset>> AssetsInCreationOrder(const Workspace& space, int count)
+{
+    std::vector<KELHandle<kel4::IAsset>> handles(static_cast<std::size_t>(count));
+    const ObjectStore& store = space.Model().Store();
+    store.ForEachLive([&](std::uint32_t slot) {
+        const std::string& name = store.NameOf(slot);
+        if (store.IsAsset(slot) && name.rfind("Asset", 0) == 0)
+            if (const int index = std::atoi(name.c_str() + 5); index >= 0 && index < count)
+                handles[std::size_t(index)] = KELHandle<kel4::IAsset>::AssignCast(space.Model().HandleOf(slot));
+    });
+    if (std::any_of(handles.begin(), handles.end(), [](const auto& handle) { return handle.IsNull(); }))
+        throw std::runtime_error("the workspace misses assets");
+    return handles;
+}
+
+// On svnserve, the assets come submitted already from a seed built once per count (see SvnSeed),
+// as committing them through the server takes about an hour at 100,000; a seed's working copy is
+// the state that commit leaves, at one revision.
+std::unique_ptr<hbrc::bench::SvnSeed> Seed(int count)
+{
+    if (server() != hbrc::bench::DepotWorkspace::Server::SvnServe)
+        return nullptr;
+    const auto write = [count](const QString& folder) {
+        std::string error;
+        const auto space = Workspace::Open(folder, error);
+        if (!space)
+            throw std::runtime_error(error);
+        CreateAssets(*space, count);
+        return SaveAll(*space);
+    };
+    return std::make_unique<hbrc::bench::SvnSeed>(QStringLiteral("hbrc-bench-scale-%1").arg(count), write);
+}
+
 // The depot workspace with its assets created, saved and submitted, built once per run.
 class Scene
 {
@@ -53,6 +117,7 @@ public:
 
     hbrc::bench::DepotWorkspace& Depot() { return m_depot; }
     const kel4::IDataControl::ObjectList& Assets() const { return m_assets; }
+    bool SeedReused() const { return m_seed && m_seed->Reused(); }
     void Edit(int count)
     {
         ++m_edits;
@@ -62,31 +127,25 @@ public:
     }
 
 private:
-    Scene() : m_depot(server())
+    Scene() : m_seed(Seed(assetCount())), m_depot(server(), m_seed.get())
     {
         const int count = assetCount();
-        std::string error;
-        for (int i = 0; i < count; ++i) {
-            NewAsset asset;
-            asset.kind = AssetKind::Metadata;
-            asset.name = "Asset" + std::to_string(i);
-            asset.folder = "level" + std::to_string(i % 100);
-            const KELHandle<kel4::IAsset> created = m_depot.Space().CreateAsset(asset, error);
-            if (created.IsNull())
-                throw std::runtime_error(error);
-            m_handles.push_back(created);
-            m_assets.emplace_back(created);
+        if (m_seed)
+            m_handles = AssetsInCreationOrder(m_depot.Space(), count);
+        else {
+            m_handles = CreateAssets(m_depot.Space(), count);
+            m_depot.Submit(SaveAll(m_depot.Space()));
         }
-        const SaveReport saved = m_depot.Space().Save();
-        if (!saved.Succeeded())
-            throw std::runtime_error(saved.DescribeFailures());
-        m_depot.Submit(saved.writtenFiles);
+        for (const auto& handle : m_handles)
+            m_assets.emplace_back(handle);
         // The assets the save benchmark edits are checked out (writable), as a user's would be.
         const kel4::IDataControl::ObjectList edited(m_assets.begin(), std::next(m_assets.begin(), std::min(count, kEdited)));
+        std::string error;
         if (m_depot.Data().CheckOut(edited, true, kel4::closureId::Persistence, "", error).IsFailure())
             throw std::runtime_error(error);
     }
 
+    std::unique_ptr<hbrc::bench::SvnSeed> m_seed;
     hbrc::bench::DepotWorkspace m_depot;
     std::vector<KELHandle<kel4::IAsset>> m_handles;
     kel4::IDataControl::ObjectList m_assets;
@@ -142,13 +201,48 @@ BENCHMARK(BM_SaveEditedAssets)->Arg(kEdited)->Unit(benchmark::kMillisecond)->Ite
 
 }  // namespace
 
+// The process's peak resident memory in MiB since it started or since the last ResetPeakMemory().
+double PeakMemory()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (status.open(QIODevice::ReadOnly))
+        for (const QByteArray& line : status.readAll().split('\n'))
+            if (line.startsWith("VmHWM:"))
+                return line.mid(6).trimmed().split(' ').front().toDouble() / 1024.0;
+    throw std::runtime_error("no peak memory in /proc/self/status");
+}
+
+void ResetPeakMemory()
+{
+    QFile clear(QStringLiteral("/proc/self/clear_refs"));
+    if (clear.open(QIODevice::WriteOnly))
+        clear.write("5");
+}
+
 int main(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
+    // The scene is built before the benchmarks so that the peak memory they report is that of the
+    // workspace, its services and the measured work, not of the set-up's own (a commit through the
+    // client library, or building a seed).
+    const auto started = std::chrono::steady_clock::now();
+    const Scene* scene = nullptr;
+    try {
+        scene = &Scene::Get();
+    } catch (const std::exception& failure) {  // caught so that the set-up's server stops
+        std::fprintf(stderr, "set-up failed: %s\n", failure.what());
+        return 1;
+    }
+    const double setUpSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+    const double setUpPeak = PeakMemory();
+    ResetPeakMemory();
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    std::printf("peak memory: %.0f MiB\n", double(usage.ru_maxrss) / 1024.0);
+    std::printf("set-up: %.0f s%s, peak memory %.0f MiB\n", setUpSeconds,
+                server() == hbrc::bench::DepotWorkspace::Server::SvnServe
+                    ? (scene->SeedReused() ? " (Subversion seed reused)" : " (Subversion seed built)")
+                    : "",
+                setUpPeak);
+    std::printf("peak memory: %.0f MiB\n", PeakMemory());
     return 0;
 }

@@ -4,10 +4,10 @@
 // workspace over a fresh folder, the folder opened as a data-model workspace, and the services
 // installed and logged in (the cheapest password hash, so that set-up stays short). Or the same
 // on a Subversion repository served by svnserve on 127.0.0.1, the folder being alice's working
-// copy. Throws std::runtime_error when a step fails. Header-only; the benchmark links
-// hbrc_services.
+// copy: of an empty repository, or of a copy of a seed's (its files submitted already). Throws
+// std::runtime_error when a step fails. Header-only; the benchmark links hbrc_services.
 
-#include <svnrepositoryfixture.h>
+#include <svnseed.h>
 
 #include <depot/depot.h>
 #include <hbrcdatamodel/workspace.h>
@@ -30,7 +30,7 @@ class DepotWorkspace
 public:
     enum class Server { EmbeddedDepot, SvnServe };
 
-    explicit DepotWorkspace(Server server = Server::EmbeddedDepot)
+    explicit DepotWorkspace(Server server = Server::EmbeddedDepot, const SvnSeed* seed = nullptr)
     {
         using namespace hbrc::host;
         QDir(m_dir.path()).mkpath(QStringLiteral("ws"));
@@ -38,8 +38,11 @@ public:
         std::string serverSetting;
         RevisionControlAccount account{"alice", "alice-pw", m_root};
         if (server == Server::SvnServe) {
-            m_repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served);
+            m_repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served,
+                                                                  seed ? seed->Repository() : std::string());
             serverSetting = m_repository->Url();
+            if (seed)
+                seed->CopyWorkingCopy(m_root, serverSetting);
         } else {
             serverSetting = m_dir.filePath(QStringLiteral("depot.db")).toStdString();
             account = {"bench", "pw", "bench-ws"};

@@ -2,9 +2,9 @@
 
 // A fresh Subversion repository for tests and benchmarks, header-only: made with svnadmin in a
 // folder, with the users alice ("alice-pw") and bob ("bob-pw") in its password file and anonymous
-// access off. Served by svnserve on 127.0.0.1 at a free port (threads, so that stopping the
-// server ends its connections too), or reached directly through a file:// URL. The server stops
-// when the object is destroyed.
+// access off, or a copy of another repository made so (seed: its folder). Served by svnserve on
+// 127.0.0.1 at a free port (threads, so that stopping the server ends its connections too), or
+// reached directly through a file:// URL. The server stops when the object is destroyed.
 
 #include <QDir>
 #include <QFile>
@@ -29,9 +29,9 @@ public:
     enum class Access { Served, Local };
     static constexpr const char* kUsers = "alice = alice-pw\nbob = bob-pw\n";
 
-    SvnRepositoryFixture(const QString& folder, Access access) : m_folder(folder)
+    SvnRepositoryFixture(const QString& folder, Access access, const std::string& seed = {}) : m_folder(folder)
     {
-        std::filesystem::copy(EmptyRepository(), QFile::encodeName(RepositoryPath()).toStdString(),
+        std::filesystem::copy(seed.empty() ? EmptyRepository() : seed, QFile::encodeName(RepositoryPath()).toStdString(),
                               std::filesystem::copy_options::recursive);
         if (access == Access::Served)
             StartServer();
