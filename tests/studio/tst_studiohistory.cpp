@@ -10,7 +10,6 @@
 #include "submittedchangesdock.h"
 #include "submittedchangesmodel.h"
 
-#include <hbrcdatamodel/kelformat.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <qtextention/qfunctoraction.h>
 #include <svnrepositoryfixture.h>
@@ -75,21 +74,8 @@ protected:
         const std::string file = server->folderPath(change.user) + "/Rock.kel";
         ASSERT_TRUE(connection.sync(ticket, {file}).ok());
         ASSERT_TRUE(connection.edit(ticket, {file}, "").ok());
-        QFile kel(QString::fromStdString(file));
-        ASSERT_TRUE(kel.open(QIODevice::ReadOnly));
-        hbrc::host::AssetRecord record;
-        std::string error;
-        ASSERT_TRUE(hbrc::host::KelFormat::Parse(kel.readAll().toStdString(), record, error)) << error;
-        kel.close();
-        for (const auto& [field, value] : change.fields)
-            record.fields[field] = value;
-        ASSERT_TRUE(kel.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        kel.write(QByteArray::fromStdString(hbrc::host::KelFormat::Serialize(record)));
-        kel.close();
-        hbrc::revision::ChangelistId submitted;
-        ASSERT_TRUE(connection.submit(ticket, "", change.description, submitted).ok());
+        SubmitFields(connection, ticket, file, change.fields, change.description);
     }
-
     HistoryPane& history() const { return window->history(); }
     // Clicks the property pane's tab of that page.
     void clickTab(const QString& page)

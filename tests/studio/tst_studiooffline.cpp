@@ -66,11 +66,7 @@ protected:
     {
         const std::string path = depot->folderPath("bob") + "/" + name + ".kel";
         ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {path}, "").ok());
-        QFile file(QString::fromStdString(path));
-        ASSERT_TRUE(file.open(QIODevice::Append) && file.write("field season = autumn\n") > 0);
-        file.close();
-        hbrc::revision::ChangelistId submitted;
-        ASSERT_TRUE(depot->bob().submit(depot->bobTicket(), "", "bob's " + std::string(name), submitted).ok());
+        SubmitFields(depot->bob(), depot->bobTicket(), path, {{"season", "autumn"}}, "bob's " + std::string(name));
     }
     // Expects the Reconcile dialog, checks what it lists, unchecks the rows named and reconciles into
     // a new changelist, from the keyboard.

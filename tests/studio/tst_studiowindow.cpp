@@ -577,20 +577,11 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     EXPECT_TRUE(synced.readAll().contains("#ff8c42"));
 
     // Bob's Rock and Sun reach alice's browser and memory through Get Latest.
-    const auto bobChanges = [this](const char* asset, const QByteArray& from, const QByteArray& to) {
-        const std::string path = depot->folderPath("bob") + "/" + asset + ".kel";
-        ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {path}, "").ok());
-        QFile file(QString::fromStdString(path));
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const QByteArray text = file.readAll().replace(from, to);
-        file.close();
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(text);
-    };
-    bobChanges("Rock", "#7a746c", "#5a544c");
-    bobChanges("Sun", "#ffe8b0", "#ffd080");
-    hbrc::revision::ChangelistId submitted;
-    ASSERT_TRUE(depot->bob().submit(depot->bobTicket(), "", "darker rock, warmer sun", submitted).ok());
+    for (const auto& [asset, colour] : {std::pair{"Rock", "#5a544c"}, std::pair{"Sun", "#ffd080"}}) {
+        bobHolds(asset);
+        SubmitFields(depot->bob(), depot->bobTicket(), depot->folderPath("bob") + "/" + asset + ".kel",
+                     {{"colour", colour}}, "bob's colour");
+    }
     select("Rock");
     EXPECT_FALSE(window->action(QStringLiteral("getLatest"))->isEnabled());
     window->refreshStatus();
