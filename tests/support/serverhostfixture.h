@@ -334,13 +334,15 @@ private:
     std::string m_bobTicket;
 };
 
-// The same host on each server in turn: TEST_P suites instantiated with
-// INSTANTIATE_TEST_SUITE_P(Servers, Suite, ServerKinds(), ServerKindName).
-class ServerFixture : public ServerHostFixture, public ::testing::WithParamInterface<ServerKind>
+// The same host (or a fixture derived from it) on each server in turn: TEST_P suites instantiated
+// with INSTANTIATE_TEST_SUITE_P(Servers, Suite, ServerKinds(), ServerKindName), or some kinds.
+template <class Fixture = ServerHostFixture>
+class OnServers : public Fixture, public ::testing::WithParamInterface<ServerKind>
 {
 public:
-    ServerKind Server() const override { return GetParam(); }
+    ServerKind Server() const override { return this->GetParam(); }
 };
+using ServerFixture = OnServers<>;
 
 inline auto ServerKinds()
 {
