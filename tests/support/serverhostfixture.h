@@ -33,7 +33,10 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -239,6 +242,18 @@ public:  // table-driven tests' rows act on the fixture from outside
             writable.push_back(QFileInfo(QFile::decodeName(QByteArray::fromStdString(file))).permissions() &
                                QFile::WriteOwner);
         return writable;
+    }
+    // A file's bytes ("" when it cannot be read); writing them, its folder made first (false when
+    // the file cannot be written).
+    static std::string ReadText(const std::string& file)
+    {
+        std::ifstream in(file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    static bool WriteText(const std::string& file, const std::string& text, std::ios::openmode mode = std::ios::trunc)
+    {
+        std::filesystem::create_directories(std::filesystem::path(file).parent_path());
+        return bool(std::ofstream(file, std::ios::binary | mode) << text);
     }
     // The asset's own .kel file.
     std::string KelFileOf(const std::string& assetName) const
