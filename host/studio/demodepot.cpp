@@ -1,5 +1,6 @@
 #include "demodepot.h"
 
+#include <hbrcdatamodel/kelformat.h>
 #include <hbrcdatamodel/workspace.h>
 
 #include <depot/depot.h>
@@ -127,6 +128,25 @@ int SeedSampleWorkspace(DemoServer& server)
     ExpectDone(alice->submit(ticket, "", "sample workspace", submitted), "alice submits the sample workspace");
     ExpectDone(server.bob().sync(server.bobTicket(), {}), "bob syncs");
     return int(assets.size());
+}
+
+void SubmitFields(host::RevisionServer& server, const std::string& ticket, const std::string& kelFile,
+                  const std::map<std::string, std::string>& fields, const std::string& description)
+{
+    QFile kel(QString::fromStdString(kelFile));
+    Expect(kel.open(QIODevice::ReadOnly), "cannot read " + kelFile);
+    host::AssetRecord record;
+    std::string error;
+    Expect(host::KelFormat::Parse(kel.readAll().toStdString(), record, error), error);
+    kel.close();
+    for (const auto& [field, value] : fields)
+        record.fields[field] = value;
+    Expect(kel.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+               kel.write(QByteArray::fromStdString(host::KelFormat::Serialize(record))) > 0,
+           "cannot write " + kelFile);
+    kel.close();
+    revision::ChangelistId submitted;
+    ExpectDone(server.submit(ticket, "", description, submitted), "submit " + kelFile);
 }
 
 QString CreateDemoDepot(const QString& parent, std::unique_ptr<DemoServer>& server)

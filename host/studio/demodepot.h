@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -59,6 +60,11 @@ private:
 // materials, meshes and textures with external files, curves, lights, level settings), submits it
 // as alice and lets bob sync it. Returns the number of assets. Throws DemoError.
 int SeedSampleWorkspace(DemoServer& server);
+
+// A user changes these fields of an asset's file that he has open for edit in his own workspace
+// and submits his default changelist with the description. Throws DemoError.
+void SubmitFields(host::RevisionServer& server, const std::string& ticket, const std::string& kelFile,
+                  const std::map<std::string, std::string>& fields, const std::string& description);
 
 // Creates a demo depot with the sample workspace in a new folder below parent ("demo-depot",
 // "demo-depot-2", ...); returns the new folder. Throws DemoError.

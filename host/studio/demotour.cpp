@@ -14,7 +14,6 @@
 #include "submittedchangesdock.h"
 #include "submittedchangesmodel.h"
 
-#include <hbrcdatamodel/kelformat.h>
 #include <hbrcdatamodel/workspace.h>
 #include <hbrcservices/revisioncontrolservices.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
@@ -200,7 +199,9 @@ public:
         shot("tour-6-pending-changes.png");
 
         step(QStringLiteral("bob submits a new colour for Rock; alice asks who changed it, and what it was before"));
-        submitRockAsBob(depot, "#5f8a4a", "Moss on the north face");
+        // bob has had Rock open since he checked it out.
+        SubmitFields(depot.bob(), depot.bobTicket(), depot.folderPath("bob") + "/Rock.kel", {{"colour", "#5f8a4a"}},
+                     "Moss on the north face");
         window.refreshStatus();
         waitForStatus();
         select("Rock");
@@ -321,25 +322,6 @@ private:
         QDeadlineTimer deadline(20000);
         while (!done() && !deadline.hasExpired())
             QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 50);
-    }
-
-    // bob gives Rock a new colour in his workspace (he has it open) and submits it.
-    static void submitRockAsBob(DemoServer& depot, const std::string& colour, const std::string& description)
-    {
-        const QString file = QString::fromStdString(depot.folderPath("bob") + "/Rock.kel");
-        QFile kel(file);
-        Expect(kel.open(QIODevice::ReadOnly), "cannot read bob's Rock");
-        host::AssetRecord record;
-        std::string error;
-        Expect(host::KelFormat::Parse(kel.readAll().toStdString(), record, error), error);
-        kel.close();
-        record.fields["colour"] = colour;
-        Expect(kel.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-                   kel.write(QByteArray::fromStdString(host::KelFormat::Serialize(record))) > 0,
-               "cannot write bob's Rock");
-        kel.close();
-        revision::ChangelistId submitted;
-        ExpectDone(depot.bob().submit(depot.bobTicket(), "", description, submitted), "bob submits Rock");
     }
 
     void printDifferences(const DifferenceView& view)

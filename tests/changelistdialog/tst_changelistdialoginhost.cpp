@@ -12,11 +12,7 @@ namespace {
 
 using Dialog = hbChangeListSelectionDialog;
 
-class InHost : public ServerHostFixture, public ::testing::WithParamInterface<ServerKind>
-{
-public:
-    ServerKind Server() const override { return GetParam(); }
-};
+using InHost = ServerFixture;
 INSTANTIATE_TEST_SUITE_P(Servers, InHost, ::testing::Values(ServerKind::EmbeddedDepot, ServerKind::SvnServe),
                          ServerKindName);
 

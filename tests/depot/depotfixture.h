@@ -2,10 +2,12 @@
 
 // Two users on one depot, each with a workspace and a connection of their own, as two hosts
 // would be: alice (password "alice-pw", workspace "alice-ws") and bob ("bob-pw", "bob-ws").
-// The depot starts with "shared.kel" (revision 1, "v1") synced into both workspaces.
+// The depot starts with "shared.kel" (revision 1, "v1") synced into both workspaces. The hbdepot
+// tool runs as another process on the same depot.
 
 #include <depot/depot.h>
 
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -13,8 +15,17 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <string>
+
+// What a run of hbdepot answered.
+struct ToolRun
+{
+    int exitCode = -1;
+    QString output;
+    QString errors;
+};
 
 class DepotFixture : public ::testing::Test
 {
@@ -105,6 +116,41 @@ public:  // the status table's rows act on the fixture from outside
         ok(submit(*m_bob, m_bobTicket, "bob adds " + relative));
     }
 
+    // hbdepot with these arguments. Kept tickets go to the test's folder, never to the user's home.
+    // `variables` are set in the process's environment, and it runs in `folder` (of the test's)
+    // when one is given.
+    using Variables = std::map<QString, QString>;
+    std::unique_ptr<QProcess> start(const QStringList& arguments, const QByteArray& input = {},
+                                    const Variables& variables = {}, const std::string& folder = {}) const
+    {
+        auto process = std::make_unique<QProcess>();
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("HBDEPOT_TICKETS", QString::fromStdString(path("tickets")));
+        for (const char* name : {"HBDEPOT", "HBDEPOT_USER", "HBDEPOT_WORKSPACE", "HBDEPOT_PASSWORD", "HBDEPOT_TICKET"})
+            environment.remove(name);
+        for (const auto& [name, value] : variables)
+            environment.insert(name, value);
+        process->setProcessEnvironment(environment);
+        process->setWorkingDirectory(folder.empty() ? QString() : at(folder));
+        const QStringList command = m_runAs + QStringList{QStringLiteral(HBDEPOT_EXECUTABLE)} + arguments;
+        process->start(command.first(), command.mid(1));
+        process->write(input);
+        process->closeWriteChannel();
+        return process;
+    }
+    static ToolRun finish(QProcess& process)
+    {
+        EXPECT_TRUE(process.waitForFinished(60000)) << "hbdepot did not finish";
+        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+                QString::fromUtf8(process.readAllStandardError())};
+    }
+    ToolRun run(const QStringList& arguments, const QByteArray& input = {}, const Variables& variables = {},
+                const std::string& folder = {}) const
+    {
+        return finish(*start(arguments, input, variables, folder));
+    }
+    QString at(const std::string& relative) const { return QString::fromStdString(path(relative)); }
+
     QTemporaryDir m_dir;
     std::string m_depotPath;
     std::int64_t m_now = 0;
@@ -112,4 +158,6 @@ public:  // the status table's rows act on the fixture from outside
     std::unique_ptr<Depot> m_bob;
     std::string m_aliceTicket;
     std::string m_bobTicket;
+    // A program and its arguments that hbdepot runs under (another user's), or none.
+    QStringList m_runAs;
 };

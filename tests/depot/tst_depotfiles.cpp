@@ -119,7 +119,8 @@ DROP TABLE contents;
 UPDATE settings SET value = 2 WHERE key = 'schema_version';
 )sql";
 
-TEST_F(DepotFiles, ADepotOfThePreviousFormatIsUpgradedOnItsFirstWritableOpening)
+// Read-only it is refused, and so is a depot of this format from a build before changes had times.
+TEST_F(DepotFiles, ADepotOfAnEarlierFormatIsUpgradedOnItsFirstWritableOpening)
 {
     bobSubmitsNewFile("ship.kel", "v1");
     ok(m_alice->edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
@@ -127,16 +128,20 @@ TEST_F(DepotFiles, ADepotOfThePreviousFormatIsUpgradedOnItsFirstWritableOpening)
     ok(submit(*m_alice, m_aliceTicket, "v2"));
     m_alice.reset();
     m_bob.reset();
+    const auto refusedReadOnly = [&](const std::string& copy) {
+        fs::copy_file(m_depotPath, path(copy));
+        fs::permissions(path(copy), fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+        std::string ticket;
+        refused(Depot(path(copy)).login("bob", "bob-pw", "bob-ws", ticket), code::SessionUnusable,
+                "open it once with write permission");
+    };
+    sql(m_depotPath, "ALTER TABLE changes DROP COLUMN time");
+    refusedReadOnly("without-times.db");
     sql(m_depotPath, kBackToThePreviousFormat);
-    const std::string readOnlyCopy = path("readonly.db");
-    fs::copy_file(m_depotPath, readOnlyCopy);
-    fs::permissions(readOnlyCopy, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
-
-    std::string ticket;
-    refused(Depot(readOnlyCopy).login("bob", "bob-pw", "bob-ws", ticket), code::SessionUnusable,
-            "open it once with write permission");
+    refusedReadOnly("previous-format.db");
 
     Depot upgraded(m_depotPath);
+    std::string ticket;
     ok(upgraded.login("bob", "bob-pw", "bob-ws", ticket));
     ok(upgraded.sync(ticket, {}));
     EXPECT_EQ(read(bobFile("shared.kel")), "v2");
@@ -150,30 +155,15 @@ TEST_F(DepotFiles, ADepotOfThePreviousFormatIsUpgradedOnItsFirstWritableOpening)
     // Workspaces with a history can go; the history and the change numbers stay.
     ok(upgraded.removeWorkspace("alice-ws"));
     EXPECT_EQ(sql(m_depotPath, "SELECT COUNT(*) FROM changes WHERE workspace = 'alice-ws'"), 2);
+    ok(upgraded.edit(ticket, {bobFile("shared.kel")}, ""));
     ChangelistId created;
-    ok(upgraded.createChangelist(ticket, "next", created));
+    ok(upgraded.submit(ticket, "", "after the upgrade", created));
     EXPECT_EQ(created, "4");
-}
-
-TEST_F(DepotFiles, ADepotWithoutChangeTimesGetsThemOnItsFirstWritableOpening)
-{
-    // A depot of an earlier build: its changes table has no time column.
-    sql(m_depotPath, "ALTER TABLE changes DROP COLUMN time");
-    fs::permissions(m_depotPath, fs::perms::owner_write, fs::perm_options::remove);
     std::vector<Changelist> submitted;
-    refused(Depot(m_depotPath).changelists(m_aliceTicket, ChangelistState::Submitted, submitted), code::SessionUnusable,
-            "open it once with write permission");
-    fs::permissions(m_depotPath, fs::perms::owner_write, fs::perm_options::add);
-
-    Depot reopened(m_depotPath);
-    ok(reopened.changelists(m_aliceTicket, ChangelistState::Submitted, submitted));
-    ASSERT_EQ(submitted.size(), 1u);
-    EXPECT_EQ(submitted[0].time, 0) << "unknown";
-    ok(reopened.edit(m_aliceTicket, {aliceFile("shared.kel")}, ""));
-    ok(submit(reopened, m_aliceTicket, "second"));
-    ok(reopened.changelists(m_aliceTicket, ChangelistState::Submitted, submitted));
-    ASSERT_EQ(submitted.size(), 2u);
-    EXPECT_GT(submitted[1].time, 0);
+    ok(upgraded.changelists(ticket, ChangelistState::Submitted, submitted));
+    ASSERT_EQ(submitted.size(), 4u);
+    EXPECT_EQ(submitted[2].time, 0) << "unknown";
+    EXPECT_GT(submitted[3].time, 0);
 }
 
 TEST_F(DepotFiles, SyncKeepsAWritableLocalChangeUnlessForced)

@@ -1,11 +1,6 @@
 // Another process on the same depot: the hbdepot tool run as bob while alice works in-process.
 #include "depotfixture.h"
 
-#include <QProcess>
-
-#include <map>
-#include <memory>
-
 #include <poll.h>
 #include <pty.h>
 #include <sys/mount.h>
@@ -16,13 +11,6 @@ using namespace hbrc::depot;
 namespace fs = std::filesystem;
 
 namespace {
-
-struct ToolRun
-{
-    int exitCode = -1;
-    QString output;
-    QString errors;
-};
 
 class DepotProcesses : public DepotFixture
 {
@@ -38,38 +26,6 @@ public:
         return QStringList{"-d", depotArgument(), "-u", "bob", "-w", "bob-ws"} + command;
     }
 
-    // Kept tickets go to the test's folder, never to the user's home. `variables` are set in the
-    // process's environment, and it runs in `folder` (of the test's) when one is given.
-    using Variables = std::map<QString, QString>;
-    std::unique_ptr<QProcess> start(const QStringList& arguments, const QByteArray& input = {},
-                                    const Variables& variables = {}, const std::string& folder = {}) const
-    {
-        auto process = std::make_unique<QProcess>();
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("HBDEPOT_TICKETS", QString::fromStdString(path("tickets")));
-        for (const char* name : {"HBDEPOT", "HBDEPOT_USER", "HBDEPOT_WORKSPACE", "HBDEPOT_PASSWORD", "HBDEPOT_TICKET"})
-            environment.remove(name);
-        for (const auto& [name, value] : variables)
-            environment.insert(name, value);
-        process->setProcessEnvironment(environment);
-        process->setWorkingDirectory(folder.empty() ? QString() : at(folder));
-        const QStringList command = m_runAs + QStringList{QStringLiteral(HBDEPOT_EXECUTABLE)} + arguments;
-        process->start(command.first(), command.mid(1));
-        process->write(input);
-        process->closeWriteChannel();
-        return process;
-    }
-    static ToolRun finish(QProcess& process)
-    {
-        EXPECT_TRUE(process.waitForFinished(60000)) << "hbdepot did not finish";
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
-    }
-    ToolRun run(const QStringList& arguments, const QByteArray& input = {}, const Variables& variables = {},
-                const std::string& folder = {}) const
-    {
-        return finish(*start(arguments, input, variables, folder));
-    }
     // hbdepot in a folder of the test's, with no depot, user or workspace given.
     ToolRun runIn(const std::string& folder, const QStringList& arguments) const { return run(arguments, {}, {}, folder); }
     // Runs hbdepot, expecting its exit code and `says` on standard output (exit code 0) or error.
@@ -121,10 +77,6 @@ public:
     }
     QString depotArgument() const { return QString::fromStdString(m_depotPath); }
     QString bobPath(const std::string& relative) const { return QString::fromStdString(bobFile(relative)); }
-    QString at(const std::string& relative) const { return QString::fromStdString(path(relative)); }
-
-    // A program and its arguments that hbdepot runs under (another user's), or none.
-    QStringList m_runAs;
 };
 
 TEST_F(DepotProcesses, BobWorksThroughTheToolWhileAliceWorksInProcess)

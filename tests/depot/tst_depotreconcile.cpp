@@ -3,8 +3,6 @@
 // revision of another.
 #include "depotfixture.h"
 
-#include <QProcess>
-
 #include <functional>
 
 using namespace hbrc::depot;
@@ -15,19 +13,13 @@ namespace {
 class DepotReconcile : public DepotFixture
 {
 public:
-    // hbdepot as alice in her workspace's root, so that it names files from there.
+    // hbdepot as alice in her workspace's root, so that it names files from there: its exit code
+    // and all it wrote.
     std::pair<int, QString> alice(const QStringList& arguments) const
     {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("HBDEPOT_PASSWORD", "alice-pw");
-        environment.insert("HBDEPOT_TICKETS", QString::fromStdString(path("tickets")));
-        process.setProcessEnvironment(environment);
-        process.setWorkingDirectory(QString::fromStdString(aliceFile("")));
-        process.start(HBDEPOT_EXECUTABLE,
-                      QStringList{"-d", QString::fromStdString(m_depotPath), "-u", "alice", "-w", "alice-ws"} + arguments);
-        EXPECT_TRUE(process.waitForFinished(60000)) << "hbdepot did not finish";
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError())};
+        const ToolRun answer = run(QStringList{"-d", at("depot.db"), "-u", "alice", "-w", "alice-ws"} + arguments, {},
+                                   {{"HBDEPOT_PASSWORD", "alice-pw"}}, "alice");
+        return {answer.exitCode, answer.output + answer.errors};
     }
     std::vector<std::string> aliceOpened()
     {

@@ -17,11 +17,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-class ProgressBox : public ServerHostFixture, public ::testing::WithParamInterface<ServerKind>
+class ProgressBox : public ServerFixture
 {
-public:
-    ServerKind Server() const override { return GetParam(); }
-
 protected:
     void SetUp() override
     {

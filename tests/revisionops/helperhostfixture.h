@@ -37,11 +37,3 @@ public:  // the tests' helpers act on the fixture from outside
     std::vector<std::chrono::milliseconds> waits;
     std::function<void(int waitNumber)> onWait;
 };
-
-// The same flows on the embedded depot and on svnserve, where they depend on what the server answers.
-template <class Fixture>
-class OnServers : public Fixture, public ::testing::WithParamInterface<ServerKind>
-{
-public:
-    ServerKind Server() const override { return this->GetParam(); }
-};

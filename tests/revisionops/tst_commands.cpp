@@ -291,10 +291,7 @@ TEST_F(CommandsOnDepot, ARefusedMarkForAddNamesTheUserWhoAddedTheSameFileFirst)
 {
     const KELHandle<IDbObject> fern = CreateSavedAsset("Fern");
     const std::string bobFern = BobPath(FilesOf("Fern").front().substr(AlicePath("").size()));
-    QFile file(QFile::decodeName(QByteArray::fromStdString(bobFern)));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("bob's fern\n");
-    file.close();
+    ASSERT_TRUE(WriteText(bobFern, "bob's fern\n"));
     BobExpects(Bob().add(BobTicket(), {bobFern}, ""));
 
     EXPECT_LT(markForAdd({fern}).GetCode(), 0);

@@ -1,8 +1,11 @@
 // Never lose an edit: whatever happens to the check-out before a save, and whatever the user
 // answers, every edited read-only asset ends up on disk with its edit (its files, the first asset's
 // external file included, writable) or still dirty in memory with it (its files untouched). A batch
-// save shows no dialog; an interactive save asks once per answer the user gives.
+// save shows no dialog (a refused check-out goes to the log); an interactive save asks once per
+// answer the user gives.
 #include "savehooksfixture.h"
+
+#include <hbrchost/logcapture.h>
 
 #include <QMessageBox>
 
@@ -94,9 +97,17 @@ TEST_P(NeverLoseAnEdit, EveryEditIsOnDiskOrStillInMemory)
     Stage();
     if (HasFatalFailure())
         return;
+    hbrc::host::LogCapture log;
     const hbrc::host::SaveReport report = Save();
     services.connection->Faults().clear();
     ExpectDriverFinished();  // also fails on a dialog not expected
+    if (row.outcome == Outcome::CheckOutFails && !row.interactive) {
+        // What a batch cannot ask goes to the log.
+        const std::vector<std::string> errors = log.TextsOfType(Log::eError);
+        ASSERT_FALSE(errors.empty());
+        EXPECT_EQ(errors.back().rfind("Cannot checkout the assets\n", 0), 0u) << errors.back();
+        EXPECT_NE(errors.back().find("\nDetails:\nFiles:\n"), std::string::npos) << errors.back();
+    }
 
     const bool savesTheEdits = row.outcome == Outcome::CheckOutSucceeds || row.outcome == Outcome::MakeWritable;
     int onDisk = 0;

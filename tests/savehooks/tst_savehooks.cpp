@@ -4,7 +4,6 @@
 #include "savehooksfixture.h"
 
 #include <borax/datamodel/iitemlibrarynotification.h>
-#include <hbrchost/logcapture.h>
 
 #include <QMessageBox>
 
@@ -276,20 +275,6 @@ TEST_F(SaveHooks, ABatchSaveDecidesEverythingWithoutADialog)
     SaveAnswered();
     EXPECT_EQ(StateOfFile(KelFileOf("Heath")).status, kel4::eStatusNotInDatabase);
     EXPECT_FALSE(StateOfFile(rockFile).status & kel4::eStatusMarkedForDelete);
-}
-
-TEST_F(SaveHooks, ABatchFailureIsLoggedAndTheSaveCancelled)
-{
-    window.reset();
-    BobHolds("Moss");
-    Edit("Moss", "logged");
-    hbrc::host::LogCapture log;
-    EXPECT_TRUE(Save().cancelled);
-    EXPECT_TRUE(DirtyInMemoryWith("Moss", "logged"));
-    ASSERT_FALSE(log.TextsOfType(Log::eError).empty());
-    const std::string entry = log.TextsOfType(Log::eError).back();
-    EXPECT_EQ(entry.rfind("Cannot checkout the assets\n", 0), 0u) << entry;
-    EXPECT_NE(entry.find("\nDetails:\nFiles:\n"), std::string::npos) << entry;
 }
 
 }  // namespace

@@ -3,8 +3,6 @@
 // round trip, and its answer compared with what was submitted.
 #include <serverhostfixture.h>
 
-#include <QFile>
-
 #include <ctime>
 
 namespace {
@@ -16,13 +14,6 @@ using hbrc::revision::FileAction;
 using hbrc::revision::FileRevision;
 using hbrc::revision::Result;
 using Lines = std::vector<std::string>;
-
-void WriteText(const std::string& file, const std::string& text)
-{
-    QFile out(QFile::decodeName(QByteArray::fromStdString(file)));
-    ASSERT_TRUE(out.open(QIODevice::WriteOnly | QIODevice::Truncate)) << file;
-    out.write(text.data(), qint64(text.size()));
-}
 
 // "change user action description" per revision, newest first.
 Lines Summary(const std::vector<FileRevision>& history)
@@ -68,7 +59,7 @@ public:
         ChangelistId submitted;
         BobExpects(server.sync(ticket, {}));
         BobExpects(server.edit(ticket, {file}, ""));
-        WriteText(file, text);
+        EXPECT_TRUE(WriteText(file, text)) << file;
         BobExpects(server.submit(ticket, "", text, submitted));
         return submitted;
     }
@@ -185,9 +176,7 @@ TEST_P(HistoryContract, HistoriesContentsChangesFilesUsersWorkspacesAndAnOldRevi
     EXPECT_EQ(statuses.at(0).haveRevision, rock[3].revision);
     EXPECT_EQ(statuses.at(0).headRevision, rock[0].revision);
     EXPECT_EQ(Writable({AlicePath("rock.bin")}), std::vector<bool>{false});
-    QFile synced(QFile::decodeName(QByteArray::fromStdString(AlicePath("rock.bin"))));
-    ASSERT_TRUE(synced.open(QIODevice::ReadOnly));
-    EXPECT_EQ(synced.readAll().toStdString(), "alice 1");
+    EXPECT_EQ(ReadText(AlicePath("rock.bin")), "alice 1");
     BobExpects(alice->edit(aliceTicket, {KelFileOf("Sky")}, ""));
     EXPECT_EQ(alice->syncTo(aliceTicket, {{KelFileOf("Sky"), 1}}).code, hbrc::revision::code::Failed);
 }

@@ -69,10 +69,8 @@ INSTANTIATE_TEST_SUITE_P(
         OtherUserCase{"BobSubmitsAnEdit",
                       [](ServerHostFixture& f, const auto& files) {
                           f.BobExpects(f.Bob().edit(f.BobTicket(), files, ""));
-                          for (const std::string& file : files) {
-                              QFile changed(QFile::decodeName(file.c_str()));
-                              ASSERT_TRUE(changed.open(QIODevice::Append) && changed.write("bob's edit") > 0);
-                          }
+                          for (const std::string& file : files)
+                              ASSERT_TRUE(f.WriteText(file, "bob's edit", std::ios::app));
                           hbrc::revision::ChangelistId submitted;
                           f.BobExpects(f.Bob().submit(f.BobTicket(), "", "bob's change", submitted));
                       },

@@ -3,7 +3,7 @@
 // bob sees alice's holds and revisions through his own connection.
 #include <serverhostfixture.h>
 
-#include <QFile>
+#include <gmock/gmock.h>
 
 #include <functional>
 #include <tuple>
@@ -103,9 +103,7 @@ TEST_P(PendingWork, AliceSortsRevertsAndSubmitsWhileBobWatchesAndGetsHerChange)
     EXPECT_LE(services.connection->RoundTrips() - roundTrips, 1u) << "one question for all pending work";
 
     // Only the edited external file stays open after reverting the unchanged ones.
-    QFile edited(QFile::decodeName(AlicePath("rock.bin").c_str()));
-    ASSERT_TRUE(edited.open(QIODevice::Append) && edited.write("moss") > 0);
-    edited.close();
+    ASSERT_TRUE(WriteText(AlicePath("rock.bin"), "moss", std::ios::app));
     Lines reverted;
     BobExpects(alice->revertUnchanged(aliceTicket, {}, reverted));
     EXPECT_EQ(reverted.size(), rock.size() + sky.size() - 1);
@@ -139,9 +137,7 @@ TEST_P(PendingWork, AliceSortsRevertsAndSubmitsWhileBobWatchesAndGetsHerChange)
     BobExpects(Bob().status(BobTicket(), {bobsRock}, bobSees));
     EXPECT_EQ(bobSees[0].word, 0u);
     EXPECT_EQ(bobSees[0].haveRevision, bobSees[0].headRevision);
-    QFile synced(QFile::decodeName(bobsRock.c_str()));
-    ASSERT_TRUE(synced.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(synced.readAll().endsWith("moss"));
+    EXPECT_THAT(ReadText(bobsRock), ::testing::EndsWith("moss"));
 }
 
 // The studio reads pending work through a second connection of alice's on the same workspace: a

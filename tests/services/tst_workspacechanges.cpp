@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 namespace {
 
@@ -18,18 +17,6 @@ using hbrc::revision::WorkspaceChange;
 namespace fs = std::filesystem;
 
 using Found = std::pair<std::string, FileAction>;
-
-std::string Read(const std::string& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-void Write(const std::string& file, const std::string& content, std::ios::openmode mode = std::ios::app)
-{
-    fs::create_directories(fs::path(file).parent_path());
-    std::ofstream(file, std::ios::binary | mode) << content;
-}
 
 void SetWritable(const std::string& file, bool writable)
 {
@@ -64,22 +51,22 @@ TEST_P(WorkspaceChanges, FindsWhatChangedWithoutOpeningAndOpensItForTheActionNam
     const std::string writableUnchanged = KelFileOf("Tree"), deleted = KelFileOf("Sky"), open = KelFileOf("Rock");
     const std::string created = AlicePath("props/cart.bin");
     SetWritable(edited, true);
-    Write(edited, "moss");
+    WriteText(edited, "moss", std::ios::app);
     // Another tool rewrote it with as many bytes: only the content tells.
-    std::string bark = Read(changedByATool);
+    std::string bark = ReadText(changedByATool);
     std::reverse(bark.begin(), bark.end());
     SetWritable(changedByATool, true);
-    Write(changedByATool, bark, std::ios::trunc);
+    WriteText(changedByATool, bark);
     SetWritable(changedByATool, false);
     SetWritable(writableUnchanged, true);
-    Write(created, "wheels");
+    WriteText(created, "wheels");
     fs::remove(deleted);
     ASSERT_TRUE(AliceAsks([&](RevisionServer& server, const std::string& ticket) {
                     return server.edit(ticket, {open}, "");
                 }).ok());
-    Write(open, "edited while open");
+    WriteText(open, "edited while open", std::ios::app);
     if (!IsSubversion())
-        Write(AlicePath(".hbdepot"), "workspace = alice-ws\n");
+        WriteText(AlicePath(".hbdepot"), "workspace = alice-ws\n");
 
     const auto roundTrips = services.connection->RoundTrips();
     const std::vector<WorkspaceChange> changes = ChangesBelow({});
@@ -122,7 +109,7 @@ TEST_P(WorkspaceChanges, FindsWhatChangedWithoutOpeningAndOpensItForTheActionNam
         EXPECT_TRUE(opened.ok()) << opened.error;
     }
     EXPECT_THAT(ChangesBelow({}), ::testing::IsEmpty());
-    EXPECT_THAT(Read(edited), ::testing::EndsWith("moss"));
+    EXPECT_THAT(ReadText(edited), ::testing::EndsWith("moss"));
 }
 
 }  // namespace

@@ -2,10 +2,12 @@
 
 // One world for the studio's tests: the studio's preferences and kept log-ins in a folder of the
 // test's own, the real main window with the plug-in opened on alice's workspace, and the dialog
-// driver that answers its dialogs. Starts again as after a restart; reads what the window shows as
-// its user reads it, waits for its background work, and edits as alice does, with clicks and keys.
+// driver that answers its dialogs; mostly on the demo server with the sample workspace, where bob
+// works from a connection of his own. Starts again as after a restart; reads what the window shows
+// as its user reads it, waits for its background work, and edits as alice does, with clicks and keys.
 #include "assetbrowser.h"
 #include "assetbrowsermodel.h"
+#include "demodepot.h"
 #include "logdock.h"
 #include "mainwindow.h"
 #include "propertypane.h"
@@ -13,7 +15,9 @@
 #include "studiosession.h"
 
 #include <dialogdriver.h>
+#include <svnrepositoryfixture.h>
 
+#include <depot/depot.h>
 #include <hbrcdatamodel/workspace.h>
 #include <log/log.h>
 #include <qtextention/qcolorcontrol.h>
@@ -54,6 +58,35 @@ protected:
         window.reset();
         session.reset();
         Log::Singleton::Instance().SetStderrEnabled(true);
+    }
+
+    // The demo server with the sample workspace: a new depot, or a Subversion repository that
+    // svnserve serves.
+    void makeDemo(bool subversion = false)
+    {
+        if (subversion)
+            repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served);
+        depot = std::make_unique<studio::DemoServer>(m_dir.path(), repository ? repository->Url() : std::string());
+        studio::SeedSampleWorkspace(*depot);
+    }
+    void startOnDemo(bool subversion = false)
+    {
+        makeDemo(subversion);
+        startAlice("alice-pw");
+    }
+    void startAlice(const char* password = "")
+    {
+        start(depot->path(), depot->workspace("alice"), depot->folder("alice"), password);
+    }
+    std::string aliceFile(const char* name) const { return depot->folderPath("alice") + "/" + name + ".kel"; }
+    std::string bobFile(const char* name) const { return depot->folderPath("bob") + "/" + name + ".kel"; }
+    // bob opens the asset's file for edit from his own workspace (and locks it).
+    void bobHolds(const char* name, const std::string& changelist = "", bool locked = false)
+    {
+        ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {bobFile(name)}, changelist).ok());
+        if (locked) {
+            ASSERT_TRUE(hbrc::depot::Depot(depot->path()).lock(depot->bobTicket(), {bobFile(name)}).ok());
+        }
     }
 
     // A start of the studio on alice's workspace folder with the account given on the command
@@ -146,6 +179,8 @@ protected:
     }
 
     QTemporaryDir m_dir;
+    std::unique_ptr<SvnRepositoryFixture> repository;  // outlives the server's connections
+    std::unique_ptr<studio::DemoServer> depot;
     std::unique_ptr<studio::StudioSession> session;
     std::unique_ptr<studio::MainWindow> window;
     DialogDriver driver;

@@ -5,11 +5,8 @@
 // read-only asset (the Check Out dialog asks), undoes it (the check-out goes), redoes it (checked
 // out again), leaves the dirty asset to Revert Unchanged, saves, creates an asset that the save
 // marks for add, and submits both.
-#include "demodepot.h"
 #include "pendingchangespane.h"
 #include "studiofixture.h"
-
-#include <svnrepositoryfixture.h>
 
 #include <qtextention/qfunctoraction.h>
 
@@ -68,10 +65,8 @@ protected:
     }
     void makeSubversionWorld()
     {
-        repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served);
-        demo = std::make_unique<DemoServer>(m_dir.filePath(QStringLiteral("demo")), repository->Url());
-        SeedSampleWorkspace(*demo);
-        world = {demo->path(), demo->workspace("alice"), demo->folder("alice"), "Sky", QStringLiteral("Sky.kel")};
+        makeDemo(true);
+        world = {depot->path(), depot->workspace("alice"), depot->folder("alice"), "Sky", QStringLiteral("Sky.kel")};
     }
 
     void startAlice() { start(world.server, world.workspaceName, world.folder); }
@@ -123,8 +118,6 @@ protected:
     }
 
     World world;
-    std::unique_ptr<SvnRepositoryFixture> repository;
-    std::unique_ptr<DemoServer> demo;
 };
 
 TEST_P(StudioDay, FromTheFirstStartToASubmit)

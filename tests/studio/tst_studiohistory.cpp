@@ -3,17 +3,14 @@
 // and bob each submitted two changes to Rock from their own workspaces; and the per-field
 // difference itself, row by row.
 #include "assetdiff.h"
-#include "demodepot.h"
 #include "differenceview.h"
 #include "historypane.h"
 #include "studiofixture.h"
 #include "submittedchangesdock.h"
 #include "submittedchangesmodel.h"
 
-#include <hbrcdatamodel/kelformat.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <qtextention/qfunctoraction.h>
-#include <svnrepositoryfixture.h>
 
 #include <QComboBox>
 #include <QPushButton>
@@ -54,42 +51,25 @@ protected:
     void SetUp() override
     {
         StudioFixture::SetUp();
-        if (GetParam() == Backend::Subversion)
-            repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served);
-        server = std::make_unique<DemoServer>(m_dir.filePath(QStringLiteral("demo")),
-                                              repository ? repository->Url() : std::string());
-        SeedSampleWorkspace(*server);
-        alice = hbrc::host::OpenRevisionServer(server->path(), {});
-        ASSERT_TRUE(alice->login("alice", "alice-pw", server->workspace("alice"), aliceTicket).ok());
+        makeDemo(GetParam() == Backend::Subversion);
+        alice = hbrc::host::OpenRevisionServer(depot->path(), {});
+        ASSERT_TRUE(alice->login("alice", "alice-pw", depot->workspace("alice"), aliceTicket).ok());
         for (const RockChange& change : kChanges)
             submit(change);
         ASSERT_TRUE(alice->sync(aliceTicket, {}).ok());
-        start(server->path(), server->workspace("alice"), server->folder("alice"), "alice-pw");
+        startAlice("alice-pw");
     }
     // The user brings Rock up to date, opens it, changes its fields and submits it.
     void submit(const RockChange& change)
     {
         const bool byBob = std::string(change.user) == "bob";
-        hbrc::host::RevisionServer& connection = byBob ? server->bob() : *alice;
-        const std::string& ticket = byBob ? server->bobTicket() : aliceTicket;
-        const std::string file = server->folderPath(change.user) + "/Rock.kel";
+        hbrc::host::RevisionServer& connection = byBob ? depot->bob() : *alice;
+        const std::string& ticket = byBob ? depot->bobTicket() : aliceTicket;
+        const std::string file = depot->folderPath(change.user) + "/Rock.kel";
         ASSERT_TRUE(connection.sync(ticket, {file}).ok());
         ASSERT_TRUE(connection.edit(ticket, {file}, "").ok());
-        QFile kel(QString::fromStdString(file));
-        ASSERT_TRUE(kel.open(QIODevice::ReadOnly));
-        hbrc::host::AssetRecord record;
-        std::string error;
-        ASSERT_TRUE(hbrc::host::KelFormat::Parse(kel.readAll().toStdString(), record, error)) << error;
-        kel.close();
-        for (const auto& [field, value] : change.fields)
-            record.fields[field] = value;
-        ASSERT_TRUE(kel.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        kel.write(QByteArray::fromStdString(hbrc::host::KelFormat::Serialize(record)));
-        kel.close();
-        hbrc::revision::ChangelistId submitted;
-        ASSERT_TRUE(connection.submit(ticket, "", change.description, submitted).ok());
+        SubmitFields(connection, ticket, file, change.fields, change.description);
     }
-
     HistoryPane& history() const { return window->history(); }
     // Clicks the property pane's tab of that page.
     void clickTab(const QString& page)
@@ -120,8 +100,6 @@ protected:
         return rows;
     }
 
-    std::unique_ptr<SvnRepositoryFixture> repository;
-    std::unique_ptr<DemoServer> server;
     std::unique_ptr<hbrc::host::RevisionServer> alice;
     std::string aliceTicket;
 };

@@ -49,14 +49,8 @@ protected:
     void SetUp() override
     {
         StudioFixture::SetUp();
-        if (GetParam() == Backend::Subversion)
-            repository = std::make_unique<SvnRepositoryFixture>(m_dir.path(), SvnRepositoryFixture::Access::Served);
-        depot = std::make_unique<DemoServer>(m_dir.filePath(QStringLiteral("demo")),
-                                             repository ? repository->Url() : std::string());
-        SeedSampleWorkspace(*depot);
-        start(depot->path(), depot->workspace("alice"), depot->folder("alice"), "alice-pw");
+        startOnDemo(GetParam() == Backend::Subversion);
     }
-    std::string aliceFile(const char* name) const { return depot->folderPath("alice") + "/" + name + ".kel"; }
     std::set<std::string> journalled() const
     {
         std::set<std::string> files;
@@ -79,11 +73,7 @@ protected:
     {
         const std::string path = depot->folderPath("bob") + "/" + name + ".kel";
         EXPECT_TRUE(depot->bob().edit(depot->bobTicket(), {path}, "").ok());
-        QFile file(QString::fromStdString(path));
-        EXPECT_TRUE(file.open(QIODevice::Append) && file.write("field season = autumn\n") > 0);
-        file.close();
-        hbrc::revision::ChangelistId submitted;
-        EXPECT_TRUE(depot->bob().submit(depot->bobTicket(), "", "bob's " + std::string(name), submitted).ok());
+        SubmitFields(depot->bob(), depot->bobTicket(), path, {{"season", "autumn"}}, "bob's " + std::string(name));
         std::vector<hbrc::revision::FileStatus> statuses;
         EXPECT_TRUE(depot->bob().status(depot->bobTicket(), {path}, statuses).ok());
         return statuses.empty() ? 0 : statuses.front().headRevision;
@@ -124,8 +114,6 @@ protected:
             [&] { return driver.answered() > answered && !window->reconciler().isBusy() && !window->operations().isBusy(); },
             20000));
     }
-    std::unique_ptr<SvnRepositoryFixture> repository;
-    std::unique_ptr<DemoServer> depot;
 };
 
 TEST_P(StudioOffline, AMorningOfflineIsReconciledWithEveryConflictNamedAndNothingLost)

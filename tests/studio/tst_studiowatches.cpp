@@ -3,12 +3,10 @@
 // her window within one status refresh, and the notice checks Rock out. And the line that names
 // a related asset another user holds.
 #include "assetwatches.h"
-#include "demodepot.h"
 #include "noticebar.h"
 #include "relatedholds.h"
 #include "studiofixture.h"
 
-#include <depot/depot.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 #include <qtextention/qfunctoraction.h>
 
@@ -25,13 +23,12 @@ protected:
     void SetUp() override
     {
         StudioFixture::SetUp();
-        depot = std::make_unique<DemoServer>(m_dir.path());
-        SeedSampleWorkspace(*depot);
-        startAlice();
+        makeDemo();
+        startAliceCheckingOut();
     }
-    void startAlice()
+    void startAliceCheckingOut()
     {
-        start(depot->path(), depot->workspace("alice"), depot->folder("alice"), "alice-pw");
+        startAlice("alice-pw");
         session->settings()->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
     }
     void refresh()
@@ -40,15 +37,11 @@ protected:
         waitForStatus();
     }
     QFunctorAction* watchAction() const { return window->action(QStringLiteral("watchAsset")); }
-    std::string bobsRock() const { return depot->folderPath("bob") + "/Rock.kel"; }
-
-    std::unique_ptr<DemoServer> depot;
 };
 
 TEST_F(StudioWatches, BobReleasesRockAndAlicesWatchSurvivesARestartAndChecksItOut)
 {
-    ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {bobsRock()}, "").ok());
-    ASSERT_TRUE(hbrc::depot::Depot(depot->path()).lock(depot->bobTicket(), {bobsRock()}).ok());
+    bobHolds("Rock", "", true);
     refresh();
     select("Rock");
     const AssetStatus* rock = window->model().statusAt(window->model().rowOf(asset("Rock")));
@@ -64,12 +57,12 @@ TEST_F(StudioWatches, BobReleasesRockAndAlicesWatchSurvivesARestartAndChecksItOu
     offer.actionButton()->click();
     EXPECT_FALSE(offer.isVisible());
 
-    startAlice();
+    startAliceCheckingOut();
     select("Rock");
     EXPECT_TRUE(watchAction()->isEnabled());
     EXPECT_TRUE(watchAction()->isChecked()) << "the watch was kept in the preferences";
 
-    ASSERT_TRUE(depot->bob().revert(depot->bobTicket(), {bobsRock()}).ok());
+    ASSERT_TRUE(depot->bob().revert(depot->bobTicket(), {bobFile("Rock")}).ok());
     refresh();
     NoticeBar& notice = window->noticeBar();
     ASSERT_TRUE(notice.isVisible());

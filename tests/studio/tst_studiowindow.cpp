@@ -3,7 +3,6 @@
 // workspace, the plug-in's real dialogs answered by the dialog driver; and her session: the kept
 // log-in that hbdepot shares, Log Out, revision control turned off.
 #include "changelistwork.h"
-#include "demodepot.h"
 #include "fieldeditors.h"
 #include "pendingchangespane.h"
 #include "statuschange.h"
@@ -45,13 +44,7 @@ protected:
     void SetUp() override
     {
         StudioFixture::SetUp();
-        depot = std::make_unique<DemoServer>(m_dir.path());
-        SeedSampleWorkspace(*depot);
-        startAlice("alice-pw");
-    }
-    void startAlice(const char* password = "")
-    {
-        start(depot->path(), depot->workspace("alice"), depot->folder("alice"), password);
+        startOnDemo();
     }
     // Sets "Refresh status every" in the settings dialog, from the keyboard.
     void setRefreshSeconds(int seconds)
@@ -71,21 +64,11 @@ protected:
         const hbrc::host::DataModelMgr& model = session->currentWorkspace()->Model();
         return model.Store().AssetAt(model.SlotOf(asset(name))).record.fields.at(key);
     }
-    // bob opens the asset's file for edit from his own workspace (and locks it).
-    void bobHolds(const char* name, const std::string& changelist = "", bool locked = false)
-    {
-        const std::string file = depot->folderPath("bob") + "/" + name + ".kel";
-        ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {file}, changelist).ok());
-        if (locked) {
-            ASSERT_TRUE(hbrc::depot::Depot(depot->path()).lock(depot->bobTicket(), {file}).ok());
-        }
-    }
     void checkOutWithoutAsking()
     {
         session->settings()->SetActionWhenEditingReadOnlyAsset(IRevisionControlPropertiesMgr::eActionCheckOut);
     }
     PendingChangesModel& pending() const { return window->pendingChanges().model(); }
-    std::string aliceFile(const char* name) const { return depot->folderPath("alice") + "/" + name + ".kel"; }
     bool aliceMayWrite(const char* name) const { return writable(QString::fromStdString(aliceFile(name))); }
     QModelIndex pendingFile(const char* name) const { return pending().fileIndex(aliceFile(name)); }
     QStringList pendingAssets(const std::string& changelist) const
@@ -138,8 +121,6 @@ protected:
         QCoreApplication::sendEvent(view->viewport(), &drop);
         return drop.isAccepted();
     }
-
-    std::unique_ptr<DemoServer> depot;
 };
 
 // The tour's scenario: bob holds Rock, so alice's edit of Rock is refused with bob named and the
@@ -570,27 +551,16 @@ TEST_F(StudioWindow, PendingChangesFromCheckOutToSubmitAndBobsSync)
     waitForOperations();
     EXPECT_EQ(pending().pending().size(), 1u);
 
-    const std::string bobSky = depot->folderPath("bob") + "/Sky.kel";
-    ASSERT_TRUE(depot->bob().sync(depot->bobTicket(), {bobSky}).ok());
-    QFile synced(QString::fromStdString(bobSky));
+    ASSERT_TRUE(depot->bob().sync(depot->bobTicket(), {bobFile("Sky")}).ok());
+    QFile synced(QString::fromStdString(bobFile("Sky")));
     ASSERT_TRUE(synced.open(QIODevice::ReadOnly));
     EXPECT_TRUE(synced.readAll().contains("#ff8c42"));
 
     // Bob's Rock and Sun reach alice's browser and memory through Get Latest.
-    const auto bobChanges = [this](const char* asset, const QByteArray& from, const QByteArray& to) {
-        const std::string path = depot->folderPath("bob") + "/" + asset + ".kel";
-        ASSERT_TRUE(depot->bob().edit(depot->bobTicket(), {path}, "").ok());
-        QFile file(QString::fromStdString(path));
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const QByteArray text = file.readAll().replace(from, to);
-        file.close();
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(text);
-    };
-    bobChanges("Rock", "#7a746c", "#5a544c");
-    bobChanges("Sun", "#ffe8b0", "#ffd080");
-    hbrc::revision::ChangelistId submitted;
-    ASSERT_TRUE(depot->bob().submit(depot->bobTicket(), "", "darker rock, warmer sun", submitted).ok());
+    for (const auto& [asset, colour] : {std::pair{"Rock", "#5a544c"}, std::pair{"Sun", "#ffd080"}}) {
+        bobHolds(asset);
+        SubmitFields(depot->bob(), depot->bobTicket(), bobFile(asset), {{"colour", colour}}, "bob's colour");
+    }
     select("Rock");
     EXPECT_FALSE(window->action(QStringLiteral("getLatest"))->isEnabled());
     window->refreshStatus();

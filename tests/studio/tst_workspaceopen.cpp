@@ -3,8 +3,6 @@
 // half-read workspace, and once it is read it is whole, asked about once, and editable.
 #include "studiofixture.h"
 
-#include "demodepot.h"
-
 #include <hbrcdatamodel/kelformat.h>
 #include <hbrevisioncontrol/irevisioncontrolpropertiesmgr.h>
 
@@ -12,8 +10,6 @@
 #include <QRegularExpression>
 
 namespace {
-
-using hbrc::studio::DemoServer;
 
 class WorkspaceOpen : public hbrc::test::StudioFixture<>
 {
@@ -34,15 +30,12 @@ protected:
             file.write(QByteArray::fromStdString(hbrc::host::KelFormat::Serialize(record)));
         }
     }
-
-    std::unique_ptr<DemoServer> depot;
 };
 
 TEST_F(WorkspaceOpen, ShowsTheAssetsWhileTheyAreReadAndIsWholeAndEditableOnceRead)
 {
-    depot = std::make_unique<DemoServer>(m_dir.path());
-    const int seeded = hbrc::studio::SeedSampleWorkspace(*depot);
-    start(depot->path(), depot->workspace("alice"), depot->folder("alice"), "alice-pw");
+    startOnDemo();
+    const int seeded = window->model().rowCount();
     window->closeWorkspace();
     constexpr int kMany = 3000;
     writeAssets(depot->folder("alice"), kMany);

@@ -33,7 +33,10 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -240,6 +243,18 @@ public:  // table-driven tests' rows act on the fixture from outside
                                QFile::WriteOwner);
         return writable;
     }
+    // A file's bytes ("" when it cannot be read); writing them, its folder made first (false when
+    // the file cannot be written).
+    static std::string ReadText(const std::string& file)
+    {
+        std::ifstream in(file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    static bool WriteText(const std::string& file, const std::string& text, std::ios::openmode mode = std::ios::trunc)
+    {
+        std::filesystem::create_directories(std::filesystem::path(file).parent_path());
+        return bool(std::ofstream(file, std::ios::binary | mode) << text);
+    }
     // The asset's own .kel file.
     std::string KelFileOf(const std::string& assetName) const
     {
@@ -334,13 +349,15 @@ private:
     std::string m_bobTicket;
 };
 
-// The same host on each server in turn: TEST_P suites instantiated with
-// INSTANTIATE_TEST_SUITE_P(Servers, Suite, ServerKinds(), ServerKindName).
-class ServerFixture : public ServerHostFixture, public ::testing::WithParamInterface<ServerKind>
+// The same host (or a fixture derived from it) on each server in turn: TEST_P suites instantiated
+// with INSTANTIATE_TEST_SUITE_P(Servers, Suite, ServerKinds(), ServerKindName), or some kinds.
+template <class Fixture = ServerHostFixture>
+class OnServers : public Fixture, public ::testing::WithParamInterface<ServerKind>
 {
 public:
-    ServerKind Server() const override { return GetParam(); }
+    ServerKind Server() const override { return this->GetParam(); }
 };
+using ServerFixture = OnServers<>;
 
 inline auto ServerKinds()
 {
