@@ -164,6 +164,13 @@
     </message>
 </context>
 <context>
+    <name>KeptContent</name>
+    <message>
+        <source>%1 changed after an interrupted reconcile kept your content of it in %2: compare the two, and remove the copy to reconcile the file</source>
+        <translation>%1 wurde geändert, nachdem ein unterbrochener Abgleich Ihren Inhalt davon in %2 aufbewahrt hat: Vergleichen Sie beide und entfernen Sie die Kopie, um die Datei abzugleichen</translation>
+    </message>
+</context>
+<context>
     <name>QObject</name>
     <message>
         <source>...</source>
@@ -240,6 +247,18 @@
     <message>
         <source>nothing new</source>
         <translation>nichts Neues</translation>
+    </message>
+    <message>
+        <source>Cannot put your content back over the newer revisions</source>
+        <translation>Ihr Inhalt kann nicht über die neueren Revisionen zurückgeschrieben werden</translation>
+    </message>
+    <message>
+        <source>edit (keeps your content over revision %1)</source>
+        <translation>bearbeiten (behält Ihren Inhalt über Revision %1)</translation>
+    </message>
+    <message>
+        <source>edit (keeps your content over %1&apos;s revision %2)</source>
+        <translation>bearbeiten (behält Ihren Inhalt über Revision %2 von %1)</translation>
     </message>
 </context>
 <context>
@@ -861,6 +880,10 @@
         <source>Working online again</source>
         <translation>Sie arbeiten wieder online</translation>
     </message>
+    <message>
+        <source>Revision control is off: the files edits change are recorded for reconciling</source>
+        <translation>Die Versionsverwaltung ist aus: Die von Änderungen betroffenen Dateien werden für den Abgleich aufgezeichnet</translation>
+    </message>
 </context>
 <context>
     <name>hbrc::studio::PendingChangesModel</name>
@@ -1026,10 +1049,6 @@
         <translation>Offline-Arbeit abgleichen</translation>
     </message>
     <message>
-        <source>These files were changed without being opened. Reconcile opens the checked ones in the changelist below; nothing on the disk changes.</source>
-        <translation>Diese Dateien wurden geändert, ohne geöffnet worden zu sein. Abgleichen öffnet die angehakten Dateien in der unten gewählten Änderungsliste; auf dem Datenträger ändert sich nichts.</translation>
-    </message>
-    <message>
         <source>The workspace was not scanned (%1): only the files recorded offline are listed.</source>
         <translation>Der Arbeitsbereich wurde nicht durchsucht (%1): Nur die offline aufgezeichneten Dateien sind aufgeführt.</translation>
     </message>
@@ -1073,6 +1092,10 @@
         <source>&amp;Reconcile</source>
         <translation>&amp;Abgleichen</translation>
     </message>
+    <message>
+        <source>These files were changed without being opened. Reconcile opens the checked ones in the changelist below; what the files hold stays as it is.</source>
+        <translation>Diese Dateien wurden geändert, ohne geöffnet zu sein. Abgleichen öffnet die markierten in der Änderungsliste unten; ihr Inhalt bleibt, wie er ist.</translation>
+    </message>
 </context>
 <context>
     <name>hbrc::studio::Reconciler</name>
@@ -1091,6 +1114,10 @@
     <message>
         <source>Nothing to reconcile: every file is open or unchanged</source>
         <translation>Nichts abzugleichen: Jede Datei ist geöffnet oder unverändert</translation>
+    </message>
+    <message>
+        <source>Nothing was reconciled: %1</source>
+        <translation>Nichts wurde abgeglichen: %1</translation>
     </message>
 </context>
 <context>
