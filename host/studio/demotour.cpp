@@ -212,11 +212,13 @@ public:
         window.propertyPane().setCurrentWidget(&window.history());
         QTreeWidget* revisions = window.history().revisions();
         waitUntil([&] { return !window.history().isPending() && revisions->topLevelItemCount() > 1; });
-        for (int row = 0; row < revisions->topLevelItemCount(); ++row)
-            m_out << "  " << revisions->topLevelItem(row)->text(HistoryPane::RevisionColumn) << " "
-                  << revisions->topLevelItem(row)->text(HistoryPane::FileColumn) << " by "
-                  << revisions->topLevelItem(row)->text(HistoryPane::UserColumn) << ": "
-                  << revisions->topLevelItem(row)->text(HistoryPane::DescriptionColumn) << "\n";
+        for (int row = 0; row < revisions->topLevelItemCount(); ++row) {
+            const QTreeWidgetItem* revision = revisions->topLevelItem(row);
+            const QString user = revision->text(HistoryPane::UserColumn);  // none on "your edits"
+            m_out << "  " << revision->text(HistoryPane::RevisionColumn) << " " << revision->text(HistoryPane::FileColumn)
+                  << (user.isEmpty() ? QString() : QStringLiteral(" by ") + user) << ": "
+                  << revision->text(HistoryPane::DescriptionColumn) << "\n";
+        }
         revisions->setCurrentItem(revisions->topLevelItem(1));
         waitUntil([&] { return !window.history().isPending(); });
         printDifferences(*window.history().differences());
