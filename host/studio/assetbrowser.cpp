@@ -1,12 +1,12 @@
 #include "assetbrowser.h"
 
+#include "assetbrowserproxy.h"
 #include "statusdelegate.h"
 
 #include <qtextention/lmrqlivesearchwidget.h>
 
 #include <QHeaderView>
 #include <QMenu>
-#include <QSortFilterProxyModel>
 #include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -16,7 +16,7 @@ namespace hbrc::studio {
 AssetBrowser::AssetBrowser(QWidget* parent) : QWidget(parent)
 {
     setObjectName(QStringLiteral("assetBrowser"));
-    m_proxy = new QSortFilterProxyModel(this);
+    m_proxy = new AssetBrowserProxy(this);
     m_proxy->setSourceModel(&m_model);
     m_proxy->setSortCaseSensitivity(Qt::CaseInsensitive);
     m_search = new LMRQLiveSearchWidget(this);
@@ -33,16 +33,8 @@ AssetBrowser::AssetBrowser(QWidget* parent) : QWidget(parent)
     m_view->setModel(m_proxy);
     m_view->setRootIsDecorated(false);
     m_view->setUniformRowHeights(true);  // no per-row layout at 10,000 assets
-    // The model keeps its rows in name order: sorted by name, the proxy leaves them so (column -1)
-    // and places rows read or changed without comparing them with all others.
-    QHeaderView* header = m_view->header();
-    header->setSectionsClickable(true);
-    header->setSortIndicatorShown(true);
-    header->setSortIndicator(AssetBrowserModel::NameColumn, Qt::AscendingOrder);
-    connect(header, &QHeaderView::sortIndicatorChanged, m_proxy, [this](int column, Qt::SortOrder order) {
-        const bool byName = column == AssetBrowserModel::NameColumn && order == Qt::AscendingOrder;
-        m_proxy->sort(byName ? -1 : column, order);
-    });
+    m_view->setSortingEnabled(true);
+    m_view->sortByColumn(AssetBrowserModel::NameColumn, Qt::AscendingOrder);
     m_view->setSelectionMode(QAbstractItemView::SingleSelection);
     m_view->setAlternatingRowColors(true);
     m_view->setItemDelegateForColumn(AssetBrowserModel::StatusColumn, new StatusDelegate(m_view));
@@ -51,7 +43,7 @@ AssetBrowser::AssetBrowser(QWidget* parent) : QWidget(parent)
                                                  {AssetBrowserModel::ChangelistColumn, 80}, {AssetBrowserModel::RevisionColumn, 70},
                                                  {AssetBrowserModel::FilesColumn, 40}};
     for (const auto& [column, width] : widths)
-        header->resizeSection(column, width);
+        m_view->header()->resizeSection(column, width);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_search);

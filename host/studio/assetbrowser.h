@@ -13,7 +13,7 @@ class QTreeView;
 namespace hbrc::studio {
 
 // The asset browser pane: the live search field (all columns unless the user picks one) over a
-// filtered view of its model of the assets, in name order unless the user sorts by another column.
+// sorted, filtered view of its model of the assets.
 // The current row is the selected asset that the other panes follow.
 class AssetBrowser : public QWidget
 {
