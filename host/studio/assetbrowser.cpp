@@ -1,12 +1,12 @@
 #include "assetbrowser.h"
 
+#include "assetbrowserproxy.h"
 #include "statusdelegate.h"
 
 #include <qtextention/lmrqlivesearchwidget.h>
 
 #include <QHeaderView>
 #include <QMenu>
-#include <QSortFilterProxyModel>
 #include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -16,7 +16,7 @@ namespace hbrc::studio {
 AssetBrowser::AssetBrowser(QWidget* parent) : QWidget(parent)
 {
     setObjectName(QStringLiteral("assetBrowser"));
-    m_proxy = new QSortFilterProxyModel(this);
+    m_proxy = new AssetBrowserProxy(this);
     m_proxy->setSourceModel(&m_model);
     m_proxy->setSortCaseSensitivity(Qt::CaseInsensitive);
     m_search = new LMRQLiveSearchWidget(this);

@@ -12,8 +12,9 @@
 #include <QStyle>
 
 #include <algorithm>
-#include <utility>
 #include <map>
+#include <numeric>
+#include <utility>
 
 namespace hbrc::studio {
 
@@ -130,15 +131,64 @@ void AssetBrowserModel::reload()
             rows.push_back(std::move(row));
         });
     }
+    std::vector<Row> sorted;
+    sorted.reserve(rows.size());
+    for (std::size_t position : nameOrder(rows))
+        sorted.push_back(std::move(rows[position]));
     beginResetModel();
-    m_rows = std::move(rows);
+    m_rows = std::move(sorted);
+    m_inNameOrder = true;
     endResetModel();
-    // The rows moved: a question being gathered and an answer being applied start over.
+    restartRowWork();
+}
+
+// The rows moved: a question being gathered and an answer being applied start over.
+void AssetBrowserModel::restartRowWork()
+{
     if (m_question) {
         m_question->ids.clear();
         m_question->files.clear();
     }
     m_answerRow = 0;
+}
+
+std::vector<std::size_t> AssetBrowserModel::nameOrder(const std::vector<Row>& rows) const
+{
+    std::vector<QString> keys;
+    keys.reserve(rows.size());
+    for (const Row& row : rows)
+        keys.push_back(name(row).toCaseFolded());
+    std::vector<std::size_t> order(rows.size());
+    std::iota(order.begin(), order.end(), std::size_t(0));
+    std::stable_sort(order.begin(), order.end(), [&keys](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
+    return order;
+}
+
+// The browser shows the model's order when it is sorted by name: one sort here costs less than
+// a sorting view that places every appended slice among all rows.
+void AssetBrowserModel::sortByName()
+{
+    if (m_inNameOrder)
+        return;
+    const std::vector<std::size_t> order = nameOrder(m_rows);
+    emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+    std::vector<int> newRow(m_rows.size());
+    std::vector<Row> sorted;
+    sorted.reserve(m_rows.size());
+    for (std::size_t position : order) {
+        newRow[position] = int(sorted.size());
+        sorted.push_back(std::move(m_rows[position]));
+    }
+    m_rows = std::move(sorted);
+    m_inNameOrder = true;
+    const QModelIndexList before = persistentIndexList();
+    QModelIndexList after;
+    after.reserve(before.size());
+    for (const QModelIndex& index : before)
+        after << this->index(newRow[std::size_t(index.row())], index.column());
+    changePersistentIndexList(before, after);
+    emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+    restartRowWork();
 }
 
 void AssetBrowserModel::appendAssets(const std::vector<std::uint32_t>& assetSlots)
@@ -149,6 +199,7 @@ void AssetBrowserModel::appendAssets(const std::vector<std::uint32_t>& assetSlot
     beginInsertRows({}, int(m_rows.size()), int(m_rows.size() + assetSlots.size()) - 1);
     for (std::uint32_t slot : assetSlots)
         m_rows.push_back({slot, store.IdOf(slot), {}, false});
+    m_inNameOrder = false;
     endInsertRows();
 }
 
@@ -204,6 +255,14 @@ void AssetBrowserModel::applyAnswerSlice()
     spent.start();
     const std::size_t first = m_answerRow;
     std::size_t row = first;
+    // The view's work on changed rows grows with their number: they are announced every so many
+    // rows, so that the slice's clock counts that work too.
+    std::size_t announced = first;
+    const auto announce = [&] {
+        if (row > announced)
+            emit dataChanged(index(int(announced), StatusColumn), index(int(row) - 1, RevisionColumn));
+        announced = row;
+    };
     while (row < m_rows.size() && !sliceIsOver(row, first, spent)) {
         Row& current = m_rows[row];
         if (const AssetStatus* status = m_answer->statusOf(current.id, row)) {
@@ -215,11 +274,11 @@ void AssetBrowserModel::applyAnswerSlice()
             current.status = *status;
             current.known = true;
         }
-        ++row;
+        if (++row % kRowsBetweenClockReads == 0)
+            announce();
     }
+    announce();
     m_answerRow = row;
-    if (row > first)
-        emit dataChanged(index(int(first), StatusColumn), index(int(row) - 1, RevisionColumn));
     if (row < m_rows.size()) {
         m_answerSlices->start();
         return;

@@ -17,7 +17,7 @@ class Workspace;
 
 namespace hbrc::studio {
 
-// The assets of the open workspace, one row each, read from the data model when shown: name,
+// The assets of the open workspace, one row each in name order, read from the data model when shown: name,
 // type, revision status, the users holding it, its changelist, its have and head revisions and its
 // number of files. The
 // status columns come from one status question for all assets at once (AssetStatusQuery), asked
@@ -47,8 +47,11 @@ public:
     // Shows workspace's assets (null: none); the status is unknown until refreshStatus answers.
     // Nothing changes when it shows that workspace already.
     void setWorkspace(host::Workspace* workspace);
-    // Appends the rows of assets just added to the workspace (a batch of a workspace being read).
+    // Appends the rows of assets just added to the workspace (a batch of a workspace being read),
+    // out of name order until sortByName.
     void appendAssets(const std::vector<std::uint32_t>& assetSlots);
+    // Puts the rows back in name order after appendAssets, in one layout change.
+    void sortByName();
     // Re-reads the list of assets (after one was created, deleted or renamed); known statuses stay.
     void reload();
     // While reason is not empty, every row's status reads reason instead of its status (e.g.
@@ -102,10 +105,14 @@ private:
     void gatherQuestionSlice();
     void takeAnswer(const std::shared_ptr<const StatusAnswer>& answer);
     void applyAnswerSlice();
+    // The positions of rows in name order (case-insensitive); rows of one name keep their order.
+    std::vector<std::size_t> nameOrder(const std::vector<Row>& rows) const;
+    void restartRowWork();
     QString name(const Row& row) const;
 
     host::Workspace* m_workspace = nullptr;
     std::vector<Row> m_rows;
+    bool m_inNameOrder = true;
     QString m_statusUnavailable;
     AssetStatusQuery m_query;
     // The question being gathered: every asset's id and files, up to the next row.

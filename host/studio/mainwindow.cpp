@@ -315,6 +315,7 @@ void MainWindow::showWorkspace(host::Workspace* workspace)
     m_watches->setScope(workspace ? account.server : std::string(), account.workspaceName);
     if (workspace) {
         model().setWorkspace(workspace);
+        model().sortByName();  // the read appended its rows as it found them
         m_pending->setWorkspace(workspace);
     } else {
         m_start->setRecentWorkspaces(m_session.recentWorkspaces());

@@ -8,6 +8,9 @@
 
 #include <QDir>
 #include <QRegularExpression>
+#include <QTreeView>
+
+#include <algorithm>
 
 namespace {
 
@@ -64,6 +67,14 @@ TEST_F(WorkspaceOpen, ShowsTheAssetsWhileTheyAreReadAndIsWholeAndEditableOnceRea
                     .match(progress).hasMatch())
         << progress.toStdString();
     EXPECT_EQ(window->model().rowCount(), all);
+    // Read in the order the folders list them, the rows are shown by name once the read ends.
+    const QAbstractItemModel* shown = window->browser().view()->model();
+    QStringList names;
+    for (int row = 0; row < shown->rowCount(); ++row)
+        names << shown->index(row, 0).data().toString();
+    EXPECT_TRUE(std::is_sorted(names.begin(), names.end(), [](const QString& a, const QString& b) {
+        return a.compare(b, Qt::CaseInsensitive) < 0;
+    }));
     EXPECT_EQ(window->model().statusQuery().roundTrips() - roundTrips, 1u);
     EXPECT_EQ(status("Many2999"), "not in depot");
 
