@@ -8,6 +8,8 @@
 #include <array>
 #include <cstring>
 #include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 namespace hbrc::host {
 
@@ -207,27 +209,55 @@ std::string DataModelMgr::DisplayName(const KELHandleBase& object) const
     return m_store.NameOf(m_store.OwnerOf(slot)) + '/' + m_store.NameOf(slot);
 }
 
+// A .kel file is found by its path. Other files are looked for among the external files of the
+// assets stored in their folder or above it, in one pass over the assets that runs only when such
+// a file is asked about: a short list costs a few lookups whatever the size of the workspace.
 kel4::List<KELHandle<kel4::IAsset>> DataModelMgr::AssetsOwningFiles(const kel4::List<std::string>& files) const
 {
     const QDir root(m_root);
-    auto key = [&](const std::string& path) {
-        return QDir::cleanPath(root.absoluteFilePath(QFile::decodeName(QByteArray::fromStdString(path))));
-    };
-    std::unordered_map<QString, std::uint32_t> owners;
-    m_store.ForEachLive([&](std::uint32_t slot) {
-        if (!m_store.IsAsset(slot))
-            return;
-        const StoredAsset& asset = m_store.AssetAt(slot);
-        owners.emplace(key(asset.kelPath), slot);
-        for (const std::string& name : asset.record.externalFiles)
-            owners.emplace(key(asset.ExternalPath(name)), slot);
-    });
-    kel4::List<KELHandle<kel4::IAsset>> assets;
+    QString rootPrefix = QDir::cleanPath(root.absolutePath());
+    if (!rootPrefix.endsWith(QLatin1Char('/')))
+        rootPrefix += QLatin1Char('/');
+    std::vector<std::uint32_t> owners;
+    owners.reserve(files.size());
+    // The other files by their path relative to the folder, and every folder that holds one.
+    std::unordered_map<std::string, std::vector<std::size_t>> others;
+    std::unordered_set<std::string> othersFolders;
     for (const std::string& file : files) {
-        const auto found = owners.find(key(file));
-        assets.push_back(found == owners.end() ? KELHandle<kel4::IAsset>()
-                                               : KELHandle<kel4::IAsset>::AssignCast(HandleOf(found->second)));
+        const QString path = QDir::cleanPath(root.absoluteFilePath(QFile::decodeName(QByteArray::fromStdString(file))));
+        owners.push_back(ObjectStore::kNoSlot);
+        if (!path.startsWith(rootPrefix))
+            continue;
+        std::string relative = QFile::encodeName(path.mid(rootPrefix.size())).toStdString();
+        owners.back() = m_store.AssetWithKelPath(relative);
+        if (owners.back() != ObjectStore::kNoSlot)
+            continue;
+        for (std::size_t slash = relative.rfind('/'); slash != std::string::npos && slash > 0;
+             slash = relative.rfind('/', slash - 1))
+            othersFolders.insert(relative.substr(0, slash + 1));
+        othersFolders.insert(std::string());
+        others[std::move(relative)].push_back(owners.size() - 1);
     }
+    if (!others.empty()) {
+        m_store.ForEachLive([&](std::uint32_t slot) {
+            if (!m_store.IsAsset(slot) || m_store.AssetAt(slot).record.externalFiles.empty())
+                return;
+            const StoredAsset& asset = m_store.AssetAt(slot);
+            if (othersFolders.count(asset.kelPath.substr(0, asset.kelPath.rfind('/') + 1)) == 0)
+                return;
+            for (const std::string& name : asset.record.externalFiles) {
+                if (const auto found = others.find(asset.ExternalPath(name)); found != others.end()) {
+                    for (std::size_t position : found->second)
+                        owners[position] = slot;
+                    others.erase(found);
+                }
+            }
+        });
+    }
+    kel4::List<KELHandle<kel4::IAsset>> assets;
+    for (std::uint32_t owner : owners)
+        assets.push_back(owner == ObjectStore::kNoSlot ? KELHandle<kel4::IAsset>()
+                                                       : KELHandle<kel4::IAsset>::AssignCast(HandleOf(owner)));
     return assets;
 }
 

@@ -60,7 +60,7 @@ void ObjectStore::Reserve(std::size_t assets)
     constexpr std::size_t kObjectsPerAsset = 3;
     m_slots.reserve(m_slots.size() + assets * kObjectsPerAsset);
     m_byId.reserve(m_byId.size() + assets * kObjectsPerAsset);
-    m_kelPaths.reserve(m_kelPaths.size() + assets);
+    m_byKelPath.reserve(m_byKelPath.size() + assets);
 }
 
 std::uint32_t ObjectStore::AddAsset(AssetRecord record, std::string kelPath)
@@ -74,7 +74,8 @@ std::uint32_t ObjectStore::AddAsset(AssetRecord record, std::string kelPath)
             || std::any_of(record.parts.begin(), part, [&](const PartRecord& earlier) { return earlier.id == part->id; }))
             return kNoSlot;
     }
-    if (!m_kelPaths.insert(kelPath).second)
+    const auto [byKelPath, kelPathIsNew] = m_byKelPath.try_emplace(kelPath, kNoSlot);
+    if (!kelPathIsNew)
         return kNoSlot;
     auto asset = std::make_unique<StoredAsset>();
     asset->kelPath = std::move(kelPath);
@@ -84,6 +85,7 @@ std::uint32_t ObjectStore::AddAsset(AssetRecord record, std::string kelPath)
     const unsigned flags = assetFlags(asset->record);
     const std::uint32_t slot = Allocate(asset->record.id, kNoSlot, flags);
     m_slots[slot].asset = std::move(asset);
+    byKelPath->second = slot;
     StoredAsset& stored = *m_slots[slot].asset;
     for (std::size_t i = 0; i < stored.record.parts.size(); ++i) {
         const std::uint32_t partSlot = Allocate(stored.record.parts[i].id, slot, flags & kSharedWithParts);
@@ -121,7 +123,7 @@ void ObjectStore::RemoveAsset(std::uint32_t assetSlot)
     }
     for (std::uint32_t part : asset.partSlots)
         Free(part);
-    m_kelPaths.erase(asset.kelPath);
+    m_byKelPath.erase(asset.kelPath);
     m_dirty.erase(assetSlot);
     Free(assetSlot);
 }

@@ -123,7 +123,7 @@ void AssetBrowserModel::reload()
         store.ForEachLive([&](std::uint32_t slot) {
             if (!store.IsAsset(slot))
                 return;
-            Row row{slot, store.IdOf(slot), {}, false};
+            Row row = newRow(slot);
             if (auto found = known.find(row.id); found != known.end()) {
                 row.status = found->second->status;
                 row.known = found->second->known;
@@ -152,15 +152,19 @@ void AssetBrowserModel::restartRowWork()
     m_answerRow = 0;
 }
 
-std::vector<std::size_t> AssetBrowserModel::nameOrder(const std::vector<Row>& rows) const
+AssetBrowserModel::Row AssetBrowserModel::newRow(std::uint32_t slot) const
 {
-    std::vector<QString> keys;
-    keys.reserve(rows.size());
-    for (const Row& row : rows)
-        keys.push_back(name(row).toCaseFolded());
+    const ObjectStore& store = m_workspace->Model().Store();
+    return {slot, store.IdOf(slot), QString::fromStdString(store.NameOf(slot)).toCaseFolded(), {}, false};
+}
+
+// The keys are made as the rows are: a workspace being read spreads that work over its slices.
+std::vector<std::size_t> AssetBrowserModel::nameOrder(const std::vector<Row>& rows)
+{
     std::vector<std::size_t> order(rows.size());
     std::iota(order.begin(), order.end(), std::size_t(0));
-    std::stable_sort(order.begin(), order.end(), [&keys](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
+    std::stable_sort(order.begin(), order.end(),
+                     [&rows](std::size_t a, std::size_t b) { return rows[a].nameKey < rows[b].nameKey; });
     return order;
 }
 
@@ -195,10 +199,9 @@ void AssetBrowserModel::appendAssets(const std::vector<std::uint32_t>& assetSlot
 {
     if (!m_workspace || assetSlots.empty())
         return;
-    const ObjectStore& store = m_workspace->Model().Store();
     beginInsertRows({}, int(m_rows.size()), int(m_rows.size() + assetSlots.size()) - 1);
     for (std::uint32_t slot : assetSlots)
-        m_rows.push_back({slot, store.IdOf(slot), {}, false});
+        m_rows.push_back(newRow(slot));
     m_inNameOrder = false;
     endInsertRows();
 }

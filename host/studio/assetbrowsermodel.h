@@ -99,14 +99,17 @@ private:
     {
         std::uint32_t slot = 0;
         std::string id;
+        QString nameKey;  // the case-folded name the rows are sorted by
         AssetStatus status;
         bool known = false;
     };
     void gatherQuestionSlice();
     void takeAnswer(const std::shared_ptr<const StatusAnswer>& answer);
     void applyAnswerSlice();
+    // The row of an asset, its status unknown.
+    Row newRow(std::uint32_t slot) const;
     // The positions of rows in name order (case-insensitive); rows of one name keep their order.
-    std::vector<std::size_t> nameOrder(const std::vector<Row>& rows) const;
+    static std::vector<std::size_t> nameOrder(const std::vector<Row>& rows);
     void restartRowWork();
     QString name(const Row& row) const;
 

@@ -73,7 +73,7 @@ public:
     // The asset's name; a part shows as "<asset name>/<part name>". "" for a null handle.
     std::string DisplayName(const KELHandleBase& object) const;
     // The asset that owns each file (absolute or relative to the folder), a null handle for a file
-    // of no asset; one pass over the assets for the whole list.
+    // of no asset; at most one pass over the assets for the whole list.
     kel4::List<KELHandle<kel4::IAsset>> AssetsOwningFiles(const kel4::List<std::string>& files) const;
     bool IsDirty(const KELHandleBase& object) const;
 

@@ -15,7 +15,6 @@
 #include <set>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace hbrc::host {
@@ -72,7 +71,13 @@ public:
     bool IsLive(std::uint32_t slot) const { return slot < m_slots.size() && m_slots[slot].used; }
     std::uint32_t InstanceOf(std::uint32_t slot) const { return m_slots[slot].instance; }
     std::uint32_t SlotOf(const std::string& id) const;
-    bool HasKelPath(const std::string& kelPath) const { return m_kelPaths.count(kelPath) != 0; }
+    bool HasKelPath(const std::string& kelPath) const { return m_byKelPath.count(kelPath) != 0; }
+    // The asset stored in that .kel file (relative to the workspace folder), or kNoSlot.
+    std::uint32_t AssetWithKelPath(const std::string& kelPath) const
+    {
+        const auto found = m_byKelPath.find(kelPath);
+        return found == m_byKelPath.end() ? kNoSlot : found->second;
+    }
     bool IsAsset(std::uint32_t slot) const { return IsLive(slot) && m_slots[slot].asset != nullptr; }
     // The asset a live object belongs to (itself for an asset).
     std::uint32_t OwnerOf(std::uint32_t slot) const { return m_slots[slot].owner; }
@@ -117,7 +122,7 @@ private:
     std::vector<Slot> m_slots;
     std::vector<std::uint32_t> m_freeSlots;
     std::unordered_map<std::string, std::uint32_t> m_byId;
-    std::unordered_set<std::string> m_kelPaths;
+    std::unordered_map<std::string, std::uint32_t> m_byKelPath;
     std::set<std::uint32_t> m_dirty;
     std::vector<PendingDeletion> m_deletions;
     std::size_t m_live = 0;
