@@ -56,8 +56,6 @@ void ObjectStore::Free(std::uint32_t slot)
 
 void ObjectStore::Reserve(std::size_t assets)
 {
-    // Most assets have a few parts; the object tables grow past this only for richer ones.
-    constexpr std::size_t kObjectsPerAsset = 3;
     m_slots.reserve(m_slots.size() + assets * kObjectsPerAsset);
     m_byId.reserve(m_byId.size() + assets * kObjectsPerAsset);
     m_byKelPath.reserve(m_byKelPath.size() + assets);

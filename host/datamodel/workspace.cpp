@@ -93,6 +93,12 @@ std::vector<std::uint32_t> Workspace::AddRead(std::vector<WorkspaceLoader::ReadF
     return added;
 }
 
+void Workspace::Reserve(std::size_t assets)
+{
+    m_model->Store().Reserve(assets);
+    m_library->Reserve(assets * ObjectStore::kObjectsPerAsset);
+}
+
 void Workspace::LogLoaded() const
 {
     Log::Singleton::Instance().GetStream(Log::eMessage)

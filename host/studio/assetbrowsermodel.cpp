@@ -114,24 +114,24 @@ void AssetBrowserModel::setWorkspace(host::Workspace* workspace)
 
 void AssetBrowserModel::reload()
 {
-    std::vector<Row> rows;
+    Rows rows;
     if (m_workspace) {
         const ObjectStore& store = m_workspace->Model().Store();
         std::map<std::string, const Row*> known;
-        for (const Row& row : m_rows)
-            known[row.id] = &row;
+        for (const std::unique_ptr<Row>& row : m_rows)
+            known[row->id] = row.get();
         store.ForEachLive([&](std::uint32_t slot) {
             if (!store.IsAsset(slot))
                 return;
-            Row row = newRow(slot);
-            if (auto found = known.find(row.id); found != known.end()) {
-                row.status = found->second->status;
-                row.known = found->second->known;
+            std::unique_ptr<Row> row = newRow(slot);
+            if (auto found = known.find(row->id); found != known.end()) {
+                row->status = found->second->status;
+                row->known = found->second->known;
             }
             rows.push_back(std::move(row));
         });
     }
-    std::vector<Row> sorted;
+    Rows sorted;
     sorted.reserve(rows.size());
     for (std::size_t position : nameOrder(rows))
         sorted.push_back(std::move(rows[position]));
@@ -152,19 +152,20 @@ void AssetBrowserModel::restartRowWork()
     m_answerRow = 0;
 }
 
-AssetBrowserModel::Row AssetBrowserModel::newRow(std::uint32_t slot) const
+std::unique_ptr<AssetBrowserModel::Row> AssetBrowserModel::newRow(std::uint32_t slot) const
 {
     const ObjectStore& store = m_workspace->Model().Store();
-    return {slot, store.IdOf(slot), QString::fromStdString(store.NameOf(slot)).toCaseFolded(), {}, false};
+    return std::make_unique<Row>(
+        Row{slot, store.IdOf(slot), QString::fromStdString(store.NameOf(slot)).toCaseFolded(), {}, false});
 }
 
 // The keys are made as the rows are: a workspace being read spreads that work over its slices.
-std::vector<std::size_t> AssetBrowserModel::nameOrder(const std::vector<Row>& rows)
+std::vector<std::size_t> AssetBrowserModel::nameOrder(const Rows& rows)
 {
     std::vector<std::size_t> order(rows.size());
     std::iota(order.begin(), order.end(), std::size_t(0));
     std::stable_sort(order.begin(), order.end(),
-                     [&rows](std::size_t a, std::size_t b) { return rows[a].nameKey < rows[b].nameKey; });
+                     [&rows](std::size_t a, std::size_t b) { return rows[a]->nameKey < rows[b]->nameKey; });
     return order;
 }
 
@@ -177,7 +178,7 @@ void AssetBrowserModel::sortByName()
     const std::vector<std::size_t> order = nameOrder(m_rows);
     emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
     std::vector<int> newRow(m_rows.size());
-    std::vector<Row> sorted;
+    Rows sorted;
     sorted.reserve(m_rows.size());
     for (std::size_t position : order) {
         newRow[position] = int(sorted.size());
@@ -213,7 +214,7 @@ void AssetBrowserModel::refreshStatus(const Account& account)
     m_question = std::make_unique<Question>(Question{account, {}, {}});
     m_question->ids.reserve(m_rows.size());
     m_question->files.reserve(m_rows.size());
-    gatherQuestionSlice();
+    m_questionSlices->start();  // a turn of its own: the caller may have just shown 100,000 rows
 }
 
 void AssetBrowserModel::gatherQuestionSlice()
@@ -228,9 +229,9 @@ void AssetBrowserModel::gatherQuestionSlice()
             return;
         }
         const kel4::Set<std::string> assetFiles =
-            model.FilesOf(model.HandleOf(m_rows[row].slot), true, kel4::closureId::Persistence);
+            model.FilesOf(model.HandleOf(m_rows[row]->slot), true, kel4::closureId::Persistence);
         m_question->files.emplace_back(assetFiles.begin(), assetFiles.end());
-        m_question->ids.push_back(m_rows[row].id);
+        m_question->ids.push_back(m_rows[row]->id);
     }
     m_questionSlices->stop();
     const std::unique_ptr<Question> question = std::move(m_question);
@@ -267,7 +268,7 @@ void AssetBrowserModel::applyAnswerSlice()
         announced = row;
     };
     while (row < m_rows.size() && !sliceIsOver(row, first, spent)) {
-        Row& current = m_rows[row];
+        Row& current = *m_rows[row];
         if (const AssetStatus* status = m_answer->statusOf(current.id, row)) {
             if (current.known) {
                 if (const QString change = StatusChange::describe(name(current), current.status, *status);
@@ -298,7 +299,9 @@ void AssetBrowserModel::setStatusUnavailable(const QString& reason)
     if (reason == m_statusUnavailable)
         return;
     m_statusUnavailable = reason;
-    if (!m_rows.empty())
+    // Rows a read appended are shown anew when sortByName puts them in order; telling the views
+    // now would cost them a pass over every row.
+    if (!m_rows.empty() && m_inNameOrder)
         emit dataChanged(index(0, StatusColumn), index(int(m_rows.size()) - 1, StatusColumn));
 }
 
@@ -306,14 +309,14 @@ KELHandle<kel4::IDbObject> AssetBrowserModel::assetAt(int row) const
 {
     if (!m_workspace || row < 0 || row >= int(m_rows.size()))
         return {};
-    return m_workspace->Model().HandleOf(m_rows[std::size_t(row)].slot);
+    return m_workspace->Model().HandleOf(m_rows[std::size_t(row)]->slot);
 }
 
 const AssetStatus* AssetBrowserModel::statusAt(int row) const
 {
-    if (row < 0 || row >= int(m_rows.size()) || !m_rows[std::size_t(row)].known)
+    if (row < 0 || row >= int(m_rows.size()) || !m_rows[std::size_t(row)]->known)
         return nullptr;
-    return &m_rows[std::size_t(row)].status;
+    return &m_rows[std::size_t(row)]->status;
 }
 
 QString AssetBrowserModel::name(const Row& row) const
@@ -326,18 +329,18 @@ int AssetBrowserModel::rowOf(const KELHandleBase& asset) const
     if (!m_workspace || asset.IsNull())
         return -1;
     const std::uint32_t slot = m_workspace->Model().SlotOf(asset);
-    const auto found = std::find_if(m_rows.begin(), m_rows.end(), [slot](const Row& row) { return row.slot == slot; });
+    const auto found = std::find_if(m_rows.begin(), m_rows.end(), [slot](const std::unique_ptr<Row>& row) { return row->slot == slot; });
     return found == m_rows.end() ? -1 : int(found - m_rows.begin());
 }
 
 std::string AssetBrowserModel::idAt(int row) const
 {
-    return row < 0 || row >= int(m_rows.size()) ? std::string() : m_rows[std::size_t(row)].id;
+    return row < 0 || row >= int(m_rows.size()) ? std::string() : m_rows[std::size_t(row)]->id;
 }
 
 int AssetBrowserModel::rowOfId(const std::string& id) const
 {
-    const auto found = std::find_if(m_rows.begin(), m_rows.end(), [&id](const Row& row) { return row.id == id; });
+    const auto found = std::find_if(m_rows.begin(), m_rows.end(), [&id](const std::unique_ptr<Row>& row) { return row->id == id; });
     return found == m_rows.end() ? -1 : int(found - m_rows.begin());
 }
 
@@ -354,9 +357,9 @@ QStringList AssetBrowserModel::relatedHolds(int row) const
             continue;  // its own parts
         const int ownerRow = rowOf(owner);
         if (ownerRow >= 0)
-            held.push_back({name(m_rows[std::size_t(ownerRow)]), statusAt(ownerRow)});
+            held.push_back({name(*m_rows[std::size_t(ownerRow)]), statusAt(ownerRow)});
     }
-    return RelatedHolds::describe(name(m_rows[std::size_t(row)]), held);
+    return RelatedHolds::describe(name(*m_rows[std::size_t(row)]), held);
 }
 
 int AssetBrowserModel::rowCount(const QModelIndex& parent) const
@@ -373,7 +376,7 @@ QVariant AssetBrowserModel::data(const QModelIndex& index, int role) const
 {
     if (!index.isValid() || !m_workspace || index.row() >= int(m_rows.size()))
         return {};
-    const Row& row = m_rows[std::size_t(index.row())];
+    const Row& row = *m_rows[std::size_t(index.row())];
     const ObjectStore& store = m_workspace->Model().Store();
     if (!store.IsAsset(row.slot))
         return {};

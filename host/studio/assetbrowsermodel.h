@@ -106,15 +106,17 @@ private:
     void gatherQuestionSlice();
     void takeAnswer(const std::shared_ptr<const StatusAnswer>& answer);
     void applyAnswerSlice();
+    // Each row on the heap, so that putting 100,000 rows in order moves only pointers.
+    using Rows = std::vector<std::unique_ptr<Row>>;
     // The row of an asset, its status unknown.
-    Row newRow(std::uint32_t slot) const;
+    std::unique_ptr<Row> newRow(std::uint32_t slot) const;
     // The positions of rows in name order (case-insensitive); rows of one name keep their order.
-    static std::vector<std::size_t> nameOrder(const std::vector<Row>& rows);
+    static std::vector<std::size_t> nameOrder(const Rows& rows);
     void restartRowWork();
     QString name(const Row& row) const;
 
     host::Workspace* m_workspace = nullptr;
-    std::vector<Row> m_rows;
+    Rows m_rows;
     bool m_inNameOrder = true;
     QString m_statusUnavailable;
     AssetStatusQuery m_query;

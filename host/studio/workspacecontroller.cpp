@@ -63,6 +63,8 @@ void WorkspaceController::addSlice()
             m_slices->stop();  // until the reader has more
             break;
         }
+        if (m_added == 0)
+            m_opening->Reserve(std::size_t(m_reader.total()));
         m_added += int(files.size());
         const std::vector<std::uint32_t> assetSlots = m_opening->AddRead(std::move(files));
         added.insert(added.end(), assetSlots.begin(), assetSlots.end());

@@ -57,6 +57,8 @@ class HBRC_DATAMODEL_EXPORT ObjectStore
 {
 public:
     static constexpr std::uint32_t kNoSlot = 0xffffffffu;
+    // Most assets have a few parts; the object tables grow past a reserve only for richer ones.
+    static constexpr std::size_t kObjectsPerAsset = 3;
 
     // Makes room for this many more assets (and a few parts each) before a load adds them.
     void Reserve(std::size_t assets);

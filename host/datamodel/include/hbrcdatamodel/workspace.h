@@ -52,6 +52,9 @@ public:
     // assets it added), then the log line of the whole load (LogLoaded).
     static std::unique_ptr<Workspace> OpenEmpty(const QString& folder, std::string& errorText);
     std::vector<std::uint32_t> AddRead(std::vector<WorkspaceLoader::ReadFile> files);
+    // Makes room for this many more assets before AddRead adds them, so that no batch of a large
+    // read grows the object tables all at once.
+    void Reserve(std::size_t assets);
     void LogLoaded() const;
     ~Workspace();
     Workspace(const Workspace&) = delete;
