@@ -11,6 +11,7 @@
 // assets come from a seed kept in TMPDIR as hbrc-bench-scale-COUNT (built by the first run of a
 // count; delete it to build it anew). Run it with TMPDIR on a real disk to include the save's flush.
 #include <depotworkspace.h>
+#include <scaleassets.h>
 
 #include <benchmark/benchmark.h>
 
@@ -27,6 +28,8 @@
 #include <vector>
 
 using namespace hbrc::host;
+using hbrc::bench::CreateAssets;
+using hbrc::bench::SaveAll;
 
 namespace {
 
@@ -43,32 +46,6 @@ hbrc::bench::DepotWorkspace::Server server()
     const char* configured = std::getenv("HBRC_SCALE_SERVER");
     return configured && std::string(configured) == "svnserve" ? hbrc::bench::DepotWorkspace::Server::SvnServe
                                                                : hbrc::bench::DepotWorkspace::Server::EmbeddedDepot;
-}
-
-// The assets of a run, named Asset0... in 100 folders, created in the workspace (not saved yet).
-std::vector<KELHandle<kel4::IAsset>> CreateAssets(Workspace& space, int count)
-{
-    std::vector<KELHandle<kel4::IAsset>> handles;
-    std::string error;
-    for (int i = 0; i < count; ++i) {
-        NewAsset asset;
-        asset.kind = AssetKind::Metadata;
-        asset.name = "Asset" + std::to_string(i);
-        asset.folder = "level" + std::to_string(i % 100);
-        handles.push_back(space.CreateAsset(asset, error));
-        if (handles.back().IsNull())
-            throw std::runtime_error(error);
-    }
-    return handles;
-}
-
-// Saves the workspace; the files written.
-std::vector<std::string> SaveAll(Workspace& space)
-{
-    const SaveReport saved = space.Save();
-    if (!saved.Succeeded())
-        throw std::runtime_error(saved.DescribeFailures());
-    return saved.writtenFiles;
 }
 
 // The workspace's assets in the order CreateAssets made them.
@@ -94,15 +71,7 @@ std::unique_ptr<hbrc::bench::SvnSeed> Seed(int count)
 {
     if (server() != hbrc::bench::DepotWorkspace::Server::SvnServe)
         return nullptr;
-    const auto write = [count](const QString& folder) {
-        std::string error;
-        const auto space = Workspace::Open(folder, error);
-        if (!space)
-            throw std::runtime_error(error);
-        CreateAssets(*space, count);
-        return SaveAll(*space);
-    };
-    return std::make_unique<hbrc::bench::SvnSeed>(QStringLiteral("hbrc-bench-scale-%1").arg(count), write);
+    return std::make_unique<hbrc::bench::SvnSeed>(hbrc::bench::ScaleSeed(count));
 }
 
 // The depot workspace with its assets created, saved and submitted, built once per run.

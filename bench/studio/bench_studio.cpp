@@ -1,5 +1,6 @@
 // hbrc-studio's main window opening a workspace of 1,000, of 10,000 and (HBRC_STUDIO_ASSETS=100000)
-// of more submitted assets on the embedded depot, with the plug-in loaded as the studio loads it:
+// of more submitted assets on the embedded depot, with the plug-in loaded as the studio loads it,
+// or (HBRC_STUDIO_SERVER=svnserve) of HBRC_STUDIO_ASSETS, by default 100,000, on svnserve:
 // - time from "open" to the first paint of the asset browser with its rows, and to the workspace
 //   fully open (every asset read, the session logged in), each as the ratio of the sizes
 //   (goal for the full open: t(10,000)/t(1,000) at most 10.5; the first rows should hardly grow);
@@ -10,8 +11,12 @@
 // - a status refresh of the open workspace: its depot round trips (goal: 1) and the longest stall
 //   from the request until the answer is in every row (goal: < 50 ms);
 // - the peak memory of the process after the set-up (goal: under 1 GB).
-// The sizes share one depot: each smaller workspace is a folder inside the next larger one.
+// The sizes share one depot: each smaller workspace is a folder inside the next larger one. On
+// svnserve the workspace is a copy of the working copy of bench_scale's seed of that count (kept in
+// TMPDIR, see ScaleSeed), whose assets lie side by side in 100 folders: smaller sizes would need
+// seeds of their own, so only the one size is measured there, and no ratios are printed.
 #include <ratioreporter.h>
+#include <scaleassets.h>
 
 #include "mainwindow.h"
 #include "assetbrowser.h"
@@ -27,6 +32,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLocale>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -67,34 +73,42 @@ double peakMemoryMiB()
     return 0;
 }
 
-// The workspace sizes, smallest first: 1,000, 10,000 and the count HBRC_STUDIO_ASSETS names.
+bool onSvnServe()
+{
+    const char* configured = std::getenv("HBRC_STUDIO_SERVER");
+    return configured && std::string(configured) == "svnserve";
+}
+
+// The workspace sizes, smallest first: 1,000, 10,000 and the count HBRC_STUDIO_ASSETS names; on
+// svnserve that count alone (100,000 when unset).
 std::vector<int> workspaceSizes()
 {
+    if (onSvnServe()) {
+        const char* configured = std::getenv("HBRC_STUDIO_ASSETS");
+        return {configured && std::atoi(configured) > 0 ? std::atoi(configured) : 100000};
+    }
     std::vector<int> sizes{1000, 10000};
     if (const char* configured = std::getenv("HBRC_STUDIO_ASSETS"); configured && std::atoi(configured) > 10000)
         sizes.push_back(std::atoi(configured));
     return sizes;
 }
 
-// A depot with alice's workspace of submitted metadata assets, made once: the folder of each size
-// holds the folder of the next smaller size and as many assets of its own as make up its size.
-class Depot
+// The server alice's studio works with and her workspace of each size's submitted assets, made
+// once per run: the embedded depot, or svnserve with HBRC_STUDIO_SERVER=svnserve.
+class Server
 {
 public:
-    static Depot& Get()
-    {
-        static Depot depot(workspaceSizes());
-        static const bool forgotten = (forgetSetUp(), true);
-        (void)forgotten;
-        return depot;
-    }
-    QString Folder(int assets) const
-    {
-        return QDir(m_dir.filePath(QStringLiteral("alice/") + Inside(assets))).canonicalPath();
-    }
-    const std::string& Path() const { return m_path; }
+    static const Server& Get();
+    virtual ~Server() = default;
+    virtual QString Folder(int assets) const = 0;
+    virtual studio::Account Account() const = 0;
+};
 
-private:
+// A depot with alice's workspace of submitted metadata assets: the folder of each size holds the
+// folder of the next smaller size and as many assets of its own as make up its size.
+class Depot : public Server
+{
+public:
     explicit Depot(std::vector<int> sizes)
         : m_sizes(std::move(sizes)), m_path(m_dir.filePath(QStringLiteral("depot.db")).toStdString())
     {
@@ -132,13 +146,13 @@ private:
                    alice->submit(ticket, "", "assets", submitted).ok(),
                "cannot submit the assets");
     }
-    // The set-up's workspace goes with the constructor: from then on the peak is the studio's.
-    static void forgetSetUp()
+    QString Folder(int assets) const override
     {
-        malloc_trim(0);
-        resetPeakMemory();
+        return QDir(m_dir.filePath(QStringLiteral("alice/") + Inside(assets))).canonicalPath();
     }
+    studio::Account Account() const override { return {m_path, "alice", "alice-ws", {}}; }
 
+private:
     // The folder of that size in the largest one's ("" for the largest).
     QString Inside(int assets) const
     {
@@ -152,6 +166,49 @@ private:
     std::vector<int> m_sizes;
     std::string m_path;
 };
+
+// A Subversion repository served by svnserve on 127.0.0.1 with the submitted assets of the scale
+// seed of that count, and alice's working copy of it as her workspace (named by its folder, as
+// Subversion workspaces are).
+class SvnServe : public Server
+{
+public:
+    explicit SvnServe(int assets)
+        : m_seed(bench::ScaleSeed(assets)),
+          m_repository(m_dir.path(), SvnRepositoryFixture::Access::Served, m_seed.Repository()),
+          m_folder(m_dir.filePath(QStringLiteral("alice")))
+    {
+        expect(QDir().mkpath(m_folder), "cannot make the working copy's folder");
+        m_folder = QDir(m_folder).canonicalPath();
+        m_seed.CopyWorkingCopy(workingCopy(), m_repository.Url());
+    }
+    QString Folder(int) const override { return m_folder; }
+    studio::Account Account() const override { return {m_repository.Url(), "alice", workingCopy(), {}}; }
+
+private:
+    std::string workingCopy() const { return QFile::encodeName(m_folder).toStdString(); }
+
+    bench::SvnSeed m_seed;
+    QTemporaryDir m_dir;
+    SvnRepositoryFixture m_repository;
+    QString m_folder;
+};
+
+// The set-up's workspace goes with the server's construction: from then on the peak is the studio's.
+const Server& Server::Get()
+{
+    static const std::unique_ptr<Server> server = [] {
+        std::unique_ptr<Server> made;
+        if (onSvnServe())
+            made = std::make_unique<SvnServe>(workspaceSizes().back());
+        else
+            made = std::make_unique<Depot>(workspaceSizes());
+        malloc_trim(0);
+        resetPeakMemory();
+        return made;
+    }();
+    return *server;
+}
 
 // Notes how long after its creation the asset view first paints rows.
 class FirstPaint : public QObject
@@ -217,8 +274,8 @@ enum class OpenUntil { FirstRowsPainted, AllAssetsIn };
 
 void openWorkspaceInWindow(benchmark::State& state, OpenUntil until)
 {
-    Depot& depot = Depot::Get();
-    const QString folder = depot.Folder(int(state.range(0)));
+    const Server& server = Server::Get();
+    const QString folder = server.Folder(int(state.range(0)));
     Log::Singleton::Instance().SetStderrEnabled(false);
     QTemporaryDir scratch;
     double roundTrips = 0, longestStall = 0, longestBusy = 0;
@@ -226,7 +283,7 @@ void openWorkspaceInWindow(benchmark::State& state, OpenUntil until)
         studio::StudioSession session(scratch.filePath(QStringLiteral("preferences.ini")));
         std::string error;
         expect(session.start(error), error);
-        session.storeAccount({depot.Path(), "alice", "alice-ws", {}});
+        session.storeAccount(server.Account());
         session.setPassword("alice-pw");
         studio::MainWindow window(session);
         window.show();
@@ -276,20 +333,20 @@ void BM_OpenWorkspaceInWindow(benchmark::State& state)
 }
 BENCHMARK(BM_OpenWorkspaceInWindow)->Apply(everySize)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
 
-// The window of alice's session on the depot of that size, with the workspace open and its first
-// status answer in.
+// The window of alice's session on the server's workspace of that size, with the workspace open
+// and its first status answer in.
 struct OpenWindow
 {
-    OpenWindow(Depot& depot, int assets, const QString& preferences) : session(preferences)
+    OpenWindow(const Server& server, int assets, const QString& preferences) : session(preferences)
     {
         std::string error;
         expect(session.start(error), error);
-        session.storeAccount({depot.Path(), "alice", "alice-ws", {}});
+        session.storeAccount(server.Account());
         session.setPassword("alice-pw");
         session.setStatusRefreshSeconds(0);
         window = std::make_unique<studio::MainWindow>(session);
         window->show();
-        expect(window->openWorkspace(depot.Folder(assets)), "cannot open the workspace");
+        expect(window->openWorkspace(server.Folder(assets)), "cannot open the workspace");
         waitForStatus();
     }
     void waitForStatus() const
@@ -306,7 +363,7 @@ void BM_RefreshStatus(benchmark::State& state)
 {
     Log::Singleton::Instance().SetStderrEnabled(false);
     QTemporaryDir scratch;
-    OpenWindow open(Depot::Get(), int(state.range(0)), scratch.filePath(QStringLiteral("preferences.ini")));
+    OpenWindow open(Server::Get(), int(state.range(0)), scratch.filePath(QStringLiteral("preferences.ini")));
     const studio::AssetStatusQuery& query = open.window->model().statusQuery();
     double roundTrips = 0, longestStall = 0, longestBusy = 0;
     for (auto _ : state) {
@@ -333,24 +390,24 @@ BENCHMARK(BM_RefreshStatus)->Apply(everySize)->UseManualTime()->Iterations(5)->U
 
 int main(int argc, char** argv)
 {
-    const int largest = workspaceSizes().back();
     const auto name = [](const char* benchmark, int size, int iterations) {
         return std::string(benchmark) + "/" + std::to_string(size) + "/iterations:" + std::to_string(iterations) +
                "/manual_time";
     };
-    std::vector<RatioReporter::Ratio> ratios{
-        {"first painted browser rows t(10,000) / t(1,000)", name("BM_OpenWorkspaceFirstRows", 10000, 3),
-         name("BM_OpenWorkspaceFirstRows", 1000, 3)},
-        {"workspace fully open t(10,000) / t(1,000) (goal <= 10.5)", name("BM_OpenWorkspaceInWindow", 10000, 3),
-         name("BM_OpenWorkspaceInWindow", 1000, 3)},
-        {"status refresh t(10,000) / t(1,000)", name("BM_RefreshStatus", 10000, 5), name("BM_RefreshStatus", 1000, 5)}};
-    if (largest > 10000) {
-        const std::string of = " t(" + std::to_string(largest) + ") / t(10,000)";
-        ratios.push_back({"first painted browser rows" + of, name("BM_OpenWorkspaceFirstRows", largest, 3),
-                          name("BM_OpenWorkspaceFirstRows", 10000, 3)});
-        ratios.push_back({"workspace fully open" + of, name("BM_OpenWorkspaceInWindow", largest, 3),
-                          name("BM_OpenWorkspaceInWindow", 10000, 3)});
-        ratios.push_back({"status refresh" + of, name("BM_RefreshStatus", largest, 5), name("BM_RefreshStatus", 10000, 5)});
+    // Each size against the next smaller one.
+    std::vector<RatioReporter::Ratio> ratios;
+    const std::vector<int> sizes = workspaceSizes();
+    for (std::size_t larger = 1; larger < sizes.size(); ++larger) {
+        const int top = sizes[larger], bottom = sizes[larger - 1];
+        const QLocale grouped(QLocale::English);
+        const std::string of =
+            (QStringLiteral(" t(%1) / t(%2)").arg(grouped.toString(top), grouped.toString(bottom))).toStdString();
+        const char* goal = top == 10000 && bottom == 1000 ? " (goal <= 10.5)" : "";
+        ratios.push_back({"first painted browser rows" + of, name("BM_OpenWorkspaceFirstRows", top, 3),
+                          name("BM_OpenWorkspaceFirstRows", bottom, 3)});
+        ratios.push_back({"workspace fully open" + of + goal, name("BM_OpenWorkspaceInWindow", top, 3),
+                          name("BM_OpenWorkspaceInWindow", bottom, 3)});
+        ratios.push_back({"status refresh" + of, name("BM_RefreshStatus", top, 5), name("BM_RefreshStatus", bottom, 5)});
     }
     RatioReporter reporter(std::move(ratios));
     const int status = RunWidgetBenchmarks(argc, argv, reporter);
