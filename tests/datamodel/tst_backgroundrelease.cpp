@@ -5,11 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <future>
+#include <memory>
 #include <mutex>
 #include <numeric>
 #include <thread>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -17,34 +18,24 @@ namespace {
 using hbrc::host::BackgroundRelease;
 using namespace std::chrono_literals;
 
-// What was freed, in which order and on which threads; freeing waits until the gate opens.
+// Bulks whose freeing waits until the gate opens, then notes the bulk's number and thread.
 struct Frees
 {
     std::shared_future<void> gate;
     std::mutex mutex;
     std::vector<int> order;
     std::vector<std::thread::id> threads;
-};
 
-class GatedBulk
-{
-public:
-    GatedBulk(Frees& frees, int number) : m_frees(&frees), m_number(number) {}
-    GatedBulk(GatedBulk&& other) noexcept : m_frees(std::exchange(other.m_frees, nullptr)), m_number(other.m_number) {}
-    ~GatedBulk()
+    void operator()(int* number)
     {
-        if (!m_frees)
-            return;  // a moved-from shell
-        m_frees->gate.wait();
-        const std::lock_guard lock(m_frees->mutex);
-        m_frees->order.push_back(m_number);
-        m_frees->threads.push_back(std::this_thread::get_id());
+        gate.wait();
+        const std::lock_guard lock(mutex);
+        order.push_back(*number);
+        threads.push_back(std::this_thread::get_id());
+        delete number;
     }
-
-private:
-    Frees* m_frees;
-    int m_number;
 };
+using GatedBulk = std::unique_ptr<int, std::reference_wrapper<Frees>>;
 
 TEST(BackgroundRelease, FreesOnItsWorkerInOrderAndHoldsBackWhatWouldPileUp)
 {
@@ -53,16 +44,16 @@ TEST(BackgroundRelease, FreesOnItsWorkerInOrderAndHoldsBackWhatWouldPileUp)
     frees.gate = opening.get_future().share();
     BackgroundRelease& release = BackgroundRelease::Instance();
     // The worker takes the first bulk and stops at the gate; the next ones wait behind it.
-    constexpr int kHandedOver = int(BackgroundRelease::kMostWaiting) + 1;
-    for (int number = 0; number < kHandedOver; ++number)
-        release.Free(GatedBulk(frees, number));
-    std::future<void> oneMore = std::async(std::launch::async, [&] { release.Free(GatedBulk(frees, kHandedOver)); });
+    std::vector<int> handedOver(BackgroundRelease::kMostWaiting + 2);
+    std::iota(handedOver.begin(), handedOver.end(), 0);
+    for (std::size_t number = 0; number + 1 < handedOver.size(); ++number)
+        release.Free(GatedBulk(new int(handedOver[number]), frees));
+    std::future<void> oneMore =
+        std::async(std::launch::async, [&] { release.Free(GatedBulk(new int(handedOver.back()), frees)); });
     EXPECT_EQ(oneMore.wait_for(200ms), std::future_status::timeout) << "a bulk more than may wait was taken";
 
     opening.set_value();
     oneMore.get();
-    std::vector<int> handedOver(kHandedOver + 1);
-    std::iota(handedOver.begin(), handedOver.end(), 0);
     for (const auto deadline = std::chrono::steady_clock::now() + 10s; std::chrono::steady_clock::now() < deadline;) {
         std::this_thread::sleep_for(1ms);
         const std::lock_guard lock(frees.mutex);

@@ -27,7 +27,8 @@ namespace hbrc::host {
 class HBRC_DATAMODEL_EXPORT BackgroundRelease
 {
 public:
-    // Two bulks per workspace (its store, its library), of the one closed before the last.
+    // Room for the two bulks of a workspace (its store, its library) while the worker frees the
+    // one closed before it.
     static constexpr std::size_t kMostWaiting = 2;
 
     static BackgroundRelease& Instance();
