@@ -1,5 +1,6 @@
 #include <hbrcdatamodel/datamodelmgr.h>
 
+#include <hbrcdatamodel/backgroundrelease.h>
 #include <hbrcdatamodel/objectquery.h>
 
 #include <QDir>
@@ -34,6 +35,9 @@ DataModelMgr::DataModelMgr(QString root)
 DataModelMgr::~DataModelMgr()
 {
     m_dataSource->SetManager(nullptr);
+    // The store holds plain data only (records, strings, tables): the release may free it on its
+    // worker, while the instance and the data source, shared with the plug-in, stay here.
+    BackgroundRelease::Instance().Free(std::move(m_store));
 }
 
 KELPtr<kel4::IKELInstance> DataModelMgr::GetInstance() const

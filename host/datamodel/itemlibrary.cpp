@@ -1,6 +1,9 @@
 #include <hbrcdatamodel/itemlibrary.h>
 
+#include <hbrcdatamodel/backgroundrelease.h>
 #include <hbrcdatamodel/datamodelmgr.h>
+
+#include <utility>
 
 namespace hbrc::host {
 
@@ -11,6 +14,11 @@ using borax::datamodel::ItemLibraryAccessor;
 ItemLibrary::ItemLibrary(const DataModelMgr& model)
     : m_model(model)
 {
+}
+
+ItemLibrary::~ItemLibrary()
+{
+    BackgroundRelease::Instance().Free(std::make_pair(std::move(m_itemById), std::move(m_idByItem)));
 }
 
 bool ItemLibrary::FindItemByDbUid(const std::string& dbUid, ItemID& item) const

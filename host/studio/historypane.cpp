@@ -128,6 +128,11 @@ void HistoryPane::askHistory()
         m_state->setText(tr("Select an asset to see its history."));
         return;
     }
+    if (m_session.workOfflineChosen()) {
+        m_historyQuestion->cancel();
+        m_state->setText(tr("Working offline: the history is asked for when you work online."));
+        return;
+    }
     const host::DataModelMgr& model = workspace->Model();
     const host::StoredAsset& stored = model.Store().AssetAt(slot);
     std::vector<std::string> files{model.AbsolutePath(stored.kelPath)};

@@ -23,8 +23,8 @@ class StudioSession;
 // external files: revision, change, user, date, action, description), newest first, under a row
 // for the edits in memory. Choosing rows shows a per-field difference (AssetHistory::choose says
 // of what); "Get This Revision" brings the asset's files as of the chosen change. The history and
-// each difference are asked off the UI thread, only while the tab shows; a new selection replaces
-// a question still waiting.
+// each difference are asked off the UI thread, only while the tab shows and the user has not
+// switched to work offline; a new selection replaces a question still waiting.
 class HistoryPane : public QWidget
 {
     Q_OBJECT

@@ -237,6 +237,8 @@ void MainWindow::buildOfflineWork()
     connect(m_offline, &OfflineWork::offlineChanged, this, [this](bool offline) {
         updateStatusBar();
         updateActions();
+        m_history->refresh();  // they ask the server only while the user works online
+        m_submitted->refresh();
         if (!offline)
             refreshStatus();
     });

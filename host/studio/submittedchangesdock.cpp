@@ -130,14 +130,11 @@ void SubmittedChangesDock::askChanges()
 {
     m_stale = false;
     if (!m_session.currentWorkspace()) {
-        for (ServerQuestion* question : {m_listQuestion, m_describeQuestion, m_differenceQuestion})
-            question->cancel();
-        takeChanges({});
-        m_shownChange.clear();
-        m_description->clear();
-        m_files->clear();
-        m_differences->showMessage({});
-        m_state->setText(tr("Open a workspace to see its server's submitted changes."));
+        showNothing(tr("Open a workspace to see its server's submitted changes."));
+        return;
+    }
+    if (m_session.workOfflineChosen()) {
+        showNothing(tr("Working offline: the submitted changes are asked for when you work online."));
         return;
     }
     m_state->setText(tr("Asking the server for the submitted changes..."));
@@ -155,6 +152,18 @@ void SubmittedChangesDock::askChanges()
             else
                 takeChanges(answer.changes);
         });
+}
+
+void SubmittedChangesDock::showNothing(const QString& why)
+{
+    for (ServerQuestion* question : {m_listQuestion, m_describeQuestion, m_differenceQuestion})
+        question->cancel();
+    takeChanges({});
+    m_shownChange.clear();
+    m_description->clear();
+    m_files->clear();
+    m_differences->showMessage({});
+    m_state->setText(why);
 }
 
 void SubmittedChangesDock::takeChanges(std::vector<revision::Changelist> changes)

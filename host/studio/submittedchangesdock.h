@@ -28,7 +28,7 @@ class SubmittedChangesModel;
 // by text; a chosen change shows its description and files, and a chosen file the per-field
 // difference its change made to the file's asset. A double-click on a file selects its asset.
 // The list, the change and the difference are each asked off the UI thread, the list while the
-// dock shows.
+// dock shows and the user has not switched to work offline.
 class SubmittedChangesDock : public QDockWidget
 {
     Q_OBJECT
@@ -54,7 +54,10 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    // Asks for the list, unless no workspace is open or the user works offline.
     void askChanges();
+    // No list and no question on its way, and why.
+    void showNothing(const QString& why);
     void takeChanges(std::vector<revision::Changelist> changes);
     void applyFilter();
     void describeCurrent();

@@ -5,6 +5,7 @@
 #include "offlinework.h"
 #include "pendingchangespane.h"
 #include "pendingchangesmodel.h"
+#include "propertypane.h"
 #include "reconciler.h"
 #include "sessioncontroller.h"
 #include "demodepot.h"
@@ -17,6 +18,7 @@
 #include <svnrepositoryfixture.h>
 
 #include <QDialogButtonBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -245,6 +247,13 @@ TEST_P(StudioOffline, RevisionControlOffJournalsAndTheSwitchOutlivesARestart)
     const std::string away = depot->path() + ".away";  // on the train
     start(away, depot->workspace("alice"), depot->folder("alice"), "alice-pw");
     EXPECT_EQ(sessionLabel(), "Session: Offline: working offline by choice");
+    select("Sky");
+    window->propertyPane().setCurrentIndex(window->propertyPane().indexOfPage(QStringLiteral("revisionHistoryPage")));
+    window->action(QStringLiteral("submittedChanges"))->trigger();
+    EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("historyState"))->text(),
+              "Working offline: the history is asked for when you work online.");
+    EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("changesState"))->text(),
+              "Working offline: the submitted changes are asked for when you work online.");
     EXPECT_EQ(window->sessionController().serverState(), SessionState::NotLoggedIn) << "nothing was asked";
     QSignalSpy loggedIn(&window->sessionController(), &SessionController::retried);
     window->action(QStringLiteral("workOffline"))->trigger();

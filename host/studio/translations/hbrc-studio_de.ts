@@ -732,6 +732,10 @@
         <source>The difference is unknown: %1</source>
         <translation>Der Unterschied ist unbekannt: %1</translation>
     </message>
+    <message>
+        <source>Working offline: the history is asked for when you work online.</source>
+        <translation>Offline: Der Verlauf wird erfragt, sobald Sie wieder online arbeiten.</translation>
+    </message>
 </context>
 <context>
     <name>hbrc::studio::LogDock</name>
@@ -1527,6 +1531,10 @@
     <message>
         <source>%1 in change %2</source>
         <translation>%1 in Änderungsliste %2</translation>
+    </message>
+    <message>
+        <source>Working offline: the submitted changes are asked for when you work online.</source>
+        <translation>Offline: Die übergebenen Änderungen werden erfragt, sobald Sie wieder online arbeiten.</translation>
     </message>
 </context>
 <context>

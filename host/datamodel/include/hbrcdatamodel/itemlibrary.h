@@ -19,6 +19,8 @@ class HBRC_DATAMODEL_EXPORT ItemLibrary final : public borax::datamodel::IItemLi
 public:
     // The model must outlive the library.
     explicit ItemLibrary(const DataModelMgr& model);
+    // The tables go to the background release: a library of a large workspace is slow to free.
+    ~ItemLibrary() override;
     ItemLibrary(const ItemLibrary&) = delete;
     ItemLibrary& operator=(const ItemLibrary&) = delete;
 
