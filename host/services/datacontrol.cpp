@@ -4,11 +4,12 @@
 #include <hbrcservices/filepermissions.h>
 #include <hbrcservices/statusrules.h>
 
+#include "filesofobjects.h"
+
 #include <hbrcdatamodel/offlinejournal.h>
 #include <log/log.h>
 
 #include <optional>
-#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -64,57 +65,6 @@ public:
 
 private:
     std::unordered_map<std::string, const revision::FileStatus*> m_byFile;
-};
-
-// The files of many objects for one question about them all: each file once, in the order in
-// which it first appears, and each object's files as places in that list, so that the answer is
-// read object by object without looking its files up again.
-class FilesOfObjects
-{
-public:
-    explicit FilesOfObjects(std::size_t objectCount)
-    {
-        m_placeOf.reserve(objectCount);
-        m_filesPerObject.reserve(objectCount);
-        m_ends.reserve(objectCount);
-    }
-
-    void Add(kel4::Set<std::string> objectFiles)
-    {
-        for (const std::string& file : objectFiles) {
-            const auto [found, added] = m_placeOf.try_emplace(file, m_files.size());
-            if (added)
-                m_files.push_back(file);
-            m_places.push_back(found->second);
-        }
-        // Kept, as the keys of m_placeOf are views of its texts (a set's elements keep their
-        // place when the set is moved).
-        m_filesPerObject.push_back(std::move(objectFiles));
-        m_ends.push_back(m_places.size());
-    }
-
-    const std::vector<std::string>& Files() const { return m_files; }
-    std::size_t ObjectCount() const { return m_ends.size(); }
-
-    // The statuses of an object's files out of the answer about Files(); a file the answer lacks
-    // has none.
-    std::vector<revision::FileStatus> StatusesOf(std::size_t object,
-                                                 const std::vector<revision::FileStatus>& answered) const
-    {
-        std::vector<revision::FileStatus> statuses;
-        const std::size_t begin = object == 0 ? 0 : m_ends[object - 1];
-        statuses.reserve(m_ends[object] - begin);
-        for (std::size_t i = begin; i < m_ends[object]; ++i)
-            statuses.push_back(m_places[i] < answered.size() ? answered[m_places[i]] : revision::FileStatus{});
-        return statuses;
-    }
-
-private:
-    std::vector<kel4::Set<std::string>> m_filesPerObject;
-    std::unordered_map<std::string_view, std::size_t> m_placeOf;
-    std::vector<std::string> m_files;
-    std::vector<std::size_t> m_places;  // each object's files' places in m_files, object after object
-    std::vector<std::size_t> m_ends;    // where each object's places end in m_places
 };
 
 }  // namespace
