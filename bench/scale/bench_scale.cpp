@@ -4,12 +4,13 @@
 // question:
 // - loading the workspace folder afresh;
 // - refreshing the status of every asset (one object-status question, as a refresh asks it), with
-//   the depot round trips it costs, and of the first 20,000 of them, the ratio of the two printed
-//   at the end (in wall time; the CPU time is the whole process's, as the depot answers on a
-//   worker thread);
+//   the depot round trips it costs, and the same in a second workspace of 20,000 assets on a depot
+//   of its own, the ratio of the two printed at the end (in wall time; the CPU time is the whole
+//   process's, as the depot answers on a worker thread);
 // - saving 1,000 edited assets.
 // Each is timed once per iteration. Printed at the end: the set-up's time and peak memory, and the
-// process's peak memory while measuring (counted anew after the set-up). On svnserve the submitted
+// process's peak memory while measuring (counted anew after the set-up; both workspaces are open
+// while measuring). On svnserve the submitted
 // assets come from a seed kept in TMPDIR as hbrc-bench-scale-COUNT (built by the first run of a
 // count; delete it to build it anew). Run it with TMPDIR on a real disk to include the save's flush.
 #include <depotworkspace.h>
@@ -24,6 +25,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -34,7 +36,8 @@ using namespace hbrc::host;
 namespace {
 
 constexpr int kEdited = 1000;
-// The smaller refresh, measured in the same run to show how the refresh grows with the assets.
+// The smaller workspace, whose refresh is measured in the same run to show how the refresh grows
+// with the assets.
 constexpr int kSmallerRefresh = 20000;
 
 int assetCount()
@@ -110,14 +113,17 @@ std::unique_ptr<hbrc::bench::SvnSeed> Seed(int count)
     return std::make_unique<hbrc::bench::SvnSeed>(QStringLiteral("hbrc-bench-scale-%1").arg(count), write);
 }
 
-// The depot workspace with its assets created, saved and submitted, built once per run.
+// A depot workspace with its assets created, saved and submitted, built once per count and run.
 class Scene
 {
 public:
-    static Scene& Get()
+    static Scene& Of(int count)
     {
-        static Scene scene;
-        return scene;
+        static std::map<int, std::unique_ptr<Scene>> scenes;
+        std::unique_ptr<Scene>& scene = scenes[count];
+        if (!scene)
+            scene.reset(new Scene(count));
+        return *scene;
     }
 
     hbrc::bench::DepotWorkspace& Depot() { return m_depot; }
@@ -132,9 +138,8 @@ public:
     }
 
 private:
-    Scene() : m_seed(Seed(assetCount())), m_depot(server(), m_seed.get())
+    explicit Scene(int count) : m_seed(Seed(count)), m_depot(server(), m_seed.get())
     {
-        const int count = assetCount();
         if (m_seed)
             m_handles = AssetsInCreationOrder(m_depot.Space(), count);
         else {
@@ -159,7 +164,7 @@ private:
 
 void BM_LoadWorkspace(benchmark::State& state)
 {
-    Scene& scene = Scene::Get();
+    Scene& scene = Scene::Of(assetCount());
     for (auto _ : state) {
         std::string error;
         const auto loaded = Workspace::Open(QString::fromStdString(scene.Depot().Root()), error);
@@ -171,19 +176,15 @@ void BM_LoadWorkspace(benchmark::State& state)
 }
 BENCHMARK(BM_LoadWorkspace)->Unit(benchmark::kMillisecond)->Iterations(3);
 
-// The first `count` assets' status (all of them at the workspace's size), after one refresh that
-// is not timed, so that each timed one finds the status cache filled, as every refresh after a
-// workspace's first does, whichever size runs first.
+// The status of a workspace's every asset, after one refresh that is not timed, so that each timed
+// one finds the status cache filled, as every refresh after a workspace's first does.
 void BM_RefreshStatus(benchmark::State& state)
 {
-    Scene& scene = Scene::Get();
-    const auto count = std::min<std::size_t>(std::size_t(state.range(0)), scene.Assets().size());
-    const kel4::IDataControl::ObjectList assets(scene.Assets().begin(),
-                                                std::next(scene.Assets().begin(), std::ptrdiff_t(count)));
+    Scene& scene = Scene::Of(int(state.range(0)));
     const auto refresh = [&] {
         kel4::List<unsigned> statuses;
         std::string error;
-        if (scene.Depot().Data().GetStatus(assets, true, kel4::closureId::Persistence, true, statuses, error)
+        if (scene.Depot().Data().GetStatus(scene.Assets(), true, kel4::closureId::Persistence, true, statuses, error)
                 .IsFailure())
             state.SkipWithError(error.c_str());
         benchmark::DoNotOptimize(statuses);
@@ -205,7 +206,7 @@ BENCHMARK(BM_RefreshStatus)->Apply(RefreshSizes)->MeasureProcessCPUTime()->Unit(
 
 void BM_SaveEditedAssets(benchmark::State& state)
 {
-    Scene& scene = Scene::Get();
+    Scene& scene = Scene::Of(assetCount());
     for (auto _ : state) {
         state.PauseTiming();
         scene.Edit(int(state.range(0)));
@@ -248,7 +249,9 @@ int main(int argc, char** argv)
     const auto started = std::chrono::steady_clock::now();
     const Scene* scene = nullptr;
     try {
-        scene = &Scene::Get();
+        scene = &Scene::Of(assetCount());
+        if (assetCount() > kSmallerRefresh)
+            Scene::Of(kSmallerRefresh);
     } catch (const std::exception& failure) {  // caught so that the set-up's server stops
         std::fprintf(stderr, "set-up failed: %s\n", failure.what());
         return 1;
