@@ -10,9 +10,9 @@
 // - saving 1,000 edited assets.
 // Each is timed once per iteration. Printed at the end: the set-up's time and peak memory, and the
 // process's peak memory while measuring (counted anew after the set-up; both workspaces are open
-// while measuring). On svnserve the submitted
-// assets come from a seed kept in TMPDIR as hbrc-bench-scale-COUNT (built by the first run of a
-// count; delete it to build it anew). Run it with TMPDIR on a real disk to include the save's flush.
+// while measuring). On svnserve the submitted assets come from a seed kept in TMPDIR as
+// hbrc-bench-scale-COUNT (built by the first run of a count; delete it to build it anew). Run it
+// with TMPDIR on a real disk to include the save's flush.
 #include <depotworkspace.h>
 #include <ratioreporter.h>
 
@@ -176,23 +176,19 @@ void BM_LoadWorkspace(benchmark::State& state)
 }
 BENCHMARK(BM_LoadWorkspace)->Unit(benchmark::kMillisecond)->Iterations(3);
 
-// The status of a workspace's every asset, after one refresh that is not timed, so that each timed
-// one finds the status cache filled, as every refresh after a workspace's first does.
+// The status of a workspace's every asset; the first refresh fills the services' status cache.
 void BM_RefreshStatus(benchmark::State& state)
 {
     Scene& scene = Scene::Of(int(state.range(0)));
-    const auto refresh = [&] {
+    const auto before = scene.Depot().Connection().RoundTrips();
+    for (auto _ : state) {
         kel4::List<unsigned> statuses;
         std::string error;
         if (scene.Depot().Data().GetStatus(scene.Assets(), true, kel4::closureId::Persistence, true, statuses, error)
                 .IsFailure())
             state.SkipWithError(error.c_str());
         benchmark::DoNotOptimize(statuses);
-    };
-    refresh();
-    const auto before = scene.Depot().Connection().RoundTrips();
-    for (auto _ : state)
-        refresh();
+    }
     state.counters["round_trips_per_refresh"] =
         double(scene.Depot().Connection().RoundTrips() - before) / double(state.iterations());
 }
