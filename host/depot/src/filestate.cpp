@@ -64,10 +64,10 @@ std::vector<FileState> readStates(Database& db, const WorkspaceView& workspace, 
             asked.emplace_back(*states[i].key, i);
     }
     std::sort(asked.begin(), asked.end());
-    std::vector<std::string> keys;
+    std::vector<std::string_view> keys;
     keys.reserve(asked.size());
     for (const auto& [key, place] : asked)
-        keys.emplace_back(key);
+        keys.push_back(key);
     Statement select(db, "SELECT a.key, f.head_rev, f.head_deleted, h.rev, o.workspace, o.user, o.action, o.change, "
                          "o.locked FROM json_each(?1) a "
                          "LEFT JOIN files f ON f.path = a.value "
