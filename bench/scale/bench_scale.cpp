@@ -4,13 +4,17 @@
 // question:
 // - loading the workspace folder afresh;
 // - refreshing the status of every asset (one object-status question, as a refresh asks it), with
-//   the depot round trips it costs;
+//   the depot round trips it costs, and the same in a second workspace of 20,000 assets on a depot
+//   of its own, the ratio of the two printed at the end in wall time and in CPU time (the whole
+//   process's, as the embedded depot answers on a worker thread);
 // - saving 1,000 edited assets.
 // Each is timed once per iteration. Printed at the end: the set-up's time and peak memory, and the
-// process's peak memory while measuring (counted anew after the set-up). On svnserve the submitted
-// assets come from a seed kept in TMPDIR as hbrc-bench-scale-COUNT (built by the first run of a
-// count; delete it to build it anew). Run it with TMPDIR on a real disk to include the save's flush.
+// process's peak memory while measuring (counted anew after the set-up; both workspaces are open
+// while measuring). On svnserve the submitted assets come from a seed kept in TMPDIR as
+// hbrc-bench-scale-COUNT (built by the first run of a count; delete it to build it anew). Run it
+// with TMPDIR on a real disk to include the save's flush.
 #include <depotworkspace.h>
+#include <ratioreporter.h>
 #include <scaleassets.h>
 
 #include <benchmark/benchmark.h>
@@ -22,6 +26,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -34,6 +39,9 @@ using hbrc::bench::SaveAll;
 namespace {
 
 constexpr int kEdited = 1000;
+// The smaller workspace, whose refresh is measured in the same run to show how the refresh grows
+// with the assets.
+constexpr int kSmallerRefresh = 20000;
 
 int assetCount()
 {
@@ -74,14 +82,17 @@ std::unique_ptr<hbrc::bench::SvnSeed> Seed(int count)
     return std::make_unique<hbrc::bench::SvnSeed>(hbrc::bench::ScaleSeed(count));
 }
 
-// The depot workspace with its assets created, saved and submitted, built once per run.
+// A depot workspace with its assets created, saved and submitted, built once per count and run.
 class Scene
 {
 public:
-    static Scene& Get()
+    static Scene& Of(int count)
     {
-        static Scene scene;
-        return scene;
+        static std::map<int, std::unique_ptr<Scene>> scenes;
+        std::unique_ptr<Scene>& scene = scenes[count];
+        if (!scene)
+            scene.reset(new Scene(count));
+        return *scene;
     }
 
     hbrc::bench::DepotWorkspace& Depot() { return m_depot; }
@@ -96,9 +107,8 @@ public:
     }
 
 private:
-    Scene() : m_seed(Seed(assetCount())), m_depot(server(), m_seed.get())
+    explicit Scene(int count) : m_seed(Seed(count)), m_depot(server(), m_seed.get())
     {
-        const int count = assetCount();
         if (m_seed)
             m_handles = AssetsInCreationOrder(m_depot.Space(), count);
         else {
@@ -123,7 +133,7 @@ private:
 
 void BM_LoadWorkspace(benchmark::State& state)
 {
-    Scene& scene = Scene::Get();
+    Scene& scene = Scene::Of(assetCount());
     for (auto _ : state) {
         std::string error;
         const auto loaded = Workspace::Open(QString::fromStdString(scene.Depot().Root()), error);
@@ -135,9 +145,10 @@ void BM_LoadWorkspace(benchmark::State& state)
 }
 BENCHMARK(BM_LoadWorkspace)->Unit(benchmark::kMillisecond)->Iterations(3);
 
+// The status of a workspace's every asset; the first refresh fills the services' status cache.
 void BM_RefreshStatus(benchmark::State& state)
 {
-    Scene& scene = Scene::Get();
+    Scene& scene = Scene::Of(int(state.range(0)));
     const auto before = scene.Depot().Connection().RoundTrips();
     for (auto _ : state) {
         kel4::List<unsigned> statuses;
@@ -150,11 +161,17 @@ void BM_RefreshStatus(benchmark::State& state)
     state.counters["round_trips_per_refresh"] =
         double(scene.Depot().Connection().RoundTrips() - before) / double(state.iterations());
 }
-BENCHMARK(BM_RefreshStatus)->Unit(benchmark::kMillisecond)->Iterations(3);
+void RefreshSizes(benchmark::internal::Benchmark* benchmark)
+{
+    benchmark->Arg(assetCount());
+    if (assetCount() > kSmallerRefresh)
+        benchmark->Arg(kSmallerRefresh);
+}
+BENCHMARK(BM_RefreshStatus)->Apply(RefreshSizes)->MeasureProcessCPUTime()->Unit(benchmark::kMillisecond)->Iterations(3);
 
 void BM_SaveEditedAssets(benchmark::State& state)
 {
-    Scene& scene = Scene::Get();
+    Scene& scene = Scene::Of(assetCount());
     for (auto _ : state) {
         state.PauseTiming();
         scene.Edit(int(state.range(0)));
@@ -197,7 +214,9 @@ int main(int argc, char** argv)
     const auto started = std::chrono::steady_clock::now();
     const Scene* scene = nullptr;
     try {
-        scene = &Scene::Get();
+        scene = &Scene::Of(assetCount());
+        if (assetCount() > kSmallerRefresh)
+            Scene::Of(kSmallerRefresh);
     } catch (const std::exception& failure) {  // caught so that the set-up's server stops
         std::fprintf(stderr, "set-up failed: %s\n", failure.what());
         return 1;
@@ -205,7 +224,14 @@ int main(int argc, char** argv)
     const double setUpSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     const double setUpPeak = PeakMemory();
     ResetPeakMemory();
-    benchmark::RunSpecifiedBenchmarks();
+    const auto refreshOf = [](int count) {
+        return "BM_RefreshStatus/" + std::to_string(count) + "/iterations:3/process_time";
+    };
+    const std::string refreshRatio = "refresh t(" + std::to_string(assetCount()) + ") / t(" + std::to_string(kSmallerRefresh) + ")";
+    RatioReporter reporter({{refreshRatio, refreshOf(assetCount()), refreshOf(kSmallerRefresh)},
+                            {refreshRatio + " in the process's CPU time (the client's part on svnserve)",
+                             refreshOf(assetCount()), refreshOf(kSmallerRefresh), RatioReporter::Clock::Cpu}});
+    benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
     std::printf("set-up: %.0f s%s, peak memory %.0f MiB\n", setUpSeconds,
                 server() == hbrc::bench::DepotWorkspace::Server::SvnServe

@@ -4,6 +4,8 @@
 #include <hbrcservices/filepermissions.h>
 #include <hbrcservices/statusrules.h>
 
+#include "filesofobjects.h"
+
 #include <hbrcdatamodel/offlinejournal.h>
 #include <log/log.h>
 
@@ -217,14 +219,10 @@ kelResult DataControl::GetStatus(const ObjectList& objects, bool includeExternal
 {
     if (objects.empty())
         return kel4::kResultEmptyQuery;
-    std::vector<Files> filesPerObject;
-    filesPerObject.reserve(objects.size());
-    Files files;
-    std::unordered_set<std::string> seen;
-    for (const auto& object : objects) {
-        filesPerObject.push_back(FilesOf(object, includeExternalFiles, closure));
-        AppendUnique(filesPerObject.back(), files, seen);
-    }
+    FilesOfObjects asked(objects.size());
+    for (const auto& object : objects)
+        asked.Add(m_model->FilesOf(object, includeExternalFiles, closure));
+    const Files& files = asked.Files();
     std::vector<revision::FileStatus> answered;
     if (auto cached = refresh ? std::nullopt : m_connection->Cache().Lookup(files)) {
         answered = std::move(*cached);
@@ -235,10 +233,9 @@ kelResult DataControl::GetStatus(const ObjectList& objects, bool includeExternal
         if (result.IsFailure())
             return result;
     }
-    const StatusByFile byFile(files, answered);
     statuses.clear();
-    for (const Files& objectFiles : filesPerObject)
-        statuses.push_back(StatusRules::ObjectWord(byFile.Of(objectFiles)));
+    for (std::size_t object = 0; object < asked.ObjectCount(); ++object)
+        statuses.push_back(StatusRules::ObjectWord(asked.StatusesOf(object, answered)));
     return kel4::kResultSuccess;
 }
 

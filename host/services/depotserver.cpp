@@ -252,6 +252,7 @@ revision::Result DepotServer::status(const std::string& ticket, const Files& fil
     const depot::Result result = m_depot.status(ticket, files, answered, cancel);
     if (result.ok()) {
         statuses.clear();
+        statuses.reserve(answered.size());
         for (const depot::FileStatus& status : answered)
             statuses.push_back(StatusOf(status));
     }

@@ -15,6 +15,9 @@ std::chrono::steady_clock::time_point StatusCache::Now() const
 void StatusCache::Store(const std::vector<std::string>& files, const std::vector<revision::FileStatus>& statuses)
 {
     const auto now = Now();
+    // Room for all of them at once: a large first answer would otherwise rehash the entries
+    // again and again as it goes in.
+    m_entries.reserve(files.size());
     for (std::size_t i = 0; i < files.size() && i < statuses.size(); ++i)
         m_entries[files[i]] = Entry{statuses[i], now};
 }

@@ -353,4 +353,31 @@ TEST_F(DepotOperations, StatusAnswersEveryFileInOrderInOneRoundTrip)
     EXPECT_EQ(statuses[3].heldBy[0].action, FileAction::Delete);
 }
 
+// Files of more folders than the status keeps open, asked folder after folder and then all over
+// again: each is examined in its own folder. In every folder "plain.kel" is a file, and "odd.kel"
+// is a folder (which cannot be a workspace file) in the odd-numbered ones and missing elsewhere.
+TEST_F(DepotOperations, StatusExaminesEachFileInItsOwnFolderWhateverTheOrder)
+{
+    constexpr int kFolders = 300;
+    std::vector<std::string> asked;
+    std::vector<std::uint32_t> expected;
+    for (const char* name : {"plain.kel", "odd.kel"}) {
+        for (int folder = 0; folder < kFolders; ++folder) {
+            const std::string file = aliceFile("f" + std::to_string(folder) + "/" + name);
+            const bool plain = std::string(name) == "plain.kel";
+            if (plain)
+                write(file, "x");
+            else if (folder % 2)
+                std::filesystem::create_directories(file);
+            asked.push_back(file);
+            expected.push_back(status::NotInDepot | (!plain && folder % 2 ? status::IoError : 0));
+        }
+    }
+    std::vector<FileStatus> statuses;
+    ok(m_alice->status(m_aliceTicket, asked, statuses));
+    ASSERT_EQ(statuses.size(), asked.size());
+    for (std::size_t i = 0; i < asked.size(); ++i)
+        EXPECT_EQ(statuses[i].word, expected[i]) << asked[i];
+}
+
 }  // namespace

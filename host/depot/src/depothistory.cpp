@@ -39,7 +39,7 @@ std::optional<std::string> scopeOf(const Call& call, const Depot::Files& paths)
             throw outsideWorkspace(call, path);
         keys.push_back(*key);
     }
-    return jsonArrayOf(keys);
+    return jsonArrayOf({keys.begin(), keys.end()});
 }
 
 // The SQL condition that the depot key in `column` lies at or below one of the keys bound as ?N

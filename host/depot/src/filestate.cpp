@@ -1,6 +1,8 @@
 #include "filestate.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 #include "workspaceview.h"
 
@@ -51,17 +53,21 @@ FileState FileStateReader::read(const std::string& localPath)
 std::vector<FileState> readStates(Database& db, const WorkspaceView& workspace, const std::vector<std::string>& localPaths)
 {
     // The keys go in as one JSON array; a row per key and open record comes back, keyed by the
-    // key's place in that array.
+    // key's place in that array. They go in key order, so that each key is looked up next to the
+    // one before it in every index: asked in any other order, a large list would look each one up
+    // on pages the ones before it pushed out of the caches.
     std::vector<FileState> states(localPaths.size());
-    std::vector<std::size_t> asked;
-    std::vector<std::string> keys;
+    std::vector<std::pair<std::string_view, std::size_t>> asked;  // a key and its file's place
     for (std::size_t i = 0; i < localPaths.size(); ++i) {
         states[i].key = workspace.keyOf(localPaths[i]);
-        if (!states[i].key)
-            continue;
-        keys.push_back(*states[i].key);
-        asked.push_back(i);
+        if (states[i].key)
+            asked.emplace_back(*states[i].key, i);
     }
+    std::sort(asked.begin(), asked.end());
+    std::vector<std::string_view> keys;
+    keys.reserve(asked.size());
+    for (const auto& [key, place] : asked)
+        keys.push_back(key);
     Statement select(db, "SELECT a.key, f.head_rev, f.head_deleted, h.rev, o.workspace, o.user, o.action, o.change, "
                          "o.locked FROM json_each(?1) a "
                          "LEFT JOIN files f ON f.path = a.value "
@@ -69,7 +75,7 @@ std::vector<FileState> readStates(Database& db, const WorkspaceView& workspace, 
                          "LEFT JOIN opened o ON o.path = a.value");
     select.bind(1, jsonArrayOf(keys)).bind(2, workspace.name());
     while (select.step()) {
-        FileState& state = states.at(asked.at(static_cast<std::size_t>(select.integer(0))));
+        FileState& state = states.at(asked.at(static_cast<std::size_t>(select.integer(0))).second);
         state.headRevision = select.optionalInteger(1);
         state.headDeleted = select.integer(2) != 0;
         state.haveRevision = select.optionalInteger(3);

@@ -304,10 +304,10 @@ void Transaction::commit()
     m_open = false;
 }
 
-std::string jsonArrayOf(const std::vector<std::string>& texts)
+std::string jsonArrayOf(const std::vector<std::string_view>& texts)
 {
     std::string json = "[";
-    for (const std::string& text : texts) {
+    for (const std::string_view text : texts) {
         if (json.size() > 1)
             json += ',';
         json += '"';

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 struct sqlite3;
@@ -79,7 +80,7 @@ private:
 
 // Texts as one JSON array, so that a statement takes a list of any length as one parameter
 // (through json_each).
-std::string jsonArrayOf(const std::vector<std::string>& texts);
+std::string jsonArrayOf(const std::vector<std::string_view>& texts);
 
 // Rolls back unless commit() was called. Writers take the write lock at once (BEGIN IMMEDIATE)
 // so that two processes never deadlock upgrading read locks.

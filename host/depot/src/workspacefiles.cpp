@@ -135,23 +135,30 @@ bool isReadableFile(const fs::path& path)
 
 TypeProbe::~TypeProbe()
 {
-    if (m_folderFd >= 0)
-        ::close(m_folderFd);
+    for (const auto& [folder, fd] : m_folderFds)
+        if (fd >= 0)
+            ::close(fd);
+}
+
+int TypeProbe::folderFd(std::string_view folder)
+{
+    // A folder that cannot be opened is remembered too, so that it is tried once.
+    m_folder.assign(folder);
+    if (const auto found = m_folderFds.find(m_folder); found != m_folderFds.end())
+        return found->second;
+    if (m_folderFds.size() >= kOpenFolders)
+        return -1;
+    const int fd = ::open(m_folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    m_folderFds.emplace(m_folder, fd);
+    return fd;
 }
 
 bool TypeProbe::hasIoError(const std::string& path)
 {
     const std::size_t slash = path.rfind('/');
-    const std::string_view folder(path.data(), slash == std::string::npos ? 0 : slash);
-    if (!folder.empty() && folder != m_folder) {
-        if (m_folderFd >= 0)
-            ::close(m_folderFd);
-        m_folder = folder;
-        m_folderFd = ::open(m_folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    }
+    const int folder = slash == std::string::npos || slash == 0 ? -1 : folderFd(std::string_view(path).substr(0, slash));
     struct stat info{};
-    const int rc = folder.empty() || m_folderFd < 0 ? ::stat(path.c_str(), &info)
-                                                   : ::fstatat(m_folderFd, path.c_str() + slash + 1, &info, 0);
+    const int rc = folder < 0 ? ::stat(path.c_str(), &info) : ::fstatat(folder, path.c_str() + slash + 1, &info, 0);
     if (rc != 0)
         return errno != ENOENT && errno != ENOTDIR;
     return !S_ISREG(info.st_mode);

@@ -7,6 +7,8 @@
 #include <functional>
 #include <ostream>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 
 namespace hbrc::depot::workspacefiles {
 
@@ -26,9 +28,9 @@ void remove(const std::filesystem::path& path);
 bool isReadableFile(const std::filesystem::path& path);
 
 // Tells of many files whether each cannot be examined or is something other than a regular file (a
-// file that is simply missing is no error), with one stat each: relative to the previous file's
-// folder when the file is in the same one, so that files asked about folder by folder cost no
-// walk along their whole path.
+// file that is simply missing is no error), with one stat each: relative to the file's folder,
+// which stays open for the files after it (up to kOpenFolders folders), so that files asked about
+// in any order of their folders cost no walk along their whole path.
 class TypeProbe
 {
 public:
@@ -40,8 +42,13 @@ public:
     bool hasIoError(const std::string& path);
 
 private:
-    std::string m_folder;
-    int m_folderFd = -1;
+    static constexpr std::size_t kOpenFolders = 128;
+
+    // The open folder, or -1 when it cannot be opened or too many are open already.
+    int folderFd(std::string_view folder);
+
+    std::unordered_map<std::string, int> m_folderFds;
+    std::string m_folder;  // the folder looked up last, kept so that a lookup allocates nothing
 };
 
 }  // namespace hbrc::depot::workspacefiles
