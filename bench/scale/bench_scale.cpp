@@ -88,12 +88,16 @@ class Scene
 public:
     static Scene& Of(int count)
     {
-        static std::map<int, std::unique_ptr<Scene>> scenes;
-        std::unique_ptr<Scene>& scene = scenes[count];
+        std::unique_ptr<Scene>& scene = Scenes()[count];
         if (!scene)
             scene.reset(new Scene(count));
         return *scene;
     }
+
+    // Ends every scene, with its server, while the Subversion client library still runs: its exit
+    // handler is registered by the first scene's connection, so it would run before the scenes of
+    // a static map made earlier are destroyed.
+    static void EndAll() { Scenes().clear(); }
 
     hbrc::bench::DepotWorkspace& Depot() { return m_depot; }
     const kel4::IDataControl::ObjectList& Assets() const { return m_assets; }
@@ -107,6 +111,12 @@ public:
     }
 
 private:
+    static std::map<int, std::unique_ptr<Scene>>& Scenes()
+    {
+        static std::map<int, std::unique_ptr<Scene>> scenes;
+        return scenes;
+    }
+
     explicit Scene(int count) : m_seed(Seed(count)), m_depot(server(), m_seed.get())
     {
         if (m_seed)
@@ -219,6 +229,7 @@ int main(int argc, char** argv)
             Scene::Of(kSmallerRefresh);
     } catch (const std::exception& failure) {  // caught so that the set-up's server stops
         std::fprintf(stderr, "set-up failed: %s\n", failure.what());
+        Scene::EndAll();
         return 1;
     }
     const double setUpSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
@@ -239,5 +250,6 @@ int main(int argc, char** argv)
                     : "",
                 setUpPeak);
     std::printf("peak memory: %.0f MiB\n", PeakMemory());
+    Scene::EndAll();
     return 0;
 }
