@@ -3,6 +3,7 @@
 #include "relatedholds.h"
 #include "statuschange.h"
 
+#include <hbrcdatamodel/backgroundrelease.h>
 #include <hbrcdatamodel/workspace.h>
 #include <kel4/revisionstatus.h>
 
@@ -103,11 +104,11 @@ void AssetBrowserModel::setWorkspace(host::Workspace* workspace)
         return;
     m_question.reset();  // it was about the other workspace's assets
     m_questionSlices->stop();
-    m_answer.reset();
     m_answerSlices->stop();
     beginResetModel();
     m_workspace = workspace;
-    m_rows.clear();
+    // Freeing 100,000 rows and an answer still being applied to them would hold the UI thread.
+    host::BackgroundRelease::Instance().Free(std::make_pair(std::exchange(m_rows, {}), std::exchange(m_answer, nullptr)));
     endResetModel();
     reload();
 }

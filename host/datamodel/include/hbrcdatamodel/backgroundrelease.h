@@ -27,9 +27,9 @@ namespace hbrc::host {
 class HBRC_DATAMODEL_EXPORT BackgroundRelease
 {
 public:
-    // Room for the two bulks of a workspace (its store, its library) while the worker frees the
-    // one closed before it.
-    static constexpr std::size_t kMostWaiting = 2;
+    // Room for the bulks of a closed workspace (the browser's rows, the store, the library) while
+    // the worker frees the one closed before it.
+    static constexpr std::size_t kMostWaiting = 3;
 
     static BackgroundRelease& Instance();
 
