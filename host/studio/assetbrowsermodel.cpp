@@ -108,7 +108,8 @@ void AssetBrowserModel::setWorkspace(host::Workspace* workspace)
     beginResetModel();
     m_workspace = workspace;
     // Freeing 100,000 rows and an answer still being applied to them would hold the UI thread.
-    host::BackgroundRelease::Instance().Free(std::make_pair(std::exchange(m_rows, {}), std::exchange(m_answer, nullptr)));
+    host::BackgroundRelease::Instance().Free(
+        std::make_pair(std::exchange(m_rows, {}), std::exchange(m_answer, nullptr)));
     endResetModel();
     reload();
 }
@@ -330,7 +331,8 @@ int AssetBrowserModel::rowOf(const KELHandleBase& asset) const
     if (!m_workspace || asset.IsNull())
         return -1;
     const std::uint32_t slot = m_workspace->Model().SlotOf(asset);
-    const auto found = std::find_if(m_rows.begin(), m_rows.end(), [slot](const std::unique_ptr<Row>& row) { return row->slot == slot; });
+    const auto found =
+        std::find_if(m_rows.begin(), m_rows.end(), [slot](const std::unique_ptr<Row>& row) { return row->slot == slot; });
     return found == m_rows.end() ? -1 : int(found - m_rows.begin());
 }
 
@@ -341,7 +343,8 @@ std::string AssetBrowserModel::idAt(int row) const
 
 int AssetBrowserModel::rowOfId(const std::string& id) const
 {
-    const auto found = std::find_if(m_rows.begin(), m_rows.end(), [&id](const std::unique_ptr<Row>& row) { return row->id == id; });
+    const auto found =
+        std::find_if(m_rows.begin(), m_rows.end(), [&id](const std::unique_ptr<Row>& row) { return row->id == id; });
     return found == m_rows.end() ? -1 : int(found - m_rows.begin());
 }
 
