@@ -13,12 +13,13 @@
 namespace hbrc::host {
 
 // Frees the bulk storage of a closed workspace (the object store's slots and tables, the item
-// library's tables) on a worker thread: hundreds of thousands of small heap blocks take the UI
-// thread well over a hundred milliseconds to free at 100,000 assets.
+// library's tables, a host's rows of it) on a worker thread: hundreds of thousands of small heap
+// blocks take the UI thread well over a hundred milliseconds to free at 100,000 assets.
 //
-// Hand over only plain data that nothing else can reach any more: no reference-counted objects,
-// handles or Qt objects that the plug-in or the services share, since the worker destroys what
-// it is given without any lock of theirs. Bulks are freed in the order they are handed over; at
+// Hand over only data that nothing else can reach any more, or whose sharing counts atomically
+// (implicitly shared Qt values, std::shared_ptr): no handles, KELPtr-counted objects or QObjects
+// that the plug-in or the services use, since the worker destroys what it is given without any
+// lock of theirs. Bulks are freed in the order they are handed over; at
 // most kMostWaiting wait for the worker, and handing over one more waits until the worker takes
 // the next, so that quick open/close cycles cannot pile up the memory of closed workspaces.
 //
